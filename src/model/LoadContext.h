@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace LibraryBrowser {
+
+class ErrorHolder;
+class Node;
+
+// The id table of one load: maps the ids stored in a document to the nodes
+// made for them. References may point forward, so they are bound only after
+// every node of the document exists.
+class LoadContext {
+public:
+    using Binder = std::function<void(const std::vector<Node*>& targets)>;
+
+    // False if the document already used this id.
+    bool addNode(unsigned storedId, Node* node);
+    // The node made for a stored id, or null.
+    Node* findNode(unsigned storedId) const;
+
+    // Id 0 stands for "no node" and is bound to null without complaint.
+    void deferReference(const std::string& where, std::vector<unsigned> storedIds, Binder binder);
+    // Binds every deferred reference. An id the document never defined binds
+    // to null (dropped from lists) and adds an error naming it.
+    void bindReferences(ErrorHolder& errors);
+
+private:
+    struct Pending {
+        std::string where;
+        std::vector<unsigned> ids;
+        Binder binder;
+    };
+    std::unordered_map<unsigned, Node*> m_nodes;
+    std::vector<Pending> m_pending;
+};
+
+} // namespace LibraryBrowser

@@ -1,0 +1,207 @@
+#include "model/Serializer.h"
+
+#include "model/LoadContext.h"
+#include "model/MetaModel.h"
+#include "model/Model.h"
+#include "platform/ErrorHolder.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QSaveFile>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+namespace LibraryBrowser {
+
+namespace {
+
+std::string utf8(QStringView text)
+{
+    const QByteArray bytes = text.toUtf8();
+    return std::string(bytes.constData(), std::size_t(bytes.size()));
+}
+
+std::string position(const std::string& origin, const QXmlStreamReader& reader)
+{
+    return origin + ":" + std::to_string(reader.lineNumber()) + ":" + std::to_string(reader.columnNumber())
+        + ": ";
+}
+
+// Node classes by element name; a handful of entries, so a scan is fastest.
+class TypeTable {
+public:
+    TypeTable()
+    {
+        for (const auto& meta : MetaModel::instance().metaNodes())
+            m_entries.push_back({QString::fromStdString(meta->typeName().str()), meta->typeName()});
+    }
+    // The empty id for an unknown name.
+    StringId find(QStringView name) const
+    {
+        for (const auto& e : m_entries)
+            if (e.name == name)
+                return e.id;
+        return StringId();
+    }
+
+private:
+    struct Entry {
+        QString name;
+        StringId id;
+    };
+    std::vector<Entry> m_entries;
+};
+
+} // namespace
+
+bool Serializer::loadFromFile(Model& model, const std::string& path, ErrorHolder& errors)
+{
+    QFile file(QString::fromStdString(path));
+    if (!file.open(QIODevice::ReadOnly)) {
+        errors.addError("Unable to open manifest " + path + ": " + file.errorString().toStdString());
+        return false;
+    }
+    return load(model, file, path, errors);
+}
+
+bool Serializer::loadFromByteArray(Model& model, const QByteArray& bytes, ErrorHolder& errors)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return load(model, buffer, "<manifest data>", errors);
+}
+
+bool Serializer::load(Model& model, QIODevice& device, const std::string& origin, ErrorHolder& errors)
+{
+    static const TypeTable types;
+    const std::size_t errorsBefore = errors.errors().size();
+    QXmlStreamReader reader(&device);
+    LoadContext context;
+
+    if (!reader.readNextStartElement()) {
+        errors.addError(position(origin, reader)
+                        + (reader.hasError() ? reader.errorString().toStdString() : "Empty document"));
+        return false;
+    }
+    if (reader.name() != QLatin1String(rootElementName())) {
+        errors.addError(position(origin, reader) + "Not a manifest: the root element is '"
+                        + utf8(reader.name()) + "'");
+        return false;
+    }
+
+    while (reader.readNextStartElement()) {
+        const StringId typeName = types.find(reader.name());
+        TandrilObjectImpl* node = typeName.isEmpty() ? nullptr : model.createNode(typeName);
+        if (!node) {
+            errors.addError(position(origin, reader) + "Unknown node type '" + utf8(reader.name()) + "'");
+            return false;
+        }
+        const MetaNode& meta = node->metaNode();
+        bool hasId = false;
+        std::size_t hint = 0;
+        for (const QXmlStreamAttribute& attribute : reader.attributes()) {
+            const QStringView name = attribute.name();
+            if (name == QLatin1String("id")) {
+                bool ok = false;
+                const unsigned storedId = attribute.value().toUInt(&ok);
+                if (!ok || storedId == 0 || !context.addNode(storedId, node)) {
+                    errors.addError(position(origin, reader) + "Invalid or repeated node id '"
+                                    + utf8(attribute.value()) + "'");
+                    return false;
+                }
+                hasId = true;
+                continue;
+            }
+            const PropertyBase* property = meta.findProperty(name, hint);
+            if (!property) {
+                errors.addError(position(origin, reader) + "Unknown property '" + utf8(name) + "' of "
+                                + typeName.str());
+                return false;
+            }
+            std::string reason;
+            if (!property->setPropFromString(*node, utf8(attribute.value()), context, reason)) {
+                errors.addError(position(origin, reader) + reason + " of " + typeName.str());
+                return false;
+            }
+        }
+        if (!hasId) {
+            errors.addError(position(origin, reader) + typeName.str() + " without an id");
+            return false;
+        }
+        reader.skipCurrentElement();
+    }
+    if (reader.hasError()) {
+        errors.addError(position(origin, reader) + reader.errorString().toStdString());
+        return false;
+    }
+    context.bindReferences(errors);
+    return errors.errors().size() == errorsBefore;
+}
+
+bool Serializer::saveToFile(const Model& model, const std::string& path, ErrorHolder& errors, int options)
+{
+    // Written aside and renamed into place, so a reader never sees half a file.
+    QSaveFile file(QString::fromStdString(path));
+    if (!file.open(QIODevice::WriteOnly)) {
+        errors.addError("Unable to write manifest " + path + ": " + file.errorString().toStdString());
+        return false;
+    }
+    write(model, file, options);
+    if (!file.commit()) {
+        errors.addError("Unable to write manifest " + path + ": " + file.errorString().toStdString());
+        return false;
+    }
+    return true;
+}
+
+QByteArray Serializer::saveToByteArray(const Model& model, int options)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    write(model, buffer, options);
+    return bytes;
+}
+
+void Serializer::write(const Model& model, QIODevice& device, int options)
+{
+    QXmlStreamWriter writer(&device);
+    writer.setAutoFormatting(true);
+    writer.setAutoFormattingIndent(options == Model::Indented ? 2 : 0);
+    writer.writeStartDocument();
+    writer.writeStartElement(QLatin1String(rootElementName()));
+    writer.writeAttribute(QLatin1String("format"), QString::number(formatVersion()));
+    writer.writeAttribute(QLatin1String("signature"), QString::fromStdString(model.signature().toString()));
+    writer.writeAttribute(QLatin1String("domain"), QString::fromStdString(Node::getDomain().str()));
+    for (const TandrilObjectImpl* node : model.getNodes()) {
+        const MetaNode& meta = node->metaNode();
+        writer.writeEmptyElement(QString::fromStdString(meta.typeName().str()));
+        writer.writeAttribute(QLatin1String("id"), QString::number(node->id()));
+        for (const auto& property : meta.properties()) {
+            if (property->hasDefaultValue(*node))
+                continue;
+            writer.writeAttribute(QString::fromStdString(property->name().str()),
+                                  QString::fromStdString(property->getPropAsString(*node)));
+        }
+    }
+    writer.writeEndElement();
+    writer.writeEndDocument();
+}
+
+Signature Serializer::getModelSignatureFromByteArray(const QByteArray& bytes, ErrorHolder& errors)
+{
+    QXmlStreamReader reader(bytes);
+    if (!reader.readNextStartElement()) {
+        errors.addError(reader.hasError() ? "Unable to read the signature: " + reader.errorString().toStdString()
+                                          : std::string("Unable to read the signature: empty document"));
+        return Signature();
+    }
+    const QStringView text = reader.attributes().value(QLatin1String("signature"));
+    const Signature signature = Signature::fromString(utf8(text));
+    if (signature.isNull())
+        errors.addError("The document carries no valid signature");
+    return signature;
+}
+
+} // namespace LibraryBrowser

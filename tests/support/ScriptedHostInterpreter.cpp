@@ -1,0 +1,60 @@
+#include "support/ScriptedHostInterpreter.h"
+
+namespace LibraryBrowser::Testing {
+
+std::string ScriptedHostInterpreter::Call::operation() const
+{
+    return !inputs.empty() && inputs.front().isString() ? inputs.front().toString() : std::string();
+}
+
+void ScriptedHostInterpreter::on(const std::string& key, Handler handler)
+{
+    m_handlers[key] = std::move(handler);
+}
+
+void ScriptedHostInterpreter::answer(const std::string& key, std::vector<HostValue> outputs)
+{
+    on(key, [outputs](int, const std::vector<HostValue>&) {
+        CallResult r;
+        r.ok = true;
+        r.outputs = outputs;
+        return r;
+    });
+}
+
+void ScriptedHostInterpreter::fail(const std::string& key, const std::string& message)
+{
+    on(key, [message](int, const std::vector<HostValue>&) {
+        CallResult r;
+        r.errorMessage = message;
+        return r;
+    });
+}
+
+HostInterpreter::CallResult ScriptedHostInterpreter::callWithTrap(const std::string& function, int outputCount,
+                                                                  const std::vector<HostValue>& inputs)
+{
+    Call call{function, outputCount, inputs};
+    m_calls.push_back(call);
+    const std::string op = call.operation();
+    auto it = op.empty() ? m_handlers.end() : m_handlers.find(function + ":" + op);
+    if (it == m_handlers.end())
+        it = m_handlers.find(function);
+    if (it == m_handlers.end()) {
+        CallResult r;
+        r.errorMessage = "Undefined function '" + function + "'";
+        return r;
+    }
+    return it->second(outputCount, inputs);
+}
+
+std::size_t ScriptedHostInterpreter::callCount(const std::string& key) const
+{
+    std::size_t n = 0;
+    for (const Call& c : m_calls)
+        if (c.function == key || c.function + ":" + c.operation() == key)
+            ++n;
+    return n;
+}
+
+} // namespace LibraryBrowser::Testing
