@@ -67,6 +67,9 @@ void Model::removeAllNodes()
 {
     m_nodes.clear();
     m_owned.clear();
+    // Nothing can refer to the old ids any more; a reloaded model numbers its
+    // nodes as the document did.
+    m_nextId = 1;
 }
 
 bool Model::load(const std::string& path, ErrorHolder& errors)

@@ -1,0 +1,61 @@
+#include "frame/MessageCatalogue.h"
+#include "frame/Messages.h"
+#include "platform/MessageService.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+using namespace LibraryBrowser;
+
+class MessagesTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { MessageService::instance().addPrimaryTable(MessageCatalogue::table()); }
+};
+
+TEST_F(MessagesTest, CatalogueNumbersRowsFromTheFacility)
+{
+    const MessageTable& table = MessageCatalogue::table();
+    ASSERT_EQ(table.count, 128u);
+    EXPECT_EQ(table.facility, 0x5Eu);
+    EXPECT_EQ(table.numbers[0], 0x5E0001u);
+    EXPECT_EQ(table.numbers[127], 0x5E0080u);
+    EXPECT_STREQ(table.names[0], "TDLB_Error1");
+    EXPECT_STREQ(table.names[127], "TDLB_CycleInPalette");
+    EXPECT_EQ(table.texts[3], nullptr) << "row 4 is reserved";
+    EXPECT_STREQ(table.names[3], "");
+    for (std::uint32_t row = 1; row <= 128; ++row) {
+        EXPECT_EQ(table.numbers[row - 1], 0x5E0000u + row);
+        if (row != 4) {
+            EXPECT_NE(table.texts[row - 1], nullptr) << "row " << row;
+        }
+    }
+    EXPECT_EQ(MessageId::TDLB_GuiStatusBarSearchResults, 0x5E005Bu);
+}
+
+TEST_F(MessagesTest, LooksUpAndFormatsByFullNumber)
+{
+    EXPECT_EQ(Messages::xlatedMessageFromId(0x5E0002), "Tandril Library Browser");
+    EXPECT_EQ(Messages::xlatedMessageFromId(MessageId::TDLB_GuiLibraryBrowserShortTitle), "Library Browser");
+    EXPECT_EQ(Messages::xlatedMessageFromId(0x5E0004), "") << "reserved row";
+    EXPECT_EQ(Messages::xlatedMessageFromId(0x5F0001), "") << "other facility";
+    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, "Tandril/Sources"),
+              "Loading: Tandril/Sources");
+    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStarAndThreeInts(MessageId::TDLB_GuiStatusBarSearchResults,
+                                                                   "gain", 2, 3, 17),
+              "Matches for 'gain'    2 blocksets    3 subsystems    17 blocks");
+    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStarAndThreeIntsAndCharStar(
+                  MessageId::TDLB_GuiStatusBarSearchResultsNowSearching, "gain", 1, 0, 4, "Tandril"),
+              "Matches for 'gain'    1 blocksets    0 subsystems    4 blocks    Searching Tandril");
+}
+
+TEST_F(MessagesTest, FormattedTextIsCutAt4095Characters)
+{
+    const std::string longName(5000, 'x');
+    const std::string text = Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, longName);
+    EXPECT_EQ(text.size(), 4095u);
+    EXPECT_EQ(text.substr(0, 9), "Loading: ");
+
+    const std::string fits(4095 - std::strlen("Loading: "), 'y');
+    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, fits).size(), 4095u);
+}

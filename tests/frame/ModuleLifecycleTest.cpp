@@ -1,0 +1,109 @@
+#include "frame/MessageCatalogue.h"
+#include "frame/Module.h"
+#include "frame/ModuleEntry.h"
+#include "frame/TDLBApp.h"
+#include "gui/StandaloneBrowser.h"
+#include "platform/HostClass.h"
+#include "platform/HostPackage.h"
+#include "platform/Platform.h"
+#include "support/RecordingHost.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+using namespace LibraryBrowser;
+using Testing::RecordingEnvironment;
+using Testing::RecordingHostFramework;
+
+// The module's state is process-wide and moves one way, so the whole life of
+// the module is one test, in the order a host drives it.
+TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
+{
+    RecordingHostFramework host;
+    RecordingEnvironment environment("/opt/numora", "/home/user/.numora");
+    Platform::setFramework(&host);
+    Platform::setEnvironment(&environment);
+
+    ASSERT_FALSE(Module::isInitialized());
+    ASSERT_EQ(Module::application(), nullptr);
+
+    // A host may load the application before it initialises the module.
+    load_td_lib_browse_application();
+    ASSERT_NE(Module::application(), nullptr);
+    TDLBApp* first = Module::application();
+    ASSERT_EQ(first->localClasses().size(), 1u);
+    EXPECT_EQ(first->localClasses().front()->name(), "StandaloneBrowser");
+    EXPECT_EQ(first->getName(), "LibraryBrowser");
+    EXPECT_FALSE(first->isDynamic());
+
+    NRInitialize_td_lib_browse();
+    EXPECT_TRUE(Module::isInitialized());
+    EXPECT_EQ(host.events, (std::vector<std::string>{"initializeDesignTools", "loadToolkitBridge qt",
+                                                     "addMessageTable 5E 128", "addPackage Repository"}));
+    EXPECT_EQ(first->localClasses().size(), 1u) << "the class is registered once";
+    EXPECT_EQ(environment.rootQueries, 1) << "the start fills the host root once";
+    EXPECT_TRUE(host.shutdownRegistry().contains("TDLibBrowse"));
+    ASSERT_EQ(host.packages().size(), 1u);
+    EXPECT_EQ(host.packages().front()->name(), "Repository");
+
+    NRInitialize_td_lib_browse();
+    EXPECT_EQ(host.events.size(), 4u) << "a second start does nothing";
+    EXPECT_EQ(host.shutdownRegistry().size(), 1u);
+
+    // The application can be rebuilt, but the new one gets no classes.
+    delete first;
+    EXPECT_EQ(Module::application(), nullptr);
+    TDLBApp& second = Module::getApplication();
+    load_td_lib_browse_application();
+    EXPECT_TRUE(second.localClasses().empty());
+    HostClass probe("Probe");
+    probe.setInterfaceLoaded(true);
+    second.addLocalClass(&probe);
+    second.setClassLoaded(true);
+
+    // The host's exit sequence closes the window through the shutdown object.
+    StandaloneBrowser::getInstance();
+    ASSERT_TRUE(StandaloneBrowser::hasInstance());
+    EXPECT_TRUE(host.shutdownRegistry().runExitSequence());
+    EXPECT_FALSE(StandaloneBrowser::hasInstance());
+
+    host.events.clear();
+    NRTerminate_td_lib_browse();
+    EXPECT_TRUE(Module::isTerminated());
+    EXPECT_EQ(host.events, (std::vector<std::string>{"removeApplication LibraryBrowser", "removePackage Repository",
+                                                     "terminateDesignTools"}));
+    EXPECT_FALSE(second.isClassLoaded());
+    EXPECT_FALSE(probe.isInterfaceLoaded()) << "every class's interface mark is cleared";
+    EXPECT_FALSE(host.shutdownRegistry().contains("TDLibBrowse"));
+    EXPECT_TRUE(host.packages().empty());
+
+    host.events.clear();
+    NRTerminate_td_lib_browse();
+    NRInitialize_td_lib_browse();
+    EXPECT_TRUE(host.events.empty()) << "after the end the module cannot be brought up again";
+
+    Platform::setFramework(nullptr);
+    Platform::setEnvironment(nullptr);
+}
+
+TEST(ModuleEntry, ExportsAnEmptyFunctionListAndVersionStrings)
+{
+    const ModuleFunction* functions = QueryNRFcns_td_lib_browse();
+    ASSERT_NE(functions, nullptr);
+    EXPECT_EQ(functions[0].name, nullptr);
+    EXPECT_EQ(QueryNRFcnTable_td_lib_browse()->functions, functions);
+
+    int dots = 0;
+    for (const char* c = libtd_lib_browse_version; *c; ++c) {
+        if (*c == '.')
+            ++dots;
+        else
+            EXPECT_TRUE(*c >= '0' && *c <= '9') << libtd_lib_browse_version;
+    }
+    EXPECT_EQ(dots, 3) << "four dotted numbers";
+    // "Mmm dd yyyy", the day padded with a blank.
+    ASSERT_EQ(std::strlen(libtd_lib_browse_build_date), 11u);
+    EXPECT_EQ(libtd_lib_browse_build_date[3], ' ');
+    EXPECT_EQ(libtd_lib_browse_build_date[6], ' ');
+}

@@ -1,0 +1,95 @@
+#include "platform/HostValue.h"
+#include "platform/ShutdownRegistry.h"
+#include "platform/StringId.h"
+
+#include <gtest/gtest.h>
+
+#include <unordered_set>
+
+using namespace LibraryBrowser;
+
+TEST(StringId, EqualTextGivesIdenticalIdAndHash)
+{
+    const std::string text = "Tandril/Sources/Sine Wave";
+    StringId a(text);
+    StringId b(std::string("Tandril/Sources/") + "Sine Wave");
+    EXPECT_EQ(a, b);
+    EXPECT_EQ(a.c_str(), b.c_str()) << "interned ids share one text";
+    EXPECT_EQ(a.hash(), b.hash());
+    EXPECT_NE(a, StringId("Tandril/Sources/Sine wave"));
+
+    std::unordered_set<StringId> set{a, b, StringId("other")};
+    EXPECT_EQ(set.size(), 2u);
+}
+
+TEST(StringId, DefaultIsTheEmptyId)
+{
+    EXPECT_TRUE(StringId().isEmpty());
+    EXPECT_EQ(StringId(), StringId(""));
+    EXPECT_EQ(StringId(static_cast<const char*>(nullptr)), StringId());
+}
+
+TEST(HostValue, KindsAndAccessors)
+{
+    const HostValue s = HostValue::string("abc");
+    EXPECT_TRUE(s.isString());
+    EXPECT_EQ(s.toString(), "abc");
+    EXPECT_EQ(s.toStringList(), std::vector<std::string>{"abc"});
+
+    const HostValue m = HostValue::doubleMatrix(1, 4, {10, 20, 30, 40});
+    EXPECT_EQ(m.numberOfElements(), 4u);
+    EXPECT_DOUBLE_EQ(m.scalar(), 10);
+    EXPECT_EQ(m.doubles()[3], 40);
+
+    const HostValue shortMatrix = HostValue::doubleMatrix(2, 2, {1});
+    EXPECT_EQ(shortMatrix.doubles().size(), 4u) << "a matrix always holds rows*columns values";
+
+    EXPECT_DOUBLE_EQ(HostValue::logicalScalar(true).scalar(), 1.0);
+    EXPECT_TRUE(HostValue().isEmpty());
+    EXPECT_TRUE(HostValue::string("").isEmpty());
+
+    HostValue cells = HostValue::cellOfStrings({"a", "b"});
+    cells.setCell(5, HostValue::string("ignored: out of range"));
+    EXPECT_EQ(cells.toStringList(), (std::vector<std::string>{"a", "b"}));
+    EXPECT_TRUE(cells.cell(7).isEmpty()) << "out-of-range cells read as empty";
+    EXPECT_EQ(cells, HostValue::cellOfStrings({"a", "b"}));
+    EXPECT_NE(cells, HostValue::cellOfStrings({"a", "c"}));
+}
+
+namespace {
+struct Probe : ShutdownObject {
+    Probe(std::string name, std::vector<std::string>& log, bool ok = true)
+        : ShutdownObject(std::move(name)), m_log(log), m_ok(ok) {}
+    ~Probe() override { m_log.push_back("destroyed " + name()); }
+    bool isOkToExit() override { return m_ok; }
+    bool prepareToExit() override { m_log.push_back("prepare " + name()); return true; }
+    void terminate() override { m_log.push_back("terminate " + name()); }
+    std::vector<std::string>& m_log;
+    bool m_ok;
+};
+} // namespace
+
+TEST(ShutdownRegistry, RunsStagesInOrderAndHonoursAVeto)
+{
+    std::vector<std::string> log;
+    {
+        ShutdownRegistry registry;
+        registry.registerObject(std::make_unique<Probe>("a", log));
+        registry.registerObject(std::make_unique<Probe>("b", log));
+        EXPECT_TRUE(registry.runExitSequence());
+        EXPECT_EQ(log, (std::vector<std::string>{"prepare a", "prepare b", "terminate a", "terminate b"}));
+
+        log.clear();
+        registry.unregisterObject("a");
+        EXPECT_EQ(log, std::vector<std::string>{"destroyed a"});
+        EXPECT_FALSE(registry.contains("a"));
+        registry.unregisterObject("never registered");
+        EXPECT_EQ(registry.size(), 1u);
+
+        log.clear();
+        registry.registerObject(std::make_unique<Probe>("veto", log, false));
+        EXPECT_FALSE(registry.runExitSequence());
+        EXPECT_TRUE(log.empty()) << "nothing is prepared when an object vetoes the exit";
+    }
+    EXPECT_EQ(log.size(), 2u) << "the registry destroys what it still owns";
+}
