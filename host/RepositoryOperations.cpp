@@ -1,0 +1,330 @@
+#include "RepositoryOperations.h"
+
+#include "BlockPath.h"
+#include "IconRenderer.h"
+#include "TdBlocksParser.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cstdio>
+
+namespace LibraryBrowser::Host {
+
+namespace {
+constexpr const char* invalidFile = "Tandril:Host:InvalidFile";
+constexpr const char* badArguments = "Tandril:Host:BadArguments";
+
+const char* typeText(BlockType type)
+{
+    switch (type) {
+    case BlockType::SubSystem: return "SubSystem";
+    case BlockType::LibraryRef: return "LibraryRef";
+    case BlockType::Block: break;
+    }
+    return "Block";
+}
+
+HostValue cellOfCells(const std::vector<std::vector<std::string>>& lists)
+{
+    HostValue cell = HostValue::cellArray(lists.empty() ? 0 : 1, lists.size());
+    for (std::size_t i = 0; i < lists.size(); ++i)
+        cell.setCell(i, HostValue::cellOfStrings(lists[i]));
+    return cell;
+}
+
+HostValue row(const std::vector<double>& values)
+{
+    return HostValue::doubleMatrix(1, values.size(), values);
+}
+
+bool writeFile(const QString& path, const QByteArray& bytes)
+{
+    std::FILE* file = std::fopen(QFile::encodeName(path).constData(), "wb");
+    if (!file)
+        return false;
+    const bool written = std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file)
+                         == static_cast<std::size_t>(bytes.size());
+    return std::fclose(file) == 0 && written;
+}
+} // namespace
+
+bool RepositoryOperations::isOperation(const std::string& name)
+{
+    return name == "lb_getTdBlocksData" || name == "lb_getChildrenHandles" || name == "lb_getBlockData"
+        || name == "lb_getLibraryData" || name == "lb_createSubSystemIcons" || name == "rmdir";
+}
+
+RepositoryOperations::CallResult RepositoryOperations::call(const std::string& operation, int outputCount,
+                                                            const std::vector<HostValue>& inputs)
+{
+    CallArguments args("tdprivate " + operation, inputs, 1);
+    if (operation == "rmdir")
+        return removeDirectory(outputCount, args);
+    if (operation == "lb_getTdBlocksData")
+        return getTdBlocksData(outputCount, args);
+    if (operation == "lb_getChildrenHandles")
+        return getChildrenHandles(outputCount, args);
+    if (operation == "lb_getBlockData")
+        return getBlockData(outputCount, args);
+    if (operation == "lb_getLibraryData")
+        return getLibraryData(outputCount, args);
+    return createSubSystemIcons(outputCount, args);
+}
+
+RepositoryOperations::CallResult RepositoryOperations::reportFailure(HostLogSink* report, const std::string& id,
+                                                                     const std::string& message)
+{
+    if (report)
+        report->logError(id, message);
+    return CallArguments::failure(id, message);
+}
+
+RepositoryOperations::CallResult RepositoryOperations::getTdBlocksData(int outputCount, CallArguments& args)
+{
+    HostLogSink* report = args.report(0);
+    std::vector<std::string> given;
+    if (args.has(1) && !args.strings(1, given))
+        return reportFailure(report, badArguments, args.error());
+    QStringList directories;
+    for (const std::string& directory : given)
+        directories << QDir::cleanPath(QDir(QString::fromStdString(directory)).absolutePath());
+    if (directories.isEmpty())
+        directories = m_path.directories();
+
+    std::vector<TdBlocksEntry> entries;
+    for (const QString& directory : directories) {
+        const QString file = directory + QLatin1Char('/') + QLatin1String(TdBlocksParser::fileName);
+        if (!QFileInfo::exists(file))
+            continue;
+        FileIssue issue;
+        // A bad file leaves out its own entries only: failing the whole call
+        // would make every product look uninstalled.
+        if (!TdBlocksParser::parse(file, m_path.root(), entries, issue) && report)
+            report->logError(invalidFile, issue.toString());
+    }
+
+    std::vector<std::string> names, libraries, repositories, treeIcons, panelIcons, types;
+    std::vector<double> flags;
+    std::vector<std::vector<std::string>> children, dependencies;
+    for (const TdBlocksEntry& entry : entries) {
+        names.push_back(entry.productName);
+        libraries.push_back(entry.library);
+        repositories.push_back(entry.repositoryDirectory);
+        flags.push_back(entry.flag ? 1.0 : 0.0);
+        treeIcons.push_back(entry.treeIcon);
+        panelIcons.push_back(entry.panelIcon);
+        types.push_back(entry.type == EntryType::Palette ? "Palette" : "Product");
+        children.push_back(entry.children);
+        dependencies.push_back(entry.dependencies);
+    }
+    return CallArguments::success("tdprivate lb_getTdBlocksData", outputCount,
+                                  {HostValue::cellOfStrings(names), HostValue::cellOfStrings(libraries),
+                                   HostValue::cellOfStrings(repositories), row(flags),
+                                   HostValue::cellOfStrings(treeIcons), HostValue::cellOfStrings(panelIcons),
+                                   HostValue::cellOfStrings(types), cellOfCells(children), cellOfCells(dependencies)});
+}
+
+BlockTree::NodeId RepositoryOperations::nodeOfInput(CallArguments& args, std::size_t index, FileIssue& issue)
+{
+    if (args.has(index) && args.value(index).isDouble()) {
+        double handle = 0;
+        if (!args.scalar(index, handle)) {
+            issue.message = QString::fromStdString(args.error());
+            return BlockTree::none;
+        }
+        const BlockTree::NodeId id = m_tree.nodeOfHandle(handle);
+        if (id == BlockTree::none)
+            issue.message = QStringLiteral("%1 is not a block handle of this host").arg(handle);
+        return id;
+    }
+    std::string path;
+    if (!args.string(index, path)) {
+        issue.message = QString::fromStdString(args.error());
+        return BlockTree::none;
+    }
+    return m_tree.nodeAtPath(path, issue);
+}
+
+RepositoryOperations::CallResult RepositoryOperations::getChildrenHandles(int outputCount, CallArguments& args)
+{
+    HostLogSink* report = args.report(0);
+    FileIssue issue;
+    const BlockTree::NodeId id = nodeOfInput(args, 1, issue);
+    std::vector<BlockTree::NodeId> children;
+    if (id == BlockTree::none || !m_tree.children(id, children, issue))
+        return reportFailure(report, invalidFile, "lb_getChildrenHandles: " + issue.toString());
+    std::vector<double> handles;
+    handles.reserve(children.size());
+    for (BlockTree::NodeId child : children)
+        handles.push_back(BlockTree::handleOf(child));
+    return CallArguments::success("tdprivate lb_getChildrenHandles", outputCount, {row(handles)});
+}
+
+RepositoryOperations::CallResult RepositoryOperations::getBlockData(int outputCount, CallArguments& args)
+{
+    HostLogSink* report = args.report(0);
+    double handle = 0;
+    if (!args.scalar(1, handle))
+        return reportFailure(report, badArguments, args.error());
+    const BlockTree::NodeId id = m_tree.nodeOfHandle(handle);
+    if (id == BlockTree::none || !m_tree.node(id).record)
+        return reportFailure(report, badArguments,
+                             "lb_getBlockData: " + std::to_string(handle) + " is not a block handle of this host");
+    const BlockRecord& block = *m_tree.node(id).record;
+    std::string description = block.description;
+    std::string referenceLibrary, referencePath;
+    if (block.type == BlockType::LibraryRef) {
+        FileIssue issue;
+        const BlockTree::NodeId target = m_tree.resolveReference(id, issue);
+        if (target == BlockTree::none)
+            return reportFailure(report, invalidFile, "lb_getBlockData: " + issue.toString());
+        referenceLibrary = m_tree.libraryOf(target);
+        referencePath = m_tree.pathOf(target);
+        if (!block.hasDescription) {
+            const BlockTree::Node& targetNode = m_tree.node(target);
+            description = targetNode.record ? targetNode.record->description : targetNode.document->description;
+        }
+    }
+    const BlockPosition& p = block.position;
+    return CallArguments::success("tdprivate lb_getBlockData", outputCount,
+                                  {HostValue::string(BlockPath::escape(block.name)), HostValue::string(description),
+                                   row({p.left, p.top, p.right, p.bottom}), HostValue::string(typeText(block.type)),
+                                   HostValue::string(referenceLibrary), HostValue::string(referencePath)});
+}
+
+RepositoryOperations::CallResult RepositoryOperations::getLibraryData(int outputCount, CallArguments& args)
+{
+    HostLogSink* report = args.report(0);
+    std::string path;
+    if (!args.string(1, path))
+        return reportFailure(report, badArguments, args.error());
+    const std::string library = BlockPath::split(path).front();
+    const QString file = m_catalog.fileOf(library);
+    const QFileInfo info(file);
+    if (file.isEmpty() || !info.isFile())
+        return reportFailure(report, invalidFile,
+                             "lb_getLibraryData: no library \"" + library + "\" on the path");
+    HostValue fileSpec = HostValue::cellArray(1, 1);
+    fileSpec.setCell(0, HostValue::string(SearchPath::fileSpec(m_path.root(), file)));
+    return CallArguments::success("tdprivate lb_getLibraryData", outputCount,
+                                  {fileSpec, HostValue::doubleScalar(static_cast<double>(info.size())),
+                                   HostValue::doubleScalar(
+                                       static_cast<double>(info.lastModified().toSecsSinceEpoch()))});
+}
+
+BlockTree::NodeId RepositoryOperations::childAtPath(BlockTree::NodeId container, const std::string& containerPath,
+                                                    const std::string& path, FileIssue& issue)
+{
+    // The children of one container come together; looking each up in the
+    // container keeps a call for thousands of children linear.
+    if (path.size() > containerPath.size() + 1 && path.compare(0, containerPath.size(), containerPath) == 0
+        && path[containerPath.size()] == '/') {
+        const std::vector<std::string> rest = BlockPath::split(path.substr(containerPath.size() + 1));
+        if (rest.size() == 1 && !rest.front().empty()) {
+            const BlockTree::NodeId child = m_tree.childNamed(container, rest.front());
+            if (child != BlockTree::none)
+                return child;
+        }
+    }
+    return m_tree.nodeAtPath(path, issue);
+}
+
+bool RepositoryOperations::iconOf(BlockTree::NodeId id, QByteArray& svg, FileIssue& issue)
+{
+    const BlockTree::Node& node = m_tree.node(id);
+    if (!node.record) {
+        svg = IconRenderer::render(IconSpec{IconShape::Rounded, {}, 0, 0, {}}, node.document->name,
+                                   BlockType::SubSystem, BlockPosition{0, 0, 60, 50});
+        return true;
+    }
+    const BlockRecord& block = *node.record;
+    IconSpec icon = block.icon;
+    if (block.type == BlockType::LibraryRef && !block.hasIcon) {
+        const BlockTree::NodeId target = m_tree.resolveReference(id, issue);
+        if (target == BlockTree::none)
+            return false;
+        if (const BlockRecord* targetRecord = m_tree.node(target).record)
+            icon = targetRecord->icon;
+    }
+    svg = IconRenderer::render(icon, block.name, block.type, block.position);
+    return true;
+}
+
+RepositoryOperations::CallResult RepositoryOperations::createSubSystemIcons(int outputCount, CallArguments& args)
+{
+    HostLogSink* report = args.report(0);
+    std::string parentPath;
+    std::vector<std::string> childPaths, files;
+    if (!args.string(1, parentPath) || !args.strings(2, childPaths) || !args.strings(3, files))
+        return reportFailure(report, badArguments, args.error());
+    if (childPaths.size() != files.size())
+        return reportFailure(report, badArguments,
+                             "lb_createSubSystemIcons: " + std::to_string(childPaths.size()) + " children but "
+                                 + std::to_string(files.size()) + " file names");
+    FileIssue issue;
+    BlockTree::NodeId container = m_tree.nodeAtPath(parentPath, issue);
+    if (container != BlockTree::none && m_tree.node(container).record
+        && m_tree.node(container).record->type == BlockType::LibraryRef)
+        container = m_tree.resolveReference(container, issue);
+    if (container == BlockTree::none)
+        return reportFailure(report, invalidFile, "lb_createSubSystemIcons: " + issue.toString());
+
+    // Every icon is drawn before the first file is written: a bad child
+    // leaves the disk as it was.
+    std::vector<QByteArray> icons(childPaths.size());
+    for (std::size_t i = 0; i < childPaths.size(); ++i) {
+        const BlockTree::NodeId child = childAtPath(container, parentPath, childPaths[i], issue);
+        if (child == BlockTree::none || !iconOf(child, icons[i], issue))
+            return reportFailure(report, invalidFile, "lb_createSubSystemIcons: " + issue.toString());
+    }
+    QString madeDirectory;
+    std::string failed;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const QString file = QString::fromStdString(files[i]);
+        const QString directory = QFileInfo(file).absolutePath();
+        if (directory != madeDirectory) {
+            QDir().mkpath(directory);
+            madeDirectory = directory;
+        }
+        if (!writeFile(file, icons[i])) {
+            failed = "lb_createSubSystemIcons: cannot write the icon file " + files[i];
+            if (report)
+                report->logError("Tandril:Host:WriteFailed", failed);
+        }
+    }
+    if (!failed.empty())
+        return CallArguments::failure("Tandril:Host:WriteFailed", failed);
+    return CallArguments::success("tdprivate lb_createSubSystemIcons", outputCount, {});
+}
+
+RepositoryOperations::CallResult RepositoryOperations::removeDirectory(int outputCount, CallArguments& args)
+{
+    std::string path;
+    std::string mode;
+    if (!args.string(0, path) || (args.has(1) && !args.string(1, mode)))
+        return args.failure(badArguments);
+    const auto answer = [&](bool ok, const std::string& message, const std::string& id) {
+        return CallArguments::success("tdprivate rmdir", outputCount,
+                                      {HostValue::logicalScalar(ok), HostValue::string(message),
+                                       HostValue::string(id)});
+    };
+    const QFileInfo info(QString::fromStdString(path));
+    if (path.empty() || !info.isDir())
+        return answer(false, "No directory " + path + " to remove.", "Tandril:Host:rmdir:NotFound");
+    const QString target = QDir::cleanPath(info.absoluteFilePath());
+    const QString root = QDir::cleanPath(m_path.root());
+    // Never the host's own tree nor anything that holds it.
+    if (target == QDir::rootPath() || root == target || root.startsWith(target + QLatin1Char('/')))
+        return answer(false, "Refusing to remove " + path + ", which holds the host root.",
+                      "Tandril:Host:rmdir:Refused");
+    QDir directory(target);
+    const bool removed = mode == "s" ? directory.removeRecursively() : directory.rmdir(target);
+    if (!removed)
+        return answer(false, "Could not remove " + path + (mode == "s" ? "." : ": it is not empty."),
+                      "Tandril:Host:rmdir:Failed");
+    return answer(true, std::string(), std::string());
+}
+
+} // namespace LibraryBrowser::Host

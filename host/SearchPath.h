@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <string>
+
+namespace LibraryBrowser::Host {
+
+// The directories the host searches for tdblocks.json and library files:
+// the given ones in their order, then every directory below the root that
+// holds a tdblocks.json, sorted. The first one on the path wins.
+class SearchPath {
+public:
+    static constexpr const char* librarySuffix = ".tdlib.json";
+
+    SearchPath(QString root, QStringList given);
+
+    const QString& root() const { return m_root; }
+    const QStringList& directories() const { return m_directories; }
+    // Scans the root again, for directories added since.
+    void refresh();
+    // The first file for the library on the path, or empty.
+    QString findLibraryFile(const std::string& library) const;
+
+    static QString libraryFileName(const std::string& library);
+    // How the host names a file to the module: relative to the root when it
+    // lies below it, else absolute.
+    static std::string fileSpec(const QString& root, const QString& file);
+
+private:
+    QString m_root;
+    QStringList m_given;
+    QStringList m_directories;
+};
+
+} // namespace LibraryBrowser::Host

@@ -1,0 +1,177 @@
+#include "WindowCommands.h"
+
+#include <QDir>
+#include <QString>
+
+#include <algorithm>
+
+namespace LibraryBrowser::Host {
+
+namespace {
+constexpr const char* commandFailed = "Tandril:Host:CommandFailed";
+constexpr const char* badArguments = "Tandril:Host:BadArguments";
+
+const char* commands[] = {"open_system",
+                          "save_system",
+                          "private_td_is_system_loaded",
+                          "private_td_new_system",
+                          "private_td_add_block",
+                          "private_td_drop_block",
+                          "private_td_get_current_open_mdl",
+                          "private_td_sys_name_under_mouse",
+                          "private_td_open_block_dialog",
+                          "private_td_close_block_dialogs",
+                          "private_td_show_block_help",
+                          "uiopen",
+                          "tdhelp",
+                          "docroot",
+                          "helpview"};
+
+std::vector<std::string> textsOf(const std::vector<HostValue>& inputs)
+{
+    std::vector<std::string> texts;
+    for (const HostValue& input : inputs) {
+        if (input.isString()) {
+            texts.push_back(input.toString());
+        } else if (input.isDouble()) {
+            std::string numbers;
+            for (double d : input.doubles())
+                numbers += (numbers.empty() ? "" : " ") + QString::number(d).toStdString();
+            texts.push_back("[" + numbers + "]");
+        } else {
+            texts.push_back("<value>");
+        }
+    }
+    return texts;
+}
+} // namespace
+
+bool WindowCommands::isCommand(const std::string& name)
+{
+    return std::any_of(std::begin(commands), std::end(commands), [&](const char* c) { return name == c; });
+}
+
+WindowCommands::CallResult WindowCommands::call(const std::string& command, int outputCount,
+                                                const std::vector<HostValue>& inputs)
+{
+    m_log.record(command, textsOf(inputs));
+    CallArguments args(command, inputs, 0);
+    if (command == "open_system")
+        return openSystem(outputCount, args);
+    if (command == "save_system")
+        return saveSystem(outputCount, args);
+    if (command == "private_td_is_system_loaded") {
+        std::string name;
+        if (!args.string(0, name))
+            return args.failure(badArguments);
+        return CallArguments::success(command, outputCount, {HostValue::doubleScalar(m_systems.isLoaded(name))});
+    }
+    if (command == "private_td_new_system") {
+        std::string type;
+        if (!args.string(0, type) || (type != "Model" && type != "Library"))
+            return CallArguments::failure(badArguments, command + ": argument 1 must be \"Model\" or \"Library\"");
+        const std::string name = m_systems.newSystem(type == "Model" ? SystemType::Model : SystemType::Library);
+        return CallArguments::success(command, outputCount, {HostValue::string(name)});
+    }
+    if (command == "private_td_add_block" || command == "private_td_drop_block")
+        return addBlock(command, outputCount, args);
+    if (command == "private_td_get_current_open_mdl")
+        return currentOpenSystem(outputCount);
+    if (command == "private_td_sys_name_under_mouse")
+        return CallArguments::success(command, outputCount, {HostValue::string(m_systemUnderMouse)});
+    if (command == "private_td_close_block_dialogs") {
+        m_dialogs.clear();
+        return CallArguments::success(command, outputCount, {});
+    }
+    if (command == "private_td_open_block_dialog" || command == "private_td_show_block_help")
+        return blockCommand(command, outputCount, args);
+    if (command == "docroot")
+        return CallArguments::success(command, outputCount,
+                                      {HostValue::string(QDir(QString::fromStdString(m_root))
+                                                             .filePath(QStringLiteral("help"))
+                                                             .toStdString())});
+    // uiopen, tdhelp and helpview would show a window; the record is all.
+    return CallArguments::success(command, outputCount, {});
+}
+
+WindowCommands::CallResult WindowCommands::showPreferences(int outputCount)
+{
+    m_log.record("tdprivate", {"showprefs"});
+    return CallArguments::success("tdprivate showprefs", outputCount, {});
+}
+
+WindowCommands::CallResult WindowCommands::openSystem(int outputCount, CallArguments& args)
+{
+    std::string path, mode;
+    if (!args.string(0, path) || (args.has(1) && !args.string(1, mode)))
+        return args.failure(badArguments);
+    if (!mode.empty() && mode != "loadOnly")
+        return CallArguments::failure(badArguments, "open_system: argument 2 must be \"loadOnly\"");
+    std::string error;
+    if (!m_systems.open(path, mode == "loadOnly", error))
+        return CallArguments::failure(commandFailed, error);
+    return CallArguments::success("open_system", outputCount, {});
+}
+
+WindowCommands::CallResult WindowCommands::saveSystem(int outputCount, CallArguments& args)
+{
+    std::string name, file;
+    if (!args.string(0, name) || (args.has(1) && !args.string(1, file)))
+        return args.failure(badArguments);
+    std::string error;
+    if (!m_systems.save(name, QString::fromStdString(file), error))
+        return CallArguments::failure(commandFailed, "save_system: " + error);
+    return CallArguments::success("save_system", outputCount, {});
+}
+
+WindowCommands::CallResult WindowCommands::addBlock(const std::string& command, int outputCount,
+                                                    CallArguments& args)
+{
+    std::string source, destination;
+    if (!args.string(0, source) || !args.string(1, destination))
+        return args.failure(badArguments);
+    std::optional<SystemRegistry::Point> at;
+    if (command == "private_td_drop_block") {
+        std::vector<double> point;
+        if (!args.row(2, 2, point))
+            return args.failure(badArguments);
+        at = SystemRegistry::Point{point[0], point[1]};
+    }
+    std::string added, error;
+    if (!m_systems.addBlock(source, destination, at, added, error))
+        return CallArguments::failure(commandFailed, command + ": " + error);
+    return CallArguments::success(command, outputCount, {});
+}
+
+WindowCommands::CallResult WindowCommands::currentOpenSystem(int outputCount)
+{
+    const OpenSystem* system = m_systems.current();
+    if (!system)
+        return CallArguments::success("private_td_get_current_open_mdl", outputCount,
+                                      {HostValue::string(""), HostValue::string(""), HostValue::logicalScalar(false)});
+    return CallArguments::success("private_td_get_current_open_mdl", outputCount,
+                                  {HostValue::string(system->name),
+                                   HostValue::string(system->type == SystemType::Library ? "Library" : "Model"),
+                                   HostValue::logicalScalar(system->locked)});
+}
+
+WindowCommands::CallResult WindowCommands::blockCommand(const std::string& command, int outputCount,
+                                                        CallArguments& args)
+{
+    std::string path, kind;
+    if (!args.string(0, path))
+        return args.failure(badArguments);
+    if (command == "private_td_open_block_dialog") {
+        if (!args.string(1, kind))
+            return args.failure(badArguments);
+        if (kind != "default" && kind != "params")
+            return CallArguments::failure(badArguments, command + ": argument 2 must be \"default\" or \"params\"");
+    }
+    if (!m_systems.blockExists(path))
+        return CallArguments::failure(commandFailed, command + ": no block \"" + path + "\"");
+    if (!kind.empty())
+        m_dialogs.push_back({path, kind});
+    return CallArguments::success(command, outputCount, {});
+}
+
+} // namespace LibraryBrowser::Host
