@@ -1,0 +1,42 @@
+#pragma once
+
+#include "model/FileInfo.h"
+
+#include <QByteArray>
+
+#include <cstdint>
+#include <string>
+
+namespace LibraryBrowser {
+
+class Model;
+class RepositoryReport;
+
+// File work of the repository store. Paths are UTF-8. Nothing here throws;
+// what goes wrong is said in the report.
+
+// Modification time in seconds since the epoch; 0 for a missing file.
+std::uint64_t fileDate(const std::string& path);
+// Whether the file exists. On the build account it is asked again for a
+// while, since another process may be writing the file.
+bool fileExists(const std::string& path);
+// Date and size of a file given relative to the host's root (or absolute);
+// zeros, and an error, for anything but an existing regular file. The
+// checksum is left empty: it is costly and computed where needed.
+FileInfo fileInfoOf(RepositoryReport& report, const std::string& fileSpec);
+// The whole-file MD5, written as the sixteen byte values in decimal without
+// padding; the empty string, and an error, if the file can't be read. The
+// file is read in chunks, so its size doesn't matter.
+std::string computeCheckSum(RepositoryReport& report, const std::string& path);
+// The checked copy: replaces the destination, making its directory if
+// needed. False, and an error, on any failure.
+bool copyFile(RepositoryReport& report, const std::string& source, const std::string& destination);
+// Whether the process runs as the automated build account; decided once.
+bool isAutomatedBuildUser();
+// Waits for about count milliseconds.
+void pause(int count);
+// Reads a manifest into the model within one change set. Empty bytes do
+// nothing. False, and an error, if the bytes are not a manifest.
+bool loadManifestFromBytes(RepositoryReport& report, Model& model, const QByteArray& bytes);
+
+} // namespace LibraryBrowser

@@ -1,0 +1,91 @@
+#include "repository/xmlrepository/TempDirectories.h"
+
+#include "platform/HostInterpreter.h"
+#include "platform/Platform.h"
+#include "repository/RepositoryReport.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHash>
+#include <QUuid>
+
+namespace LibraryBrowser {
+
+namespace {
+
+// Sanitised name -> directory name; entries are never removed.
+QHash<QString, QString>& tempDirectoryNames()
+{
+    static QHash<QString, QString> names;
+    return names;
+}
+
+} // namespace
+
+std::string namedTempDirectory(RepositoryReport& report, const std::string& name, bool create)
+{
+    const QString base = QDir::tempPath();
+    if (!QFileInfo(base).isDir()) {
+        report.logError("Unable to find the operating system temporary directory");
+        return std::string();
+    }
+    const QString key = QString::fromStdString(sanitizeName(name));
+    auto entry = tempDirectoryNames().find(key);
+    if (entry == tempDirectoryNames().end()) {
+        QString unique = QUuid::createUuid().toString();
+        unique.remove(QLatin1Char('}')).remove(QLatin1Char('{')).remove(QLatin1Char('-'));
+        entry = tempDirectoryNames().insert(key, key + unique);
+    }
+    const QString path = QDir(base).absolutePath() + QLatin1Char('/') + entry.value();
+    if (create && !QFileInfo::exists(path) && !QDir().mkpath(path)) {
+        report.logError("Unable to create a temporary directory");
+        return std::string();
+    }
+    return path.toStdString();
+}
+
+std::string tempDirectory(RepositoryReport& report, int number)
+{
+    return namedTempDirectory(report, "LBwriter" + std::to_string(number), true);
+}
+
+std::string cacheTempDirectory(RepositoryReport& report, int number)
+{
+    return namedTempDirectory(report, "LBCache" + std::to_string(number), true);
+}
+
+std::string topLevelTempDirectory(RepositoryReport& report, int number)
+{
+    return namedTempDirectory(report, "LBTop" + std::to_string(number), true);
+}
+
+void removeTempDirectory(RepositoryReport& report, int number)
+{
+    removeNamedTempDirectory(report, "LBwriter" + std::to_string(number));
+}
+
+void removeNamedTempDirectory(RepositoryReport& report, const std::string& name)
+{
+    removeDirectory(report, namedTempDirectory(report, name, false));
+}
+
+void removeDirectory(RepositoryReport& report, const std::string& path)
+{
+    if (path.empty() || !QFileInfo::exists(QString::fromStdString(path)))
+        return;
+    report.log("Removing temporary directory " + path);
+    const HostInterpreter::CallResult result = Platform::interpreter().callWithTrap(
+        "tdprivate", 3, {HostValue::string("rmdir"), HostValue::string(path), HostValue::string("s")});
+    if (!result.ok) {
+        report.logError("Failed to call 'rmdir' on the temporary directory " + path);
+        return;
+    }
+    const bool removed = !result.outputs.empty() && result.outputs[0].scalar() != 0;
+    if (!removed) {
+        report.logError("Unable to remove temporary directory. The following error occurred:");
+        report.logError(result.outputs.size() > 1 ? result.outputs[1].toString() : std::string());
+    }
+}
+
+} // namespace LibraryBrowser

@@ -1,0 +1,296 @@
+#include "repository/xmlrepository/XMLRepository.h"
+
+#include "model/Model.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTextStream>
+
+#include <set>
+#include <unordered_map>
+
+namespace LibraryBrowser {
+
+namespace {
+
+const char* const BlocksDirectory = "toolbox/tandril/blocks";
+
+QString qs(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+QString shippedManifestDate(const std::string& shippedTop)
+{
+    return QFileInfo(qs(shippedTop)).lastModified().toString(Qt::TextDate);
+}
+
+std::string blocksDirectory(RepositoryReport& report, const std::string& store, bool create)
+{
+    const std::string directory = store + "/" + BlocksDirectory;
+    if (create && !QDir().mkpath(qs(directory)))
+        report.logError("Unable to create top level manifest directory " + directory);
+    return directory;
+}
+
+} // namespace
+
+XMLRepository::XMLRepository()
+    : m_report(RepositoryReport::create()),
+      m_writableDirectory(writableRepositoryDirectory(*m_report)),
+      m_shippedDirectory(shippedRepositoryDirectory())
+{
+    buildParts();
+}
+
+XMLRepository::XMLRepository(const std::string& writableDirectory, const std::string& shippedDirectory,
+                             const std::vector<std::string>& hostPathList)
+    : m_report(RepositoryReport::create()),
+      m_writableDirectory(writableDirectory),
+      m_shippedDirectory(shippedDirectory),
+      m_hostPathList(hostPathList)
+{
+    const QString writable = qs(m_writableDirectory);
+    if (!QFileInfo::exists(writable) && !QDir().mkpath(writable))
+        m_report->logWarning("Unable to create preference directory");
+    buildParts();
+}
+
+void XMLRepository::buildParts()
+{
+    m_report->logToConsoleInteractively(false);
+    m_shippedReader = std::make_shared<XMLRepositoryReader>(m_shippedDirectory, m_report);
+    m_writableReader = std::make_shared<XMLRepositoryReader>(m_writableDirectory, m_report);
+    m_writer = std::make_shared<XMLRepositoryWriter>(m_writableDirectory, m_report, m_hostPathList);
+}
+
+std::string XMLRepository::getTopLevelManifestFile(RepositoryReport& report, const std::string& store, bool create)
+{
+    return blocksDirectory(report, store, create) + "/" + "lb" + "toplevel" + "manifest.xml";
+}
+
+std::string XMLRepository::getTopLevelTokenFile(RepositoryReport& report, const std::string& store, bool create)
+{
+    return blocksDirectory(report, store, create) + "/.topLevelManifestToken";
+}
+
+bool XMLRepository::waitForFile(const std::string& path)
+{
+    return fileExists(path);
+}
+
+bool XMLRepository::exists()
+{
+    return m_shippedReader->exists();
+}
+
+bool XMLRepository::isProductUpToDate(const LibraryImpl& product, bool ignoreTimestamp)
+{
+    return m_writableReader->isProductUpToDate(product, ignoreTimestamp) ||
+           m_shippedReader->isProductUpToDate(product, ignoreTimestamp);
+}
+
+ProductRecordList XMLRepository::getAllProducts()
+{
+    return getMergedProducts();
+}
+
+void XMLRepository::generateRepository(GenerationMode mode)
+{
+    if (mode == GenerationMode::Regenerate) {
+        m_writer->generateRepository(mode);
+    } else {
+        for (const ProductRecord& product : getProducts())
+            generateProduct(*product.library, mode);
+    }
+    forgetTopLevelManifests();
+}
+
+void XMLRepository::generateProduct(const LibraryImpl& product, GenerationMode mode)
+{
+    if (m_shippedReader->isProductUpToDate(product, mode == GenerationMode::IgnoreTimestamp))
+        return;
+    m_writer->generateProduct(product, mode);
+    forgetTopLevelManifests();
+}
+
+void XMLRepository::updateProducts()
+{
+    syncTopLevelManifest();
+    m_writer->updateProducts();
+    forgetTopLevelManifests();
+}
+
+void XMLRepository::destroyRepository()
+{
+    const std::string token = getTopLevelTokenFile(*m_report, m_writableDirectory, false);
+    if (QFile::exists(qs(token)))
+        QFile::remove(qs(token));
+    m_writer->destroyRepository();
+    forgetTopLevelManifests();
+}
+
+void XMLRepository::destroyProduct(const LibraryImpl& product)
+{
+    m_writer->destroyProduct(product);
+    forgetTopLevelManifests();
+}
+
+void XMLRepository::forgetTopLevelManifests()
+{
+    m_writableReader->forgetTopLevelManifest();
+}
+
+bool XMLRepository::regenerateShippedStore()
+{
+    const bool echo = m_report->isLoggingToConsole();
+    m_report->logToConsoleInteractively(true);
+    m_report->log("The Numora shipped repository is out of date or doesn't exists.");
+    m_report->log("This should only happen in Ostrel sandboxes. Trying to regenerate it.");
+    {
+        XMLRepositoryWriter shippedWriter(m_shippedDirectory, m_report);
+        shippedWriter.destroyRepository();
+        shippedWriter.generateRepository();
+    }
+    m_shippedReader->forgetTopLevelManifest();
+    const bool regenerated = !m_report->hasError();
+    if (!regenerated)
+        m_report->logError("Unable to generate the numora repository.");
+    m_report->logToConsoleInteractively(echo);
+    return regenerated;
+}
+
+void XMLRepository::syncTopLevelManifest()
+{
+    m_report->log("Syncing the top level manifest to the writable disk aera, if necessary");
+
+    const std::string current = Model::createModel()->signature().toString();
+    const std::string rootVersion = m_shippedReader->version();
+    const bool rootExists = m_shippedReader->exists();
+    if (current != rootVersion || !rootExists) {
+        if (isAutomatedBuildUser()) {
+            // A build machine must never ship without the store. The host
+            // offers no fatal assertion, so the stop is an error that ends
+            // the synchronisation before any token work.
+            m_report->log(std::string("Numora root exists: ") + (rootExists ? "true" : "false"));
+            m_report->log("Numora root model version: " + rootVersion);
+            m_report->logError("repository/xmlrepository/XMLRepository:137: Forced Assertion: "
+                               "The repository should always exists in Kiln");
+            return;
+        }
+        if (!regenerateShippedStore())
+            return;
+    }
+
+    const std::string shippedTop = getTopLevelManifestFile(*m_report, m_shippedDirectory, true);
+    const std::string writableTop = getTopLevelManifestFile(*m_report, m_writableDirectory, true);
+    const std::string token = getTopLevelTokenFile(*m_report, m_writableDirectory, true);
+    QFile tokenFile(qs(token));
+
+    // A token without a manifest means nothing.
+    if (!QFile::exists(qs(writableTop)) && tokenFile.exists())
+        tokenFile.remove();
+
+    if (tokenFile.exists()) {
+        QString line;
+        if (tokenFile.open(QIODevice::ReadOnly | QIODevice::Text)) {
+            line = QTextStream(&tokenFile).readLine();
+            tokenFile.close();
+        }
+        if (line != shippedManifestDate(shippedTop))
+            tokenFile.remove();
+    }
+
+    if (!tokenFile.exists()) {
+        destroyRepository();
+        if (copyFile(*m_report, shippedTop, writableTop)) {
+            // A copy of a read-only file is read-only.
+            QFile::setPermissions(qs(writableTop), QFile::permissions(qs(writableTop)) | QFileDevice::WriteOwner |
+                                                       QFileDevice::WriteUser);
+        }
+        if (!tokenFile.open(QIODevice::ReadWrite | QIODevice::Text | QIODevice::Truncate)) {
+            m_report->logError("Unable to open token file " + token);
+        } else {
+            QTextStream(&tokenFile) << shippedManifestDate(shippedTop);
+            tokenFile.close();
+        }
+        forgetTopLevelManifests();
+    }
+}
+
+XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const LibraryImpl& product)
+{
+    if (m_writableReader->isProductUpToDate(product))
+        return m_writableReader;
+    if (!m_shippedReader->isProductUpToDate(product)) {
+        copyProductArchives(*m_report, *m_writableReader, *m_shippedReader, product);
+        emit preGenerateProduct(product.getDisplayName());
+        m_writer->generateProduct(product, GenerationMode::Minimal);
+        forgetTopLevelManifests();
+        emit postGenerateProduct(product.getDisplayPath());
+    }
+    return m_writableReader->isProductUpToDate(product) ? m_writableReader : m_shippedReader;
+}
+
+void XMLRepository::copyProductArchives(RepositoryReport& report, XMLRepositoryReader& writableReader,
+                                        XMLRepositoryReader& shippedReader, const LibraryImpl& product)
+{
+    if (shippedReader.version() != Model::createModel()->signature().toString()) {
+        report.logWarning("Unable to use the numoraroot repository. It was generated with an older version of "
+                          "the data model.");
+        return;
+    }
+    const std::string shippedIcons = shippedReader.directory() + "/" + product.getReposIconsArchiveSpec();
+    const std::string writableIcons = writableReader.directory() + "/" + product.getReposIconsArchiveSpec();
+    const std::string shippedManifests = shippedReader.directory() + "/" + product.getReposManifestsArchiveSpec();
+    const std::string writableManifests = writableReader.directory() + "/" + product.getReposManifestsArchiveSpec();
+    if (QFile::exists(qs(writableIcons)) && QFile::exists(qs(writableManifests)))
+        return;
+    if (QFile::exists(qs(shippedIcons)) && QFile::exists(qs(shippedManifests))) {
+        copyFile(report, shippedIcons, writableIcons);
+        copyFile(report, shippedManifests, writableManifests);
+    }
+}
+
+ProductRecordList XMLRepository::getMergedProducts()
+{
+    std::unordered_map<std::string, ProductRecord> shipped;
+    for (const ProductRecord& record : m_shippedReader->getAllProducts())
+        shipped[record.library->getPath()] = record;
+
+    ProductRecordList merged;
+    for (const ProductRecord& writable : m_writableReader->getAllProducts()) {
+        const auto found = shipped.find(writable.library->getPath());
+        // A difference means the shipped product changed after the writable
+        // copy took it over: the shipped one is the newer.
+        if (found == shipped.end() ||
+            found->second.library->getLastModified() == writable.library->getShadowedLastModified())
+            merged.push_back(writable);
+        else
+            merged.push_back(found->second);
+    }
+    return merged;
+}
+
+ProductRecordList XMLRepository::getMergedProductsAndDependencies()
+{
+    const ProductRecordList products = getMergedProducts();
+    ProductRecordList result = products;
+    std::set<std::string> listed;
+    for (const ProductRecord& record : products)
+        listed.insert(record.library->getUniquePath().str());
+    // One level only: a dependency's own dependencies are not followed.
+    for (const ProductRecord& record : products) {
+        for (LibraryImpl* dependency : record.library->getDependencies()) {
+            if (listed.insert(dependency->getUniquePath().str()).second)
+                result.push_back({record.manifest, dependency});
+        }
+    }
+    return result;
+}
+
+} // namespace LibraryBrowser

@@ -1,0 +1,159 @@
+#include "repository/RepositoryReport.h"
+
+#include "platform/HostValue.h"
+#include "platform/Platform.h"
+#include "support/RecordingHost.h"
+
+#include <gtest/gtest.h>
+
+
+namespace LibraryBrowser {
+namespace {
+
+using Issue = RepositoryReport::Issue;
+
+TEST(RepositoryReportTest, LinesCarryIndentationAndPrefixes)
+{
+    RepositoryReport report;
+    report.log("top");
+    report.indentation = 2;
+    report.log("nested");
+    report.logWarning("W:id", "careful");
+    report.logError("E:id", "broken");
+    report.indentation = -3;
+    report.log("below zero");
+
+    const std::vector<std::string> lines(report.getLog().begin(), report.getLog().end());
+    const std::vector<std::string> expected = {
+        "Action: top\n",
+        "    Action: nested\n",
+        "**Warning**   careful\n",
+        "??? **Error**   broken\n",
+        "Action: below zero\n",
+    };
+    EXPECT_EQ(lines, expected);
+    EXPECT_EQ(report.getWarnings(), (std::vector<Issue>{{"W:id", "careful"}}));
+    EXPECT_EQ(report.getErrors(), (std::vector<Issue>{{"E:id", "broken"}}));
+}
+
+TEST(RepositoryReportTest, OneArgumentFormsUseInternalIds)
+{
+    RepositoryReport report;
+    report.logError("bad");
+    report.logWarning("odd");
+    EXPECT_EQ(report.getErrors().front().id, "InternalError");
+    EXPECT_EQ(report.getWarnings().front().id, "InternalWarning");
+}
+
+TEST(RepositoryReportTest, LevelDropsLinesButStillRaisesFlags)
+{
+    RepositoryReport silent(0);
+    silent.log("gone");
+    silent.logWarning("w", "gone");
+    silent.logError("e", "gone");
+    EXPECT_TRUE(silent.getLog().empty());
+    EXPECT_TRUE(silent.getWarnings().empty());
+    EXPECT_TRUE(silent.getErrors().empty());
+    EXPECT_TRUE(silent.hasWarning());
+    EXPECT_TRUE(silent.hasError());
+
+    // Level 2 keeps depths 0 and 1 only.
+    RepositoryReport shallow(2);
+    for (int depth = 0; depth < 4; ++depth) {
+        shallow.indentation = depth;
+        shallow.log("depth " + std::to_string(depth));
+    }
+    ASSERT_EQ(shallow.getLog().size(), 2u);
+    EXPECT_EQ(shallow.getLog().back(), "  Action: depth 1\n");
+}
+
+TEST(RepositoryReportTest, LogKeepsTheNewestThousandLines)
+{
+    RepositoryReport report;
+    for (int i = 0; i < 1001; ++i)
+        report.log(std::to_string(i));
+    ASSERT_EQ(report.getLog().size(), 1000u);
+    EXPECT_EQ(report.getLog().front(), "Action: 1\n");
+    EXPECT_EQ(report.getLog().back(), "Action: 1000\n");
+
+    // Warnings and errors count against the same bound but their lists don't.
+    for (int i = 0; i < 1500; ++i)
+        report.logWarning("w", std::to_string(i));
+    EXPECT_EQ(report.getLog().size(), 1000u);
+    EXPECT_EQ(report.getWarnings().size(), 1500u);
+}
+
+TEST(RepositoryReportTest, TakingEmptiesTheListAndClearsTheFlag)
+{
+    RepositoryReport report;
+    report.logError("a", "one");
+    report.logError("b", "two");
+    report.logWarning("c", "three");
+
+    const auto errors = report.takeErrors();
+    EXPECT_EQ(errors, (std::vector<Issue>{{"a", "one"}, {"b", "two"}}));
+    EXPECT_FALSE(report.hasError());
+    EXPECT_TRUE(report.getErrors().empty());
+    EXPECT_TRUE(report.hasWarning());
+
+    report.clearWarning();
+    EXPECT_FALSE(report.hasWarning());
+    EXPECT_TRUE(report.getWarnings().empty());
+    // The lines stay in the log.
+    EXPECT_EQ(report.getLog().size(), 3u);
+}
+
+TEST(RepositoryReportTest, UniqueWarningsKeepTheFirstOfEachText)
+{
+    RepositoryReport report;
+    report.logWarning("first", "library X is broken");
+    report.logWarning("other", "something else");
+    report.logWarning("second", "library X is broken");
+    report.logWarning("third", "library X is broken ");
+
+    const auto unique = report.takeUniqueWarnings();
+    EXPECT_EQ(unique, (std::vector<Issue>{{"first", "library X is broken"},
+                                          {"other", "something else"},
+                                          {"third", "library X is broken "}}));
+    EXPECT_FALSE(report.hasWarning());
+    EXPECT_TRUE(report.takeUniqueWarnings().empty());
+}
+
+TEST(RepositoryReportTest, EchoGoesToTheHostConsoleOnlyWhenAsked)
+{
+    Testing::RecordingEnvironment environment("/root", "/prefs");
+    Platform::setEnvironment(&environment);
+
+    RepositoryReport report;
+    report.log("quiet");
+    report.logToConsoleInteractively(true);
+    report.indentation = 1;
+    report.log("loud");
+    report.logError("e", "failed");
+    report.indentation = 0;
+    report.setLogLevel(0);
+    report.log("dropped");
+
+    Platform::setEnvironment(nullptr);
+    EXPECT_EQ(environment.console, "  Action: loud\n??? **Error**   failed\n");
+}
+
+TEST(RepositoryReportTest, HostOperationsReachItAsALogSink)
+{
+    auto report = RepositoryReport::create();
+    const HostValue argument = HostValue::object(report);
+    ASSERT_EQ(argument.hostObject()->hostClassName(), "Repository.RepositoryReport");
+
+    auto* sink = dynamic_cast<HostLogSink*>(argument.hostObject().get());
+    ASSERT_NE(sink, nullptr);
+    sink->logAction("host step");
+    sink->logWarning("Host:W", "host warning");
+    sink->logError("Host:E", "host error");
+
+    EXPECT_EQ(report->getLog().front(), "Action: host step\n");
+    EXPECT_EQ(report->getWarnings(), (std::vector<Issue>{{"Host:W", "host warning"}}));
+    EXPECT_EQ(report->getErrors(), (std::vector<Issue>{{"Host:E", "host error"}}));
+}
+
+} // namespace
+} // namespace LibraryBrowser

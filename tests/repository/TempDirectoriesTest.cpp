@@ -1,0 +1,103 @@
+#include "repository/xmlrepository/TempDirectories.h"
+
+#include "ReadOnlyPath.h"
+#include "StoreFixture.h"
+#include "repository/RepositoryReport.h"
+
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser {
+namespace {
+
+using Messages = std::vector<std::string>;
+
+class TempDirectoriesTest : public Testing::StoreFixture {
+protected:
+    RepositoryReport report;
+};
+
+TEST_F(TempDirectoriesTest, ANameKeepsItsDirectoryAcrossRemovals)
+{
+    const std::string first = namedTempDirectory(report, "LB keep/me", true);
+    const QRegularExpression form(QString::fromStdString("^" + tempRoot() + "/LB_20keep_2fme[0-9a-f]{32}$"));
+    EXPECT_TRUE(form.match(QString::fromStdString(first)).hasMatch()) << first;
+    EXPECT_TRUE(exists(first));
+    EXPECT_EQ(namedTempDirectory(report, "LB keep/me", true), first);
+
+    writeFile(first + "/inner/file.txt", "x");
+    removeDirectory(report, first);
+    EXPECT_FALSE(exists(first));
+    ASSERT_EQ(interpreter.calls().size(), 1u);
+    const auto& call = interpreter.calls().front();
+    EXPECT_EQ(call.function, "tdprivate");
+    EXPECT_EQ(call.outputCount, 3);
+    EXPECT_EQ(call.inputs, (std::vector<HostValue>{HostValue::string("rmdir"), HostValue::string(first),
+                                                   HostValue::string("s")}));
+    EXPECT_TRUE(logged(report, "Action: Removing temporary directory " + first + "\n"));
+
+    EXPECT_EQ(namedTempDirectory(report, "LB keep/me", false), first);
+    EXPECT_FALSE(exists(first));
+    EXPECT_EQ(namedTempDirectory(report, "LB keep/me", true), first);
+    EXPECT_TRUE(exists(first));
+    EXPECT_FALSE(report.hasError());
+}
+
+TEST_F(TempDirectoriesTest, NumberedDirectoriesAreNamedByTheirUse)
+{
+    const auto name = [](const std::string& p) { return p.substr(p.rfind('/') + 1); };
+    EXPECT_EQ(name(tempDirectory(report, 41)).substr(0, 10), "LBwriter41");
+    EXPECT_EQ(name(cacheTempDirectory(report, 41)).substr(0, 9), "LBCache41");
+    EXPECT_EQ(name(topLevelTempDirectory(report, 41)).substr(0, 7), "LBTop41");
+    EXPECT_EQ(tempEntries().size(), 3);
+
+    removeTempDirectory(report, 41);
+    EXPECT_EQ(tempEntries().size(), 2);
+    EXPECT_FALSE(exists(namedTempDirectory(report, "LBwriter41", false)));
+}
+
+TEST_F(TempDirectoriesTest, RemovingWhatWasNeverMadeDoesNothing)
+{
+    removeTempDirectory(report, 9001);
+    removeDirectory(report, path("never made"));
+    EXPECT_TRUE(report.getLog().empty());
+    EXPECT_TRUE(interpreter.calls().empty());
+    EXPECT_TRUE(tempEntries().isEmpty());
+}
+
+TEST_F(TempDirectoriesTest, HostFailuresAreErrors)
+{
+    const std::string directory = namedTempDirectory(report, "LBfail", true);
+
+    interpreter.fail("tdprivate:rmdir", "Undefined function 'tdprivate'");
+    removeDirectory(report, directory);
+    interpreter.answer("tdprivate:rmdir", {HostValue::logicalScalar(false), HostValue::string("Permission denied"),
+                                           HostValue::string("Host:rmdir:denied")});
+    removeDirectory(report, directory);
+
+    EXPECT_TRUE(exists(directory));
+    EXPECT_EQ(errorMessages(report),
+              (Messages{"Failed to call 'rmdir' on the temporary directory " + directory,
+                        "Unable to remove temporary directory. The following error occurred:",
+                        "Permission denied"}));
+}
+
+TEST_F(TempDirectoriesTest, NoUsableSystemTemporaryDirectory)
+{
+    qputenv("TMPDIR", QByteArray::fromStdString(path("no such tmp")));
+    EXPECT_EQ(namedTempDirectory(report, "LBgone", true), "");
+    EXPECT_EQ(errorMessages(report), (Messages{"Unable to find the operating system temporary directory"}));
+    EXPECT_FALSE(exists(path("no such tmp")));
+
+    qputenv("TMPDIR", QByteArray::fromStdString(tempRoot()));
+    report.clearError();
+    Testing::ReadOnlyPath locked(tempRoot());
+    if (!locked.active())
+        GTEST_SKIP() << "cannot make a path read-only here";
+    EXPECT_EQ(namedTempDirectory(report, "LBlocked", true), "");
+    EXPECT_EQ(errorMessages(report), (Messages{"Unable to create a temporary directory"}));
+}
+
+} // namespace
+} // namespace LibraryBrowser
