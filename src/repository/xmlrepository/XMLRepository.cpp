@@ -96,6 +96,11 @@ bool XMLRepository::isProductUpToDate(const LibraryImpl& product, bool ignoreTim
 
 ProductRecordList XMLRepository::getAllProducts()
 {
+    return getMergedProductsAndDependencies();
+}
+
+ProductRecordList XMLRepository::getProducts()
+{
     return getMergedProducts();
 }
 

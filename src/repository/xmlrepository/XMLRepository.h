@@ -35,8 +35,9 @@ public:
     bool exists() override;
     using RepositoryReader::isProductUpToDate;
     bool isProductUpToDate(const LibraryImpl& product, bool ignoreTimestamp) override;
-    // The merged list of both stores.
+    // The merged lists of both stores: with and without dependencies.
     ProductRecordList getAllProducts() override;
+    ProductRecordList getProducts() override;
     RepositoryReportPtr getRepositoryReport() const override { return m_report; }
 
     // RepositoryWriter

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "StoreFixture.h"
+#include "repository/xmlrepository/XMLRepository.h"
+
+#include <QDateTime>
+
+#include <initializer_list>
+
+namespace LibraryBrowser::Testing {
+
+// A shipped store below the host root with a few products and their
+// archives, and an empty place for the writable store below the preferences.
+class XMLRepositoryFixture : public StoreFixture {
+protected:
+    std::string shipped() const { return hostRoot() + "/toolbox/tandril/tandril/private/td_library_browser_repos"; }
+    std::string writable() const { return preferences() + "/td_library_browser_repos"; }
+
+    // Writes the shipped top-level manifest, dated shippedDate, with one
+    // product per name (lastModified "shipped-1") and both archives each.
+    void makeShippedStore(std::initializer_list<const char*> names);
+    XMLRepositoryPtr openRepository();
+    // The token line that matches the shipped manifest now.
+    std::string currentToken() const;
+    static std::string archive(const std::string& store, const std::string& product, const std::string& kind);
+
+    const QDateTime shippedDate = QDateTime::fromSecsSinceEpoch(1700000000);
+};
+
+} // namespace LibraryBrowser::Testing

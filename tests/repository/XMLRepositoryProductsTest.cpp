@@ -1,0 +1,278 @@
+#include "XMLRepositoryFixture.h"
+
+#include "platform/ErrorHolder.h"
+#include "repository/RepositoryReader.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser {
+namespace {
+
+using Messages = std::vector<std::string>;
+
+class XMLRepositoryProductsTest : public Testing::XMLRepositoryFixture {
+protected:
+    void SetUp() override
+    {
+        XMLRepositoryFixture::SetUp();
+        makeShippedStore({"Alpha", "Beta", "Delta"});
+        repository = openRepository();
+        report = repository->getRepositoryReport();
+        report->clearWarning();
+    }
+
+    // Rewrites the writable top-level manifest; the token stays valid.
+    void writeWritableManifest(const Model& model)
+    {
+        saveManifest(model, topLevelFile(writable()));
+        repository->writableReader()->forgetTopLevelManifest();
+    }
+
+    const LibraryImpl& shippedProduct(const std::string& name)
+    {
+        return *repository->shippedReader()->getProduct(name).library;
+    }
+
+    // "w:Name" or "s:Name" per record: the store it comes from and its name.
+    std::vector<std::string> describe(const ProductRecordList& records)
+    {
+        std::vector<std::string> text;
+        for (const ProductRecord& r : records) {
+            const bool fromWritable = r.manifest == repository->writableReader()->topLevelManifest();
+            const bool fromShipped = r.manifest == repository->shippedReader()->topLevelManifest();
+            text.push_back(std::string(fromWritable ? "w:" : fromShipped ? "s:" : "?:") + r.library->getName());
+        }
+        return text;
+    }
+
+    XMLRepositoryPtr repository;
+    RepositoryReportPtr report;
+};
+
+TEST_F(XMLRepositoryProductsTest, MergeTakesTheWritableCopyOnlyWhileTheShippedOneIsUnchanged)
+{
+    auto model = Model::createModel();
+    addProduct(*model, "Alpha", "writable-2", "shipped-1"); // took over the current shipped Alpha
+    addProduct(*model, "Beta", "writable-2", "shipped-0");  // took over an older shipped Beta
+    addProduct(*model, "Gamma", "writable-2");              // only in the writable store
+    writeWritableManifest(*model);
+
+    // Delta is only shipped: the writable list decides what is listed.
+    EXPECT_EQ(describe(repository->getMergedProducts()),
+              (std::vector<std::string>{"w:Alpha", "s:Beta", "w:Gamma"}));
+
+    // A new shipped Alpha makes the writable copy stale.
+    auto shippedModel = Model::createModel();
+    addProduct(*shippedModel, "Alpha", "shipped-2");
+    addProduct(*shippedModel, "Beta", "shipped-0");
+    saveManifest(*shippedModel, topLevelFile(shipped()));
+    repository->shippedReader()->forgetTopLevelManifest();
+    EXPECT_EQ(describe(repository->getMergedProducts()),
+              (std::vector<std::string>{"s:Alpha", "w:Beta", "w:Gamma"}));
+    EXPECT_EQ(describe(repository->getProducts()), describe(repository->getMergedProducts()));
+}
+
+TEST_F(XMLRepositoryProductsTest, DependenciesAreAddedOneLevelDeep)
+{
+    auto shippedModel = Model::createModel();
+    LibraryImpl* beta = addProduct(*shippedModel, "Beta", "shipped-2");
+    LibraryImpl* shared = addProduct(*shippedModel, "Shared");
+    LibraryImpl* deep = addProduct(*shippedModel, "Deep");
+    shared->setIsProduct(false);
+    deep->setIsProduct(false);
+    beta->getDependenciesPtr()->append(shared);
+    shared->getDependenciesPtr()->append(deep);
+    saveManifest(*shippedModel, topLevelFile(shipped()));
+    repository->shippedReader()->forgetTopLevelManifest();
+
+    auto model = Model::createModel();
+    addProduct(*model, "Alpha", "writable-2");
+    addProduct(*model, "Beta", "writable-2", "shipped-1");
+    writeWritableManifest(*model);
+
+    EXPECT_EQ(describe(repository->getMergedProducts()), (std::vector<std::string>{"w:Alpha", "s:Beta"}));
+    EXPECT_EQ(describe(repository->getMergedProductsAndDependencies()),
+              (std::vector<std::string>{"w:Alpha", "s:Beta", "s:Shared"}));
+    EXPECT_EQ(describe(repository->getAllProducts()), describe(repository->getMergedProductsAndDependencies()));
+}
+
+TEST_F(XMLRepositoryProductsTest, ProductsAreFoundByKeyOfAnObjectId)
+{
+    EXPECT_EQ(repository->getProduct("Beta").library->getName(), "Beta");
+    EXPECT_EQ(repository->getProduct("Beta/Sub/Block").library->getName(), "Beta");
+    EXPECT_EQ(repository->getProduct("Delta-3/x").library->getName(), "Delta");
+    EXPECT_EQ(repository->getProduct("AlphaPath").library->getName(), "Alpha");
+    EXPECT_TRUE(repository->getProduct("Nope").isNull());
+    EXPECT_FALSE(repository->isProductUpToDate(std::string("Nope")));
+}
+
+TEST_F(XMLRepositoryProductsTest, ArchivesAreCopiedUnlessTheWritableStoreHasBoth)
+{
+    auto& writableReader = *repository->writableReader();
+    auto& shippedReader = *repository->shippedReader();
+
+    // Only one writable archive: both come from the shipped store.
+    writeFile(archive(writable(), "Alpha", "icons"), "partial");
+    XMLRepository::copyProductArchives(*report, writableReader, shippedReader, shippedProduct("Alpha"));
+    EXPECT_EQ(readFile(archive(writable(), "Alpha", "icons")), "shipped icons of Alpha");
+    EXPECT_EQ(readFile(archive(writable(), "Alpha", "manifests")), "shipped manifests of Alpha");
+
+    // Both there: a base to work on, nothing is copied.
+    writeFile(archive(writable(), "Alpha", "icons"), "own icons");
+    XMLRepository::copyProductArchives(*report, writableReader, shippedReader, shippedProduct("Alpha"));
+    EXPECT_EQ(readFile(archive(writable(), "Alpha", "icons")), "own icons");
+
+    // A shipped archive missing: nothing to start from.
+    QFile::remove(QString::fromStdString(archive(shipped(), "Beta", "manifests")));
+    XMLRepository::copyProductArchives(*report, writableReader, shippedReader, shippedProduct("Beta"));
+    EXPECT_FALSE(exists(archive(writable(), "Beta", "icons")));
+    EXPECT_FALSE(report->hasError());
+    EXPECT_FALSE(report->hasWarning());
+    EXPECT_TRUE(tempEntries().isEmpty());
+}
+
+TEST_F(XMLRepositoryProductsTest, ArchivesOfAnotherSchemaAreNotUsed)
+{
+    const std::string alphaIcons = archive(writable(), "Alpha", "icons");
+    auto model = Model::createModel();
+    const LibraryImpl* alpha = addProduct(*model, "Alpha");
+    QByteArray bytes = model->saveToBytes();
+    bytes.replace(QByteArray::fromStdString(Signature::manifestSchema().toString()), "0123456789abcdef0123456789abcdef");
+    writeFile(topLevelFile(shipped()), bytes);
+
+    XMLRepository::copyProductArchives(*report, *repository->writableReader(), *repository->shippedReader(),
+                                       *alpha);
+    EXPECT_FALSE(exists(alphaIcons));
+    ASSERT_EQ(report->getWarnings().size(), 1u);
+    EXPECT_EQ(report->getWarnings().front().message,
+              "Unable to use the numoraroot repository. It was generated with an older version of the data model.");
+}
+
+TEST_F(XMLRepositoryProductsTest, AProductThatCannotBeGeneratedIsReadFromTheShippedStore)
+{
+    std::vector<std::string> sent;
+    QObject::connect(repository.get(), &Repository::preGenerateProduct,
+                     [&](const std::string& name) { sent.push_back("pre " + name); });
+    QObject::connect(repository.get(), &Repository::postGenerateProduct,
+                     [&](const std::string& path) { sent.push_back("post " + path); });
+
+    const XMLRepositoryReaderPtr reader = repository->getReaderForProduct(shippedProduct("Alpha"));
+
+    EXPECT_EQ(reader, repository->shippedReader());
+    EXPECT_EQ(sent, (std::vector<std::string>{"pre Alpha Library", "post AlphaPath"}));
+    // The generator's base was laid out before it was asked.
+    EXPECT_EQ(readFile(archive(writable(), "Alpha", "manifests")), "shipped manifests of Alpha");
+    ASSERT_EQ(report->getErrors().size(), 1u);
+    EXPECT_EQ(report->getErrors().front().id, "Tandril:Repository:GenerationNotAvailable");
+    EXPECT_TRUE(logged(*report, "The up-to-date check of product Alpha Library"));
+}
+
+TEST_F(XMLRepositoryProductsTest, ExplicitGenerationSendsNoSignalsAndSaysItDidNothing)
+{
+    int signalCount = 0;
+    QObject::connect(repository.get(), &Repository::preGenerateProduct, [&](const std::string&) { ++signalCount; });
+    const QByteArray before = readFile(topLevelFile(writable()));
+
+    repository->generateProduct(shippedProduct("Beta"));
+    repository->generateRepository(GenerationMode::Regenerate);
+    repository->generateRepository();
+
+    EXPECT_EQ(signalCount, 0);
+    // One for Beta, one for the whole store, one per product of the store.
+    EXPECT_EQ(report->getErrors().size(), 5u);
+    for (const auto& issue : report->getErrors())
+        EXPECT_EQ(issue.id, "Tandril:Repository:GenerationNotAvailable");
+    EXPECT_EQ(readFile(topLevelFile(writable())), before);
+}
+
+TEST_F(XMLRepositoryProductsTest, DestroyProductRemovesItsDataButKeepsItListed)
+{
+    writeFile(archive(writable(), "Beta", "icons"), "i");
+    writeFile(archive(writable(), "Beta", "manifests"), "m");
+
+    repository->destroyProduct(shippedProduct("Beta"));
+    EXPECT_FALSE(report->hasError());
+    EXPECT_FALSE(exists(archive(writable(), "Beta", "icons")));
+    EXPECT_FALSE(exists(archive(writable(), "Beta", "manifests")));
+    EXPECT_TRUE(tempEntries().isEmpty());
+
+    auto onDisk = Model::createModel();
+    ErrorHolder errors;
+    ASSERT_TRUE(onDisk->load(topLevelFile(writable()), errors));
+    ASSERT_EQ(onDisk->nodeCount(), 3);
+    const auto* beta = dynamic_cast<LibraryImpl*>(onDisk->getNodes().get(1));
+    EXPECT_EQ(beta->getName(), "Beta");
+    EXPECT_EQ(beta->getModelFileCheckSum(), "");
+    EXPECT_EQ(beta->getLastModified(), "");
+    const auto* alpha = dynamic_cast<LibraryImpl*>(onDisk->getNodes().get(0));
+    EXPECT_EQ(alpha->getModelFileCheckSum(), "1234");
+
+    auto stranger = Model::createModel();
+    repository->destroyProduct(*addProduct(*stranger, "Nope"));
+    EXPECT_EQ(errorMessages(*report), (Messages{"Unable to find product 'Nope'"}));
+}
+
+TEST_F(XMLRepositoryProductsTest, DestroyRepositoryEmptiesTheWritableStore)
+{
+    writeFile(archive(writable(), "Alpha", "icons"), "i");
+    repository->destroyRepository();
+    EXPECT_FALSE(exists(archive(writable(), "Alpha", "icons")));
+    EXPECT_FALSE(exists(topLevelFile(writable())));
+    EXPECT_FALSE(exists(tokenFile(writable())));
+    EXPECT_TRUE(repository->getMergedProducts().empty());
+    // The shipped store is untouched.
+    EXPECT_TRUE(repository->exists());
+    EXPECT_TRUE(exists(archive(shipped(), "Alpha", "icons")));
+}
+
+class RepositoryReaderOpenTest : public Testing::StoreFixture {};
+
+TEST_F(RepositoryReaderOpenTest, AMissingDirectoryGivesAReaderThatDoesNotExistAndCreatesNothing)
+{
+    const std::string directory = path("absent/store");
+    const RepositoryReaderPtr reader = RepositoryReader::open(directory);
+
+    EXPECT_FALSE(reader->exists());
+    EXPECT_TRUE(reader->getAllProducts().empty());
+    EXPECT_FALSE(reader->isProductUpToDate(std::string("Alpha")));
+    EXPECT_FALSE(exists(path("absent")));
+    EXPECT_TRUE(tempEntries().isEmpty());
+    EXPECT_FALSE(reader->getRepositoryReport()->hasError());
+    EXPECT_TRUE(logged(*reader->getRepositoryReport(), "Action: The top level manifest does not exist\n"));
+}
+
+TEST_F(RepositoryReaderOpenTest, ACorruptManifestReadsAsAnEmptyStoreAndStays)
+{
+    const std::string directory = path("store");
+    auto model = Model::createModel();
+    addProduct(*model, "Alpha");
+    const QByteArray bytes = model->saveToBytes();
+    // Cut inside the product element: the root and its signature survive.
+    const QByteArray cut = bytes.left(bytes.indexOf("<LibraryImpl") + 20);
+    writeFile(topLevelFile(directory), cut);
+
+    auto reader = std::make_shared<XMLRepositoryReader>(directory, RepositoryReport::create());
+    EXPECT_FALSE(reader->exists());
+    EXPECT_TRUE(reader->getAllProducts().empty());
+    EXPECT_EQ(reader->version(), Signature::manifestSchema().toString());
+    EXPECT_EQ(readFile(topLevelFile(directory)), cut);
+    EXPECT_TRUE(tempEntries().isEmpty());
+    const auto& errors = reader->getRepositoryReport()->getErrors();
+    ASSERT_FALSE(errors.empty());
+    EXPECT_EQ(errors.front().message, "The top level manifest file looks corrupted. Returning an empty manifest.");
+}
+
+TEST_F(RepositoryReaderOpenTest, AWriterOpenedOnADirectorySaysDiscoveryIsNotThereYet)
+{
+    const RepositoryWriterPtr writer = RepositoryWriter::open(path("w"), {"/a", "/b"});
+    ASSERT_EQ(writer->getRepositoryReport()->getWarnings().size(), 1u);
+    EXPECT_EQ(writer->getRepositoryReport()->getWarnings().front().id,
+              "Tandril:Repository:ProductDiscoveryNotAvailable");
+    EXPECT_EQ(std::dynamic_pointer_cast<XMLRepositoryWriter>(writer)->hostPathList(),
+              (std::vector<std::string>{"/a", "/b"}));
+}
+
+} // namespace
+} // namespace LibraryBrowser

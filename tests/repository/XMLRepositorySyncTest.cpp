@@ -1,0 +1,198 @@
+#include "XMLRepositoryFixture.h"
+
+#include "ReadOnlyPath.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser {
+namespace {
+
+using Messages = std::vector<std::string>;
+
+class XMLRepositorySyncTest : public Testing::XMLRepositoryFixture {
+protected:
+    void SetUp() override
+    {
+        XMLRepositoryFixture::SetUp();
+        makeShippedStore({"Alpha", "Beta"});
+    }
+
+    // The writable store as a user's work leaves it: its own product list
+    // and archives.
+    void divergeWritableStore()
+    {
+        auto model = Model::createModel();
+        addProduct(*model, "Alpha", "writable-2", "shipped-1");
+        addProduct(*model, "Gamma", "writable-2");
+        saveManifest(*model, topLevelFile(writable()));
+        writeFile(archive(writable(), "Alpha", "icons"), "writable icons");
+        writeFile(archive(writable(), "Alpha", "manifests"), "writable manifests");
+        writeFile(archive(writable(), "Gamma", "icons"), "gamma icons");
+        writeFile(archive(writable(), "Gamma", "manifests"), "gamma manifests");
+    }
+
+    void expectSeeded()
+    {
+        EXPECT_EQ(readFile(topLevelFile(writable())), readFile(topLevelFile(shipped())));
+        EXPECT_EQ(readFile(tokenFile(writable())).toStdString(), currentToken());
+        EXPECT_FALSE(exists(archive(writable(), "Alpha", "icons")));
+        EXPECT_FALSE(exists(archive(writable(), "Gamma", "manifests")));
+        EXPECT_TRUE(tempEntries().isEmpty()) << tempEntries().join(",").toStdString();
+    }
+};
+
+TEST_F(XMLRepositorySyncTest, FirstOpenSeedsTheWritableStoreFromTheShippedOne)
+{
+    QFile::setPermissions(QString::fromStdString(topLevelFile(shipped())), QFile::ReadOwner | QFile::ReadUser);
+    auto repository = openRepository();
+
+    expectSeeded();
+    EXPECT_TRUE(QFile::permissions(QString::fromStdString(topLevelFile(writable()))) & QFile::WriteOwner);
+    EXPECT_TRUE(repository->exists());
+    EXPECT_EQ(repository->hostPathList(), (std::vector<std::string>{"/host/path"}));
+    const auto report = repository->getRepositoryReport();
+    EXPECT_EQ(report->getLog().front(),
+              "Action: Syncing the top level manifest to the writable disk aera, if necessary\n");
+    EXPECT_FALSE(report->hasError());
+    // Product discovery isn't there yet, and the report says so.
+    ASSERT_EQ(report->getWarnings().size(), 1u);
+    EXPECT_EQ(report->getWarnings().front().id, "Tandril:Repository:ProductDiscoveryNotAvailable");
+    // Shipped archives are copied only when a product is generated.
+    EXPECT_FALSE(exists(archive(writable(), "Alpha", "icons")));
+}
+
+TEST_F(XMLRepositorySyncTest, AStaleTokenDestroysAndReseedsTheWritableStore)
+{
+    openRepository();
+    const std::string good = currentToken();
+    std::string changedLast = good;
+    changedLast.back() = changedLast.back() == '1' ? '2' : '1';
+    std::string changedFirst = good;
+    changedFirst.front() = 'X';
+
+    for (const std::string& stale : {changedLast, changedFirst, good + "0", std::string()}) {
+        SCOPED_TRACE("token '" + stale + "'");
+        divergeWritableStore();
+        writeFile(tokenFile(writable()), QByteArray::fromStdString(stale));
+        openRepository();
+        expectSeeded();
+    }
+}
+
+TEST_F(XMLRepositorySyncTest, ANewShippedStoreMakesTheTokenStale)
+{
+    openRepository();
+    divergeWritableStore();
+    setModified(topLevelFile(shipped()), shippedDate.addSecs(1));
+    openRepository();
+    expectSeeded();
+}
+
+TEST_F(XMLRepositorySyncTest, ATokenWithoutAWritableManifestIsRemovedAndTheStoreReseeded)
+{
+    openRepository();
+    QFile::remove(QString::fromStdString(topLevelFile(writable())));
+    // A second line marks this token file: a rewritten token lacks it.
+    writeFile(tokenFile(writable()), QByteArray::fromStdString(currentToken() + "\nmarker\n"));
+
+    openRepository();
+    expectSeeded();
+}
+
+TEST_F(XMLRepositorySyncTest, AValidTokenKeepsTheWritableStoreAsItIs)
+{
+    openRepository();
+    divergeWritableStore();
+    writeFile(tokenFile(writable()), QByteArray::fromStdString(currentToken() + "\n"));
+    const QByteArray edited = readFile(topLevelFile(writable()));
+
+    auto repository = openRepository();
+    EXPECT_EQ(readFile(topLevelFile(writable())), edited);
+    EXPECT_EQ(readFile(archive(writable(), "Alpha", "icons")), "writable icons");
+    EXPECT_EQ(readFile(tokenFile(writable())).toStdString(), currentToken() + "\n");
+    EXPECT_FALSE(repository->getRepositoryReport()->hasError());
+}
+
+TEST_F(XMLRepositorySyncTest, AnUnwritableTokenIsAnErrorAndTheNextOpenTriesAgain)
+{
+    const std::string blocks = writable() + "/toolbox/tandril/blocks";
+    ASSERT_TRUE(QDir().mkpath(QString::fromStdString(blocks)));
+    {
+        Testing::ReadOnlyPath locked(blocks);
+        if (!locked.active())
+            GTEST_SKIP() << "cannot make a path read-only here";
+        auto repository = openRepository();
+        EXPECT_EQ(errorMessages(*repository->getRepositoryReport()),
+                  (Messages{"Unable to copy " + topLevelFile(shipped()) + " to " + topLevelFile(writable()),
+                            "Unable to open token file " + tokenFile(writable())}));
+        EXPECT_FALSE(exists(tokenFile(writable())));
+    }
+    openRepository();
+    expectSeeded();
+}
+
+TEST_F(XMLRepositorySyncTest, AMissingShippedStoreIsRegeneratedOnceAndTheFailureStopsTheSync)
+{
+    QDir(QString::fromStdString(hostRoot())).removeRecursively();
+    auto repository = openRepository();
+    const auto report = repository->getRepositoryReport();
+
+    EXPECT_FALSE(repository->exists());
+    EXPECT_NE(environment->console.find("Action: The Numora shipped repository is out of date or doesn't exists.\n"
+                                        "Action: This should only happen in Ostrel sandboxes. Trying to regenerate "
+                                        "it.\n"),
+              std::string::npos);
+    const Messages errors = errorMessages(*report);
+    ASSERT_EQ(errors.size(), 2u);
+    EXPECT_EQ(report->getErrors().front().id, "Tandril:Repository:GenerationNotAvailable");
+    EXPECT_EQ(errors.back(), "Unable to generate the numora repository.");
+    EXPECT_FALSE(report->isLoggingToConsole());
+
+    // No token work, and nothing below the host root.
+    EXPECT_TRUE(exists(writable()));
+    EXPECT_FALSE(exists(tokenFile(writable())));
+    EXPECT_FALSE(exists(topLevelFile(writable())));
+    EXPECT_FALSE(exists(hostRoot()));
+    EXPECT_TRUE(tempEntries().isEmpty());
+}
+
+TEST_F(XMLRepositorySyncTest, AShippedStoreOfAnotherSchemaCountsAsMissing)
+{
+    QByteArray bytes = readFile(topLevelFile(shipped()));
+    const QByteArray current = QByteArray::fromStdString(Signature::manifestSchema().toString());
+    ASSERT_TRUE(bytes.contains(current));
+    bytes.replace(current, "00000000000000000000000000000001");
+    writeFile(topLevelFile(shipped()), bytes);
+
+    XMLRepository repository(writable(), shipped(), {});
+    EXPECT_EQ(repository.shippedReader()->version(), "00000000000000000000000000000001");
+    repository.updateProducts();
+    EXPECT_EQ(errorMessages(*repository.getRepositoryReport()).back(), "Unable to generate the numora repository.");
+    EXPECT_FALSE(exists(tokenFile(writable())));
+    // The development-tree path throws the unusable store away before it
+    // generates a new one.
+    EXPECT_FALSE(exists(topLevelFile(shipped())));
+    EXPECT_FALSE(exists(archive(shipped(), "Alpha", "icons")));
+}
+
+TEST_F(XMLRepositorySyncTest, DefaultStoresComeFromTheHost)
+{
+    auto repository = std::dynamic_pointer_cast<XMLRepository>(Repository::open());
+    ASSERT_NE(repository, nullptr);
+    EXPECT_EQ(repository->shippedDirectory(), shipped());
+    EXPECT_EQ(repository->writableDirectory(), writable());
+    expectSeeded();
+}
+
+TEST_F(XMLRepositorySyncTest, ConstructionMakesOnlyTheWritableDirectory)
+{
+    XMLRepository repository(path("new/writable"), shipped(), {});
+    EXPECT_TRUE(exists(path("new/writable")));
+    EXPECT_TRUE(QDir(QString::fromStdString(path("new/writable"))).isEmpty());
+    EXPECT_TRUE(repository.getRepositoryReport()->getLog().empty());
+}
+
+} // namespace
+} // namespace LibraryBrowser
