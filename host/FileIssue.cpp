@@ -7,7 +7,8 @@ std::string FileIssue::toString() const
     QString out = file;
     if (line > 0)
         out += QStringLiteral(":%1:%2").arg(line).arg(column);
-    out += QStringLiteral(": ");
+    if (!out.isEmpty())
+        out += QStringLiteral(": ");
     if (!field.isEmpty())
         out += field + QStringLiteral(": ");
     out += message;
