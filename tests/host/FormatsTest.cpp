@@ -1,0 +1,171 @@
+#include "HostTestSupport.h"
+
+#include "BlockPath.h"
+#include "JsonLocator.h"
+#include "LibraryFileParser.h"
+#include "LibraryFileWriter.h"
+
+#include "platform/Platform.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser::Host::Testing {
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+TEST(BlockPathTest, OddRunsSeparateEvenRunsStandForSlashesInNames)
+{
+    EXPECT_EQ(BlockPath::split("lib/Sub/Block"), (Names{"lib", "Sub", "Block"}));
+    EXPECT_EQ(BlockPath::split("lib/A//D Converter"), (Names{"lib", "A/D Converter"}));
+    EXPECT_EQ(BlockPath::split("lib/a////b"), (Names{"lib", "a//b"}));
+    EXPECT_EQ(BlockPath::split("lib///x"), (Names{"lib", "x"}));
+    EXPECT_EQ(BlockPath::split("lib"), (Names{"lib"}));
+    EXPECT_EQ(BlockPath::split("lib/Zero-Order\nHold"), (Names{"lib", "Zero-Order\nHold"}));
+
+    const Names names{"lib", "Min/Max", "a//b", "Rate\nLimiter"};
+    EXPECT_EQ(BlockPath::join(names), "lib/Min//Max/a////b/Rate\nLimiter");
+    EXPECT_EQ(BlockPath::split(BlockPath::join(names)), names);
+    EXPECT_EQ(BlockPath::matchKey("Rate\nLimiter"), "Rate Limiter");
+    EXPECT_FALSE(BlockPath::isAddressable("/lead"));
+    EXPECT_FALSE(BlockPath::isAddressable("trail/"));
+    EXPECT_FALSE(BlockPath::isAddressable(""));
+    EXPECT_TRUE(BlockPath::isAddressable("in/out"));
+}
+
+TEST(JsonLocatorTest, FindsLinesColumnsAndFields)
+{
+    const QByteArray text = "{\n  \"a\": [1, {\"ü\": 2,\n \"k\\\"ey\": [true, \"x\"]}],\n  \"b\": \"Σ\"\n}";
+    const JsonLocator locator(text);
+    EXPECT_EQ(locator.positionOfOffset(0).line, 1);
+    const auto afterUmlaut = locator.positionOfOffset(text.indexOf(": 2"));
+    EXPECT_EQ(afterUmlaut.line, 2);
+    EXPECT_EQ(afterUmlaut.column, 16) << "columns count characters, not bytes";
+
+    const auto element = locator.positionOf(FieldPath().key("a").index(1).key("k\"ey").index(1));
+    EXPECT_EQ(element.line, 3);
+    EXPECT_EQ(element.column, 18);
+    const auto b = locator.positionOf(FieldPath().key("b"));
+    EXPECT_EQ(b.line, 4);
+    EXPECT_EQ(b.column, 8);
+    const auto missing = locator.positionOf(FieldPath().key("a").index(7));
+    EXPECT_EQ(missing.line, 2) << "a missing element points at its array";
+    EXPECT_EQ(missing.column, 8);
+    EXPECT_EQ(FieldPath().key("blocks").index(3).key("icon").text(), "blocks[3].icon");
+}
+
+TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
+{
+    LibraryDocument document;
+    document.name = "roundtrip";
+    document.description = "Everything the format can say.";
+    BlockRecord plain;
+    plain.name = "Rate\nLimiter";
+    plain.hasDescription = true;
+    plain.description = "Limits the slope.";
+    plain.position = {1.5, 2, 70, 52.25};
+    plain.hasIcon = true;
+    plain.icon = {IconShape::Diamond, "rate", 2, 0, ""};
+    BlockRecord drawn;
+    drawn.name = "A/D";
+    drawn.hasIcon = true;
+    drawn.icon.svg = "<svg xmlns=\"http://www.w3.org/2000/svg\"/>";
+    BlockRecord ref;
+    ref.name = "Über";
+    ref.type = BlockType::LibraryRef;
+    ref.target = {"kinetics", "Continuous"};
+    BlockRecord sub;
+    sub.name = "Group";
+    sub.type = BlockType::SubSystem;
+    sub.blocks = {plain, ref};
+    document.blocks = {plain, drawn, sub};
+
+    QTemporaryDir directory;
+    const QString file = directory.path() + "/roundtrip.tdlib.json";
+    QString error;
+    ASSERT_TRUE(LibraryFileWriter::save(document, file, error)) << error.toStdString();
+    FileIssue issue;
+    const auto read = LibraryFileParser::parseFile(file, "roundtrip", issue);
+    ASSERT_TRUE(read) << issue.toString();
+    EXPECT_EQ(LibraryFileWriter::toBytes(*read), LibraryFileWriter::toBytes(document));
+    EXPECT_EQ(read->blocks[0].name, "Rate\nLimiter");
+    EXPECT_EQ(read->blocks[0].icon.shape, IconShape::Diamond);
+    EXPECT_EQ(read->blocks[0].position.bottom, 52.25);
+    EXPECT_EQ(read->blocks[1].icon.svg, drawn.icon.svg);
+    EXPECT_EQ(read->blocks[2].blocks[1].target.path, "Continuous");
+    EXPECT_FALSE(read->blocks[2].blocks[1].hasDescription);
+}
+
+TEST(LibraryFileTest, MissingPositionsAndIconsGetDefaults)
+{
+    FileIssue issue;
+    const auto document = LibraryFileParser::parseBytes(
+        "mem", libraryJson("defaults", R"([{"name": "A", "type": "Block"}, {"name": "B", "type": "SubSystem"},
+            {"name": "C", "type": "Block"}, {"name": "D", "type": "Block"}, {"name": "E", "type": "Block"},
+            {"name": "F", "type": "Block"}])"),
+        "", issue);
+    ASSERT_TRUE(document) << issue.toString();
+    EXPECT_EQ(document->blocks[0].position.left, 30);
+    EXPECT_EQ(document->blocks[1].position.left, 140);
+    EXPECT_EQ(document->blocks[5].position.top, 120) << "a new row after five";
+    EXPECT_EQ(document->blocks[0].icon.shape, IconShape::Rectangle);
+    EXPECT_EQ(document->blocks[1].icon.shape, IconShape::Rounded);
+    EXPECT_EQ(document->blocks[0].icon.inputs, 1);
+    EXPECT_TRUE(document->blocks[1].blocks.empty());
+}
+
+TEST(HostOptionsTest, FlagsBeatEnvironmentWhichBeatsDefaults)
+{
+    QProcessEnvironment environment;
+    environment.insert("NUMORA_ROOT", "/env/root");
+    environment.insert("NUMORA_PREFDIR", "/env/prefs");
+    environment.insert("NUMORA_PATH", "/env/a::/env/b");
+    HostOptions options;
+    QStringList rest;
+    QString error;
+    ASSERT_TRUE(HostOptions::resolve({"--root", "/flag/root", "-x", "--path=/p1:/p2", "file.mdl"}, environment,
+                                     options, rest, error));
+    EXPECT_EQ(options.root, "/flag/root");
+    EXPECT_EQ(options.preferencesDirectory, "/env/prefs");
+    EXPECT_EQ(options.path, (QStringList{"/p1", "/p2"}));
+    EXPECT_EQ(rest, (QStringList{"-x", "file.mdl"}));
+    EXPECT_FALSE(options.verbose);
+
+    ASSERT_TRUE(HostOptions::resolve({"--verbose"}, environment, options, rest, error));
+    EXPECT_EQ(options.root, "/env/root");
+    EXPECT_EQ(options.path, (QStringList{"/env/a", "/env/b"}));
+    EXPECT_TRUE(options.verbose);
+
+    ASSERT_TRUE(HostOptions::resolve({}, QProcessEnvironment(), options, rest, error));
+    EXPECT_EQ(options.root, HostOptions::bundledRoot());
+    EXPECT_FALSE(options.preferencesDirectory.isEmpty());
+    EXPECT_TRUE(options.path.isEmpty());
+
+    EXPECT_FALSE(HostOptions::resolve({"--prefdir"}, environment, options, rest, error));
+    EXPECT_EQ(error, "--prefdir needs a value");
+    EXPECT_FALSE(HostOptions::resolve({"--root="}, environment, options, rest, error));
+}
+
+TEST(HostInstall, InstallsItselfAsInterpreterAndEnvironmentAndLeavesCleanly)
+{
+    QTemporaryDir preferences;
+    HostOptions options;
+    options.root = HostOptions::bundledRoot();
+    options.preferencesDirectory = preferences.path();
+    {
+        EmbeddedHost host(options);
+        host.install();
+        EXPECT_EQ(&Platform::interpreter(), &host);
+        EXPECT_EQ(Platform::environment().root(), options.root.toStdString());
+        EXPECT_EQ(Platform::environment().preferencesDirectory(), preferences.path().toStdString());
+        EXPECT_TRUE(Platform::environment().isWarningModeOn(3));
+        EXPECT_TRUE(Platform::interpreter().callWithTrap("docroot", 1, {}).ok);
+    }
+    EXPECT_FALSE(Platform::interpreter().callWithTrap("docroot", 1, {}).ok) << "the standalone default is back";
+}
+
+} // namespace
+} // namespace LibraryBrowser::Host::Testing
