@@ -1,0 +1,128 @@
+#include "HostTestSupport.h"
+
+#include "SyntheticRootGenerator.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace LibraryBrowser::Host::Testing {
+
+namespace {
+
+TEST(SearchPathOrder, GivenDirectoriesComeFirstAndDuplicatesAreAllListed)
+{
+    RootCopy root;
+    QTemporaryDir extra;
+    QFile::copy(root.file("toolbox/kinetics/kinetics.tdlib.json"), extra.path() + "/kinetics.tdlib.json");
+    QFile tdblocks(extra.path() + "/tdblocks.json");
+    ASSERT_TRUE(tdblocks.open(QIODevice::WriteOnly));
+    tdblocks.write(R"({"format": "tandril-tdblocks", "version": 1, "entries": [
+        {"name": "Kinetics Preview", "library": "kinetics", "type": "Product"},
+        {"name": "Tandril", "library": "tandril_next", "type": "Product"}]})");
+    tdblocks.close();
+
+    HostFixture fixture(root.path(), {extra.path()});
+    const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {});
+    ASSERT_TRUE(result.ok);
+    const auto names = result.outputs[0].toStringList();
+    const auto files = result.outputs[1].toStringList();
+    ASSERT_EQ(names.size(), 8u);
+    EXPECT_EQ(names[0], "Kinetics Preview");
+    EXPECT_EQ(files[0], "kinetics");
+    EXPECT_EQ(files[3], "kinetics") << "the later entry is still reported; the first one wins for the module";
+    EXPECT_EQ(names[1], "Tandril");
+    EXPECT_EQ(names[5], "Tandril");
+    EXPECT_EQ(result.outputs[2].toStringList()[0], "kinetics") << "repository defaults to the library name";
+
+    const auto library = fixture.tdprivate("lb_getLibraryData", 3, {HostValue::string("kinetics")});
+    ASSERT_TRUE(library.ok);
+    EXPECT_EQ(library.outputs[0].cell(0).toString(), (extra.path() + "/kinetics.tdlib.json").toStdString())
+        << "outside the root a file is named absolutely";
+
+    const auto given = fixture.tdprivate("lb_getTdBlocksData", 9,
+                                         {HostValue::cellOfStrings({root.file("toolbox/switchyard").toStdString()})});
+    EXPECT_EQ(given.outputs.at(0).toStringList(), (std::vector<std::string>{"Switchyard"}))
+        << "a path list in the call replaces the host's own";
+}
+
+TEST(LibraryReload, ChangedFilesAreReadAgainAndOldHandlesStayValid)
+{
+    RootCopy root;
+    root.write("toolbox/kinetics/tiny.tdlib.json",
+               libraryJson("tiny", R"([{"name": "One", "type": "Block", "description": "first"}])"));
+    HostFixture fixture(root.path());
+    const auto before = fixture.children("tiny");
+    ASSERT_EQ(before.size(), 1u);
+
+    QThread::msleep(20);
+    root.write("toolbox/kinetics/tiny.tdlib.json",
+               libraryJson("tiny", R"([{"name": "One", "type": "Block", "description": "second"},
+                                      {"name": "Two", "type": "Block"}])"));
+    const auto after = fixture.children("tiny");
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(fixture.blockData(after[0]).at(1).toString(), "second");
+    EXPECT_EQ(fixture.blockData(before[0]).at(1).toString(), "first") << "an old handle keeps what it named";
+}
+
+std::map<QString, QByteArray> filesBelow(const QString& directory)
+{
+    std::map<QString, QByteArray> files;
+    QDirIterator it(directory, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        QFile file(it.next());
+        file.open(QIODevice::ReadOnly);
+        files[QDir(directory).relativeFilePath(file.fileName())] = file.readAll();
+    }
+    return files;
+}
+
+TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
+{
+    SyntheticRootGenerator::Settings settings;
+    settings.products = 3;
+    settings.blocksPerProduct = 200;
+    settings.depth = 4;
+    settings.referenceShare = 0.2;
+    settings.seed = 7;
+    QTemporaryDir a, b, c;
+    QString error;
+    ASSERT_TRUE(SyntheticRootGenerator(settings).write(a.path(), error)) << error.toStdString();
+    ASSERT_TRUE(SyntheticRootGenerator(settings).write(b.path(), error));
+    settings.seed = 8;
+    ASSERT_TRUE(SyntheticRootGenerator(settings).write(c.path(), error));
+    EXPECT_EQ(filesBelow(a.path()), filesBelow(b.path()));
+    EXPECT_NE(filesBelow(a.path()), filesBelow(c.path()));
+
+    HostFixture fixture(a.path());
+    const auto products = fixture.tdprivate("lb_getTdBlocksData", 9, {});
+    ASSERT_EQ(products.outputs.at(1).toStringList(),
+              (std::vector<std::string>{"synth_0000", "synth_0001", "synth_0002"}));
+    int blocks = 0, references = 0, deepest = 0;
+    std::function<void(const HostValue&, int)> walk = [&](const HostValue& of, int depth) {
+        for (double handle : fixture.children(of)) {
+            const auto data = fixture.blockData(handle);
+            ASSERT_EQ(data.size(), 6u);
+            ++blocks;
+            deepest = std::max(deepest, depth);
+            if (data[3].toString() == "SubSystem")
+                walk(HostValue::doubleScalar(handle), depth + 1);
+            references += data[3].toString() == "LibraryRef";
+        }
+    };
+    walk(HostValue::string("synth_0001"), 1);
+    EXPECT_EQ(blocks, 200);
+    EXPECT_EQ(deepest, 4);
+    EXPECT_GT(references, 20);
+    EXPECT_LT(references, 60);
+    EXPECT_TRUE(fixture.report().errors.empty());
+}
+
+} // namespace
+} // namespace LibraryBrowser::Host::Testing
