@@ -8,6 +8,7 @@
 #include <QBuffer>
 #include <QFile>
 #include <QSaveFile>
+#include <QStringEncoder>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -15,10 +16,14 @@ namespace LibraryBrowser {
 
 namespace {
 
+// Straight into a std::string: one allocation per value instead of two.
 std::string utf8(QStringView text)
 {
-    const QByteArray bytes = text.toUtf8();
-    return std::string(bytes.constData(), std::size_t(bytes.size()));
+    std::string bytes(std::size_t(text.size()) * 3, '\0');
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringConverter::Flag::Stateless);
+    char* end = encoder.appendToBuffer(bytes.data(), text);
+    bytes.resize(std::size_t(end - bytes.data()));
+    return bytes;
 }
 
 std::string position(const std::string& origin, const QXmlStreamReader& reader)
@@ -61,7 +66,12 @@ bool Serializer::loadFromFile(Model& model, const std::string& path, ErrorHolder
         errors.addError("Unable to open manifest " + path + ": " + file.errorString().toStdString());
         return false;
     }
-    return load(model, file, path, errors);
+    // Manifests are small; parsing from memory is markedly faster than from
+    // the device in chunks.
+    QBuffer buffer;
+    buffer.setData(file.readAll());
+    buffer.open(QIODevice::ReadOnly);
+    return load(model, buffer, path, errors);
 }
 
 bool Serializer::loadFromByteArray(Model& model, const QByteArray& bytes, ErrorHolder& errors)
@@ -77,6 +87,8 @@ bool Serializer::load(Model& model, QIODevice& device, const std::string& origin
     static const TypeTable types;
     const std::size_t errorsBefore = errors.errors().size();
     QXmlStreamReader reader(&device);
+    // Manifests use no namespaces; not resolving them saves a lookup per attribute.
+    reader.setNamespaceProcessing(false);
     LoadContext context;
 
     if (!reader.readNextStartElement()) {

@@ -1,32 +1,58 @@
 #include "model/ValueText.h"
 
-#include <sstream>
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <type_traits>
 
 namespace LibraryBrowser::ValueText {
 
 namespace {
 
-template <class T>
-std::string streamed(const T& value)
+bool isBlank(char c)
 {
-    std::ostringstream out;
-    out << value;
-    return out.str();
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-// Stream input that must consume the whole text (surrounding blanks allowed).
+// Reads one number from [first, last) after optional blanks, as stream input
+// would, but without the cost of a stream per value. Unsigned types refuse a
+// sign rather than wrap it. Returns the position after the number, or null.
+template <class T>
+const char* parseNumber(const char* first, const char* last, T& value)
+{
+    while (first != last && isBlank(*first))
+        ++first;
+    if constexpr (std::is_integral_v<T>) {
+        if (first != last && *first == '+')
+            ++first;
+    }
+    const auto [end, error] = std::from_chars(first, last, value);
+    return error == std::errc() ? end : nullptr;
+}
+
+// The whole text must be one number, blanks around it allowed.
 template <class T>
 bool streamIn(const std::string& text, T& value)
 {
-    std::istringstream in(text);
+    const char* last = text.data() + text.size();
     T parsed{};
-    if (!(in >> parsed))
+    const char* end = parseNumber(text.data(), last, parsed);
+    if (!end)
         return false;
-    in >> std::ws;
-    if (!in.eof())
+    while (end != last && isBlank(*end))
+        ++end;
+    if (end != last)
         return false;
     value = parsed;
     return true;
+}
+
+// Default stream output of a real: six significant digits, "%g" style.
+void appendReal(std::string& out, double value)
+{
+    char buffer[32];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 6);
+    out.append(buffer, result.ptr);
 }
 
 std::string firstLine(const std::string& text)
@@ -60,9 +86,15 @@ std::string toText(const StringId& value) { return value.str(); }
 
 std::string toText(const QRectF& value)
 {
-    std::ostringstream out;
-    out << value.x() << ',' << value.y() << ',' << value.width() << ',' << value.height();
-    return out.str();
+    std::string text;
+    appendReal(text, value.x());
+    text += ',';
+    appendReal(text, value.y());
+    text += ',';
+    appendReal(text, value.width());
+    text += ',';
+    appendReal(text, value.height());
+    return text;
 }
 
 std::string toText(const StringVector& value)
@@ -108,15 +140,25 @@ bool fromText(const std::string& text, StringId& value)
 
 bool fromText(const std::string& text, QRectF& value)
 {
-    std::istringstream in(text);
-    double x = 0, y = 0, w = 0, h = 0;
-    char c1 = 0, c2 = 0, c3 = 0;
-    if (!(in >> x >> c1 >> y >> c2 >> w >> c3 >> h) || c1 != ',' || c2 != ',' || c3 != ',')
+    double numbers[4];
+    const char* p = text.data();
+    const char* last = p + text.size();
+    for (int i = 0; i < 4; ++i) {
+        if (i > 0) {
+            while (p != last && isBlank(*p))
+                ++p;
+            if (p == last || *p++ != ',')
+                return false;
+        }
+        p = parseNumber(p, last, numbers[i]);
+        if (!p)
+            return false;
+    }
+    while (p != last && isBlank(*p))
+        ++p;
+    if (p != last)
         return false;
-    in >> std::ws;
-    if (!in.eof())
-        return false;
-    value = QRectF(x, y, w, h);
+    value = QRectF(numbers[0], numbers[1], numbers[2], numbers[3]);
     return true;
 }
 
