@@ -41,8 +41,7 @@ MetaModel::MetaModel() : m_name("Model")
 #undef TDLB_REGISTER_PROPERTY
 
 #define TDLB_DECLARE_SUPER(Class, Parent)                                                              \
-    if (const MetaNode* super = metaNode(StringId(#Parent)))                                           \
-        const_cast<MetaNode*>(metaNode(StringId(#Class)))->setSuperClass(super);
+    mutableMetaNode(StringId(#Class))->setSuperClass(metaNode(StringId(#Parent)));
     TDLB_NODE_CLASSES(TDLB_DECLARE_SUPER)
 #undef TDLB_DECLARE_SUPER
 }
@@ -56,6 +55,14 @@ MetaNode& MetaModel::createMetaNode(const StringId& typeName)
 const MetaNode* MetaModel::metaNode(const StringId& typeName) const
 {
     for (const auto& node : m_nodes)
+        if (node->typeName() == typeName)
+            return node.get();
+    return nullptr;
+}
+
+MetaNode* MetaModel::mutableMetaNode(const StringId& typeName)
+{
+    for (auto& node : m_nodes)
         if (node->typeName() == typeName)
             return node.get();
     return nullptr;

@@ -22,6 +22,7 @@ public:
 private:
     MetaModel();
     MetaNode& createMetaNode(const StringId& typeName);
+    MetaNode* mutableMetaNode(const StringId& typeName);
 
     StringId m_name;
     std::vector<std::unique_ptr<MetaNode>> m_nodes;
