@@ -18,7 +18,6 @@ public:
     CallArguments(std::string call, const std::vector<HostValue>& inputs, std::size_t first)
         : m_call(std::move(call)), m_inputs(inputs), m_first(first) {}
 
-    std::size_t count() const { return m_inputs.size() > m_first ? m_inputs.size() - m_first : 0; }
     bool has(std::size_t index) const { return m_first + index < m_inputs.size(); }
     const HostValue& value(std::size_t index) const { return m_inputs[m_first + index]; }
 

@@ -24,7 +24,6 @@ public:
     std::shared_ptr<const LibraryDocument> load(const std::string& library, FileIssue& issue);
     // The library's file on the path, or empty.
     QString fileOf(const std::string& library) const { return m_path.findLibraryFile(library); }
-    const SearchPath& path() const { return m_path; }
 
 private:
     struct Entry {

@@ -78,7 +78,8 @@ bool SyntheticRootGenerator::write(const QString& root, QString& error)
             // The first blocks make one chain of the full depth, so the depth
             // is reached whatever the random draws are.
             const bool chain = b < m_settings.depth - 1;
-            const std::vector<std::size_t> at = chain ? containers.back() : containers[below(static_cast<int>(containers.size()))];
+            const std::vector<std::size_t> at =
+                chain ? containers.back() : containers[below(static_cast<int>(containers.size()))];
             std::vector<BlockRecord>* blocks = blocksAt(at);
             const int depth = static_cast<int>(at.size()) + 1;
             BlockRecord block;

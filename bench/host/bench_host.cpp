@@ -77,8 +77,8 @@ void parseAndAnswerBlockData(benchmark::State& state)
         std::function<void(const HostValue&)> walk = [&](const HostValue& of) {
             const auto children = host.callWithTrap("tdprivate", 1, inputs(report, "lb_getChildrenHandles", {of}));
             for (double handle : children.outputs.at(0).doubles()) {
-                const auto data = host.callWithTrap("tdprivate", 6,
-                                                    inputs(report, "lb_getBlockData", {HostValue::doubleScalar(handle)}));
+                const auto data = host.callWithTrap(
+                    "tdprivate", 6, inputs(report, "lb_getBlockData", {HostValue::doubleScalar(handle)}));
                 ++answered;
                 if (data.outputs.at(3).toString() == "SubSystem")
                     walk(HostValue::doubleScalar(handle));

@@ -62,17 +62,22 @@ TEST_F(BadInput, SchemaErrorsNameLineColumnAndField)
     const std::vector<Case> cases{
         {"[\n    {\"name\": \"Fine\", \"type\": \"Block\"},\n    {\"name\": 5, \"type\": \"Block\"}\n  ]",
          ":7:14: blocks[1].name:", "expected a string"},
-        {"[\n    {\"name\": \"Odd\", \"type\": \"Widget\"}\n  ]", ":6:29: blocks[0].type:", "unknown block type \"Widget\""},
-        {"[\n    {\"name\": \"S\", \"type\": \"SubSystem\", \"blocks\": [\n      {\"name\": \"G\", \"type\": \"Block\", "
+        {"[\n    {\"name\": \"Odd\", \"type\": \"Widget\"}\n  ]",
+         ":6:29: blocks[0].type:", "unknown block type \"Widget\""},
+        {"[\n    {\"name\": \"S\", \"type\": \"SubSystem\", \"blocks\": [\n"
+         "      {\"name\": \"G\", \"type\": \"Block\", "
          "\"icon\": {\"inputs\": \"two\"}}\n    ]}\n  ]",
          ":7:57: blocks[0].blocks[0].icon.inputs:", "whole number"},
         {"[\n    {\"name\": \"A\", \"type\": \"Block\", \"position\": [1, 2, 3]}\n  ]", ":6:48: blocks[0].position:",
          "four numbers"},
-        {"[\n    {\"name\": \"A\", \"type\": \"Block\", \"colour\": \"red\"}\n  ]", ":6:46: blocks[0].colour:", "unknown field"},
-        {"[\n    {\"name\": \"Two\\nLines\", \"type\": \"Block\"},\n    {\"name\": \"Two Lines\", \"type\": \"Block\"}\n  ]",
+        {"[\n    {\"name\": \"A\", \"type\": \"Block\", \"colour\": \"red\"}\n  ]",
+         ":6:46: blocks[0].colour:", "unknown field"},
+        {"[\n    {\"name\": \"Two\\nLines\", \"type\": \"Block\"},\n"
+         "    {\"name\": \"Two Lines\", \"type\": \"Block\"}\n  ]",
          ":7:14: blocks[1].name:", "already named"},
         {"[\n    {\"name\": \"R\", \"type\": \"LibraryRef\"}\n  ]", ":6:5: blocks[0].target:", "needs a target"},
-        {"[\n    {\"name\": \"B\", \"type\": \"Block\", \"blocks\": []}\n  ]", ":6:46: blocks[0].blocks:", "only a SubSystem"},
+        {"[\n    {\"name\": \"B\", \"type\": \"Block\", \"blocks\": []}\n  ]",
+         ":6:46: blocks[0].blocks:", "only a SubSystem"},
         {"[\n    {\"name\": \"I\", \"type\": \"Block\", \"icon\": {\"svg\": \"<svg><g></svg>\"}}\n  ]",
          ":6:52: blocks[0].icon.svg:", "well-formed"},
         {"{}", ":5:13: blocks:", "expected an array"},

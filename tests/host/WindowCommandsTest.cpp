@@ -101,7 +101,8 @@ TEST_F(WindowCommandsTest, AddingFailsForLockedMissingOrWrongTargets)
     EXPECT_TRUE(run("private_td_add_block", {s("arithmetica/Basic Operations/Gain"), s("switchyard/Logic")}).ok);
     EXPECT_FALSE(run("private_td_add_block", {s("arithmetica/Basic Operations/Gain"), s("closed")}).ok);
     EXPECT_FALSE(run("private_td_add_block", {s("arithmetica/Nope"), s("switchyard")}).ok);
-    EXPECT_FALSE(run("private_td_add_block", {s("arithmetica/Basic Operations/Gain"), s("switchyard/Logic/AND Gate")}).ok);
+    EXPECT_FALSE(
+        run("private_td_add_block", {s("arithmetica/Basic Operations/Gain"), s("switchyard/Logic/AND Gate")}).ok);
     EXPECT_FALSE(run("private_td_drop_block", {s("arithmetica/Basic Operations/Gain"), s("switchyard")}).ok)
         << "a drop needs its point";
 }
