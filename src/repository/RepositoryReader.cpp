@@ -23,10 +23,9 @@ ProductRecord RepositoryReader::getProduct(const std::string& id)
 {
     std::string key = id.substr(0, id.find('/'));
     key = key.substr(0, key.find('-'));
-    const StringId keyId(key);
     for (const ProductRecord& record : getProducts()) {
         const LibraryImpl& library = *record.library;
-        if (library.getIsProduct() && (library.getUniquePath() == keyId || library.getDisplayPath() == key))
+        if (library.getIsProduct() && (library.getUniquePath().str() == key || library.getDisplayPath() == key))
             return record;
     }
     return {};

@@ -40,12 +40,6 @@ TEST(RepositoryPathsTest, SplitBlockPathKeepsDoubledSlashesInNames)
     EXPECT_EQ(sanitizePath("my lib/a//b/c_d"), "my_20lib/a_2f_2fb/c__d");
 }
 
-TEST(RepositoryPathsTest, SimpleStringForms)
-{
-    EXPECT_EQ(blankLineFeeds("two\nlines\n"), "two lines ");
-    EXPECT_EQ(forwardSlashes("C:\\tools\\lib"), "C:/tools/lib");
-}
-
 TEST(RepositoryPathsTest, AbsoluteAndRelativePaths)
 {
     EXPECT_EQ(absolutePath("/root", "toolbox/lib.json"), "/root/toolbox/lib.json");
@@ -60,16 +54,6 @@ TEST(RepositoryPathsTest, AbsoluteAndRelativePaths)
 }
 
 class RepositoryDirectoriesTest : public Testing::StoreFixture {};
-
-TEST_F(RepositoryDirectoriesTest, StoresLieBelowTheHostDirectories)
-{
-    RepositoryReport report;
-    EXPECT_EQ(shippedRepositoryDirectory(), hostRoot() + "/toolbox/tandril/tandril/private/td_library_browser_repos");
-    const std::string writable = writableRepositoryDirectory(report);
-    EXPECT_EQ(writable, preferences() + "/td_library_browser_repos");
-    EXPECT_TRUE(exists(writable));
-    EXPECT_FALSE(report.hasWarning());
-}
 
 TEST_F(RepositoryDirectoriesTest, UnmakeableWritableStoreIsAWarning)
 {

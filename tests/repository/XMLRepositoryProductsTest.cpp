@@ -214,19 +214,6 @@ TEST_F(XMLRepositoryProductsTest, DestroyProductRemovesItsDataButKeepsItListed)
     EXPECT_EQ(errorMessages(*report), (Messages{"Unable to find product 'Nope'"}));
 }
 
-TEST_F(XMLRepositoryProductsTest, DestroyRepositoryEmptiesTheWritableStore)
-{
-    writeFile(archive(writable(), "Alpha", "icons"), "i");
-    repository->destroyRepository();
-    EXPECT_FALSE(exists(archive(writable(), "Alpha", "icons")));
-    EXPECT_FALSE(exists(topLevelFile(writable())));
-    EXPECT_FALSE(exists(tokenFile(writable())));
-    EXPECT_TRUE(repository->getMergedProducts().empty());
-    // The shipped store is untouched.
-    EXPECT_TRUE(repository->exists());
-    EXPECT_TRUE(exists(archive(shipped(), "Alpha", "icons")));
-}
-
 class RepositoryReaderOpenTest : public Testing::StoreFixture {};
 
 TEST_F(RepositoryReaderOpenTest, AMissingDirectoryGivesAReaderThatDoesNotExistAndCreatesNothing)
@@ -262,16 +249,6 @@ TEST_F(RepositoryReaderOpenTest, ACorruptManifestReadsAsAnEmptyStoreAndStays)
     const auto& errors = reader->getRepositoryReport()->getErrors();
     ASSERT_FALSE(errors.empty());
     EXPECT_EQ(errors.front().message, "The top level manifest file looks corrupted. Returning an empty manifest.");
-}
-
-TEST_F(RepositoryReaderOpenTest, AWriterOpenedOnADirectorySaysDiscoveryIsNotThereYet)
-{
-    const RepositoryWriterPtr writer = RepositoryWriter::open(path("w"), {"/a", "/b"});
-    ASSERT_EQ(writer->getRepositoryReport()->getWarnings().size(), 1u);
-    EXPECT_EQ(writer->getRepositoryReport()->getWarnings().front().id,
-              "Tandril:Repository:ProductDiscoveryNotAvailable");
-    EXPECT_EQ(std::dynamic_pointer_cast<XMLRepositoryWriter>(writer)->hostPathList(),
-              (std::vector<std::string>{"/a", "/b"}));
 }
 
 } // namespace
