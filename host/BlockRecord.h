@@ -7,6 +7,17 @@ namespace LibraryBrowser::Host {
 
 enum class BlockType { Block, SubSystem, LibraryRef };
 
+// The type as library files and host answers spell it.
+inline const char* blockTypeName(BlockType type)
+{
+    switch (type) {
+    case BlockType::SubSystem: return "SubSystem";
+    case BlockType::LibraryRef: return "LibraryRef";
+    case BlockType::Block: break;
+    }
+    return "Block";
+}
+
 enum class IconShape { Rectangle, Rounded, Triangle, Circle, Diamond };
 
 // Where a block sits in its library: the four edges, in library units.

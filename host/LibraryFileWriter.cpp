@@ -17,16 +17,6 @@ QString text(const std::string& s)
     return QString::fromStdString(s);
 }
 
-const char* typeText(BlockType type)
-{
-    switch (type) {
-    case BlockType::SubSystem: return "SubSystem";
-    case BlockType::LibraryRef: return "LibraryRef";
-    case BlockType::Block: break;
-    }
-    return "Block";
-}
-
 const char* shapeText(IconShape shape)
 {
     switch (shape) {
@@ -45,7 +35,7 @@ QJsonObject blockToJson(const BlockRecord& block)
 {
     QJsonObject object;
     object.insert("name", text(block.name));
-    object.insert("type", QLatin1String(typeText(block.type)));
+    object.insert("type", QLatin1String(blockTypeName(block.type)));
     if (block.hasDescription)
         object.insert("description", text(block.description));
     const BlockPosition& p = block.position;

@@ -16,16 +16,6 @@ namespace {
 constexpr const char* invalidFile = "Tandril:Host:InvalidFile";
 constexpr const char* badArguments = "Tandril:Host:BadArguments";
 
-const char* typeText(BlockType type)
-{
-    switch (type) {
-    case BlockType::SubSystem: return "SubSystem";
-    case BlockType::LibraryRef: return "LibraryRef";
-    case BlockType::Block: break;
-    }
-    return "Block";
-}
-
 HostValue cellOfCells(const std::vector<std::vector<std::string>>& lists)
 {
     HostValue cell = HostValue::cellArray(lists.empty() ? 0 : 1, lists.size());
@@ -190,7 +180,7 @@ RepositoryOperations::CallResult RepositoryOperations::getBlockData(int outputCo
     const BlockPosition& p = block.position;
     return CallArguments::success("tdprivate lb_getBlockData", outputCount,
                                   {HostValue::string(BlockPath::escape(block.name)), HostValue::string(description),
-                                   row({p.left, p.top, p.right, p.bottom}), HostValue::string(typeText(block.type)),
+                                   row({p.left, p.top, p.right, p.bottom}), HostValue::string(blockTypeName(block.type)),
                                    HostValue::string(referenceLibrary), HostValue::string(referencePath)});
 }
 

@@ -20,6 +20,9 @@ public:
     // The host's warning display switches (mode 3 is the command warnings).
     virtual bool isWarningModeOn(int mode) const = 0;
     virtual void setWarningMode(int mode, bool on) = 0;
+    // The host's fatal assertion: reports where and why, then ends the process.
+    // Reserved for states the build machines must never ship.
+    [[noreturn]] virtual void assertionFailed(const std::string& source, int line, const std::string& message);
 };
 
 } // namespace LibraryBrowser

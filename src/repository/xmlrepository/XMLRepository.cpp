@@ -1,6 +1,8 @@
 #include "repository/xmlrepository/XMLRepository.h"
 
 #include "model/Model.h"
+#include "platform/HostEnvironment.h"
+#include "platform/Platform.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 
@@ -178,14 +180,11 @@ void XMLRepository::syncTopLevelManifest()
     const bool rootExists = m_shippedReader->exists();
     if (current != rootVersion || !rootExists) {
         if (isAutomatedBuildUser()) {
-            // A build machine must never ship without the store. The host
-            // offers no fatal assertion, so the stop is an error that ends
-            // the synchronisation before any token work.
+            // A build machine must never ship without the store: stop the build.
             m_report->log(std::string("Numora root exists: ") + (rootExists ? "true" : "false"));
             m_report->log("Numora root model version: " + rootVersion);
-            m_report->logError("repository/xmlrepository/XMLRepository:137: Forced Assertion: "
-                               "The repository should always exists in Kiln");
-            return;
+            Platform::environment().assertionFailed("repository/xmlrepository/XMLRepository", 137,
+                                                    "The repository should always exists in Kiln");
         }
         if (!regenerateShippedStore())
             return;
