@@ -1,0 +1,63 @@
+#include "repository/search/SearchPattern.h"
+
+#include <cctype>
+
+namespace LibraryBrowser {
+
+SearchPattern::SearchPattern(const std::string& pattern, SearchOptions::RegExp regExp,
+                             SearchOptions::WholeWord wholeWord, SearchOptions::MatchCase matchCase)
+{
+    std::string text = regExp == SearchOptions::RegExpOn ? pattern : translatePlainPattern(pattern);
+    // Not grouped on purpose: in an alternation each boundary binds to the
+    // outer alternative only, as users of the search have come to expect.
+    if (wholeWord == SearchOptions::WholeWordOn)
+        text = "\\b" + text + "\\b";
+    m_regExp = QRegExp(QString::fromUtf8(text.data(), qsizetype(text.size())),
+                       matchCase == SearchOptions::MatchCaseOn ? Qt::CaseSensitive : Qt::CaseInsensitive,
+                       QRegExp::RegExp);
+}
+
+std::string SearchPattern::translatePlainPattern(const std::string& pattern)
+{
+    std::string out;
+    for (std::size_t i = 0; i < pattern.size() && out.size() < MaxTranslatedLength; ++i) {
+        const char c = pattern[i];
+        switch (c) {
+        case '?':
+            out += '.';
+            break;
+        case '*':
+            out += ".*";
+            break;
+        case ' ':
+            // A run of blanks counts once: only its last blank becomes "\s+".
+            if (i + 1 < pattern.size() && std::isspace(static_cast<unsigned char>(pattern[i + 1])))
+                break;
+            out += "\\s+";
+            break;
+        case '+':
+        case '.':
+        case '[':
+        case '\\':
+        case ']':
+        case '{':
+        case '}':
+            out += '\\';
+            out += c;
+            break;
+        default:
+            out += c;
+        }
+    }
+    return out;
+}
+
+bool SearchPattern::matches(const std::string& text) const
+{
+    if (!m_regExp.isValid())
+        return false;
+    const QString subject = QString::fromUtf8(text.data(), qsizetype(text.size()));
+    return m_regExp.indexIn(subject, 0, QRegExp::CaretAtZero) != -1;
+}
+
+} // namespace LibraryBrowser

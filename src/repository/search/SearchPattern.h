@@ -1,0 +1,36 @@
+#pragma once
+
+#include "repository/search/SearchOptions.h"
+
+#include <QRegExp>
+
+#include <string>
+
+namespace LibraryBrowser {
+
+// What a user typed into the search box, made into one compiled expression.
+// A plain pattern is a kind of glob: "?" is one character, "*" any run, a
+// blank any white space; "(", ")", "^", "$" and "|" keep their meaning as
+// operators, so "gain|sum" finds either word and "^Sine" names that begin so.
+// An expression the engine finds invalid matches nothing.
+class SearchPattern {
+public:
+    // The translated text is cut at this many bytes.
+    static constexpr std::size_t MaxTranslatedLength = 2044;
+
+    SearchPattern(const std::string& pattern, SearchOptions::RegExp regExp, SearchOptions::WholeWord wholeWord,
+                  SearchOptions::MatchCase matchCase);
+
+    // The expression text for a plain (non-regular-expression) pattern.
+    static std::string translatePlainPattern(const std::string& pattern);
+
+    // True when the expression matches anywhere inside `text` (UTF-8).
+    bool matches(const std::string& text) const;
+    bool isValid() const { return m_regExp.isValid(); }
+    const QRegExp& regExp() const { return m_regExp; }
+
+private:
+    QRegExp m_regExp;
+};
+
+} // namespace LibraryBrowser
