@@ -44,32 +44,30 @@ TandrilObjectImpl* Model::createNodeIntoModel(const StringId& typeName, Model* m
 
 void Model::adopt(std::unique_ptr<TandrilObjectImpl> node)
 {
-    node->m_id = m_nextId++;
+    node->m_id = unsigned(m_owned.size() + 1);
     m_nodes.append(node.get());
-    m_owned.emplace(node->m_id, std::move(node));
+    m_owned.push_back(std::move(node));
 }
 
 TandrilObjectImpl* Model::findNode(unsigned id) const
 {
-    auto it = m_owned.find(id);
-    return it == m_owned.end() ? nullptr : it->second.get();
+    return id >= 1 && id <= m_owned.size() ? m_owned[id - 1].get() : nullptr;
 }
 
 void Model::removeNode(TandrilObjectImpl* node)
 {
-    if (!node || node->getModel() != this)
+    if (!node || node->getModel() != this || findNode(node->id()) != node)
         return;
     m_nodes.removeOnce(node);
-    m_owned.erase(node->id());
+    m_owned[node->id() - 1].reset();
 }
 
 void Model::removeAllNodes()
 {
+    // Nothing can refer to the old ids any more; a reloaded model numbers its
+    // nodes from 1 again, as the document did.
     m_nodes.clear();
     m_owned.clear();
-    // Nothing can refer to the old ids any more; a reloaded model numbers its
-    // nodes as the document did.
-    m_nextId = 1;
 }
 
 bool Model::load(const std::string& path, ErrorHolder& errors)

@@ -8,7 +8,7 @@
 
 #include <memory>
 #include <string>
-#include <unordered_map>
+#include <vector>
 
 namespace LibraryBrowser {
 
@@ -89,8 +89,9 @@ private:
 
     Signature m_signature;
     TandrilObjectImplList m_nodes;
-    std::unordered_map<unsigned, std::unique_ptr<TandrilObjectImpl>> m_owned;
-    unsigned m_nextId = 1;
+    // Ids are handed out densely from 1, so the owner table is indexed by id - 1;
+    // a removed node leaves an empty slot.
+    std::vector<std::unique_ptr<TandrilObjectImpl>> m_owned;
     int m_changeSetDepth = 0;
     int m_changes = 0;
 };
