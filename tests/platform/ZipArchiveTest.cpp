@@ -1,0 +1,143 @@
+#include "platform/ZipArchive.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace LibraryBrowser;
+
+namespace {
+
+QByteArray fileBytes(const std::string& path)
+{
+    QFile file(QString::fromStdString(path));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+class ZipArchiveTest : public ::testing::Test {
+protected:
+    std::string path(const char* name) const { return m_dir.filePath(QString::fromUtf8(name)).toStdString(); }
+
+    QTemporaryDir m_dir;
+};
+
+} // namespace
+
+TEST_F(ZipArchiveTest, EntriesSurviveCloseAndReopen)
+{
+    const std::string file = path("icons \u00fc.rps");
+    ZipArchive archive;
+    ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew)) << archive.errorString();
+    EXPECT_EQ(archive.getArchiveFilePath(), file);
+    EXPECT_TRUE(archive.add("icons/Signals/Sine_20Wave.svg", "<svg/>"));
+    EXPECT_TRUE(archive.add("icons/Gr\u00f6\u00dfe.svg", QByteArray(5000, 'x')));
+    ASSERT_TRUE(archive.close());
+    EXPECT_FALSE(archive.isOpened());
+
+    ZipArchive again;
+    ASSERT_TRUE(again.open(file, ZipArchive::OpenExisting));
+    EXPECT_EQ(again.entryNames(),
+              (std::vector<std::string>{"icons/Signals/Sine_20Wave.svg", "icons/Gr\u00f6\u00dfe.svg"}));
+    QByteArray bytes;
+    ASSERT_TRUE(again.read(again.find("icons/Gr\u00f6\u00dfe.svg"), bytes));
+    EXPECT_EQ(bytes, QByteArray(5000, 'x'));
+    EXPECT_TRUE(again.add("icons/Signals/Sine_20Wave.svg", "<svg version=\"2\"/>")) << "adding replaces";
+    ASSERT_TRUE(again.close());
+
+    std::string error;
+    ASSERT_TRUE(ZipArchive::readEntry(file, "icons/Signals/Sine_20Wave.svg", bytes, error)) << error;
+    EXPECT_EQ(bytes, QByteArray("<svg version=\"2\"/>"));
+    EXPECT_FALSE(ZipArchive::readEntry(file, "icons/missing.svg", bytes, error));
+    EXPECT_NE(error.find("icons/missing.svg"), std::string::npos);
+}
+
+TEST_F(ZipArchiveTest, RemovalAndReopeningKeepTheRest)
+{
+    const std::string file = path("manifests.rps");
+    ZipArchive archive;
+    ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew));
+    for (int i = 0; i < 250; ++i) {
+        archive.add("m/" + std::to_string(i) + ".xml", QByteArray::number(i));
+        if (i % 100 == 99) {
+            ASSERT_TRUE(archive.close());
+            ASSERT_TRUE(archive.open(file, ZipArchive::OpenExisting));
+        }
+    }
+    const ZipArchive::Entry entry = archive.find("m/7.xml");
+    ASSERT_TRUE(entry.isValid());
+    EXPECT_EQ(archive.getName(entry), "m/7.xml");
+    EXPECT_TRUE(archive.remove(entry));
+    EXPECT_FALSE(archive.exists("m/7.xml"));
+    ASSERT_TRUE(archive.close());
+
+    ASSERT_TRUE(archive.open(file, ZipArchive::ReadOnly));
+    EXPECT_EQ(archive.entryNames().size(), 249u);
+    QByteArray bytes;
+    ASSERT_TRUE(archive.read(archive.find("m/0.xml"), bytes)) << "entries added before a reopen remain";
+    EXPECT_EQ(bytes, "0");
+}
+
+TEST_F(ZipArchiveTest, AnEmptyArchiveLeavesNoFile)
+{
+    const std::string file = path("empty.rps");
+    ZipArchive archive;
+    ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew));
+    EXPECT_TRUE(archive.close());
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(file)));
+}
+
+TEST_F(ZipArchiveTest, DroppedWithoutCloseLeavesTheFileAsItWas)
+{
+    const std::string file = path("a.rps");
+    {
+        ZipArchive archive;
+        archive.open(file, ZipArchive::CreateNew);
+        archive.add("kept", "1");
+        archive.close();
+    }
+    const QByteArray before = fileBytes(file);
+    {
+        ZipArchive archive;
+        archive.open(file, ZipArchive::OpenExisting);
+        archive.add("lost", "2");
+    }
+    EXPECT_EQ(fileBytes(file), before);
+}
+
+TEST_F(ZipArchiveTest, DamagedOrMissingFilesLeaveItClosedAndHarmless)
+{
+    const std::string garbage = path("damaged.rps");
+    {
+        QFile file(QString::fromStdString(garbage));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("PK\x03\x04 this is not really a zip archive at all");
+    }
+    ZipArchive archive;
+    EXPECT_FALSE(archive.open(garbage, ZipArchive::OpenExisting));
+    EXPECT_FALSE(archive.errorString().empty());
+    EXPECT_FALSE(archive.open(path("missing.rps"), ZipArchive::OpenExisting));
+
+    // Everything on a closed archive answers "nothing" and changes nothing.
+    EXPECT_FALSE(archive.isOpened());
+    EXPECT_FALSE(archive.exists("x"));
+    EXPECT_FALSE(archive.find("x").isValid());
+    EXPECT_FALSE(archive.add("x", "1"));
+    QByteArray bytes("left over");
+    EXPECT_FALSE(archive.read(archive.find("x"), bytes));
+    EXPECT_TRUE(bytes.isEmpty());
+    EXPECT_FALSE(archive.remove(archive.find("x")));
+    EXPECT_TRUE(archive.entryNames().empty());
+    EXPECT_EQ(archive.getName(archive.find("x")), "");
+    EXPECT_FALSE(archive.close());
+    EXPECT_EQ(fileBytes(garbage).left(4), QByteArray("PK\x03\x04"));
+
+    std::string error;
+    EXPECT_FALSE(ZipArchive::readEntry(garbage, "x", bytes, error));
+    EXPECT_FALSE(error.empty());
+
+    ASSERT_TRUE(archive.open(garbage, ZipArchive::CreateNew)) << "a new archive replaces a damaged file";
+    archive.add("fresh", "1");
+    ASSERT_TRUE(archive.close());
+    ASSERT_TRUE(ZipArchive::readEntry(garbage, "fresh", bytes, error)) << error;
+}
