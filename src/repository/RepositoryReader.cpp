@@ -1,34 +1,58 @@
 #include "repository/RepositoryReader.h"
 
+#include "repository/ReaderCache.h"
+#include "repository/TandrilObjectDepthFirstIterator.h"
+#include "repository/search/ExactBlockTypeCriteria.h"
+#include "repository/search/IsTopLevelCriteria.h"
+#include "repository/search/TandrilObjectSearchIterator.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 
 namespace LibraryBrowser {
 
 bool RepositoryReader::isProductUpToDate(const std::string& name)
 {
-    const ProductRecord product = getProduct(name);
-    return !product.isNull() && isProductUpToDate(*product.library, false);
+    return isProductUpToDate(getTandrilObject(name), false);
 }
 
-ProductRecordList RepositoryReader::getProducts()
+TandrilObjectIterator RepositoryReader::getTopLevelIterator()
 {
-    ProductRecordList valid;
-    for (const ProductRecord& record : getAllProducts())
-        if (!record.library->getIsInvalid())
-            valid.push_back(record);
-    return valid;
+    return TandrilObjectSearchIterator::filter(getProductsIterator(), std::make_unique<IsTopLevelCriteria>());
 }
 
-ProductRecord RepositoryReader::getProduct(const std::string& id)
+TandrilObjectIterator RepositoryReader::getChildrenIterator(const TandrilObject& object, const StringId& blockType)
 {
-    std::string key = id.substr(0, id.find('/'));
-    key = key.substr(0, key.find('-'));
-    for (const ProductRecord& record : getProducts()) {
-        const LibraryImpl& library = *record.library;
-        if (library.getIsProduct() && (library.getUniquePath().str() == key || library.getDisplayPath() == key))
-            return record;
+    return TandrilObjectSearchIterator::filter(getChildrenIterator(object),
+                                               std::make_unique<ExactBlockTypeCriteria>(blockType));
+}
+
+TandrilObject RepositoryReader::getTandrilObject(const std::string& id)
+{
+    return getCache()->findObject(StringId(id));
+}
+
+IconTable RepositoryReader::getIcons(const TandrilObject& object)
+{
+    IconTable icons;
+    for (TandrilObjectIterator it = getChildrenIterator(object); it.isValidIterator(); it.next()) {
+        const TandrilObject child = it.current();
+        icons[child] = getIcon(child);
     }
-    return {};
+    return icons;
+}
+
+Library RepositoryReader::getProduct(const std::string& name)
+{
+    return getCache()->getProduct(name);
+}
+
+TandrilObjectIterator RepositoryReader::getDepthFirstIterator()
+{
+    return TandrilObjectIterator(std::make_unique<TandrilObjectDepthFirstIterator>(this, TandrilObject(), true));
+}
+
+TandrilObjectIterator RepositoryReader::getDepthFirstIterator(const TandrilObject& root)
+{
+    return TandrilObjectIterator(std::make_unique<TandrilObjectDepthFirstIterator>(this, root, false));
 }
 
 std::shared_ptr<RepositoryReader> RepositoryReader::open(const std::string& directory)

@@ -1,39 +1,66 @@
 #pragma once
 
-#include "repository/ProductRecord.h"
+#include "platform/StringId.h"
+#include "repository/BlockIcon.h"
 #include "repository/RepositoryReport.h"
+#include "repository/TandrilObjectIterator.h"
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 namespace LibraryBrowser {
 
-// The asking side of a repository. The object-level operations (children,
-// icons, objects by path, depth-first walks and search) arrive with the
-// handles and iterators of issue 4; until then products are answered as
-// records of the top-level manifest.
-class RepositoryReader {
+class ReaderCache;
+
+using IconTable = std::unordered_map<TandrilObject, BlockIconPtr>;
+
+// The asking side of a repository. Objects come as handles bound to the
+// cache behind the reader; a failed lookup gives a null or invalid handle,
+// an empty iterator or a null icon, never an exception. A reader lives in a
+// shared pointer: depth-first walks hold it for as long as they run.
+class RepositoryReader : public std::enable_shared_from_this<RepositoryReader> {
 public:
     virtual ~RepositoryReader() = default;
 
     // There is a readable top-level manifest.
     virtual bool exists() = 0;
 
-    virtual bool isProductUpToDate(const LibraryImpl& product, bool ignoreTimestamp) = 0;
-    virtual bool isProductUpToDate(const LibraryImpl& product) { return isProductUpToDate(product, false); }
+    // Whether what the store holds for the product still agrees with the
+    // host's files.
+    virtual bool isProductUpToDate(const TandrilObject& product, bool ignoreTimestamp) = 0;
+    virtual bool isProductUpToDate(const TandrilObject& product) { return isProductUpToDate(product, false); }
     // False for a name that names no product.
     virtual bool isProductUpToDate(const std::string& name);
 
     // Every entry of the top level, unfiltered, in order.
-    virtual ProductRecordList getAllProducts() = 0;
-    // The entries that are not marked invalid.
-    virtual ProductRecordList getProducts();
-    // The product that an object id starts with: the id is cut at the first
-    // "/" and then at the first "-", and matched against the products'
-    // unique paths and display paths. A null record if none fits.
-    virtual ProductRecord getProduct(const std::string& id);
+    virtual TandrilObjectIterator getAllProductsIterator() = 0;
+    // The valid products.
+    virtual TandrilObjectIterator getProductsIterator() = 0;
+    // The products shown at the top of the tree.
+    virtual TandrilObjectIterator getTopLevelIterator();
+    // The children of a subsystem; a library reference answers with those of
+    // its target. No engine for anything that is no valid subsystem.
+    virtual TandrilObjectIterator getChildrenIterator(const TandrilObject& object) = 0;
+    // The children whose node class is exactly the named one ("BlockImpl"...).
+    virtual TandrilObjectIterator getChildrenIterator(const TandrilObject& object, const StringId& blockType);
+    // The object of a unique path; an invalid placeholder keeping the id if
+    // there is none.
+    virtual TandrilObject getTandrilObject(const std::string& id);
+    virtual BlockIconPtr getIcon(const TandrilObject& object) = 0;
+    // The icon of each child of the object, by child.
+    virtual IconTable getIcons(const TandrilObject& object);
+    // The product that an object id starts with; null if none.
+    virtual Library getProduct(const std::string& name);
 
     virtual RepositoryReportPtr getRepositoryReport() const = 0;
+    virtual ReaderCache* getCache() = 0;
+
+    // A pre-order walk of everything below the products, or below one
+    // object; the starting object itself is not returned. Library references
+    // are walked through to their targets, and cycles are cut.
+    TandrilObjectIterator getDepthFirstIterator();
+    TandrilObjectIterator getDepthFirstIterator(const TandrilObject& root);
 
     // A reader on a store directory with a report of its own. Nothing on
     // disk is touched; a missing store gives a reader that doesn't exist.

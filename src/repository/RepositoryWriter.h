@@ -1,15 +1,13 @@
 #pragma once
 
+#include "repository/Library.h"
 #include "repository/RepositoryReport.h"
-
-#include <vector>
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace LibraryBrowser {
-
-class LibraryImpl;
 
 // How much a generation redoes.
 enum class GenerationMode {
@@ -26,14 +24,14 @@ public:
 
     virtual void generateRepository(GenerationMode mode) = 0;
     virtual void generateRepository() { generateRepository(GenerationMode::Minimal); }
-    virtual void generateProduct(const LibraryImpl& product, GenerationMode mode) = 0;
-    virtual void generateProduct(const LibraryImpl& product) { generateProduct(product, GenerationMode::Minimal); }
+    virtual void generateProduct(const Library& product, GenerationMode mode) = 0;
+    virtual void generateProduct(const Library& product) { generateProduct(product, GenerationMode::Minimal); }
     // Brings the list of products in the top-level manifest up to date with
     // the products on the host's path.
     virtual void updateProducts() = 0;
     virtual RepositoryReportPtr getRepositoryReport() const = 0;
     virtual void destroyRepository() = 0;
-    virtual void destroyProduct(const LibraryImpl& product) = 0;
+    virtual void destroyProduct(const Library& product) = 0;
 
     // A writer on a store directory, with its product list brought up to date.
     static std::shared_ptr<RepositoryWriter> open(const std::string& directory);

@@ -1,6 +1,7 @@
 #include "XMLRepositoryFixture.h"
 
 #include "platform/ErrorHolder.h"
+#include "repository/ReaderCacheRegistry.h"
 #include "repository/RepositoryReader.h"
 
 #include <QFile>
@@ -27,24 +28,30 @@ protected:
     void writeWritableManifest(const Model& model)
     {
         saveManifest(model, topLevelFile(writable()));
-        repository->writableReader()->forgetTopLevelManifest();
+        ReaderCacheRegistry::unloadTopLevelCaches(writable());
     }
 
-    const LibraryImpl& shippedProduct(const std::string& name)
-    {
-        return *repository->shippedReader()->getProduct(name).library;
-    }
+    Library shippedProduct(const std::string& name) { return repository->shippedReader()->getProduct(name); }
 
-    // "w:Name" or "s:Name" per record: the store it comes from and its name.
-    std::vector<std::string> describe(const ProductRecordList& records)
+    // "w:Name" or "s:Name" per handle: the store its node comes from and its name.
+    std::vector<std::string> describe(const std::vector<TandrilObject>& objects)
     {
         std::vector<std::string> text;
-        for (const ProductRecord& r : records) {
-            const bool fromWritable = r.manifest == repository->writableReader()->topLevelManifest();
-            const bool fromShipped = r.manifest == repository->shippedReader()->topLevelManifest();
-            text.push_back(std::string(fromWritable ? "w:" : fromShipped ? "s:" : "?:") + r.library->getName());
+        for (const TandrilObject& object : objects) {
+            const Model* model = object.getImpl()->getModel();
+            const bool fromWritable = model == repository->writableReader()->topLevelManifest().get();
+            const bool fromShipped = model == repository->shippedReader()->topLevelManifest().get();
+            text.push_back(std::string(fromWritable ? "w:" : fromShipped ? "s:" : "?:") + object.getName());
         }
         return text;
+    }
+
+    static std::vector<TandrilObject> all(TandrilObjectIterator it)
+    {
+        std::vector<TandrilObject> objects;
+        for (; it.isValidIterator(); it.next())
+            objects.push_back(it.current());
+        return objects;
     }
 
     XMLRepositoryPtr repository;
@@ -68,10 +75,11 @@ TEST_F(XMLRepositoryProductsTest, MergeTakesTheWritableCopyOnlyWhileTheShippedOn
     addProduct(*shippedModel, "Alpha", "shipped-2");
     addProduct(*shippedModel, "Beta", "shipped-0");
     saveManifest(*shippedModel, topLevelFile(shipped()));
-    repository->shippedReader()->forgetTopLevelManifest();
+    ReaderCacheRegistry::unloadTopLevelCaches(shipped());
     EXPECT_EQ(describe(repository->getMergedProducts()),
               (std::vector<std::string>{"s:Alpha", "w:Beta", "w:Gamma"}));
-    EXPECT_EQ(describe(repository->getProducts()), describe(repository->getMergedProducts()));
+    EXPECT_EQ(describe(all(repository->getProductsIterator())),
+              (std::vector<std::string>{"s:Alpha", "w:Beta", "w:Gamma"}));
 }
 
 TEST_F(XMLRepositoryProductsTest, DependenciesAreAddedOneLevelDeep)
@@ -85,7 +93,7 @@ TEST_F(XMLRepositoryProductsTest, DependenciesAreAddedOneLevelDeep)
     beta->getDependenciesPtr()->append(shared);
     shared->getDependenciesPtr()->append(deep);
     saveManifest(*shippedModel, topLevelFile(shipped()));
-    repository->shippedReader()->forgetTopLevelManifest();
+    ReaderCacheRegistry::unloadTopLevelCaches(shipped());
 
     auto model = Model::createModel();
     addProduct(*model, "Alpha", "writable-2");
@@ -95,15 +103,16 @@ TEST_F(XMLRepositoryProductsTest, DependenciesAreAddedOneLevelDeep)
     EXPECT_EQ(describe(repository->getMergedProducts()), (std::vector<std::string>{"w:Alpha", "s:Beta"}));
     EXPECT_EQ(describe(repository->getMergedProductsAndDependencies()),
               (std::vector<std::string>{"w:Alpha", "s:Beta", "s:Shared"}));
-    EXPECT_EQ(describe(repository->getAllProducts()), describe(repository->getMergedProductsAndDependencies()));
+    EXPECT_EQ(describe(all(repository->getAllProductsIterator())),
+              (std::vector<std::string>{"w:Alpha", "s:Beta", "s:Shared"}));
 }
 
 TEST_F(XMLRepositoryProductsTest, ProductsAreFoundByKeyOfAnObjectId)
 {
-    EXPECT_EQ(repository->getProduct("Beta").library->getName(), "Beta");
-    EXPECT_EQ(repository->getProduct("Beta/Sub/Block").library->getName(), "Beta");
-    EXPECT_EQ(repository->getProduct("Delta-3/x").library->getName(), "Delta");
-    EXPECT_EQ(repository->getProduct("AlphaPath").library->getName(), "Alpha");
+    EXPECT_EQ(repository->getProduct("Beta").getName(), "Beta");
+    EXPECT_EQ(repository->getProduct("Beta/Sub/Block").getName(), "Beta");
+    EXPECT_EQ(repository->getProduct("Delta-3/x").getName(), "Delta");
+    EXPECT_EQ(repository->getProduct("AlphaPath").getName(), "Alpha");
     EXPECT_TRUE(repository->getProduct("Nope").isNull());
     EXPECT_FALSE(repository->isProductUpToDate(std::string("Nope")));
 }
@@ -137,13 +146,13 @@ TEST_F(XMLRepositoryProductsTest, ArchivesOfAnotherSchemaAreNotUsed)
 {
     const std::string alphaIcons = archive(writable(), "Alpha", "icons");
     auto model = Model::createModel();
-    const LibraryImpl* alpha = addProduct(*model, "Alpha");
+    LibraryImpl* alpha = addProduct(*model, "Alpha");
     QByteArray bytes = model->saveToBytes();
     bytes.replace(QByteArray::fromStdString(Signature::manifestSchema().toString()), "0123456789abcdef0123456789abcdef");
     writeFile(topLevelFile(shipped()), bytes);
 
     XMLRepository::copyProductArchives(*report, *repository->writableReader(), *repository->shippedReader(),
-                                       *alpha);
+                                       Library(alpha, repository->getCache()));
     EXPECT_FALSE(exists(alphaIcons));
     ASSERT_EQ(report->getWarnings().size(), 1u);
     EXPECT_EQ(report->getWarnings().front().message,
@@ -210,7 +219,7 @@ TEST_F(XMLRepositoryProductsTest, DestroyProductRemovesItsDataButKeepsItListed)
     EXPECT_EQ(alpha->getModelFileCheckSum(), "1234");
 
     auto stranger = Model::createModel();
-    repository->destroyProduct(*addProduct(*stranger, "Nope"));
+    repository->destroyProduct(Library(addProduct(*stranger, "Nope"), repository->getCache()));
     EXPECT_EQ(errorMessages(*report), (Messages{"Unable to find product 'Nope'"}));
 }
 
@@ -222,7 +231,7 @@ TEST_F(RepositoryReaderOpenTest, AMissingDirectoryGivesAReaderThatDoesNotExistAn
     const RepositoryReaderPtr reader = RepositoryReader::open(directory);
 
     EXPECT_FALSE(reader->exists());
-    EXPECT_TRUE(reader->getAllProducts().empty());
+    EXPECT_TRUE(reader->getAllProductsIterator().isEmpty());
     EXPECT_FALSE(reader->isProductUpToDate(std::string("Alpha")));
     EXPECT_FALSE(exists(path("absent")));
     EXPECT_TRUE(tempEntries().isEmpty());
@@ -242,7 +251,7 @@ TEST_F(RepositoryReaderOpenTest, ACorruptManifestReadsAsAnEmptyStoreAndStays)
 
     auto reader = std::make_shared<XMLRepositoryReader>(directory, RepositoryReport::create());
     EXPECT_FALSE(reader->exists());
-    EXPECT_TRUE(reader->getAllProducts().empty());
+    EXPECT_TRUE(reader->getAllProductsIterator().isEmpty());
     EXPECT_EQ(reader->version(), Signature::manifestSchema().toString());
     EXPECT_EQ(readFile(topLevelFile(directory)), cut);
     EXPECT_TRUE(tempEntries().isEmpty());

@@ -1,6 +1,8 @@
 #include "repository/xmlrepository/XMLRepository.h"
 
 #include "model/Model.h"
+#include "repository/HandleData.h"
+#include "repository/ReaderCacheRegistry.h"
 #include "platform/HostEnvironment.h"
 #include "platform/Platform.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
@@ -65,9 +67,19 @@ XMLRepository::XMLRepository(const std::string& writableDirectory, const std::st
 void XMLRepository::buildParts()
 {
     m_report->logToConsoleInteractively(false);
-    m_shippedReader = std::make_shared<XMLRepositoryReader>(m_shippedDirectory, m_report);
-    m_writableReader = std::make_shared<XMLRepositoryReader>(m_writableDirectory, m_report);
+    m_shippedReader = std::make_shared<XMLRepositoryReader>(m_shippedDirectory, m_report, this);
+    m_writableReader = std::make_shared<XMLRepositoryReader>(m_writableDirectory, m_report, this);
+    m_cache = std::make_shared<XMLRepositoryCache>(m_shippedDirectory, m_writableDirectory, m_report, this);
     m_writer = std::make_shared<XMLRepositoryWriter>(m_writableDirectory, m_report, m_hostPathList);
+}
+
+XMLRepository::~XMLRepository()
+{
+    m_cache->detachRepository();
+    m_cache.reset();
+    m_writer.reset();
+    m_writableReader.reset();
+    m_shippedReader.reset();
 }
 
 std::string XMLRepository::getTopLevelManifestFile(RepositoryReport& report, const std::string& store, bool create)
@@ -90,20 +102,30 @@ bool XMLRepository::exists()
     return m_shippedReader->exists();
 }
 
-bool XMLRepository::isProductUpToDate(const LibraryImpl& product, bool ignoreTimestamp)
+bool XMLRepository::isProductUpToDate(const TandrilObject& product, bool ignoreTimestamp)
 {
     return m_writableReader->isProductUpToDate(product, ignoreTimestamp) ||
            m_shippedReader->isProductUpToDate(product, ignoreTimestamp);
 }
 
-ProductRecordList XMLRepository::getAllProducts()
+TandrilObjectIterator XMLRepository::getAllProductsIterator()
 {
-    return getMergedProductsAndDependencies();
+    return m_cache->getAllProductsIterator();
 }
 
-ProductRecordList XMLRepository::getProducts()
+TandrilObjectIterator XMLRepository::getProductsIterator()
 {
-    return getMergedProducts();
+    return m_cache->getProductsIterator();
+}
+
+TandrilObjectIterator XMLRepository::getChildrenIterator(const TandrilObject& object)
+{
+    return m_cache->getChildrenIterator(object);
+}
+
+BlockIconPtr XMLRepository::getIcon(const TandrilObject& object)
+{
+    return m_cache->getIcon(object);
 }
 
 void XMLRepository::generateRepository(GenerationMode mode)
@@ -111,13 +133,13 @@ void XMLRepository::generateRepository(GenerationMode mode)
     if (mode == GenerationMode::Regenerate) {
         m_writer->generateRepository(mode);
     } else {
-        for (const ProductRecord& product : getProducts())
-            generateProduct(*product.library, mode);
+        for (TandrilObjectIterator it = getProductsIterator(); it.isValidIterator(); it.next())
+            generateProduct(it.current().toLibrary(), mode);
     }
     forgetTopLevelManifests();
 }
 
-void XMLRepository::generateProduct(const LibraryImpl& product, GenerationMode mode)
+void XMLRepository::generateProduct(const Library& product, GenerationMode mode)
 {
     if (m_shippedReader->isProductUpToDate(product, mode == GenerationMode::IgnoreTimestamp))
         return;
@@ -141,7 +163,7 @@ void XMLRepository::destroyRepository()
     forgetTopLevelManifests();
 }
 
-void XMLRepository::destroyProduct(const LibraryImpl& product)
+void XMLRepository::destroyProduct(const Library& product)
 {
     m_writer->destroyProduct(product);
     forgetTopLevelManifests();
@@ -149,7 +171,7 @@ void XMLRepository::destroyProduct(const LibraryImpl& product)
 
 void XMLRepository::forgetTopLevelManifests()
 {
-    m_writableReader->forgetTopLevelManifest();
+    ReaderCacheRegistry::unloadTopLevelCaches(m_writableDirectory);
 }
 
 bool XMLRepository::regenerateShippedStore()
@@ -163,7 +185,7 @@ bool XMLRepository::regenerateShippedStore()
         shippedWriter.destroyRepository();
         shippedWriter.generateRepository();
     }
-    m_shippedReader->forgetTopLevelManifest();
+    ReaderCacheRegistry::unloadTopLevelCaches(m_shippedDirectory);
     const bool regenerated = !m_report->hasError();
     if (!regenerated)
         m_report->logError("Unable to generate the numora repository.");
@@ -226,32 +248,40 @@ void XMLRepository::syncTopLevelManifest()
     }
 }
 
-XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const LibraryImpl& product)
+XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product)
 {
     if (m_writableReader->isProductUpToDate(product))
         return m_writableReader;
     if (!m_shippedReader->isProductUpToDate(product)) {
         copyProductArchives(*m_report, *m_writableReader, *m_shippedReader, product);
-        emit preGenerateProduct(product.getDisplayName());
+        const std::string displayName = product.getDisplayName();
+        const auto* node = dynamic_cast<const BlockImpl*>(product.getImpl());
+        const std::string displayPath = node ? node->getDisplayPath() : std::string();
+        emit preGenerateProduct(displayName);
         m_writer->generateProduct(product, GenerationMode::Minimal);
         forgetTopLevelManifests();
-        emit postGenerateProduct(product.getDisplayPath());
+        emit postGenerateProduct(displayPath);
     }
     return m_writableReader->isProductUpToDate(product) ? m_writableReader : m_shippedReader;
 }
 
 void XMLRepository::copyProductArchives(RepositoryReport& report, XMLRepositoryReader& writableReader,
-                                        XMLRepositoryReader& shippedReader, const LibraryImpl& product)
+                                        XMLRepositoryReader& shippedReader, const Library& product)
 {
     if (shippedReader.version() != Model::createModel()->signature().toString()) {
         report.logWarning("Unable to use the numoraroot repository. It was generated with an older version of "
                           "the data model.");
         return;
     }
-    const std::string shippedIcons = shippedReader.directory() + "/" + product.getReposIconsArchiveSpec();
-    const std::string writableIcons = writableReader.directory() + "/" + product.getReposIconsArchiveSpec();
-    const std::string shippedManifests = shippedReader.directory() + "/" + product.getReposManifestsArchiveSpec();
-    const std::string writableManifests = writableReader.directory() + "/" + product.getReposManifestsArchiveSpec();
+    const auto* library = dynamic_cast<const LibraryImpl*>(product.getImpl());
+    if (!library)
+        return;
+    const std::string& icons = library->getReposIconsArchiveSpec();
+    const std::string& manifests = library->getReposManifestsArchiveSpec();
+    const std::string shippedIcons = shippedReader.directory() + "/" + icons;
+    const std::string writableIcons = writableReader.directory() + "/" + icons;
+    const std::string shippedManifests = shippedReader.directory() + "/" + manifests;
+    const std::string writableManifests = writableReader.directory() + "/" + manifests;
     if (QFile::exists(qs(writableIcons)) && QFile::exists(qs(writableManifests)))
         return;
     if (QFile::exists(qs(shippedIcons)) && QFile::exists(qs(shippedManifests))) {
@@ -260,39 +290,64 @@ void XMLRepository::copyProductArchives(RepositoryReport& report, XMLRepositoryR
     }
 }
 
-ProductRecordList XMLRepository::getMergedProducts()
+TandrilObject XMLRepository::boundHandle(TandrilObjectImpl* node)
 {
-    std::unordered_map<std::string, ProductRecord> shipped;
-    for (const ProductRecord& record : m_shippedReader->getAllProducts())
-        shipped[record.library->getPath()] = record;
+    TandrilObject handle(node, m_cache.get());
+    if (handle.getData() && handle.getData()->node() != node)
+        handle.getData()->setNode(node);
+    return handle;
+}
 
-    ProductRecordList merged;
-    for (const ProductRecord& writable : m_writableReader->getAllProducts()) {
-        const auto found = shipped.find(writable.library->getPath());
+namespace {
+
+std::vector<LibraryImpl*> productNodes(XMLRepositoryReader& reader)
+{
+    std::vector<LibraryImpl*> libraries;
+    if (const ModelPtr manifest = reader.topLevelManifest())
+        for (TandrilObjectImpl* node : manifest->getNodes())
+            if (auto* library = dynamic_cast<LibraryImpl*>(node))
+                libraries.push_back(library);
+    return libraries;
+}
+
+} // namespace
+
+std::vector<TandrilObject> XMLRepository::getMergedProducts()
+{
+    // Read from each store's own nodes: the handles of both stores share
+    // one HandleData per product, which holds only one of the two nodes.
+    std::unordered_map<std::string, LibraryImpl*> shipped;
+    for (LibraryImpl* library : productNodes(*m_shippedReader))
+        shipped[library->getPath()] = library;
+
+    std::vector<TandrilObject> merged;
+    for (LibraryImpl* writable : productNodes(*m_writableReader)) {
+        const auto found = shipped.find(writable->getPath());
         // A difference means the shipped product changed after the writable
         // copy took it over: the shipped one is the newer.
-        if (found == shipped.end() ||
-            found->second.library->getLastModified() == writable.library->getShadowedLastModified())
-            merged.push_back(writable);
+        if (found == shipped.end() || found->second->getLastModified() == writable->getShadowedLastModified())
+            merged.push_back(boundHandle(writable));
         else
-            merged.push_back(found->second);
+            merged.push_back(boundHandle(found->second));
     }
     return merged;
 }
 
-ProductRecordList XMLRepository::getMergedProductsAndDependencies()
+std::vector<TandrilObject> XMLRepository::getMergedProductsAndDependencies()
 {
-    const ProductRecordList products = getMergedProducts();
-    ProductRecordList result = products;
+    const std::vector<TandrilObject> products = getMergedProducts();
+    std::vector<TandrilObject> result = products;
     std::set<std::string> listed;
-    for (const ProductRecord& record : products)
-        listed.insert(record.library->getUniquePath().str());
+    for (const TandrilObject& product : products)
+        listed.insert(product.id().str());
     // One level only: a dependency's own dependencies are not followed.
-    for (const ProductRecord& record : products) {
-        for (LibraryImpl* dependency : record.library->getDependencies()) {
-            if (listed.insert(dependency->getUniquePath().str()).second)
-                result.push_back({record.manifest, dependency});
-        }
+    for (const TandrilObject& product : products) {
+        const auto* library = dynamic_cast<const LibraryImpl*>(product.getImpl());
+        if (!library)
+            continue;
+        for (LibraryImpl* dependency : library->getDependencies())
+            if (dependency && listed.insert(dependency->getUniquePath().str()).second)
+                result.push_back(boundHandle(dependency));
     }
     return result;
 }

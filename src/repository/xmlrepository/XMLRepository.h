@@ -1,6 +1,7 @@
 #pragma once
 
 #include "repository/Repository.h"
+#include "repository/xmlrepository/XMLRepositoryCache.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
 
@@ -21,7 +22,8 @@ namespace LibraryBrowser {
 // The token holds the date of the shipped top-level manifest the writable
 // store descends from; a new shipped store makes it stale, and the writable
 // store is then thrown away and seeded anew. Products move to the writable
-// store one by one as they change. The merging read cache is issue 4.
+// store one by one as they change. Reads go through the merging cache, which
+// picks the store per product.
 class XMLRepository : public Repository {
     Q_OBJECT
 
@@ -30,24 +32,31 @@ public:
     XMLRepository();
     XMLRepository(const std::string& writableDirectory, const std::string& shippedDirectory,
                   const std::vector<std::string>& hostPathList);
+    // The cache goes first: handles may outlive the repository, and must
+    // not reach the readers through it.
+    ~XMLRepository() override;
 
     // RepositoryReader
     bool exists() override;
     using RepositoryReader::isProductUpToDate;
-    bool isProductUpToDate(const LibraryImpl& product, bool ignoreTimestamp) override;
+    bool isProductUpToDate(const TandrilObject& product, bool ignoreTimestamp) override;
     // The merged lists of both stores: with and without dependencies.
-    ProductRecordList getAllProducts() override;
-    ProductRecordList getProducts() override;
+    TandrilObjectIterator getAllProductsIterator() override;
+    TandrilObjectIterator getProductsIterator() override;
+    using RepositoryReader::getChildrenIterator;
+    TandrilObjectIterator getChildrenIterator(const TandrilObject& object) override;
+    BlockIconPtr getIcon(const TandrilObject& object) override;
     RepositoryReportPtr getRepositoryReport() const override { return m_report; }
+    ReaderCache* getCache() override { return m_cache.get(); }
 
     // RepositoryWriter
     using RepositoryWriter::generateProduct;
     using RepositoryWriter::generateRepository;
     void generateRepository(GenerationMode mode) override;
-    void generateProduct(const LibraryImpl& product, GenerationMode mode) override;
+    void generateProduct(const Library& product, GenerationMode mode) override;
     void updateProducts() override;
     void destroyRepository() override;
-    void destroyProduct(const LibraryImpl& product) override;
+    void destroyProduct(const Library& product) override;
 
     // Brings the writable store in step with the shipped one through the
     // token file; called by every updateProducts().
@@ -55,14 +64,15 @@ public:
     // The store to read a product from, generating it into the writable
     // store first if neither store has it up to date. A product that can't
     // be brought up to date is read from the shipped store.
-    XMLRepositoryReaderPtr getReaderForProduct(const LibraryImpl& product);
+    XMLRepositoryReaderPtr getReaderForProduct(const Library& product);
     // The products of both stores: the writable store's list, where each
     // product the shipped store also has is taken from the writable store
     // only while the shipped one is unchanged since the writable copy was
     // made (shipped lastModified equal to writable shadowedLastModified).
-    ProductRecordList getMergedProducts();
+    // Handles bound to the repository's cache, on the chosen store's node.
+    std::vector<TandrilObject> getMergedProducts();
     // The same, followed by the products' direct dependencies not yet listed.
-    ProductRecordList getMergedProductsAndDependencies();
+    std::vector<TandrilObject> getMergedProductsAndDependencies();
 
     const std::string& writableDirectory() const { return m_writableDirectory; }
     const std::string& shippedDirectory() const { return m_shippedDirectory; }
@@ -82,7 +92,7 @@ public:
     // Seeds the writable store with the shipped archives of a product unless
     // it has both of its own, so that generation need only redo what changed.
     static void copyProductArchives(RepositoryReport& report, XMLRepositoryReader& writableReader,
-                                    XMLRepositoryReader& shippedReader, const LibraryImpl& product);
+                                    XMLRepositoryReader& shippedReader, const Library& product);
 
 private:
     void buildParts();
@@ -91,6 +101,9 @@ private:
     bool regenerateShippedStore();
     // The writable store's state changed on disk: readers must read again.
     void forgetTopLevelManifests();
+    // A handle of the cache on exactly this node: the store chosen here wins
+    // over whichever store's node the handle had.
+    TandrilObject boundHandle(TandrilObjectImpl* node);
 
     RepositoryReportPtr m_report;
     std::string m_writableDirectory;
@@ -98,6 +111,7 @@ private:
     std::vector<std::string> m_hostPathList;
     XMLRepositoryReaderPtr m_shippedReader;
     XMLRepositoryReaderPtr m_writableReader;
+    XMLRepositoryCachePtr m_cache;
     XMLRepositoryWriterPtr m_writer;
 };
 

@@ -1,45 +1,47 @@
 #pragma once
 
 #include "repository/RepositoryReader.h"
+#include "repository/xmlrepository/XMLRepositoryReaderCache.h"
 
-#include <QByteArray>
-
+#include <memory>
 #include <string>
 
 namespace LibraryBrowser {
 
-// The reader of one store directory. Today it knows the store's top-level
-// manifest: whether there is one, its schema version and its products. The
-// read caches, handles and object lookups below the top level come with
-// issue 4, the up-to-date decision with issue 6.
+// The reader of one store directory. Its reads go to its cache, which loads
+// the top-level manifest and the products' archives on demand. New handles
+// are bound to the cache of the outer reader: the repository the reader is
+// part of, or the reader itself. The up-to-date decision is issue 6.
 class XMLRepositoryReader : public RepositoryReader {
 public:
+    explicit XMLRepositoryReader(std::string directory);
     XMLRepositoryReader(std::string directory, RepositoryReportPtr report);
+    XMLRepositoryReader(std::string directory, RepositoryReportPtr report, RepositoryReader* outerReader);
 
     bool exists() override;
     using RepositoryReader::isProductUpToDate;
-    bool isProductUpToDate(const LibraryImpl& product, bool ignoreTimestamp) override;
-    ProductRecordList getAllProducts() override;
+    bool isProductUpToDate(const TandrilObject& product, bool ignoreTimestamp) override;
+    TandrilObjectIterator getAllProductsIterator() override;
+    TandrilObjectIterator getProductsIterator() override;
+    using RepositoryReader::getChildrenIterator;
+    TandrilObjectIterator getChildrenIterator(const TandrilObject& object) override;
+    BlockIconPtr getIcon(const TandrilObject& object) override;
     RepositoryReportPtr getRepositoryReport() const override { return m_report; }
+    ReaderCache* getCache() override { return m_cache.get(); }
 
     const std::string& directory() const { return m_directory; }
+    XMLRepositoryReaderCache& readerCache() { return *m_cache; }
     // The top-level manifest, read on first use and kept; null while the
-    // store has none or it can't be read (the next call tries again).
-    ModelPtr topLevelManifest();
+    // store has none or it can't be read.
+    ModelPtr topLevelManifest() { return m_cache->getTopLevelModel(); }
     // The schema signature text of the top-level manifest as it is on disk
     // now, or the empty string.
-    std::string version();
-    // Drops the kept manifest after the store has changed on disk.
-    void forgetTopLevelManifest() { m_topLevelManifest.reset(); }
+    std::string version() { return m_cache->getVersion(); }
 
 private:
-    // The bytes of the top-level manifest, read from a private copy so that
-    // the reader never holds the file a writer replaces.
-    QByteArray readTopLevelBytes();
-
     std::string m_directory;
     RepositoryReportPtr m_report;
-    ModelPtr m_topLevelManifest;
+    std::unique_ptr<XMLRepositoryReaderCache> m_cache;
 };
 
 using XMLRepositoryReaderPtr = std::shared_ptr<XMLRepositoryReader>;

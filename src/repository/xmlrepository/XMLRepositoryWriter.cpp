@@ -1,6 +1,7 @@
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
 
 #include "platform/ErrorHolder.h"
+#include "repository/ReaderCacheRegistry.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/TempDirectories.h"
 #include "repository/xmlrepository/XMLRepository.h"
@@ -25,7 +26,7 @@ void XMLRepositoryWriter::generateRepository(GenerationMode)
                            " is not available yet; nothing was generated");
 }
 
-void XMLRepositoryWriter::generateProduct(const LibraryImpl& product, GenerationMode)
+void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode)
 {
     m_report->logError("Tandril:Repository:GenerationNotAvailable",
                        "Generating product " + product.getDisplayName() + " in " + m_directory +
@@ -41,7 +42,7 @@ void XMLRepositoryWriter::updateProducts()
 
 void XMLRepositoryWriter::destroyRepository()
 {
-    m_reader.forgetTopLevelManifest();
+    forgetTopLevelManifest();
     const ModelPtr manifest = m_reader.topLevelManifest();
     if (!manifest)
         return;
@@ -55,28 +56,37 @@ void XMLRepositoryWriter::destroyRepository()
     const std::string path = XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false);
     if (QFile::exists(QString::fromStdString(path)) && !QFile::remove(QString::fromStdString(path)))
         m_report->logWarning("Unable to remove top level manifest file " + path);
-    m_reader.forgetTopLevelManifest();
+    forgetTopLevelManifest();
 }
 
-void XMLRepositoryWriter::destroyProduct(const LibraryImpl& product)
+void XMLRepositoryWriter::destroyProduct(const Library& product)
 {
-    m_reader.forgetTopLevelManifest();
-    ProductRecord stored;
-    for (const ProductRecord& record : m_reader.getAllProducts()) {
-        if (record.library->getIsProduct() && record.library->getUniquePath() == product.getUniquePath()) {
-            stored = record;
-            break;
+    forgetTopLevelManifest();
+    const ModelPtr manifest = m_reader.topLevelManifest();
+    LibraryImpl* stored = nullptr;
+    if (manifest) {
+        for (TandrilObjectImpl* node : manifest->getNodes()) {
+            auto* library = dynamic_cast<LibraryImpl*>(node);
+            if (library && library->getIsProduct() && library->getUniquePath() == product.id()) {
+                stored = library;
+                break;
+            }
         }
     }
-    if (stored.isNull()) {
-        m_report->logError("Unable to find product '" + product.getUniquePath().str() + "'");
+    if (!stored) {
+        m_report->logError("Unable to find product '" + product.id().str() + "'");
         return;
     }
-    stored.manifest->beginChangeSet();
-    destroyProductData(*stored.library);
-    stored.manifest->commitChangeSet();
-    saveTopLevelManifest(*stored.manifest);
-    m_reader.forgetTopLevelManifest();
+    manifest->beginChangeSet();
+    destroyProductData(*stored);
+    manifest->commitChangeSet();
+    saveTopLevelManifest(*manifest);
+    forgetTopLevelManifest();
+}
+
+void XMLRepositoryWriter::forgetTopLevelManifest()
+{
+    ReaderCacheRegistry::unloadTopLevelCaches(m_directory);
 }
 
 void XMLRepositoryWriter::destroyProductData(LibraryImpl& product)

@@ -20,16 +20,18 @@ public:
     using RepositoryWriter::generateProduct;
     using RepositoryWriter::generateRepository;
     void generateRepository(GenerationMode mode) override;
-    void generateProduct(const LibraryImpl& product, GenerationMode mode) override;
+    void generateProduct(const Library& product, GenerationMode mode) override;
     void updateProducts() override;
     RepositoryReportPtr getRepositoryReport() const override { return m_report; }
     void destroyRepository() override;
-    void destroyProduct(const LibraryImpl& product) override;
+    void destroyProduct(const Library& product) override;
 
     const std::string& directory() const { return m_directory; }
     const std::vector<std::string>& hostPathList() const { return m_hostPathList; }
 
 private:
+    // Every cache of the store reads the top level again.
+    void forgetTopLevelManifest();
     // Removes the product's archives from the store and clears the file
     // records by which its data would count as up to date. The product
     // stays in the top-level manifest.

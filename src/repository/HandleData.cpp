@@ -1,0 +1,65 @@
+#include "repository/HandleData.h"
+
+#include "model/TandrilObjectImpl.h"
+#include "repository/ReaderCache.h"
+#include "repository/TandrilObject.h"
+
+namespace LibraryBrowser {
+
+HandleData::HandleData(const StringId& id, ReaderCache* cache, TandrilObjectImpl* node)
+    : m_id(id), m_cache(cache), m_node(node)
+{
+    if (m_cache)
+        m_cache->registerHandle(this);
+}
+
+HandleData::~HandleData()
+{
+    if (m_cache)
+        m_cache->unregisterHandle(this);
+}
+
+HandleData* HandleData::acquire(TandrilObjectImpl* node, ReaderCache* cache)
+{
+    if (!node || !cache)
+        return nullptr;
+    const StringId& id = node->getUniquePath();
+    if (HandleData* entry = cache->lookupHandle(id)) {
+        // An entry with a real node of its own keeps it: one id standing for
+        // two objects is a fault of the store, not something to paper over.
+        if (!entry->m_node || entry->m_node->getIsInvalid())
+            entry->m_node = node;
+        return entry;
+    }
+    return new HandleData(id, cache, node);
+}
+
+HandleData* HandleData::acquire(const StringId& id, TandrilObjectImpl* node, ReaderCache* cache)
+{
+    if (!cache)
+        return nullptr;
+    if (HandleData* entry = cache->lookupHandle(id)) {
+        if (!entry->m_node || !entry->m_cache)
+            entry->m_node = node;
+        return entry;
+    }
+    return new HandleData(id, cache, node);
+}
+
+TandrilObjectImpl* HandleData::resolve()
+{
+    if (m_node || !m_cache || m_resolving)
+        return m_node;
+    m_resolving = true;
+    // Keeps this data alive should the lookup drop the last other handle.
+    ref();
+    const TandrilObject found = m_cache->findObject(m_id);
+    if (!m_node && found.getData() != this)
+        m_node = found.getData() ? found.getData()->m_node : nullptr;
+    m_resolving = false;
+    TandrilObjectImpl* node = m_node;
+    unref();
+    return node;
+}
+
+} // namespace LibraryBrowser

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "platform/StringId.h"
+
+#include <cstdint>
+
+namespace LibraryBrowser {
+
+class ReaderCache;
+class TandrilObjectImpl;
+
+// What all handles on one object share: the object's id, the cache it is
+// registered with, and the manifest node once it has been found. A cache has
+// at most one HandleData per id, so handles on one object share one. The
+// node is found again on demand, which is how a handle survives the
+// reloading of its product; the cache clears the node before it throws the
+// node's model away, and clears both pointers when it dies.
+class HandleData {
+public:
+    // The set of its cache that a HandleData is filed in.
+    enum class HandleSet : std::uint8_t { Library, Invalid, Product };
+
+    HandleData(const StringId& id, ReaderCache* cache, TandrilObjectImpl* node);
+    ~HandleData();
+    HandleData(const HandleData&) = delete;
+    HandleData& operator=(const HandleData&) = delete;
+
+    // The data for a node in a cache: the registered one, given the node if
+    // it had none or only a placeholder, else a new one. Null if either
+    // argument is null.
+    static HandleData* acquire(TandrilObjectImpl* node, ReaderCache* cache);
+    // The data for an id that a cache has found a node for: the registered
+    // one, given the node if it lacks one, else a new one.
+    static HandleData* acquire(const StringId& id, TandrilObjectImpl* node, ReaderCache* cache);
+
+    void ref() { ++m_refCount; }
+    void unref()
+    {
+        if (--m_refCount == 0)
+            delete this;
+    }
+
+    const StringId& id() const { return m_id; }
+    ReaderCache* cache() const { return m_cache; }
+    // The node as it stands, without resolution.
+    TandrilObjectImpl* node() const { return m_node; }
+    // The node, asking the cache for it first when it is missing. Null only
+    // once orphaned.
+    TandrilObjectImpl* resolve();
+
+    void setNode(TandrilObjectImpl* node) { m_node = node; }
+    void clearNode() { m_node = nullptr; }
+    // The cache is going away: node and cache are both forgotten.
+    void orphan()
+    {
+        m_node = nullptr;
+        m_cache = nullptr;
+    }
+
+    HandleSet handleSet() const { return m_set; }
+    void setHandleSet(HandleSet set) { m_set = set; }
+
+private:
+    StringId m_id;
+    ReaderCache* m_cache;
+    TandrilObjectImpl* m_node;
+    unsigned m_refCount = 0;
+    HandleSet m_set = HandleSet::Library;
+    // Set while the cache looks for the node, so that a lookup that meets
+    // this handle again ends instead of recursing.
+    bool m_resolving = false;
+};
+
+} // namespace LibraryBrowser

@@ -1,0 +1,180 @@
+#include "repository/ReaderCache.h"
+
+#include "model/BlockImpl.h"
+#include "repository/HandleData.h"
+#include "repository/InvalidObjects.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace LibraryBrowser {
+
+ReaderCache::~ReaderCache()
+{
+    for (auto& entry : m_handles)
+        entry.second->orphan();
+}
+
+std::string ReaderCache::productKey(const std::string& id)
+{
+    const std::string product = id.substr(0, id.find('/'));
+    return product.substr(0, product.find('-'));
+}
+
+Library ReaderCache::getProduct(const std::string& id)
+{
+    const std::string key = productKey(id);
+    for (TandrilObjectIterator it = getProductsIterator(); it.isValidIterator(); it.next()) {
+        const Library library = it.current().toLibrary();
+        const auto* node = static_cast<const LibraryImpl*>(library.getImpl());
+        if (node && node->getIsProduct() && (node->getUniquePath().str() == key || node->getDisplayPath() == key))
+            return library;
+    }
+    return Library();
+}
+
+Library ReaderCache::getProductOf(const TandrilObject& object)
+{
+    if (!object.isValid())
+        return Library();
+    return getProduct(object.getProductName());
+}
+
+TandrilObject ReaderCache::findObject(const StringId& id)
+{
+    const auto known = m_handles.find(id);
+    if (known != m_handles.end() && known->second->node())
+        return TandrilObject::fromData(known->second);
+
+    const QStringList tokens = QString::fromStdString(id.str()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    if (tokens.isEmpty())
+        return placeholder(id, InvalidObjects::invalidBlock());
+
+    const std::string first = tokens.front().toStdString();
+    TandrilObject object;
+    if (first.find('-') == std::string::npos) {
+        object = getProduct(first);
+    } else {
+        // A referenced library: listed with the products' dependencies.
+        for (TandrilObjectIterator it = getAllProductsIterator(); it.isValidIterator(); it.next()) {
+            const TandrilObject candidate = it.current();
+            if (candidate.getImpl() && candidate.getImpl()->getUniquePath().str() == first) {
+                object = candidate;
+                break;
+            }
+        }
+    }
+    if (!object.isValid())
+        return placeholder(id, InvalidObjects::invalidLibrary());
+
+    for (int i = 1; i < tokens.size(); ++i) {
+        const std::string name = tokens[i].toStdString();
+        TandrilObject found;
+        for (TandrilObjectIterator it = getChildrenIterator(object); it.isValidIterator(); it.next()) {
+            const TandrilObject child = it.current();
+            if (child.getName() == name) {
+                found = child;
+                break;
+            }
+        }
+        if (!found.isValid())
+            return placeholder(id, InvalidObjects::invalidBlock());
+        object = found;
+    }
+    return object;
+}
+
+TandrilObject ReaderCache::placeholder(const StringId& id, TandrilObjectImpl* node)
+{
+    return TandrilObject::fromData(HandleData::acquire(id, node, this));
+}
+
+void ReaderCache::clearHandles()
+{
+    for (auto& entry : m_handles)
+        entry.second->clearNode();
+}
+
+void ReaderCache::clearProductHandles(const std::string& productKey)
+{
+    for (HandleData* data : m_invalidHandles)
+        data->clearNode();
+    const auto product = m_productHandles.find(productKey);
+    if (product != m_productHandles.end())
+        for (HandleData* data : product->second)
+            data->clearNode();
+}
+
+void ReaderCache::clearTopLevelHandles()
+{
+    for (HandleData* data : m_libraryHandles)
+        data->clearNode();
+    for (HandleData* data : m_invalidHandles)
+        data->clearNode();
+}
+
+void ReaderCache::forgetModels(const std::unordered_set<const Model*>& models)
+{
+    if (models.empty())
+        return;
+    for (auto& entry : m_handles) {
+        const TandrilObjectImpl* node = entry.second->node();
+        if (node && models.count(node->getModel()))
+            entry.second->clearNode();
+    }
+}
+
+HandleData* ReaderCache::lookupHandle(const StringId& id) const
+{
+    const auto found = m_handles.find(id);
+    return found == m_handles.end() ? nullptr : found->second;
+}
+
+void ReaderCache::registerHandle(HandleData* data)
+{
+    m_handles[data->id()] = data;
+    const std::string& text = data->id().str();
+    const TandrilObjectImpl* node = data->node();
+    if (node && node->getIsInvalid()) {
+        data->setHandleSet(HandleData::HandleSet::Invalid);
+        m_invalidHandles.insert(data);
+    } else if (text.find('/') == std::string::npos) {
+        data->setHandleSet(HandleData::HandleSet::Library);
+        m_libraryHandles.insert(data);
+    } else {
+        data->setHandleSet(HandleData::HandleSet::Product);
+        m_productHandles[productKey(text)].insert(data);
+    }
+}
+
+void ReaderCache::unregisterHandle(HandleData* data)
+{
+    const auto entry = m_handles.find(data->id());
+    if (entry != m_handles.end() && entry->second == data)
+        m_handles.erase(entry);
+    switch (data->handleSet()) {
+    case HandleData::HandleSet::Library:
+        m_libraryHandles.erase(data);
+        break;
+    case HandleData::HandleSet::Invalid:
+        m_invalidHandles.erase(data);
+        break;
+    case HandleData::HandleSet::Product: {
+        const auto product = m_productHandles.find(productKey(data->id().str()));
+        if (product != m_productHandles.end()) {
+            product->second.erase(data);
+            if (product->second.empty())
+                m_productHandles.erase(product);
+        }
+        break;
+    }
+    }
+}
+
+std::size_t ReaderCache::productHandleCount(const std::string& productKey) const
+{
+    const auto product = m_productHandles.find(productKey);
+    return product == m_productHandles.end() ? 0 : product->second.size();
+}
+
+} // namespace LibraryBrowser

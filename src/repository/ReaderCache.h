@@ -1,0 +1,89 @@
+#pragma once
+
+#include "model/Model.h"
+#include "repository/BlockIcon.h"
+#include "repository/TandrilObjectIterator.h"
+
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace LibraryBrowser {
+
+class HandleData;
+
+// The cache behind a reader: it loads on demand, keeps what it loaded, and
+// owns the table of the handles bound to it, one HandleData per id. The
+// handles are filed in three sets so that dropping one product's data or
+// the top level forgets only the nodes concerned: library-level handles (no
+// "/" in the id), handles on a placeholder, and per product the rest.
+class ReaderCache {
+public:
+    ReaderCache() = default;
+    // Orphans every handle still bound here.
+    virtual ~ReaderCache();
+    ReaderCache(const ReaderCache&) = delete;
+    ReaderCache& operator=(const ReaderCache&) = delete;
+
+    // Every entry of the top level.
+    virtual TandrilObjectIterator getAllProductsIterator() = 0;
+    // The valid products.
+    virtual TandrilObjectIterator getProductsIterator() = 0;
+    virtual TandrilObjectIterator getChildrenIterator(const TandrilObject& object) = 0;
+    virtual BlockIconPtr getIcon(const TandrilObject& object) = 0;
+    // A new model of the object's children, never the one the cache keeps.
+    virtual ModelPtr getModel(const TandrilObject& object) = 0;
+    // Drops all that was loaded.
+    virtual void refresh() = 0;
+    // Drops what was loaded for one product.
+    virtual void unloadProduct(const Library& product) = 0;
+    // Drops the top level and keeps the products.
+    virtual void unloadTopLevel() = 0;
+
+    // The product that an object id starts with: the id cut at the first "/"
+    // and then at the first "-", matched against the unique paths and
+    // display paths of the valid products. Null if none fits.
+    Library getProduct(const std::string& id);
+    // The product named by the object's product name; null for a null or
+    // invalid object.
+    Library getProductOf(const TandrilObject& object);
+    // The object of an id, found along its path from the product down; a
+    // path through a library reference goes on in the referenced library.
+    // A placeholder that keeps the id if nothing fits.
+    TandrilObject findObject(const StringId& id);
+
+    // What the cache registry tells a cache, each before the matching drop.
+    void clearHandles();
+    void clearProductHandles(const std::string& productKey);
+    void clearTopLevelHandles();
+    // Clears every handle whose node lives in one of these models, which are
+    // about to go.
+    void forgetModels(const std::unordered_set<const Model*>& models);
+    // The key of the product set for an id: cut at the first "/", then at
+    // the first "-".
+    static std::string productKey(const std::string& id);
+
+    // The HandleData table.
+    HandleData* lookupHandle(const StringId& id) const;
+    void registerHandle(HandleData* data);
+    void unregisterHandle(HandleData* data);
+    std::size_t handleCount() const { return m_handles.size(); }
+    std::size_t libraryHandleCount() const { return m_libraryHandles.size(); }
+    std::size_t invalidHandleCount() const { return m_invalidHandles.size(); }
+    std::size_t productHandleCount(const std::string& productKey) const;
+
+protected:
+    // A handle with the id on the placeholder node, unless the id already
+    // has a node here.
+    TandrilObject placeholder(const StringId& id, TandrilObjectImpl* node);
+
+private:
+    using HandleSet = std::unordered_set<HandleData*>;
+
+    std::unordered_map<StringId, HandleData*> m_handles;
+    HandleSet m_libraryHandles;
+    HandleSet m_invalidHandles;
+    std::unordered_map<std::string, HandleSet> m_productHandles;
+};
+
+} // namespace LibraryBrowser

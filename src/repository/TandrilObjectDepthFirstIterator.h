@@ -1,0 +1,47 @@
+#pragma once
+
+#include "repository/TandrilObjectIterator.h"
+
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace LibraryBrowser {
+
+class RepositoryReader;
+
+// A pre-order walk: a subsystem, then everything below it, then its next
+// sibling. The root is not returned; without a valid root a walk from the
+// top runs over all products. Library references are entered like any
+// subsystem (the reader answers with their targets' children). The walk
+// remembers the paths of the subsystems it is inside of, and does not enter
+// or return one of them again: that cuts cycles, while a library reached
+// along two branches is walked twice. Products are loaded only as the walk
+// reaches them. The walk holds its reader for as long as it lives.
+class TandrilObjectDepthFirstIterator : public TandrilObjectBaseIterator {
+public:
+    TandrilObjectDepthFirstIterator(RepositoryReader* reader, const TandrilObject& root, bool fromTop);
+
+    TandrilObject current() override;
+    void next() override;
+    bool isValid() override { return !m_stack.empty(); }
+    void restart() override;
+    std::unique_ptr<TandrilObjectBaseIterator> clone() const override;
+
+private:
+    TandrilObjectDepthFirstIterator(const TandrilObjectDepthFirstIterator& other) = default;
+    // Enters the object if it is a subsystem with children not entered yet.
+    bool enter(const TandrilObject& object, const std::string& path);
+
+    bool m_fromTop;
+    TandrilObject m_root;
+    RepositoryReader* m_reader;
+    // Null for a reader that is not held by a shared pointer.
+    std::shared_ptr<RepositoryReader> m_keepAlive;
+    // One iterator per level of the descent, innermost last.
+    std::vector<TandrilObjectIterator> m_stack;
+    std::unordered_set<std::string> m_entered;
+};
+
+} // namespace LibraryBrowser

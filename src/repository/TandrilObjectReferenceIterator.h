@@ -1,0 +1,42 @@
+#pragma once
+
+#include "repository/TandrilObjectIterator.h"
+
+#include <memory>
+#include <vector>
+
+namespace LibraryBrowser {
+
+class ReaderCache;
+
+using TandrilObjectList = std::vector<TandrilObject>;
+using TandrilObjectListPtr = std::shared_ptr<const TandrilObjectList>;
+
+// An engine over objects a cache already holds. The list form runs over a
+// shared, unchanging list (a cache's children list is handed out without a
+// copy). The wrapping form runs over another iterator and gives its objects
+// as handles of this iterator's cache, which moves them to that cache.
+class TandrilObjectReferenceIterator : public TandrilObjectBaseIterator {
+public:
+    TandrilObjectReferenceIterator(ReaderCache* cache, TandrilObjectListPtr list);
+    TandrilObjectReferenceIterator(ReaderCache* cache, TandrilObjectIterator wrapped);
+
+    // The list form as a ready iterator.
+    static TandrilObjectIterator overList(ReaderCache* cache, TandrilObjectListPtr list);
+    static TandrilObjectIterator overList(ReaderCache* cache, TandrilObjectList list);
+
+    TandrilObject current() override;
+    void next() override;
+    bool isValid() override;
+    void restart() override;
+    std::unique_ptr<TandrilObjectBaseIterator> clone() const override;
+
+private:
+    ReaderCache* m_cache;
+    TandrilObjectListPtr m_list;
+    std::size_t m_cursor = 0;
+    TandrilObjectIterator m_wrapped;
+    bool m_wrapping;
+};
+
+} // namespace LibraryBrowser

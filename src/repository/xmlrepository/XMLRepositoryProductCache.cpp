@@ -1,0 +1,180 @@
+#include "repository/xmlrepository/XMLRepositoryProductCache.h"
+
+#include "repository/HandleData.h"
+#include "repository/ReaderCache.h"
+#include "repository/ReaderCacheRegistry.h"
+#include "repository/RepositoryReader.h"
+#include "repository/xmlrepository/PaletteChildren.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
+
+#include <unordered_set>
+
+namespace LibraryBrowser {
+
+namespace {
+
+// The library references whose targets are being loaded now, in any product
+// cache: a reference met again leads back to itself.
+std::unordered_set<StringId>& referencesInProgress()
+{
+    static std::unordered_set<StringId> references;
+    return references;
+}
+
+std::string archivePath(const std::string& directory, const std::string& spec)
+{
+    return spec.empty() ? std::string() : directory + "/" + spec;
+}
+
+} // namespace
+
+XMLRepositoryProductCache::XMLRepositoryProductCache(std::string directory, const Library& product,
+                                                     RepositoryReportPtr report, RepositoryReader* reader)
+    : m_directory(std::move(directory)), m_product(product), m_report(std::move(report)), m_reader(reader)
+{
+    const auto* node = dynamic_cast<const LibraryImpl*>(m_product.getImpl());
+    m_iconsArchive = std::make_shared<XMLRepositoryArchiveCache>(
+        archivePath(m_directory, node ? node->getReposIconsArchiveSpec() : std::string()), m_report);
+    m_manifestsArchive = std::make_shared<XMLRepositoryArchiveCache>(
+        archivePath(m_directory, node ? node->getReposManifestsArchiveSpec() : std::string()), m_report);
+}
+
+XMLRepositoryProductCache::~XMLRepositoryProductCache()
+{
+    clear();
+}
+
+TandrilObjectListPtr XMLRepositoryProductCache::getChildren(const SubSystem& subsystem)
+{
+    ReaderCache* cache = m_reader->getCache();
+    const auto known = m_children.find(subsystem);
+    if (known != m_children.end()) {
+        // The cache may have cleared nodes that this model still holds.
+        const TandrilObjectImplList& nodes = m_models[subsystem]->getNodes();
+        const TandrilObjectList& children = *known->second;
+        for (std::size_t i = 0; i < children.size(); ++i)
+            if (!children[i].getData()->node())
+                HandleData::acquire(nodes.get(int(i)), cache);
+        return known->second;
+    }
+    const ModelPtr model = getModel(subsystem);
+    auto children = std::make_shared<TandrilObjectList>();
+    children->reserve(std::size_t(model->nodeCount()));
+    for (TandrilObjectImpl* node : model->getNodes())
+        children->emplace_back(node, cache);
+    TandrilObjectListPtr list = std::move(children);
+    m_children[subsystem] = list;
+    return list;
+}
+
+ModelPtr XMLRepositoryProductCache::getModel(const SubSystem& subsystem)
+{
+    const auto known = m_models.find(subsystem);
+    if (known != m_models.end())
+        return known->second;
+    ModelPtr model = getModelUncached(subsystem);
+    m_models[subsystem] = model;
+    return model;
+}
+
+ModelPtr XMLRepositoryProductCache::getModelUncached(const SubSystem& subsystem)
+{
+    ModelPtr model = Model::createModel();
+    const auto* node = dynamic_cast<const SubSystemImpl*>(subsystem.getImpl());
+    if (!node)
+        return model;
+    // Taken now: loading a target may reload the subsystem's own node.
+    const std::string displayPath = node->getDisplayPath();
+    const std::string uniquePath = node->getUniquePath().str();
+
+    if (dynamic_cast<const PaletteImpl*>(node)) {
+        fillPaletteModel(subsystem, *model);
+    } else if (dynamic_cast<const LibraryRefImpl*>(node)) {
+        if (ModelPtr target = referencedModel(subsystem))
+            model = std::move(target);
+    } else if (!node->getManifestFileSpec().empty()) {
+        loadManifestFromBytes(*m_report, *model, m_manifestsArchive->readEntry(node->getManifestFileSpec()));
+    }
+
+    model->beginChangeSet();
+    for (TandrilObjectImpl* child : model->getNodes()) {
+        if (auto* block = dynamic_cast<BlockImpl*>(child)) {
+            block->setDisplayPath(displayPath + "/" + block->getDisplayName());
+            block->setUniquePath(StringId(uniquePath + "/" + block->getName()));
+        }
+    }
+    model->commitChangeSet();
+    return model;
+}
+
+void XMLRepositoryProductCache::fillPaletteModel(const SubSystem& palette, Model& model)
+{
+    const std::string productName = palette.getProductName();
+    const std::vector<TandrilObject> members = paletteChildren(*m_report, palette.toLibrary(), *m_reader);
+    model.beginChangeSet();
+    for (const TandrilObject& member : members) {
+        const auto* subsystem = dynamic_cast<const SubSystemImpl*>(member.getImpl());
+        if (!subsystem)
+            continue;
+        LibraryRefImpl* reference = model.createLibraryRefImpl();
+        reference->copyNonStructuralPropertiesFromNode(static_cast<const Node*>(subsystem));
+        reference->setLibraryRefName(subsystem->getName());
+        reference->setLibraryRefPath(subsystem->getPath());
+        reference->setLibraryRefUniquePath(subsystem->getUniquePath().str());
+        // Filed with the palette, whose cache owns what is loaded below it.
+        reference->setProductName(productName);
+    }
+    model.commitChangeSet();
+}
+
+ModelPtr XMLRepositoryProductCache::referencedModel(const SubSystem& reference)
+{
+    const auto* node = static_cast<const LibraryRefImpl*>(reference.getImpl());
+    const StringId id = node->getUniquePath();
+    const std::string displayPath = node->getDisplayPath();
+    const std::string targetPath = node->getLibraryRefUniquePath();
+    if (!referencesInProgress().insert(id).second) {
+        m_report->logWarning("The library reference " + displayPath + " leads back to itself through " + targetPath);
+        return nullptr;
+    }
+    ModelPtr model;
+    const TandrilObject target = m_reader->getTandrilObject(targetPath);
+    if (target.isValid())
+        model = m_reader->getCache()->getModel(target);
+    referencesInProgress().erase(id);
+    return model;
+}
+
+BlockIconPtr XMLRepositoryProductCache::getIcon(const Block& block)
+{
+    const auto known = m_icons.find(block);
+    if (known != m_icons.end())
+        return known->second;
+    auto icon = std::make_shared<BlockIcon>();
+    const auto* node = dynamic_cast<const BlockImpl*>(block.getImpl());
+    const std::string spec = node ? node->getIconFileSpec() : std::string();
+    if (!spec.empty()) {
+        QByteArray bytes = m_iconsArchive->readEntry(spec);
+        if (BlockIcon::isSvgDocument(bytes))
+            icon = std::make_shared<BlockIcon>(std::move(bytes));
+        else if (!bytes.isEmpty())
+            m_report->logError("Unexpected error occurred while loading the icon file " + spec);
+    }
+    m_icons[block] = icon;
+    return icon;
+}
+
+void XMLRepositoryProductCache::clear()
+{
+    std::unordered_set<const Model*> models;
+    for (const auto& entry : m_models)
+        models.insert(entry.second.get());
+    ReaderCacheRegistry::forgetModels(m_directory, models);
+    m_icons.clear();
+    m_children.clear();
+    m_models.clear();
+    m_iconsArchive->close();
+    m_manifestsArchive->close();
+}
+
+} // namespace LibraryBrowser

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "repository/ReaderCache.h"
+#include "repository/RepositoryReport.h"
+#include "repository/TandrilObjectReferenceIterator.h"
+#include "repository/xmlrepository/XMLRepositoryProductCache.h"
+
+#include <QByteArray>
+
+#include <string>
+#include <unordered_map>
+
+namespace LibraryBrowser {
+
+class RepositoryReader;
+
+// The cache of one store's reader, which does the real loading: the
+// top-level manifest (from a private copy of the file) and, per product, an
+// XMLRepositoryProductCache. New handles are bound to the cache of the
+// outer reader, the repository when there is one, so that a handle stays
+// the same whichever store serves its product.
+class XMLRepositoryReaderCache : public ReaderCache {
+public:
+    XMLRepositoryReaderCache(std::string directory, RepositoryReportPtr report, RepositoryReader* reader);
+    ~XMLRepositoryReaderCache() override;
+
+    // The top-level manifest, read on first use and kept; null while it is
+    // missing or corrupt (then the next call tries again).
+    ModelPtr getTopLevelModel();
+    // The signature text of the top-level manifest as it is on disk now, or
+    // the empty string. Doesn't touch the loaded model.
+    std::string getVersion();
+
+    TandrilObjectIterator getAllProductsIterator() override;
+    TandrilObjectIterator getProductsIterator() override;
+    TandrilObjectIterator getChildrenIterator(const TandrilObject& object) override;
+    BlockIconPtr getIcon(const TandrilObject& object) override;
+    ModelPtr getModel(const TandrilObject& object) override;
+    void refresh() override;
+    void unloadProduct(const Library& product) override;
+    void unloadTopLevel() override;
+
+    const std::string& directory() const { return m_directory; }
+    std::size_t productCacheCount() const { return m_productCaches.size(); }
+
+private:
+    QByteArray readTopLevelBytes();
+    // The product cache that serves the object, made if missing; null for
+    // an object without a valid product.
+    XMLRepositoryProductCachePtr productCacheOf(const TandrilObject& object);
+    // The top-level handles, given their nodes again if the outer cache
+    // cleared them while the model stayed.
+    const TandrilObjectListPtr& topLevelHandles();
+
+    std::string m_directory;
+    RepositoryReportPtr m_report;
+    RepositoryReader* m_reader;
+    ModelPtr m_topLevelModel;
+    TandrilObjectListPtr m_topLevelHandles;
+    std::unordered_map<Library, XMLRepositoryProductCachePtr> m_productCaches;
+};
+
+using XMLRepositoryReaderCachePtr = std::shared_ptr<XMLRepositoryReaderCache>;
+
+} // namespace LibraryBrowser

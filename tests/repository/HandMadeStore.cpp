@@ -1,0 +1,175 @@
+#include "HandMadeStore.h"
+
+#include <QDir>
+#include <QDirIterator>
+
+#include <zip.h>
+
+namespace LibraryBrowser::Testing {
+
+namespace {
+
+template <class Impl>
+Impl* addNode(Impl* node, const std::string& name, const std::string& path)
+{
+    node->setUniquePath(StringId(name));
+    node->setName(name);
+    node->setPath(path);
+    node->setDisplayName(name);
+    node->setDisplayPath(name);
+    node->setProductName("Alpha");
+    node->setDescription("About " + name);
+    return node;
+}
+
+SubSystemImpl* filled(SubSystemImpl* node, const std::string& manifest)
+{
+    node->setIsEmpty(false);
+    node->setIsFlat(false);
+    node->setManifestFileSpec(manifest);
+    return node;
+}
+
+LibraryRefImpl* reference(Model& model, const std::string& name, const std::string& path, const std::string& target)
+{
+    auto* node = addNode(model.createLibraryRefImpl(), name, path);
+    node->setIsEmpty(false);
+    node->setLibraryRefName(target);
+    node->setLibraryRefPath(target);
+    node->setLibraryRefUniquePath(target);
+    return node;
+}
+
+QByteArray bytesOf(const Model& model)
+{
+    return model.saveToBytes();
+}
+
+} // namespace
+
+void HandMadeStore::SetUp()
+{
+    StoreFixture::SetUp();
+    report = RepositoryReport::create();
+    writeStore(store());
+}
+
+std::string HandMadeStore::archive(const std::string& product, const std::string& kind) const
+{
+    return store() + "/toolbox/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
+}
+
+QByteArray HandMadeStore::svg(const std::string& label)
+{
+    return QByteArray::fromStdString("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\">"
+                                     "<rect width=\"10\" height=\"10\"/><title>" +
+                                     label + "</title></svg>");
+}
+
+void HandMadeStore::writeStore(const std::string& directory)
+{
+    auto top = Model::createModel();
+    LibraryImpl* alpha = addProduct(*top, "Alpha");
+    filled(alpha, "Alpha/lbAlphamanifest.xml");
+    alpha->setProductName("Alpha");
+    LibraryImpl* shared = addProduct(*top, "Alpha-Shared");
+    filled(shared, "Alpha/Shared/lbSharedmanifest.xml");
+    shared->setPath("Shared");
+    shared->setIsProduct(false);
+    shared->setIsTopLevel(false);
+    shared->setProductName("Alpha");
+    alpha->getDependenciesPtr()->append(shared);
+    LibraryImpl* beta = addProduct(*top, "Beta");
+    filled(beta, "Beta/lbBetamanifest.xml");
+    beta->setProductName("Beta");
+    PaletteImpl* tools = top->createPaletteImpl();
+    tools->setUniquePath(StringId("Tools"));
+    tools->setName("Tools");
+    tools->setPath("Tools");
+    tools->setDisplayName("Tools");
+    tools->setDisplayPath("Tools");
+    tools->setProductName("Tools");
+    tools->setIsEmpty(false);
+    tools->setChildren({"Beta", "Tools", "Nope"});
+    saveManifest(*top, topLevelFile(directory));
+
+    auto alphaChildren = Model::createModel();
+    addNode(alphaChildren->createBlockImpl(), "Gain", "Alpha/Gain")->setIconFileSpec("icons/Gain.svg");
+    addNode(alphaChildren->createBlockImpl(), "Scope", "Alpha/Scope")
+        ->setIconFileSpec("icons/Scope.svg");
+    filled(addNode(alphaChildren->createSubSystemImpl(), "Sub", "Alpha/Sub"),
+           "Alpha/Sub/lbSubmanifest.xml");
+    reference(*alphaChildren, "Ref1", "Alpha/Ref1", "Alpha-Shared");
+    reference(*alphaChildren, "Ref2", "Alpha/Ref2", "Alpha-Shared");
+
+    auto subChildren = Model::createModel();
+    addNode(subChildren->createBlockImpl(), "X", "Alpha/Sub/X");
+    reference(*subChildren, "Back", "Alpha/Sub", "Alpha/Sub");
+
+    auto sharedChildren = Model::createModel();
+    addNode(sharedChildren->createBlockImpl(), "S1", "Shared/S1");
+    addNode(sharedChildren->createBlockImpl(), "S2", "Shared/S2");
+
+    auto betaChildren = Model::createModel();
+    addNode(betaChildren->createBlockImpl(), "B1", "Beta/B1")->setProductName("Beta");
+
+    alphaManifests = {{"Alpha/lbAlphamanifest.xml", bytesOf(*alphaChildren)},
+                      {"Alpha/Sub/lbSubmanifest.xml", bytesOf(*subChildren)},
+                      {"Alpha/Shared/lbSharedmanifest.xml", bytesOf(*sharedChildren)}};
+    betaManifests = {{"Beta/lbBetamanifest.xml", bytesOf(*betaChildren)}};
+    const std::string alphaDir = directory + "/toolbox/Alpha/lb_Alpha_";
+    writeArchive(alphaDir + "manifests_repos.rps", alphaManifests);
+    writeArchive(alphaDir + "icons_repos.rps", {{"icons/Gain.svg", svg("Gain")}});
+    writeArchive(directory + "/toolbox/Beta/lb_Beta_manifests_repos.rps", betaManifests);
+}
+
+std::shared_ptr<XMLRepositoryReader> HandMadeStore::openReader()
+{
+    return std::make_shared<XMLRepositoryReader>(store(), report);
+}
+
+void HandMadeStore::replaceManifest(const std::string& product, const std::string& entry, const QByteArray& bytes)
+{
+    Entries& entries = product == "Alpha" ? alphaManifests : betaManifests;
+    entries[entry] = bytes;
+    writeArchive(archive(product, "manifests"), entries);
+}
+
+void HandMadeStore::writeArchive(const std::string& file, const Entries& entries)
+{
+    QDir().mkpath(QFileInfo(QString::fromStdString(file)).absolutePath());
+    int error = 0;
+    zip_t* archive = zip_open(file.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &error);
+    ASSERT_NE(archive, nullptr) << file;
+    for (const auto& entry : entries) {
+        zip_source_t* source = zip_source_buffer(archive, entry.second.constData(), zip_uint64_t(entry.second.size()), 0);
+        ASSERT_NE(source, nullptr);
+        ASSERT_GE(zip_file_add(archive, entry.first.c_str(), source, ZIP_FL_OVERWRITE), 0);
+    }
+    ASSERT_EQ(zip_close(archive), 0) << file;
+}
+
+std::map<QString, QByteArray> HandMadeStore::snapshot(const std::string& directory)
+{
+    std::map<QString, QByteArray> files;
+    QDirIterator it(QString::fromStdString(directory), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        files[file] = readFile(file.toStdString());
+    }
+    return files;
+}
+
+std::vector<std::string> HandMadeStore::names(TandrilObjectIterator it)
+{
+    std::vector<std::string> result;
+    for (; it.isValidIterator(); it.next()) {
+        const TandrilObject object = it.current();
+        const std::string& id = object.id().str();
+        const auto depth = std::count(id.begin(), id.end(), '/');
+        result.push_back(std::string(std::size_t(depth > 0 ? depth - 1 : 0) * 2, ' ') + object.getName());
+    }
+    return result;
+}
+
+} // namespace LibraryBrowser::Testing

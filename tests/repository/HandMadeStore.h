@@ -1,0 +1,57 @@
+#pragma once
+
+#include "StoreFixture.h"
+#include "repository/xmlrepository/XMLRepositoryReader.h"
+
+#include <QByteArray>
+
+#include <map>
+#include <string>
+
+namespace LibraryBrowser::Testing {
+
+// A store written by hand, without the writer: a top-level manifest and the
+// products' zip archives made with the serializer and libzip.
+//
+//   Alpha (library, top level)            manifests + icons archive
+//     Gain      block, icon "icons/Gain.svg"
+//     Scope     block, icon "icons/Scope.svg" (missing from the archive)
+//     Sub       subsystem
+//       X         block
+//       Back      reference to Alpha/Sub, with Sub's path: closes a cycle
+//     Ref1      reference to Alpha-Shared
+//     Ref2      reference to Alpha-Shared
+//   Alpha-Shared (library, no product; Alpha's dependency)
+//     S1, S2    blocks
+//   Beta (library, top level)             manifests archive only
+//     B1        block
+//   Tools (palette, not top level): children "Beta", "Tools", "Nope"
+class HandMadeStore : public StoreFixture {
+protected:
+    using Entries = std::map<std::string, QByteArray>;
+
+    void SetUp() override;
+
+    std::string store() const { return path("store"); }
+    std::string archive(const std::string& product, const std::string& kind) const;
+    // Writes the store above into the directory.
+    void writeStore(const std::string& directory);
+    std::shared_ptr<XMLRepositoryReader> openReader();
+    // Replaces one entry of a product's manifests archive.
+    void replaceManifest(const std::string& product, const std::string& entry, const QByteArray& bytes);
+
+    static void writeArchive(const std::string& file, const Entries& entries);
+    static QByteArray svg(const std::string& label);
+    // Every file below the directory with its content, to show that nothing
+    // on disk changed.
+    static std::map<QString, QByteArray> snapshot(const std::string& directory);
+    // The names of the objects of a walk, each indented by its depth below
+    // the product (the number of "/" in its unique path less one).
+    static std::vector<std::string> names(TandrilObjectIterator it);
+
+    RepositoryReportPtr report;
+    Entries alphaManifests;
+    Entries betaManifests;
+};
+
+} // namespace LibraryBrowser::Testing
