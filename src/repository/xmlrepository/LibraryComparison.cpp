@@ -1,0 +1,94 @@
+#include "repository/xmlrepository/LibraryComparison.h"
+
+#include "model/PaletteImpl.h"
+#include "platform/HostEnvironment.h"
+#include "platform/Platform.h"
+#include "repository/RepositoryReport.h"
+#include "repository/xmlrepository/HostOperations.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
+
+namespace LibraryBrowser {
+
+bool LibraryComparison::compareLibrary(const LibraryImpl& library, bool ignoreTimestamp) const
+{
+    const LibraryImpl& owner = library.getProduct() ? *library.getProduct() : library;
+    if (!fileDependenciesAgree(owner, ignoreTimestamp))
+        return false;
+    // A palette has no archives and no model file of its own.
+    if (dynamic_cast<const PaletteImpl*>(&owner))
+        return true;
+    if (!storedDataExists(owner, library))
+        return false;
+    return modelFileAgrees(library, ignoreTimestamp);
+}
+
+LibraryComparison::DateVerdict LibraryComparison::judgeDates(bool datesEqual, bool ignoreTimestamp,
+                                                             const std::string& shownName,
+                                                             const std::string& shownPath) const
+{
+    if (ignoreTimestamp) {
+        m_report.log("The timestamp of " + shownPath + " has been ignored");
+        return DateVerdict::CheckContent;
+    }
+    if (datesEqual) {
+        m_report.log("The timestamps matched! (" + shownName + ")");
+        return DateVerdict::Trusted;
+    }
+    m_report.log("The timestamps did not match (" + shownName + ")");
+    return DateVerdict::CheckContent;
+}
+
+bool LibraryComparison::fileDependenciesAgree(const LibraryImpl& owner, bool ignoreTimestamp) const
+{
+    const std::string root = Platform::environment().root();
+    for (const FileInfo& stored : owner.getFileDependencies()) {
+        const std::string& text = stored.fileSpec;
+        const std::string path = absolutePath(root, text);
+        if (!fileExists(path))
+            return false;
+        const FileInfo now = fileInfoOf(m_report, path);
+        if (judgeDates(now.date == stored.date, ignoreTimestamp, text, text) == DateVerdict::Trusted)
+            continue;
+        if (now.size != stored.size) {
+            m_report.log("The files have different sizes (" + text + ")");
+            return false;
+        }
+        if (computeCheckSum(m_report, path) != stored.checkSum) {
+            m_report.log("The checksums did not match. (" + text + ")");
+            return false;
+        }
+        m_report.log("The checksums matched! (" + text + ")");
+    }
+    return true;
+}
+
+bool LibraryComparison::storedDataExists(const LibraryImpl& owner, const LibraryImpl& library) const
+{
+    return fileExists(m_storeDirectory + "/" + owner.getReposIconsArchiveSpec())
+        && fileExists(m_storeDirectory + "/" + owner.getReposManifestsArchiveSpec())
+        && fileExists(absolutePath(Platform::environment().root(), library.getModelFileSpec()));
+}
+
+bool LibraryComparison::modelFileAgrees(const LibraryImpl& library, bool ignoreTimestamp) const
+{
+    // The host's answer decides which file counts, not the stored spec.
+    const LibraryData now = m_host.getLibraryData(library.getPath());
+    const std::string& name = library.getName();
+    if (judgeDates(now.date == library.getModelFileDate(), ignoreTimestamp, name, now.fileSpec)
+        == DateVerdict::Trusted)
+        return true;
+    if (now.size != library.getModelFileSize()) {
+        m_report.log("The files have different sizes (" + name + ")");
+        return false;
+    }
+    if (computeCheckSum(m_report, absolutePath(Platform::environment().root(), now.fileSpec))
+        != library.getModelFileCheckSum()) {
+        m_report.log("The checksums did not match. (" + name + ")");
+        return false;
+    }
+    m_report.log("The checksums matched! (" + name + ")");
+    return true;
+}
+
+} // namespace LibraryBrowser

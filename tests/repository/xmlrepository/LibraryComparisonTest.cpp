@@ -1,0 +1,181 @@
+#include "repository/xmlrepository/HostOperations.h"
+#include "repository/xmlrepository/LibraryComparison.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
+
+#include "repository/StoreFixture.h"
+
+using namespace LibraryBrowser;
+using namespace LibraryBrowser::Testing;
+
+namespace {
+
+const QDateTime stamp = QDateTime::fromSecsSinceEpoch(1763800000);
+
+// A product "signals" whose model file and one dependency are on the host's
+// disk, whose store holds both archives, and whose manifest records all of it
+// as it is now. The host answers lb_getLibraryData for the model file.
+class LibraryComparisonTest : public StoreFixture {
+protected:
+    void SetUp() override
+    {
+        StoreFixture::SetUp();
+        report = RepositoryReport::create();
+        writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": []}");
+        writeFile(hostRoot() + "/toolbox/signals/signals.tdlib.json", "{\"blocks\": [1, 2, 3]}");
+        setModified(hostRoot() + "/toolbox/signals/tdblocks.json", stamp);
+        setModified(hostRoot() + "/toolbox/signals/signals.tdlib.json", stamp);
+        writeFile(store() + "/signals/icons.rps", "icons");
+        writeFile(store() + "/signals/manifests.rps", "manifests");
+
+        product = model->createLibraryImpl();
+        product->setName("Signals");
+        product->setPath("signals");
+        product->setReposIconsArchiveSpec("signals/icons.rps");
+        product->setReposManifestsArchiveSpec("signals/manifests.rps");
+        record(*product, "toolbox/signals/signals.tdlib.json");
+        product->setFileDependencies({dependency("toolbox/signals/tdblocks.json")});
+
+        interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& in) {
+            HostInterpreter::CallResult r;
+            const std::string spec = modelFiles.count(in[2].toString()) ? modelFiles[in[2].toString()] : "";
+            r.ok = !spec.empty();
+            r.outputs = {HostValue::cellOfStrings({spec}),
+                         HostValue::doubleScalar(double(QFileInfo(QString::fromStdString(hostRoot() + "/" + spec)).size())),
+                         HostValue()};
+            return r;
+        });
+    }
+
+    std::string store() const { return path("store"); }
+
+    FileInfo dependency(const std::string& spec)
+    {
+        const std::string file = hostRoot() + "/" + spec;
+        return {spec, computeCheckSum(*report, file), fileDate(file), std::uint64_t(readFile(file).size())};
+    }
+
+    void record(LibraryImpl& library, const std::string& spec)
+    {
+        const std::string file = hostRoot() + "/" + spec;
+        library.setModelFileSpec(spec);
+        library.setModelFileCheckSum(computeCheckSum(*report, file));
+        library.setModelFileSize(readFile(file).size());
+        library.setModelFileDate(std::int32_t(fileDate(file)));
+        modelFiles[library.getPath()] = spec;
+    }
+
+    bool compare(const LibraryImpl& library, bool ignoreTimestamp = false)
+    {
+        report = RepositoryReport::create();
+        HostOperations host(report);
+        return LibraryComparison(*report, store(), host).compareLibrary(library, ignoreTimestamp);
+    }
+
+    int linesWith(const std::string& text) const
+    {
+        int n = 0;
+        for (const std::string& line : report->getLog())
+            n += line.find(text) != std::string::npos;
+        return n;
+    }
+
+    RepositoryReportPtr report;
+    ModelPtr model = Model::createModel();
+    LibraryImpl* product = nullptr;
+    std::map<std::string, std::string> modelFiles;
+};
+
+} // namespace
+
+TEST_F(LibraryComparisonTest, NothingChangedReadsNoFile)
+{
+    EXPECT_TRUE(compare(*product));
+    EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (toolbox/signals/tdblocks.json)"));
+    EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (Signals)"));
+    EXPECT_EQ(linesWith("Computed check sum"), 0) << "dates that match are trusted without reading";
+    EXPECT_EQ(interpreter.callCount("tdprivate:lb_getLibraryData"), 1u);
+}
+
+TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
+{
+    setModified(hostRoot() + "/toolbox/signals/tdblocks.json", stamp.addSecs(60));
+    setModified(hostRoot() + "/toolbox/signals/signals.tdlib.json", stamp.addSecs(60));
+    EXPECT_TRUE(compare(*product));
+    EXPECT_TRUE(logged(*report, "The timestamps did not match (toolbox/signals/tdblocks.json)"));
+    EXPECT_TRUE(logged(*report, "The checksums matched! (toolbox/signals/tdblocks.json)"));
+    EXPECT_TRUE(logged(*report, "The timestamps did not match (Signals)"));
+    EXPECT_TRUE(logged(*report, "The checksums matched! (Signals)"));
+}
+
+TEST_F(LibraryComparisonTest, ChangedContentIsOutOfDate)
+{
+    // Same size, other bytes: only the checksum can tell.
+    writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": [1]}");
+    EXPECT_FALSE(compare(*product));
+    EXPECT_TRUE(logged(*report, "The files have different sizes (toolbox/signals/tdblocks.json)"));
+
+    writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": {}}");
+    EXPECT_FALSE(compare(*product));
+    EXPECT_TRUE(logged(*report, "The checksums did not match. (toolbox/signals/tdblocks.json)"));
+
+    writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": []}");
+    writeFile(hostRoot() + "/toolbox/signals/signals.tdlib.json", "{\"blocks\": [1, 2, 4]}");
+    EXPECT_FALSE(compare(*product));
+    EXPECT_TRUE(logged(*report, "The checksums did not match. (Signals)"));
+}
+
+TEST_F(LibraryComparisonTest, IgnoringTimestampsReadsEveryFileAndQuotesPaths)
+{
+    EXPECT_TRUE(compare(*product, true));
+    EXPECT_TRUE(logged(*report, "The timestamp of toolbox/signals/tdblocks.json has been ignored"));
+    EXPECT_TRUE(logged(*report, "The timestamp of toolbox/signals/signals.tdlib.json has been ignored"))
+        << "the model file's line quotes the host's path, not the library's name";
+    EXPECT_EQ(linesWith("The timestamps matched!"), 0);
+    EXPECT_EQ(linesWith("Computed check sum"), 2);
+}
+
+TEST_F(LibraryComparisonTest, MissingStoredDataOrFilesAreOutOfDateSilently)
+{
+    QFile::remove(QString::fromStdString(store() + "/signals/icons.rps"));
+    EXPECT_FALSE(compare(*product)) << "a library without its icons archive is out of date";
+    EXPECT_EQ(report->getLog().size(), 1u) << "the dependency's line and nothing more";
+
+    writeFile(store() + "/signals/icons.rps", "icons");
+    QFile::remove(QString::fromStdString(hostRoot() + "/toolbox/signals/tdblocks.json"));
+    EXPECT_FALSE(compare(*product));
+    EXPECT_TRUE(report->getLog().empty());
+
+    product->setFileDependencies({});
+    modelFiles.clear(); // the host no longer knows the library
+    EXPECT_FALSE(compare(*product));
+    EXPECT_TRUE(logged(*report, "The timestamps did not match (Signals)"));
+    EXPECT_TRUE(logged(*report, "The files have different sizes (Signals)"));
+}
+
+TEST_F(LibraryComparisonTest, ALibraryBelowAProductCountsTheProductsFilesAndItsOwnModel)
+{
+    writeFile(hostRoot() + "/toolbox/signals/filters.tdlib.json", "{\"blocks\": []}");
+    setModified(hostRoot() + "/toolbox/signals/filters.tdlib.json", stamp);
+    LibraryImpl* filters = model->createLibraryImpl();
+    filters->setName("Filters");
+    filters->setPath("filters");
+    filters->setProduct(product);
+    filters->setFileDependencies({{"toolbox/never/read.json", "", 0, 0}});
+    record(*filters, "toolbox/signals/filters.tdlib.json");
+
+    EXPECT_TRUE(compare(*filters));
+    EXPECT_TRUE(logged(*report, "The timestamps matched! (toolbox/signals/tdblocks.json)"));
+    EXPECT_TRUE(logged(*report, "The timestamps matched! (Filters)"));
+
+    writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": {}}");
+    EXPECT_FALSE(compare(*filters)) << "the product's dependency changed";
+}
+
+TEST_F(LibraryComparisonTest, APalettePassesOnItsFilesAlone)
+{
+    PaletteImpl* palette = model->createPaletteImpl();
+    palette->setName("Workbench");
+    palette->setFileDependencies({dependency("toolbox/signals/tdblocks.json")});
+    EXPECT_TRUE(compare(*palette)) << "no archives and no model file are asked of a palette";
+    EXPECT_EQ(interpreter.callCount("tdprivate:lb_getLibraryData"), 0u);
+}
