@@ -1,9 +1,11 @@
 #include "HandMadeStore.h"
 
+#include "platform/ZipArchive.h"
+
 #include <QDir>
 #include <QDirIterator>
 
-#include <zip.h>
+#include <algorithm>
 
 namespace LibraryBrowser::Testing {
 
@@ -138,15 +140,11 @@ void HandMadeStore::replaceManifest(const std::string& product, const std::strin
 void HandMadeStore::writeArchive(const std::string& file, const Entries& entries)
 {
     QDir().mkpath(QFileInfo(QString::fromStdString(file)).absolutePath());
-    int error = 0;
-    zip_t* archive = zip_open(file.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-    ASSERT_NE(archive, nullptr) << file;
-    for (const auto& entry : entries) {
-        zip_source_t* source = zip_source_buffer(archive, entry.second.constData(), zip_uint64_t(entry.second.size()), 0);
-        ASSERT_NE(source, nullptr);
-        ASSERT_GE(zip_file_add(archive, entry.first.c_str(), source, ZIP_FL_OVERWRITE), 0);
-    }
-    ASSERT_EQ(zip_close(archive), 0) << file;
+    ZipArchive archive;
+    ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew)) << archive.errorString();
+    for (const auto& entry : entries)
+        ASSERT_TRUE(archive.add(entry.first, entry.second)) << entry.first;
+    ASSERT_TRUE(archive.close()) << file;
 }
 
 std::map<QString, QByteArray> HandMadeStore::snapshot(const std::string& directory)
@@ -167,7 +165,7 @@ std::vector<std::string> HandMadeStore::names(TandrilObjectIterator it)
         const TandrilObject object = it.current();
         const std::string& id = object.id().str();
         const auto depth = std::count(id.begin(), id.end(), '/');
-        result.push_back(std::string(std::size_t(depth > 0 ? depth - 1 : 0) * 2, ' ') + object.getName());
+        result.push_back(std::string(std::size_t(depth) * 2, ' ') + object.getName());
     }
     return result;
 }

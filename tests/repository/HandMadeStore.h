@@ -45,8 +45,8 @@ protected:
     // Every file below the directory with its content, to show that nothing
     // on disk changed.
     static std::map<QString, QByteArray> snapshot(const std::string& directory);
-    // The names of the objects of a walk, each indented by its depth below
-    // the product (the number of "/" in its unique path less one).
+    // The names of the objects of a walk, each indented by two blanks per
+    // "/" in its unique path.
     static std::vector<std::string> names(TandrilObjectIterator it);
 
     RepositoryReportPtr report;

@@ -1,11 +1,11 @@
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
 
+#include "platform/ZipArchive.h"
 #include "repository/xmlrepository/TempDirectories.h"
 
 #include <QFile>
 #include <QFileInfo>
 
-#include <zip.h>
 
 namespace LibraryBrowser {
 
@@ -64,37 +64,24 @@ QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
     }
     ++reads;
 
-    int errorCode = 0;
-    zip_t* archive = zip_open(localCopy.c_str(), ZIP_RDONLY, &errorCode);
-    if (!archive) {
-        zip_error_t error;
-        zip_error_init_with_code(&error, errorCode);
+    ZipArchive archive;
+    if (!archive.open(localCopy, ZipArchive::ReadOnly)) {
         m_report->logError("Unable to open archive " + localCopy);
-        m_report->logError(std::string("Error returned from zip archiver: ") + zip_error_strerror(&error));
-        zip_error_fini(&error);
+        m_report->logError("Error returned from zip archiver: " + archive.errorString());
+        return QByteArray();
+    }
+    const ZipArchive::Entry entry = archive.find(entryName);
+    if (!entry.isValid()) {
+        m_report->logWarning("Unable to locate file " + entryName + " in archive " + localCopy);
+        archive.close();
         return QByteArray();
     }
     QByteArray bytes;
-    zip_stat_t stat;
-    zip_stat_init(&stat);
-    if (zip_stat(archive, entryName.c_str(), 0, &stat) != 0 || !(stat.valid & ZIP_STAT_SIZE)) {
-        m_report->logWarning("Unable to locate file " + entryName + " in archive " + localCopy);
-        zip_discard(archive);
-        return QByteArray();
+    if (!archive.read(entry, bytes)) {
+        m_report->logError("Unable to read file " + entryName + " in archive " + localCopy);
+        m_report->logError("Error returned from zip archiver: " + archive.errorString());
     }
-    zip_file_t* entry = zip_fopen_index(archive, stat.index, 0);
-    bool complete = false;
-    if (entry) {
-        bytes.resize(qsizetype(stat.size));
-        complete = zip_fread(entry, bytes.data(), stat.size) == zip_int64_t(stat.size);
-        zip_fclose(entry);
-    }
-    if (!complete) {
-        m_report->logError("Unable to open archive " + localCopy);
-        m_report->logError(std::string("Error returned from zip archiver: ") + zip_strerror(archive));
-        bytes.clear();
-    }
-    zip_discard(archive);
+    archive.close();
     return bytes;
 }
 

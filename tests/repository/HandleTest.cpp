@@ -1,0 +1,215 @@
+#include "HandMadeStore.h"
+
+#include "platform/ErrorHolder.h"
+#include "repository/HandleData.h"
+#include "repository/ReaderCache.h"
+#include "repository/ReaderCacheRegistry.h"
+#include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
+
+#include <gtest/gtest.h>
+
+#include <unordered_set>
+
+namespace LibraryBrowser {
+namespace {
+
+class HandleTest : public Testing::HandMadeStore {
+protected:
+    void SetUp() override
+    {
+        HandMadeStore::SetUp();
+        reader = openReader();
+    }
+
+    TandrilObject object(const std::string& id) { return reader->getTandrilObject(id); }
+
+    std::shared_ptr<XMLRepositoryReader> reader;
+};
+
+TEST_F(HandleTest, AHandleIsTwoWordsAndHandlesOnOneIdShareOneData)
+{
+    static_assert(sizeof(Handle) == 2 * sizeof(void*), "a handle is two words");
+    static_assert(sizeof(TandrilObject) == sizeof(Handle), "typed handles add no data");
+
+    const TandrilObject gain = object("Alpha/Gain");
+    ASSERT_TRUE(gain.isValid());
+    EXPECT_EQ(object("Alpha/Gain").getData(), gain.getData());
+    // Built straight from the node, the handle finds the registered data.
+    EXPECT_EQ(TandrilObject(gain.getImpl(), reader->getCache()).getData(), gain.getData());
+    EXPECT_EQ(Block(gain.getImpl(), reader->getCache()), gain);
+    EXPECT_EQ(gain.id().str(), "Alpha/Gain");
+
+    const TandrilObject scope = object("Alpha/Scope");
+    EXPECT_NE(gain, scope);
+    EXPECT_NE(gain < scope, scope < gain);
+    EXPECT_TRUE(gain <= gain && gain >= gain && !(gain < gain) && !(gain > gain));
+
+    // Null handles of any class are equal and hash alike.
+    EXPECT_EQ(Block(), Library());
+    EXPECT_EQ(Block().hash(), Library().hash());
+    EXPECT_EQ(TandrilObject(nullptr, reader->getCache()), Palette());
+    EXPECT_NE(Block(), gain);
+
+    const std::uint64_t value = gain.idValue();
+    EXPECT_EQ(gain.hash(), std::uint32_t(value ^ (value >> 31)));
+}
+
+TEST_F(HandleTest, KindTestsFollowTheNodeChainAndConversionsGiveNullsOfTheTargetClass)
+{
+    const TandrilObject tools = object("Tools");
+    EXPECT_EQ(tools.getType(), "Palette");
+    EXPECT_TRUE(tools.isBlock() && tools.isSubSystem() && tools.isLibrary() && tools.isPalette());
+    EXPECT_FALSE(tools.isLibraryRef());
+    EXPECT_EQ(tools.toLibrary(), tools);
+    EXPECT_TRUE(tools.toLibraryRef().isNull());
+    EXPECT_TRUE(tools.toBlock().toLibraryRef().isNull());
+
+    const TandrilObject alpha = object("Alpha");
+    EXPECT_EQ(alpha.getType(), "Library");
+    EXPECT_TRUE(alpha.toPalette().isNull());
+    EXPECT_TRUE(alpha.getIsProduct());
+    EXPECT_FALSE(alpha.getIsEmpty());
+
+    const TandrilObject ref = object("Alpha/Ref1");
+    EXPECT_EQ(ref.getType(), "LibraryRef");
+    EXPECT_EQ(ref.getLibraryRefPath(), "Alpha-Shared");
+    const SubSystem refAsSubSystem = ref.toSubSystem();
+    EXPECT_EQ(refAsSubSystem.toLibraryRef(), ref);
+    EXPECT_TRUE(refAsSubSystem.toLibrary().isNull());
+    EXPECT_EQ(Block(ref.toLibraryRef()), ref); // widening shares the data
+    EXPECT_EQ(Block(ref.toLibraryRef()).getData(), ref.getData());
+    EXPECT_EQ(object("Alpha/Sub").getType(), "SubSystem");
+
+    const TandrilObject gain = object("Alpha/Gain");
+    EXPECT_EQ(gain.getType(), "Block");
+    EXPECT_EQ(gain.getDescription(), "About Gain");
+    EXPECT_EQ(gain.getProductName(), "Alpha");
+    EXPECT_FALSE(gain.getIsProduct());
+    // A plain block has nothing below it.
+    EXPECT_TRUE(gain.getIsEmpty() && gain.getIsFlat());
+    const SubSystem none = gain.toSubSystem();
+    EXPECT_TRUE(none.isNull());
+    EXPECT_TRUE(none.getIsEmpty() && none.getIsFlat());
+    EXPECT_FALSE(none.getIsProduct());
+    EXPECT_EQ(none.getName(), "");
+    EXPECT_EQ(none.getType(), "InvalidBlock");
+    EXPECT_FALSE(none.isValid());
+}
+
+TEST_F(HandleTest, AMissingObjectIsAPlaceholderThatKeepsItsId)
+{
+    const TandrilObject block = object("Alpha/Sub/Nope");
+    EXPECT_FALSE(block.isNull());
+    EXPECT_FALSE(block.isValid());
+    EXPECT_EQ(block.id().str(), "Alpha/Sub/Nope");
+    EXPECT_EQ(block.getType(), "Block");
+    EXPECT_EQ(block.getName(), "InvalidBlock");
+    EXPECT_TRUE(block.isBlock()); // kind tests ignore the invalid flag
+    EXPECT_EQ(block.getIcon(), nullptr);
+
+    const TandrilObject library = object("Nope/Gain");
+    EXPECT_EQ(library.getType(), "Library");
+    EXPECT_EQ(library.getName(), "InvalidLibrary");
+    EXPECT_FALSE(library.isValid());
+    EXPECT_FALSE(object("").isValid());
+    EXPECT_EQ(reader->getCache()->invalidHandleCount(), 2u);
+}
+
+TEST_F(HandleTest, AHandleHeldAcrossAnUnloadResolvesToTheReloadedNode)
+{
+    const TandrilObject x = object("Alpha/Sub/X");
+    const TandrilObject y = object("Alpha/Sub/Y");
+    ASSERT_EQ(x.getDescription(), "About X");
+    ASSERT_FALSE(y.isValid());
+
+    // The store changes: X has a new text and Y appears.
+    auto sub = Model::createModel();
+    ErrorHolder errors;
+    ASSERT_TRUE(sub->loadFromBytes(alphaManifests.at("Alpha/Sub/lbSubmanifest.xml"), errors));
+    sub->beginChangeSet();
+    static_cast<BlockImpl*>(sub->getNodes().get(0))->setDescription("New X");
+    BlockImpl* added = sub->createBlockImpl();
+    added->setName("Y");
+    added->setProductName("Alpha");
+    sub->commitChangeSet();
+    replaceManifest("Alpha", "Alpha/Sub/lbSubmanifest.xml", sub->saveToBytes());
+    EXPECT_EQ(x.getDescription(), "About X") << "the cache keeps what it read";
+
+    const std::uint64_t copies = XMLRepositoryArchiveCache::copyCount();
+    ReaderCacheRegistry::unloadProductCaches(store(), object("Alpha").toLibrary());
+    EXPECT_EQ(x.getData()->node(), nullptr);
+    EXPECT_EQ(y.getData()->node(), nullptr) << "placeholders are cleared too";
+
+    EXPECT_EQ(x.getDescription(), "New X");
+    EXPECT_TRUE(y.isValid()) << "a placeholder comes back to life";
+    EXPECT_EQ(y.getName(), "Y");
+    EXPECT_EQ(XMLRepositoryArchiveCache::copyCount(), copies + 1) << "a new private copy of the archive";
+    EXPECT_EQ(object("Alpha/Sub/X").getData(), x.getData());
+}
+
+TEST_F(HandleTest, HashingAndComparingAHandleOfAnUnloadedProductLoadNothing)
+{
+    const TandrilObject x = object("Alpha/Sub/X");
+    const TandrilObject gain = object("Alpha/Gain");
+    ReaderCacheRegistry::unloadProductCaches(store(), object("Alpha").toLibrary());
+    const std::uint64_t reads = XMLRepositoryArchiveCache::readCount();
+
+    std::unordered_set<TandrilObject> set{x, gain, x};
+    EXPECT_EQ(set.size(), 2u);
+    EXPECT_TRUE(set.count(x));
+    EXPECT_NE(x, gain);
+    EXPECT_EQ(qHash(x), std::size_t(x.hash()));
+    EXPECT_EQ(XMLRepositoryArchiveCache::readCount(), reads);
+    EXPECT_EQ(x.getData()->node(), nullptr);
+
+    EXPECT_EQ(x.getName(), "X");
+    EXPECT_GT(XMLRepositoryArchiveCache::readCount(), reads);
+}
+
+TEST_F(HandleTest, AHandleOutlivingItsReaderIsOrphanedYetComparesById)
+{
+    TandrilObject sub = object("Alpha/Sub");
+    const std::uint32_t hash = sub.hash();
+    ASSERT_TRUE(sub.isValid());
+    ASSERT_FALSE(tempEntries().isEmpty()) << "the reader works on private copies";
+    reader.reset();
+
+    EXPECT_EQ(sub.getData()->cache(), nullptr);
+    EXPECT_FALSE(sub.isValid());
+    EXPECT_EQ(sub.getType(), "InvalidBlock");
+    EXPECT_EQ(sub.getName(), "");
+    EXPECT_EQ(sub.getPath(), "");
+    EXPECT_FALSE(sub.isSubSystem());
+    EXPECT_EQ(sub.getIcon(), nullptr);
+    EXPECT_TRUE(tempEntries().isEmpty()) << "the private copies went with the reader";
+
+    reader = openReader();
+    const TandrilObject again = object("Alpha/Sub");
+    EXPECT_TRUE(again.isValid());
+    EXPECT_NE(again.getData(), sub.getData());
+    EXPECT_EQ(again, sub);
+    EXPECT_EQ(again.hash(), hash);
+}
+
+TEST_F(HandleTest, OneIdForTwoNodesKeepsTheFirstUnlessItIsMissingOrInvalid)
+{
+    auto model = Model::createModel();
+    BlockImpl* first = model->createBlockImpl();
+    BlockImpl* second = model->createBlockImpl();
+    first->setUniquePath(StringId("Dup"));
+    first->setName("first");
+    second->setUniquePath(StringId("Dup"));
+    second->setName("second");
+    ReaderCache* cache = reader->getCache();
+
+    const TandrilObject a(first, cache);
+    EXPECT_EQ(TandrilObject(second, cache).getName(), "first");
+    EXPECT_EQ(cache->libraryHandleCount(), 1u);
+    first->setIsInvalid(true);
+    const TandrilObject b(second, cache);
+    EXPECT_EQ(b.getData(), a.getData());
+    EXPECT_EQ(a.getName(), "second");
+}
+
+} // namespace
+} // namespace LibraryBrowser

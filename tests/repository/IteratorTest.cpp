@@ -1,0 +1,153 @@
+#include "HandMadeStore.h"
+
+#include "repository/ReaderCache.h"
+#include "repository/TandrilObjectReferenceIterator.h"
+#include "repository/search/BlockTypeCriteria.h"
+#include "repository/search/ExactBlockTypeCriteria.h"
+#include "repository/search/TandrilObjectSearchIterator.h"
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class IteratorTest : public Testing::HandMadeStore {
+protected:
+    void SetUp() override
+    {
+        HandMadeStore::SetUp();
+        reader = openReader();
+        alpha = reader->getTandrilObject("Alpha");
+        ASSERT_TRUE(alpha.isValid());
+    }
+
+    std::shared_ptr<XMLRepositoryReader> reader;
+    TandrilObject alpha;
+};
+
+const Names alphaWalk{"  Gain", "  Scope", "  Sub",  "    X",    "  Ref1",
+                      "    S1", "    S2",  "  Ref2", "    S1", "    S2"};
+
+TEST_F(IteratorTest, TheDepthFirstWalkIsPreOrderThroughReferencesAndCutsCycles)
+{
+    // Sub's reference back to Sub is neither returned nor entered; the
+    // library behind two references is walked twice.
+    EXPECT_EQ(names(reader->getDepthFirstIterator(alpha)), alphaWalk);
+
+    Names fromTop{"Alpha"};
+    fromTop.insert(fromTop.end(), alphaWalk.begin(), alphaWalk.end());
+    // The palette lists Beta, itself and an unknown name: only Beta is a
+    // child, and the palette's own entry gives one warning.
+    fromTop.insert(fromTop.end(), {"Beta", "  B1", "Tools", "  Beta", "    B1"});
+    EXPECT_EQ(names(reader->getDepthFirstIterator()), fromTop);
+    ASSERT_EQ(report->getWarnings().size(), 1u);
+    EXPECT_EQ(report->getWarnings().front().id, "Tandril:LibraryBrowser:CycleInPalette");
+}
+
+TEST_F(IteratorTest, SizeAndCopiesLeaveTheIteratorWhereItStands)
+{
+    TandrilObjectIterator it = reader->getDepthFirstIterator(alpha);
+    it.next();
+    it.next();
+    ASSERT_EQ(it.current().getName(), "Sub");
+    EXPECT_EQ(it.size(), 10);
+    EXPECT_EQ(it.size(), 10);
+    EXPECT_EQ(it.sizeForNumora(), 10.0);
+    EXPECT_EQ(it.position(), 2);
+    EXPECT_EQ(it.current().getName(), "Sub");
+
+    TandrilObjectIterator copy = it;
+    EXPECT_EQ(copy.position(), 0);
+    EXPECT_EQ(copy.current().getName(), "Sub");
+    copy.next();
+    copy.next();
+    EXPECT_EQ(copy.current().getName(), "Ref1") << "the copy stepped over the cycle on its own";
+    EXPECT_EQ(it.current().getName(), "Sub");
+    it.next();
+    EXPECT_EQ(it.current().getName(), "X");
+
+    while (it.isValidIterator())
+        it.next();
+    EXPECT_EQ(it.position(), 10);
+    it.next();
+    EXPECT_EQ(it.position(), 10) << "a step past the end does not count";
+    EXPECT_FALSE(it.isEmpty()) << "driven past its end is not empty";
+    EXPECT_TRUE(it.current().isNull());
+    EXPECT_TRUE(TandrilObjectIterator(it).isEmpty()) << "a fresh copy at the end is";
+
+    copy = it;
+    EXPECT_EQ(copy.position(), 2) << "assignment keeps the target's count";
+    it.restart();
+    EXPECT_EQ(it.position(), 0);
+    EXPECT_FALSE(it.isEmpty());
+    EXPECT_EQ(it.current().getName(), "Gain");
+}
+
+TEST_F(IteratorTest, WalksOverNothingAreEmpty)
+{
+    for (const TandrilObject& root : {reader->getTandrilObject("Alpha/Gain"), reader->getTandrilObject("Alpha/Nope"),
+                                      TandrilObject()}) {
+        SCOPED_TRACE(root.id().str());
+        TandrilObjectIterator it = reader->getDepthFirstIterator(root);
+        EXPECT_TRUE(it.isEmpty());
+        EXPECT_EQ(it.size(), 0);
+        EXPECT_TRUE(reader->getChildrenIterator(root).isEmpty());
+    }
+    TandrilObjectIterator none;
+    EXPECT_TRUE(none.isEmpty());
+    EXPECT_EQ(none.size(), 0);
+    EXPECT_TRUE(none.current().isNull());
+    none.next();
+    none.restart();
+    EXPECT_EQ(none.position(), 0);
+}
+
+TEST_F(IteratorTest, TheReadersListsAreFilteredLazily)
+{
+    EXPECT_EQ(names(reader->getAllProductsIterator()), (Names{"Alpha", "Alpha-Shared", "Beta", "Tools"}));
+    EXPECT_EQ(names(reader->getProductsIterator()), (Names{"Alpha", "Beta", "Tools"}));
+    EXPECT_EQ(names(reader->getTopLevelIterator()), (Names{"Alpha", "Beta"}));
+
+    EXPECT_EQ(names(reader->getChildrenIterator(alpha, StringId("BlockImpl"))), (Names{"  Gain", "  Scope"}));
+    EXPECT_EQ(names(reader->getChildrenIterator(alpha, StringId("SubSystemImpl"))), (Names{"  Sub"}));
+    EXPECT_EQ(names(TandrilObjectSearchIterator::filter(reader->getChildrenIterator(alpha),
+                                                        std::make_unique<BlockTypeCriteria<SubSystem>>())),
+              (Names{"  Sub", "  Ref1", "  Ref2"}));
+
+    // The filter stands where the inner walk stands until it is asked.
+    TandrilObjectIterator refs = reader->getChildrenIterator(alpha, StringId("LibraryRefImpl"));
+    EXPECT_FALSE(refs.isEmpty());
+    EXPECT_EQ(refs.current().getName(), "Ref1");
+    TandrilObjectIterator copy = refs;
+    refs.next();
+    EXPECT_EQ(refs.current().getName(), "Ref2");
+    EXPECT_EQ(copy.current().getName(), "Ref1");
+    EXPECT_EQ(copy.size(), 2);
+
+    TandrilObjectIterator none = reader->getChildrenIterator(alpha, StringId("PaletteImpl"));
+    EXPECT_FALSE(none.isValidIterator());
+    EXPECT_TRUE(none.isEmpty());
+    EXPECT_EQ(none.size(), 0);
+}
+
+TEST_F(IteratorTest, TheWrappingFormMovesObjectsToItsOwnCache)
+{
+    const std::shared_ptr<XMLRepositoryReader> other = openReader();
+    TandrilObjectIterator moved(
+        std::make_unique<TandrilObjectReferenceIterator>(other->getCache(), reader->getChildrenIterator(alpha)));
+    EXPECT_EQ(moved.size(), 5);
+    const TandrilObject gain = moved.current();
+    EXPECT_EQ(gain.getData()->cache(), other->getCache());
+    EXPECT_EQ(gain, reader->getTandrilObject("Alpha/Gain"));
+    EXPECT_EQ(gain.getImpl(), reader->getTandrilObject("Alpha/Gain").getImpl());
+    moved.next();
+    TandrilObjectIterator copy = moved;
+    EXPECT_EQ(copy.current().getName(), "Scope");
+    copy.restart();
+    EXPECT_EQ(copy.current().getName(), "Gain");
+}
+
+} // namespace
+} // namespace LibraryBrowser
