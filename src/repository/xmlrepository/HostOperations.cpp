@@ -25,6 +25,16 @@ std::vector<double> handlesOf(const HostInterpreter::CallResult& result)
     return result.outputs.front().doubles();
 }
 
+std::vector<std::string> stringsOf(const HostValue& value)
+{
+    return value.isCell() ? value.toStringList() : std::vector<std::string>();
+}
+
+bool equalsIgnoringCase(const std::string& a, const char* b)
+{
+    return QString::fromStdString(a).compare(QLatin1String(b), Qt::CaseInsensitive) == 0;
+}
+
 } // namespace
 
 HostInterpreter::CallResult HostOperations::call(const char* operation, int outputCount,
@@ -35,6 +45,43 @@ HostInterpreter::CallResult HostOperations::call(const char* operation, int outp
     if (result.ok && int(result.outputs.size()) < outputCount)
         result.ok = false; // an answer short of outputs is no answer
     return result;
+}
+
+ProductsData HostOperations::getTdBlocksData(const std::vector<std::string>& hostPath) const
+{
+    ProductsData data;
+    const auto result = call("lb_getTdBlocksData", 9, {HostValue::cellOfStrings(hostPath)});
+    if (!result.ok)
+        return data;
+    const std::vector<HostValue>& out = result.outputs;
+    const std::size_t count = out[0].columns();
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string type = out[6].cell(i).toString();
+        const std::string name = out[0].cell(i).toString();
+        ProductsData::LibraryType libraryType;
+        if (equalsIgnoringCase(type, "Product")) {
+            libraryType = ProductsData::LibraryType::Product;
+        } else if (equalsIgnoringCase(type, "Palette")) {
+            libraryType = ProductsData::LibraryType::Palette;
+        } else {
+            m_report->logWarning("The product " + name + " has the unknown type '" + type + "' and is left out.");
+            continue;
+        }
+        data.productNames.push_back(name);
+        data.modelFiles.push_back(out[1].cell(i).toString());
+        data.reposDirectories.push_back(out[2].cell(i).toString());
+        const std::vector<double>& flags = out[3].doubles();
+        data.flags.push_back(i < flags.size() && flags[i] != 0.0); // NaN counts as set
+        data.treeIcons.push_back(forwardSlashes(out[4].cell(i).toString()));
+        data.panelIcons.push_back(forwardSlashes(out[5].cell(i).toString()));
+        data.types.push_back(libraryType);
+        data.children.push_back(stringsOf(out[7].cell(i)));
+        std::vector<FileInfo> files;
+        for (const std::string& spec : stringsOf(out[8].cell(i)))
+            files.push_back({spec, std::string(), 0, 0});
+        data.fileDependencies.push_back(std::move(files));
+    }
+    return data;
 }
 
 LibraryData HostOperations::getLibraryData(const std::string& libraryPath) const

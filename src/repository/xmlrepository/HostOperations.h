@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/FileInfo.h"
 #include "platform/HostInterpreter.h"
 #include "repository/RepositoryReport.h"
 
@@ -16,6 +17,24 @@ struct LibraryData {
     std::string fileSpec; // as the host gives it
     std::int64_t size = 0;
     std::int32_t date = 0; // modification time of the file, read here
+};
+
+// The installed products, as the host's tdblocks data announces them: one
+// element per entry in each sequence, in the order of the host's path.
+struct ProductsData {
+    enum class LibraryType { Product = 0, Palette = 1 };
+
+    std::vector<std::string> productNames;
+    std::vector<std::string> modelFiles;
+    std::vector<std::string> reposDirectories;
+    std::vector<bool> flags;
+    std::vector<std::string> treeIcons;  // with forward slashes
+    std::vector<std::string> panelIcons; // with forward slashes
+    std::vector<LibraryType> types;
+    std::vector<std::vector<std::string>> children;
+    std::vector<std::vector<FileInfo>> fileDependencies; // only fileSpec set
+
+    std::size_t size() const { return productNames.size(); }
 };
 
 // One child of a library or subsystem, as the host describes it.
@@ -37,6 +56,11 @@ class HostOperations {
 public:
     explicit HostOperations(RepositoryReportPtr report) : m_report(std::move(report)) {}
 
+    // Every product on the host's path (or on `hostPath` when it is not
+    // empty). Empty when the host fails. An entry of a type other than
+    // "Product" or "Palette" is left out with a warning, so that it cannot
+    // shift the types of the entries after it.
+    ProductsData getTdBlocksData(const std::vector<std::string>& hostPath) const;
     // Empty file, size and date 0 when the host fails.
     LibraryData getLibraryData(const std::string& libraryPath) const;
     // Opaque handles of the children, in the host's order; empty on failure.
