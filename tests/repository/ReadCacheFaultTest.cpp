@@ -1,0 +1,121 @@
+#include "HandMadeStore.h"
+
+#include "platform/ErrorHolder.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser {
+namespace {
+
+using Messages = std::vector<std::string>;
+
+// Each broken store must give the report's lines and empty results, never a
+// crash, and must stay on disk exactly as it was.
+class ReadCacheFaultTest : public Testing::HandMadeStore {
+protected:
+    void breakStore()
+    {
+        before = snapshot(store());
+        reader = openReader();
+    }
+
+    void TearDown() override
+    {
+        reader.reset();
+        EXPECT_EQ(snapshot(store()), before) << "nothing on disk changes";
+        EXPECT_TRUE(tempEntries().isEmpty());
+        HandMadeStore::TearDown();
+    }
+
+    // The children of Beta, after the fault was laid.
+    int betaChildren() { return reader->getChildrenIterator(reader->getTandrilObject("Beta")).size(); }
+
+    Messages errors() const { return errorMessages(*report); }
+
+    std::map<QString, QByteArray> before;
+    std::shared_ptr<XMLRepositoryReader> reader;
+};
+
+TEST_F(ReadCacheFaultTest, AMissingArchiveGivesNoChildrenWithoutAWord)
+{
+    QFile::remove(QString::fromStdString(archive("Beta", "manifests")));
+    breakStore();
+    EXPECT_EQ(betaChildren(), 0);
+    EXPECT_FALSE(reader->getTandrilObject("Beta/B1").isValid());
+    EXPECT_FALSE(report->hasError());
+    EXPECT_FALSE(report->hasWarning());
+}
+
+TEST_F(ReadCacheFaultTest, AFileThatIsNotAZipGivesTwoErrors)
+{
+    writeFile(archive("Beta", "manifests"), "this is no zip archive");
+    breakStore();
+    EXPECT_EQ(betaChildren(), 0);
+    const Messages messages = errors();
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_EQ(messages[0].rfind("Unable to open archive ", 0), 0u);
+    EXPECT_NE(messages[0].find("/cachedArchive.rps"), std::string::npos) << "the private copy is what is opened";
+    EXPECT_EQ(messages[1].rfind("Error returned from zip archiver: ", 0), 0u);
+    EXPECT_GT(messages[1].size(), std::string("Error returned from zip archiver: ").size());
+}
+
+TEST_F(ReadCacheFaultTest, AZipWithoutTheEntryGivesAWarning)
+{
+    writeArchive(archive("Beta", "manifests"), {{"Beta/other.xml", "<x/>"}});
+    breakStore();
+    EXPECT_EQ(betaChildren(), 0);
+    EXPECT_FALSE(report->hasError());
+    ASSERT_EQ(report->getWarnings().size(), 1u);
+    EXPECT_EQ(report->getWarnings().front().message.rfind("Unable to locate file Beta/lbBetamanifest.xml in archive ", 0),
+              0u);
+}
+
+TEST_F(ReadCacheFaultTest, ACorruptManifestEntryGivesAnErrorAndKeepsWhatWasRead)
+{
+    const QByteArray whole = betaManifests.at("Beta/lbBetamanifest.xml");
+    replaceManifest("Beta", "Beta/lbBetamanifest.xml", whole.left(whole.indexOf("<BlockImpl") + 30));
+    breakStore();
+    EXPECT_LE(betaChildren(), 1);
+    EXPECT_EQ(errors(), (Messages{"Unexpected error occurred while loading the manifest file"}));
+    EXPECT_FALSE(reader->getTandrilObject("Beta/B1").isValid());
+}
+
+TEST_F(ReadCacheFaultTest, ACorruptTopLevelManifestReadsAsAnEmptyStore)
+{
+    const QByteArray whole = readFile(topLevelFile(store()));
+    writeFile(topLevelFile(store()), whole.left(whole.indexOf("<LibraryImpl") + 20));
+    breakStore();
+    EXPECT_FALSE(reader->exists());
+    EXPECT_TRUE(reader->getAllProductsIterator().isEmpty());
+    EXPECT_TRUE(reader->getDepthFirstIterator().isEmpty());
+    EXPECT_EQ(reader->getTandrilObject("Beta/B1").getType(), "Library");
+    EXPECT_TRUE(reader->getProduct("Beta").isNull());
+    EXPECT_FALSE(errors().empty());
+    for (const std::string& message : errors())
+        EXPECT_EQ(message, "The top level manifest file looks corrupted. Returning an empty manifest.");
+}
+
+TEST_F(ReadCacheFaultTest, ACorruptIconOrAnUnresolvableReferenceGivesEmptyResults)
+{
+    writeArchive(archive("Alpha", "icons"), {{"icons/Gain.svg", "<svg><unclosed></svg>"}});
+    auto top = Model::createModel();
+    ErrorHolder errors;
+    ASSERT_TRUE(top->load(topLevelFile(store()), errors));
+    // The target of Ref1 and Ref2 goes by another id now.
+    top->getNodes().get(1)->setUniquePath(StringId("Alpha-Moved"));
+    saveManifest(*top, topLevelFile(store()));
+    breakStore();
+
+    const BlockIconPtr icon = reader->getTandrilObject("Alpha/Gain").getIcon();
+    ASSERT_NE(icon, nullptr);
+    EXPECT_TRUE(icon->isEmpty());
+    EXPECT_EQ(this->errors(), (Messages{"Unexpected error occurred while loading the icon file icons/Gain.svg"}));
+
+    EXPECT_TRUE(reader->getChildrenIterator(reader->getTandrilObject("Alpha/Ref1")).isEmpty());
+    EXPECT_EQ(reader->getDepthFirstIterator(reader->getTandrilObject("Alpha")).size(), 6);
+}
+
+} // namespace
+} // namespace LibraryBrowser

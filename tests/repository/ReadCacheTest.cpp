@@ -1,0 +1,154 @@
+#include "HandMadeStore.h"
+
+#include "repository/HandleData.h"
+#include "repository/ReaderCacheRegistry.h"
+#include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
+
+#include <QSvgRenderer>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace LibraryBrowser {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class ReadCacheTest : public Testing::HandMadeStore {
+protected:
+    void SetUp() override
+    {
+        HandMadeStore::SetUp();
+        reader = openReader();
+    }
+
+    TandrilObject object(const std::string& id) { return reader->getTandrilObject(id); }
+    static std::string displayPath(const TandrilObject& object)
+    {
+        return static_cast<const BlockImpl*>(object.getImpl())->getDisplayPath();
+    }
+
+    std::shared_ptr<XMLRepositoryReader> reader;
+};
+
+TEST_F(ReadCacheTest, ObjectsAreFoundThroughLibraryReferencesAndRebasedBelowThem)
+{
+    const TandrilObject s2 = object("Alpha/Ref2/S2");
+    ASSERT_TRUE(s2.isValid());
+    EXPECT_EQ(s2.getName(), "S2");
+    EXPECT_EQ(s2.getPath(), "Shared/S2") << "the block itself is the library's";
+    EXPECT_EQ(displayPath(s2), "AlphaPath/Ref2/S2") << "shown below the reference, not the target";
+    EXPECT_NE(s2, object("Alpha/Ref1/S2"));
+    EXPECT_EQ(displayPath(object("Alpha/Sub/X")), "AlphaPath/Sub/X");
+    // A product is found by its display path too, and a referenced library
+    // by its own id.
+    EXPECT_EQ(object("AlphaPath/Gain").getImpl(), object("Alpha/Gain").getImpl());
+    EXPECT_EQ(object("Alpha-Shared").getName(), "Alpha-Shared");
+    EXPECT_EQ(reader->getProduct("Alpha-Shared/S1").getName(), "Alpha");
+    EXPECT_FALSE(object("Alpha/Ref1/S3").isValid());
+}
+
+TEST_F(ReadCacheTest, APalettesChildrenAreComputedAndNeverReadFromAnArchive)
+{
+    const TandrilObject tools = object("Tools");
+    const std::uint64_t reads = XMLRepositoryArchiveCache::readCount();
+    TandrilObjectIterator children = reader->getChildrenIterator(tools);
+    ASSERT_EQ(children.size(), 1);
+    const TandrilObject beta = children.current();
+    EXPECT_EQ(XMLRepositoryArchiveCache::readCount(), reads);
+    EXPECT_EQ(beta.getType(), "LibraryRef");
+    EXPECT_EQ(beta.getName(), "Beta");
+    EXPECT_EQ(beta.getLibraryRefPath(), "Beta");
+    EXPECT_EQ(beta.id().str(), "Tools/Beta");
+    EXPECT_EQ(displayPath(beta), "Tools/Beta Library");
+
+    // Each uncached load computes them anew.
+    const ModelPtr first = reader->getCache()->getModel(tools);
+    const ModelPtr second = reader->getCache()->getModel(tools);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(second->nodeCount(), 1);
+    EXPECT_EQ(XMLRepositoryArchiveCache::readCount(), reads);
+    EXPECT_EQ(report->getWarnings().size(), 3u) << "the palette lists itself: one warning per load";
+}
+
+TEST_F(ReadCacheTest, EachArchiveIsCopiedOncePerProductCacheAndTheCopiesGoWithIt)
+{
+    const std::uint64_t copies = XMLRepositoryArchiveCache::copyCount();
+    const TandrilObject alpha = object("Alpha");
+    EXPECT_EQ(reader->getDepthFirstIterator(alpha).size(), 10);
+    EXPECT_EQ(reader->getDepthFirstIterator(alpha).size(), 10);
+    reader->getIcons(alpha);
+    reader->getIcons(alpha);
+    EXPECT_EQ(XMLRepositoryArchiveCache::copyCount(), copies + 2) << "manifests and icons, once each";
+    EXPECT_EQ(tempEntries().size(), 2);
+
+    ReaderCacheRegistry::unloadProductCaches(store(), alpha.toLibrary());
+    EXPECT_TRUE(tempEntries().isEmpty());
+    EXPECT_EQ(reader->getChildrenIterator(alpha).size(), 5);
+    EXPECT_EQ(XMLRepositoryArchiveCache::copyCount(), copies + 3) << "a new copy after the unload";
+
+    ReaderCacheRegistry::refreshCaches(store());
+    EXPECT_TRUE(tempEntries().isEmpty());
+    EXPECT_EQ(reader->readerCache().productCacheCount(), 0u);
+    EXPECT_EQ(reader->getChildrenIterator(alpha).size(), 5);
+    reader.reset();
+    EXPECT_TRUE(tempEntries().isEmpty());
+}
+
+TEST_F(ReadCacheTest, TwoReadersOnOneDirectoryBothHearOfChangesHoweverItIsSpelled)
+{
+    std::string spelled = store();
+    std::replace(spelled.begin(), spelled.end(), '/', '\\');
+    const auto other = std::make_shared<XMLRepositoryReader>(spelled, report);
+    const std::vector<ReaderCache*> caches = ReaderCacheRegistry::cachesFor(store());
+    EXPECT_EQ(caches.size(), 2u);
+    EXPECT_NE(std::find(caches.begin(), caches.end(), other->getCache()), caches.end());
+
+    const TandrilObject x = object("Alpha/Sub/X");
+    // The other reader can't read that spelling here, so it holds a placeholder.
+    const TandrilObject placeholder = other->getTandrilObject("Alpha/Sub/X");
+    ASSERT_TRUE(x.isValid());
+    ASSERT_NE(placeholder.getData()->node(), nullptr);
+
+    ReaderCacheRegistry::refreshCaches(spelled);
+    EXPECT_EQ(x.getData()->node(), nullptr);
+    EXPECT_EQ(placeholder.getData()->node(), nullptr);
+    EXPECT_EQ(reader->readerCache().productCacheCount(), 0u);
+
+    const TandrilObject alpha = object("Alpha");
+    ReaderCacheRegistry::unloadTopLevelCaches(store() + "/");
+    EXPECT_NE(alpha.getData()->node(), nullptr) << "another directory: nothing heard";
+    ReaderCacheRegistry::unloadTopLevelCaches(spelled);
+    EXPECT_EQ(alpha.getData()->node(), nullptr);
+    EXPECT_EQ(x.getName(), "X");
+}
+
+TEST_F(ReadCacheTest, IconsAreSharedSvgDocumentsAndAMissingOneIsAnEmptyIcon)
+{
+    const BlockIconPtr gain = object("Alpha/Gain").getIcon();
+    ASSERT_NE(gain, nullptr);
+    EXPECT_TRUE(gain->svg().contains("Gain"));
+    EXPECT_EQ(object("Alpha/Gain").getIcon(), gain) << "read once, then shared";
+    ASSERT_NE(gain->renderer(), nullptr);
+    EXPECT_TRUE(gain->renderer()->isValid());
+
+    const BlockIconPtr scope = object("Alpha/Scope").getIcon();
+    ASSERT_NE(scope, nullptr);
+    EXPECT_TRUE(scope->isEmpty());
+    EXPECT_EQ(scope->renderer(), nullptr);
+    ASSERT_EQ(report->getWarnings().size(), 1u);
+    EXPECT_EQ(report->getWarnings().front().message.rfind("Unable to locate file icons/Scope.svg in archive ", 0), 0u);
+
+    EXPECT_TRUE(object("Alpha/Sub").getIcon()->isEmpty()) << "no icon named";
+    EXPECT_EQ(object("Alpha/Nope").getIcon(), nullptr);
+    EXPECT_TRUE(reader->getIcon(object("Alpha"))->isEmpty());
+
+    const IconTable icons = reader->getIcons(object("Alpha"));
+    ASSERT_EQ(icons.size(), 5u);
+    EXPECT_EQ(icons.at(object("Alpha/Gain")), gain);
+    EXPECT_FALSE(report->hasError());
+}
+
+} // namespace
+} // namespace LibraryBrowser
