@@ -67,7 +67,6 @@ public:
     HandleData* lookupHandle(const StringId& id) const;
     void registerHandle(HandleData* data);
     void unregisterHandle(HandleData* data);
-    std::size_t handleCount() const { return m_handles.size(); }
     std::size_t libraryHandleCount() const { return m_libraryHandles.size(); }
     std::size_t invalidHandleCount() const { return m_invalidHandles.size(); }
     std::size_t productHandleCount(const std::string& productKey) const;

@@ -115,6 +115,35 @@ TEST_F(HandleTest, AMissingObjectIsAPlaceholderThatKeepsItsId)
     EXPECT_EQ(reader->getCache()->invalidHandleCount(), 2u);
 }
 
+TEST_F(HandleTest, HandlesAreFiledByIdSoThatAnUnloadForgetsOnlyItsOwn)
+{
+    ReaderCache* cache = reader->getCache();
+    const TandrilObject alpha = object("Alpha");
+    const TandrilObject x = object("Alpha/Sub/X");
+    const TandrilObject s1 = object("Alpha/Ref1/S1");
+    const TandrilObject b1 = object("Beta/B1");
+    const TandrilObject missing = object("Beta/Nope");
+    // A plain reader is its own outer reader: its objects are bound here.
+    ASSERT_EQ(x.getData()->cache(), cache);
+    EXPECT_EQ(cache->libraryHandleCount(), 4u) << "the entries of the top level";
+    EXPECT_EQ(cache->productHandleCount("Alpha"), 9u) << "what was loaded on the way down";
+    EXPECT_EQ(cache->productHandleCount("Beta"), 1u);
+    EXPECT_EQ(cache->invalidHandleCount(), 1u);
+
+    ReaderCacheRegistry::unloadProductCaches(store(), object("Beta").toLibrary());
+    EXPECT_NE(x.getData()->node(), nullptr) << "Alpha is not touched";
+    EXPECT_NE(s1.getData()->node(), nullptr);
+    EXPECT_NE(alpha.getData()->node(), nullptr);
+    EXPECT_EQ(b1.getData()->node(), nullptr);
+    EXPECT_EQ(missing.getData()->node(), nullptr) << "placeholders always lose theirs";
+    EXPECT_EQ(b1.getName(), "B1");
+
+    ReaderCacheRegistry::unloadTopLevelCaches(store());
+    EXPECT_EQ(alpha.getData()->node(), nullptr);
+    EXPECT_NE(x.getData()->node(), nullptr) << "objects below the products stay";
+    EXPECT_TRUE(alpha.isValid());
+}
+
 TEST_F(HandleTest, AHandleHeldAcrossAnUnloadResolvesToTheReloadedNode)
 {
     const TandrilObject x = object("Alpha/Sub/X");

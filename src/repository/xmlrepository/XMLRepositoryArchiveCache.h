@@ -28,7 +28,6 @@ public:
     // Removes the private copy; the next read makes a new one.
     void close();
 
-    const std::string& archivePath() const { return m_archivePath; }
     // Process-wide counts: archives copied to a private place, and entries
     // read out of them.
     static std::uint64_t copyCount();

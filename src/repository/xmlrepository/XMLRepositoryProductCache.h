@@ -41,8 +41,6 @@ public:
     // Drops all that was loaded and the private copies of the archives.
     void clear();
 
-    const Library& product() const { return m_product; }
-
 private:
     void fillPaletteModel(const SubSystem& palette, Model& model);
     ModelPtr referencedModel(const SubSystem& reference);

@@ -40,7 +40,6 @@ public:
     void unloadProduct(const Library& product) override;
     void unloadTopLevel() override;
 
-    const std::string& directory() const { return m_directory; }
     std::size_t productCacheCount() const { return m_productCaches.size(); }
 
 private:
