@@ -21,9 +21,9 @@ std::unordered_set<StringId>& referencesInProgress()
     return references;
 }
 
-std::string archivePath(const std::string& directory, const std::string& spec)
+std::string archivePath(const std::string& directory, const std::string& relative)
 {
-    return spec.empty() ? std::string() : directory + "/" + spec;
+    return relative.empty() ? std::string() : directory + "/" + relative;
 }
 
 } // namespace
@@ -152,13 +152,13 @@ BlockIconPtr XMLRepositoryProductCache::getIcon(const Block& block)
         return known->second;
     auto icon = std::make_shared<BlockIcon>();
     const auto* node = dynamic_cast<const BlockImpl*>(block.getImpl());
-    const std::string spec = node ? node->getIconFileSpec() : std::string();
-    if (!spec.empty()) {
-        QByteArray bytes = m_iconsArchive->readEntry(spec);
+    const std::string entry = node ? node->getIconFileSpec() : std::string();
+    if (!entry.empty()) {
+        QByteArray bytes = m_iconsArchive->readEntry(entry);
         if (BlockIcon::isSvgDocument(bytes))
             icon = std::make_shared<BlockIcon>(std::move(bytes));
         else if (!bytes.isEmpty())
-            m_report->logError("Unexpected error occurred while loading the icon file " + spec);
+            m_report->logError("Unexpected error occurred while loading the icon file " + entry);
     }
     m_icons[block] = icon;
     return icon;
