@@ -4,6 +4,7 @@
 #include "repository/TandrilObjectDepthFirstIterator.h"
 #include "repository/search/ExactBlockTypeCriteria.h"
 #include "repository/search/IsTopLevelCriteria.h"
+#include "repository/search/MatchStringCriteria.h"
 #include "repository/search/TandrilObjectSearchIterator.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 
@@ -53,6 +54,35 @@ TandrilObjectIterator RepositoryReader::getDepthFirstIterator()
 TandrilObjectIterator RepositoryReader::getDepthFirstIterator(const TandrilObject& root)
 {
     return TandrilObjectIterator(std::make_unique<TandrilObjectDepthFirstIterator>(this, root, false));
+}
+
+TandrilObjectIterator RepositoryReader::findBlocks(const std::string& pattern)
+{
+    return findBlocks(pattern, SearchOptions::RegExpOff, SearchOptions::WholeWordOff, SearchOptions::MatchCaseOff);
+}
+
+TandrilObjectIterator RepositoryReader::findBlocks(const std::string& pattern, SearchOptions::RegExp regExp,
+                                                   SearchOptions::WholeWord wholeWord,
+                                                   SearchOptions::MatchCase matchCase)
+{
+    return TandrilObjectSearchIterator::filter(
+        getDepthFirstIterator(), std::make_unique<MatchStringCriteria>(pattern, regExp, wholeWord, matchCase,
+                                                                       MatchStringCriteria::displayName()));
+}
+
+TandrilObjectIterator RepositoryReader::findBlocks(const std::string& pattern, const TandrilObject& object)
+{
+    return findBlocks(pattern, object, SearchOptions::RegExpOff, SearchOptions::WholeWordOff,
+                      SearchOptions::MatchCaseOff);
+}
+
+TandrilObjectIterator RepositoryReader::findBlocks(const std::string& pattern, const TandrilObject& object,
+                                                   SearchOptions::RegExp regExp, SearchOptions::WholeWord wholeWord,
+                                                   SearchOptions::MatchCase matchCase)
+{
+    return TandrilObjectSearchIterator::filter(
+        getDepthFirstIterator(object), std::make_unique<MatchStringCriteria>(pattern, regExp, wholeWord, matchCase,
+                                                                             MatchStringCriteria::displayName()));
 }
 
 std::shared_ptr<RepositoryReader> RepositoryReader::open(const std::string& directory)

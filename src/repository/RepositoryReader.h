@@ -4,6 +4,7 @@
 #include "repository/BlockIcon.h"
 #include "repository/RepositoryReport.h"
 #include "repository/TandrilObjectIterator.h"
+#include "repository/search/SearchOptions.h"
 
 #include <memory>
 #include <string>
@@ -55,6 +56,17 @@ public:
 
     virtual RepositoryReportPtr getRepositoryReport() const = 0;
     virtual ReaderCache* getCache() = 0;
+
+    // Every object whose shown name has a match of the pattern, in the
+    // depth-first order of the walk, doubles kept: over the whole repository,
+    // or below an object (which is itself never among the results).
+    TandrilObjectIterator findBlocks(const std::string& pattern);
+    TandrilObjectIterator findBlocks(const std::string& pattern, SearchOptions::RegExp regExp,
+                                     SearchOptions::WholeWord wholeWord, SearchOptions::MatchCase matchCase);
+    TandrilObjectIterator findBlocks(const std::string& pattern, const TandrilObject& object);
+    TandrilObjectIterator findBlocks(const std::string& pattern, const TandrilObject& object,
+                                     SearchOptions::RegExp regExp, SearchOptions::WholeWord wholeWord,
+                                     SearchOptions::MatchCase matchCase);
 
     // A pre-order walk of everything below the products, or below one
     // object; the starting object itself is not returned. Library references

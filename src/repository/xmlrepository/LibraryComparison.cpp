@@ -65,7 +65,9 @@ bool LibraryComparison::fileDependenciesAgree(const LibraryImpl& owner, bool ign
 
 bool LibraryComparison::storedDataExists(const LibraryImpl& owner, const LibraryImpl& library) const
 {
-    return fileExists(m_storeDirectory + "/" + owner.getReposIconsArchiveSpec())
+    // A library never generated has no model file recorded.
+    return !library.getModelFileSpec().empty()
+        && fileExists(m_storeDirectory + "/" + owner.getReposIconsArchiveSpec())
         && fileExists(m_storeDirectory + "/" + owner.getReposManifestsArchiveSpec())
         && fileExists(absolutePath(Platform::environment().root(), library.getModelFileSpec()));
 }

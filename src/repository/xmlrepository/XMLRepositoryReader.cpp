@@ -1,5 +1,11 @@
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 
+#include "model/Model.h"
+#include "repository/Library.h"
+#include "repository/xmlrepository/HostOperations.h"
+#include "repository/xmlrepository/LibraryComparison.h"
+#include "repository/xmlrepository/PaletteChildren.h"
+
 namespace LibraryBrowser {
 
 XMLRepositoryReader::XMLRepositoryReader(std::string directory)
@@ -25,12 +31,60 @@ bool XMLRepositoryReader::exists()
     return m_cache->getTopLevelModel() != nullptr;
 }
 
-bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool)
+LibraryImpl* XMLRepositoryReader::storedProduct(const TandrilObject& product)
 {
-    // The comparison of model files with what the manifest recorded is
-    // issue 6; until then no stored product is trusted.
-    m_report->log("The up-to-date check of product " + product.getDisplayName() + " in " + m_directory +
-                  " is not available yet; the product counts as out of date");
+    const Library library = product.toLibrary();
+    const TandrilObjectImpl* given = library.getImpl();
+    if (!given || given->getIsInvalid())
+        return nullptr;
+    const ModelPtr topLevel = topLevelManifest();
+    if (!topLevel)
+        return nullptr;
+    for (TandrilObjectImpl* node : topLevel->getNodes())
+        if (node->getUniquePath() == product.id())
+            if (auto* stored = dynamic_cast<LibraryImpl*>(node); stored && !stored->getIsInvalid())
+                return stored;
+    return nullptr;
+}
+
+bool XMLRepositoryReader::compareLibrary(const LibraryImpl& library, bool ignoreTimestamp)
+{
+    const HostOperations host(m_report);
+    return LibraryComparison(*m_report, m_directory, host).compareLibrary(library, ignoreTimestamp);
+}
+
+bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool ignoreTimestamp)
+{
+    LibraryImpl* node = storedProduct(product);
+    return node && isLibraryTreeUpToDate(product.toLibrary(), *node, ignoreTimestamp);
+}
+
+bool XMLRepositoryReader::isLibraryTreeUpToDate(const Library& library, LibraryImpl& node, bool ignoreTimestamp)
+{
+    if (!compareLibrary(node, ignoreTimestamp))
+        return false;
+    if (dynamic_cast<const PaletteImpl*>(&node)) {
+        // A palette is as fresh as its members, whose dates always count.
+        for (const TandrilObject& member : paletteChildren(*m_report, library, *this))
+            if (!isProductUpToDate(member))
+                return false;
+        return true;
+    }
+    for (const LibraryImpl* dependency : node.getDependencies())
+        if (dependency && !compareLibrary(*dependency, ignoreTimestamp))
+            return false;
+    return true;
+}
+
+bool XMLRepositoryReader::isLibraryUpToDate(const TandrilObject& product, const std::string& path,
+                                            bool ignoreTimestamp)
+{
+    const LibraryImpl* node = storedProduct(product);
+    if (!node)
+        return false;
+    for (const LibraryImpl* dependency : node->getDependencies())
+        if (dependency && dependency->getPath() == path)
+            return compareLibrary(*dependency, ignoreTimestamp);
     return false;
 }
 

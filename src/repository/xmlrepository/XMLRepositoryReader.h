@@ -11,7 +11,8 @@ namespace LibraryBrowser {
 // The reader of one store directory. Its reads go to its cache, which loads
 // the top-level manifest and the products' archives on demand. New handles
 // are bound to the cache of the outer reader: the repository the reader is
-// part of, or the reader itself. The up-to-date decision is issue 6.
+// part of, or the reader itself. The reader also decides whether what its
+// store holds for a product still agrees with the host's disk.
 class XMLRepositoryReader : public RepositoryReader {
 public:
     explicit XMLRepositoryReader(std::string directory);
@@ -38,7 +39,17 @@ public:
     // now, or the empty string.
     std::string version() { return m_cache->getVersion(); }
 
+    // For the writer: whether the library of that path among the product's
+    // dependencies is up to date; false for an unknown product or library.
+    bool isLibraryUpToDate(const TandrilObject& product, const std::string& path, bool ignoreTimestamp);
+
 private:
+    // This store's own record of a product: a handle may stand for the
+    // other store's node when both hold the product.
+    LibraryImpl* storedProduct(const TandrilObject& product);
+    bool isLibraryTreeUpToDate(const Library& library, LibraryImpl& node, bool ignoreTimestamp);
+    bool compareLibrary(const LibraryImpl& library, bool ignoreTimestamp);
+
     std::string m_directory;
     RepositoryReportPtr m_report;
     std::unique_ptr<XMLRepositoryReaderCache> m_cache;
