@@ -251,7 +251,7 @@ TEST_F(RepositoryReaderOpenTest, ACorruptManifestReadsAsAnEmptyStoreAndStays)
     auto reader = std::make_shared<XMLRepositoryReader>(directory, RepositoryReport::create());
     EXPECT_FALSE(reader->exists());
     EXPECT_TRUE(reader->getAllProductsIterator().isEmpty());
-    EXPECT_EQ(reader->version(), Signature::manifestSchema().toString());
+    EXPECT_EQ(reader->getVersion(), Signature::manifestSchema().toString());
     EXPECT_EQ(readFile(topLevelFile(directory)), cut);
     EXPECT_TRUE(tempEntries().isEmpty());
     const auto& errors = reader->getRepositoryReport()->getErrors();

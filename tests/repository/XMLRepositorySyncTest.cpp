@@ -167,7 +167,7 @@ TEST_F(XMLRepositorySyncTest, AShippedStoreOfAnotherSchemaCountsAsMissing)
     writeFile(topLevelFile(shipped()), bytes);
 
     XMLRepository repository(writable(), shipped(), {});
-    EXPECT_EQ(repository.shippedReader()->version(), "00000000000000000000000000000001");
+    EXPECT_EQ(repository.shippedReader()->getVersion(), "00000000000000000000000000000001");
     repository.updateProducts();
     EXPECT_EQ(errorMessages(*repository.getRepositoryReport()).back(), "Unable to generate the numora repository.");
     EXPECT_FALSE(exists(tokenFile(writable())));

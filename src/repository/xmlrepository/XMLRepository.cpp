@@ -198,7 +198,7 @@ void XMLRepository::syncTopLevelManifest()
     m_report->log("Syncing the top level manifest to the writable disk aera, if necessary");
 
     const std::string current = Model::createModel()->signature().toString();
-    const std::string rootVersion = m_shippedReader->version();
+    const std::string rootVersion = m_shippedReader->getVersion();
     const bool rootExists = m_shippedReader->exists();
     if (current != rootVersion || !rootExists) {
         if (isAutomatedBuildUser()) {
@@ -268,7 +268,7 @@ XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product
 void XMLRepository::copyProductArchives(RepositoryReport& report, XMLRepositoryReader& writableReader,
                                         XMLRepositoryReader& shippedReader, const Library& product)
 {
-    if (shippedReader.version() != Model::createModel()->signature().toString()) {
+    if (shippedReader.getVersion() != Model::createModel()->signature().toString()) {
         report.logWarning("Unable to use the numoraroot repository. It was generated with an older version of "
                           "the data model.");
         return;

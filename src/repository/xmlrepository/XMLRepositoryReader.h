@@ -37,7 +37,7 @@ public:
     ModelPtr topLevelManifest() { return m_cache->getTopLevelModel(); }
     // The schema signature text of the top-level manifest as it is on disk
     // now, or the empty string.
-    std::string version() { return m_cache->getVersion(); }
+    std::string getVersion() { return m_cache->getVersion(); }
 
     // For the writer: whether the library of that path among the product's
     // dependencies is up to date; false for an unknown product or library.
