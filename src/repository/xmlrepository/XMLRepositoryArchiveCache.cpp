@@ -47,46 +47,53 @@ std::string XMLRepositoryArchiveCache::directoryName() const
     return "LBCache" + std::to_string(m_number);
 }
 
-QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
+bool XMLRepositoryArchiveCache::openLocalCopy()
 {
+    if (m_archive.isOpened())
+        return true;
     if (!QFileInfo::exists(qs(m_archivePath)))
-        return QByteArray();
+        return false;
     const std::string directory = namedTempDirectory(*m_report, directoryName(), true);
     if (directory.empty())
-        return QByteArray();
+        return false;
     const std::string localCopy = directory + "/cachedArchive.rps";
     if (!QFileInfo::exists(qs(localCopy))) {
         if (!QFile::copy(qs(m_archivePath), qs(localCopy))) {
             m_report->logError("Unable to cache archive to " + localCopy);
-            return QByteArray();
+            return false;
         }
         ++copies;
     }
-    ++reads;
-
-    ZipArchive archive;
-    if (!archive.open(localCopy, ZipArchive::ReadOnly)) {
+    if (!m_archive.open(localCopy, ZipArchive::ReadOnly)) {
         m_report->logError("Unable to open archive " + localCopy);
-        m_report->logError("Error returned from zip archiver: " + archive.errorString());
-        return QByteArray();
+        m_report->logError("Error returned from zip archiver: " + m_archive.errorString());
+        return false;
     }
-    const ZipArchive::Entry entry = archive.find(entryName);
+    return true;
+}
+
+QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
+{
+    if (!openLocalCopy())
+        return QByteArray();
+    ++reads;
+    const std::string& localCopy = m_archive.getArchiveFilePath();
+    const ZipArchive::Entry entry = m_archive.find(entryName);
     if (!entry.isValid()) {
         m_report->logWarning("Unable to locate file " + entryName + " in archive " + localCopy);
-        archive.close();
         return QByteArray();
     }
     QByteArray bytes;
-    if (!archive.read(entry, bytes)) {
+    if (!m_archive.read(entry, bytes)) {
         m_report->logError("Unable to read file " + entryName + " in archive " + localCopy);
-        m_report->logError("Error returned from zip archiver: " + archive.errorString());
+        m_report->logError("Error returned from zip archiver: " + m_archive.errorString());
     }
-    archive.close();
     return bytes;
 }
 
 void XMLRepositoryArchiveCache::close()
 {
+    m_archive.close();
     removeNamedTempDirectory(*m_report, directoryName());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ZipArchive.h"
 #include "repository/RepositoryReport.h"
 
 #include <QByteArray>
@@ -13,7 +14,9 @@ namespace LibraryBrowser {
 // Entries of one archive of a store, read from a private copy of it. The
 // copy is made at the first read and serves every later read until close(),
 // so a reader sees one state of the archive while a writer is free to
-// replace the original; the archive itself is opened and closed per read.
+// replace the original. The copy stays open between reads: it is nobody
+// else's, and opening an archive parses its whole directory, which would make
+// a walk over a product cost the square of its number of manifests.
 class XMLRepositoryArchiveCache {
 public:
     XMLRepositoryArchiveCache(std::string archivePath, RepositoryReportPtr report);
@@ -36,9 +39,13 @@ public:
 private:
     std::string directoryName() const;
 
+    // The private copy, opened on first use; false with the report told.
+    bool openLocalCopy();
+
     std::uint32_t m_number;
     std::string m_archivePath;
     RepositoryReportPtr m_report;
+    ZipArchive m_archive;
 };
 
 using XMLRepositoryArchiveCachePtr = std::shared_ptr<XMLRepositoryArchiveCache>;
