@@ -108,7 +108,7 @@ void writeIcons(benchmark::State& state)
     const std::string library = SyntheticRootGenerator::libraryName(0).toStdString();
     const auto children = host.callWithTrap("tdprivate", 1,
                                             inputs(report, "lb_getChildrenHandles", {HostValue::string(library)}));
-    QTemporaryDir out(base + QStringLiteral("/td-host-icons-XXXXXX"));
+    QTemporaryDir out(base + QStringLiteral("/td-host-icons-"));
     std::vector<std::string> paths, files;
     for (double handle : children.outputs.at(0).doubles()) {
         const auto data = host.callWithTrap("tdprivate", 6,
