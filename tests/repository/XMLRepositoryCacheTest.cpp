@@ -1,4 +1,5 @@
 #include "HandMadeStore.h"
+#include "writer/ScriptedLibraries.h"
 
 #include "repository/HandleData.h"
 #include "repository/ReaderCacheRegistry.h"
@@ -11,13 +12,17 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// A repository whose shipped store is the hand-made one. Products can't be
-// generated yet, so every product is read from the shipped store.
+// A repository whose shipped store is the hand-made one, on a host that
+// announces its products but knows none of their blocks: no product can be
+// brought up to date, so every product is read from the shipped store.
 class XMLRepositoryCacheTest : public Testing::HandMadeStore {
 protected:
     void SetUp() override
     {
         HandMadeStore::SetUp();
+        libraries.setProducts({{"Alpha Library", "Alpha"},
+                               {"Beta Library", "Beta"},
+                               {"Tools", "Tools", "Palette", {"Beta", "Tools", "Nope"}}});
         writeStore(shipped());
         repository = std::dynamic_pointer_cast<XMLRepository>(Repository::open(writable(), shipped(), {}));
         ASSERT_NE(repository, nullptr);
@@ -26,6 +31,7 @@ protected:
     std::string shipped() const { return hostRoot() + "/toolbox/tandril/tandril/private/td_library_browser_repos"; }
     std::string writable() const { return preferences() + "/td_library_browser_repos"; }
 
+    Testing::ScriptedLibraries libraries{interpreter, hostRoot()};
     XMLRepositoryPtr repository;
 };
 
@@ -36,17 +42,21 @@ TEST_F(XMLRepositoryCacheTest, HandlesAreBoundToTheRepositoryAndReadFromTheChose
     EXPECT_EQ(alpha.getData()->cache(), repository->getCache());
     EXPECT_EQ(names(repository->getChildrenIterator(alpha)), (Names{"  Gain", "  Scope", "  Sub", "  Ref1", "  Ref2"}));
     EXPECT_EQ(repository->getChildrenIterator(alpha).current().getData()->cache(), repository->getCache());
-    EXPECT_EQ(names(repository->getTopLevelIterator()), (Names{"Alpha", "Beta"}));
-    // The merged list holds every entry of the writable top level, so the
-    // walk from the top also runs through the referenced library.
-    EXPECT_EQ(names(repository->getAllProductsIterator()), (Names{"Alpha", "Alpha-Shared", "Beta", "Tools"}));
-    EXPECT_EQ(repository->getDepthFirstIterator().size(), 19);
-    EXPECT_TRUE(repository->getTandrilObject("Alpha/Ref1/S1").isValid());
+    // The host lists Beta and Tools itself as members of the palette Tools,
+    // so neither stands at the top.
+    EXPECT_EQ(names(repository->getTopLevelIterator()), (Names{"Alpha"}));
+    // Reading Alpha generated it into the writable store first. The host
+    // knows no blocks of Alpha, so Alpha-Shared is no longer used and left
+    // the list, and Alpha's model file can't be checksummed: Alpha stays out
+    // of date and is read from the shipped store.
+    EXPECT_EQ(names(repository->getAllProductsIterator()), (Names{"Alpha", "Beta", "Tools"}));
+    EXPECT_EQ(repository->getDepthFirstIterator().size(), 16);
+    EXPECT_TRUE(repository->getTandrilObject("Alpha/Ref1").isValid());
     EXPECT_TRUE(repository->getTandrilObject("Alpha/Gain").getIcon()->svg().contains("Gain"));
     EXPECT_EQ(repository->getCache()->getModel(alpha)->nodeCount(), 5);
-    // Neither store is up to date and generation is not there yet: the
-    // shipped store serves, after its archives were laid out as a base.
-    EXPECT_TRUE(exists(writable() + "/toolbox/Alpha/lb_Alpha_manifests_repos.rps"));
+    // Nothing was made, so the publish removed the archives the writable
+    // store had been seeded with.
+    EXPECT_FALSE(exists(writable() + "/toolbox/Alpha/lb_Alpha_manifests_repos.rps"));
     EXPECT_EQ(repository->shippedReader()->readerCache().productCacheCount(), 3u);
     EXPECT_EQ(repository->writableReader()->readerCache().productCacheCount(), 0u);
 }

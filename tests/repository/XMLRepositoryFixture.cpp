@@ -7,11 +7,14 @@ namespace LibraryBrowser::Testing {
 void XMLRepositoryFixture::makeShippedStore(std::initializer_list<const char*> names)
 {
     auto model = Model::createModel();
+    std::vector<ScriptedProduct> announced;
     for (const char* name : names) {
+        announced.push_back({std::string(name) + " Library", name});
         addProduct(*model, name, "shipped-1");
         writeFile(archive(shipped(), name, "icons"), QByteArray("shipped icons of ") + name);
         writeFile(archive(shipped(), name, "manifests"), QByteArray("shipped manifests of ") + name);
     }
+    libraries.setProducts(announced);
     saveManifest(*model, topLevelFile(shipped()));
     setModified(topLevelFile(shipped()), shippedDate);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "StoreFixture.h"
+#include "writer/ScriptedLibraries.h"
 #include "repository/xmlrepository/XMLRepository.h"
 
 #include <QDateTime>
@@ -17,7 +18,8 @@ protected:
     std::string writable() const { return preferences() + "/td_library_browser_repos"; }
 
     // Writes the shipped top-level manifest, dated shippedDate, with one
-    // product per name (lastModified "shipped-1") and both archives each.
+    // product per name (lastModified "shipped-1") and both archives each;
+    // the host announces the same products.
     void makeShippedStore(std::initializer_list<const char*> names);
     XMLRepositoryPtr openRepository();
     // The token line that matches the shipped manifest now.
@@ -25,6 +27,7 @@ protected:
     static std::string archive(const std::string& store, const std::string& product, const std::string& kind);
 
     const QDateTime shippedDate = QDateTime::fromSecsSinceEpoch(1700000000);
+    ScriptedLibraries libraries{interpreter, hostRoot()};
 };
 
 } // namespace LibraryBrowser::Testing

@@ -70,7 +70,8 @@ void XMLRepository::buildParts()
     m_shippedReader = std::make_shared<XMLRepositoryReader>(m_shippedDirectory, m_report, this);
     m_writableReader = std::make_shared<XMLRepositoryReader>(m_writableDirectory, m_report, this);
     m_cache = std::make_shared<XMLRepositoryCache>(m_shippedDirectory, m_writableDirectory, m_report, this);
-    m_writer = std::make_shared<XMLRepositoryWriter>(m_writableDirectory, m_report, m_hostPathList);
+    m_writer = std::make_shared<XMLRepositoryWriter>(m_writableDirectory, m_report, m_shippedDirectory, this,
+                                                     m_hostPathList);
 }
 
 XMLRepository::~XMLRepository()

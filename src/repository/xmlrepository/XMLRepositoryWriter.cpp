@@ -1,133 +1,356 @@
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
 
-#include "platform/ErrorHolder.h"
 #include "repository/ReaderCacheRegistry.h"
+#include "repository/xmlrepository/PaletteChildren.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
-#include "repository/xmlrepository/TempDirectories.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
 #include "repository/xmlrepository/XMLRepository.h"
 
+#include <QDateTime>
 #include <QFile>
 
 namespace LibraryBrowser {
 
+namespace {
+
+// Names each writer's temporary directory; plain data, main thread only.
+int writerCount = 0;
+
+bool isUsable(const Library& product)
+{
+    const TandrilObjectImpl* node = product.getImpl();
+    return !product.isNull() && node && !node->getIsInvalid();
+}
+
+void discardErrors(RepositoryReport& report)
+{
+    report.clearError();
+    report.takeErrors();
+}
+
+} // namespace
+
 XMLRepositoryWriter::XMLRepositoryWriter(std::string directory, RepositoryReportPtr report,
                                          std::vector<std::string> hostPathList)
-    : m_directory(std::move(directory)),
-      m_report(std::move(report)),
+    : XMLRepositoryWriter(std::move(directory), std::move(report), std::string(), nullptr, std::move(hostPathList))
+{
+}
+
+XMLRepositoryWriter::XMLRepositoryWriter(std::string directory, RepositoryReportPtr report,
+                                         std::string shippedDirectory, RepositoryReader* activeReader,
+                                         std::vector<std::string> hostPathList)
+    : m_directory(forwardSlashes(directory)),
+      m_shippedDirectory(forwardSlashes(shippedDirectory)),
       m_hostPathList(std::move(hostPathList)),
-      m_reader(m_directory, m_report)
+      m_report(report ? std::move(report) : RepositoryReport::create()),
+      m_reader(std::make_shared<XMLRepositoryReader>(m_directory, m_report)),
+      m_shippedReader(m_shippedDirectory.empty()
+                          ? nullptr
+                          : std::make_shared<XMLRepositoryReader>(m_shippedDirectory, m_report)),
+      m_activeReader(activeReader ? activeReader : m_reader.get()),
+      m_context(m_report, m_directory, writerCount++),
+      m_archives(m_context),
+      m_records(m_context),
+      m_manifests(m_context, m_archives),
+      m_discovery(*this, m_context, m_archives)
 {
 }
 
-void XMLRepositoryWriter::generateRepository(GenerationMode)
+XMLRepositoryWriter::~XMLRepositoryWriter() = default;
+
+void XMLRepositoryWriter::generateRepository(GenerationMode mode)
 {
-    m_report->logError("Tandril:Repository:GenerationNotAvailable",
-                       "Generating the repository in " + m_directory +
-                           " is not available yet; nothing was generated");
+    m_discovery.syncTopLevelManifest(int(mode), std::string());
+    if (!m_reader->topLevelManifest()) {
+        m_report->logError("Unable to load top level manifest");
+        return;
+    }
+    // By path: every product's generation reloads the top level.
+    std::vector<std::string> paths;
+    for (TandrilObjectIterator it = m_reader->getProductsIterator(); it.isValidIterator(); it.next())
+        paths.push_back(it.current().getPath());
+    for (const std::string& path : paths) {
+        ModelPtr topLevel;
+        if (LibraryImpl* product = storedProduct(path, topLevel))
+            generateProductInternal(topLevel, *product, mode);
+    }
+    m_context.removeTempDirectory();
 }
 
-void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode)
+void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode mode)
 {
-    m_report->logError("Tandril:Repository:GenerationNotAvailable",
-                       "Generating product " + product.getDisplayName() + " in " + m_directory +
-                           " is not available yet; nothing was generated");
+    if (!isUsable(product)) {
+        m_report->logError("Unable to start generation: the product is invalid");
+        return;
+    }
+    const auto* block = dynamic_cast<const BlockImpl*>(product.getImpl());
+    const std::string path = block ? block->getPath() : std::string();
+    m_discovery.syncTopLevelManifest(int(mode), path);
+    ModelPtr topLevel;
+    LibraryImpl* stored = storedProduct(path, topLevel);
+    if (!stored) {
+        m_report->logError("Unable to start generation: the product is invalid");
+        return;
+    }
+    generateProductInternal(topLevel, *stored, mode);
+    m_context.removeTempDirectory();
 }
 
 void XMLRepositoryWriter::updateProducts()
 {
-    m_report->logWarning("Tandril:Repository:ProductDiscoveryNotAvailable",
-                         "Comparing the products on the host's path with the repository in " + m_directory +
-                             " is not available yet; the stored product list is used as it is");
+    m_discovery.syncTopLevelManifest(0, std::string());
+    m_context.removeTempDirectory();
 }
 
 void XMLRepositoryWriter::destroyRepository()
 {
-    forgetTopLevelManifest();
-    const ModelPtr manifest = m_reader.topLevelManifest();
-    if (!manifest)
-        return;
-    manifest->beginChangeSet();
-    for (TandrilObjectImpl* node : manifest->getNodes()) {
-        auto* library = dynamic_cast<LibraryImpl*>(node);
-        if (library && library->getIsProduct())
-            destroyProductData(*library);
+    m_discovery.syncTopLevelManifest(0, std::string());
+    if (const ModelPtr topLevel = m_reader->topLevelManifest()) {
+        for (TandrilObjectImpl* node : topLevel->getNodes()) {
+            auto* library = dynamic_cast<LibraryImpl*>(node);
+            if (library && library->getIsProduct())
+                m_archives.destroyProductData(*library);
+        }
+        const std::string path = XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false);
+        if (QFile::exists(QString::fromStdString(path)) && !QFile::remove(QString::fromStdString(path)))
+            m_report->logWarning("Unable to remove top level manifest file " + path);
+        m_context.removeTempDirectory();
+        ReaderCacheRegistry::refreshCaches(m_directory);
     }
-    manifest->commitChangeSet();
-    const std::string path = XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false);
-    if (QFile::exists(QString::fromStdString(path)) && !QFile::remove(QString::fromStdString(path)))
-        m_report->logWarning("Unable to remove top level manifest file " + path);
-    forgetTopLevelManifest();
 }
 
 void XMLRepositoryWriter::destroyProduct(const Library& product)
 {
-    forgetTopLevelManifest();
-    const ModelPtr manifest = m_reader.topLevelManifest();
-    LibraryImpl* stored = nullptr;
-    if (manifest) {
-        for (TandrilObjectImpl* node : manifest->getNodes()) {
-            auto* library = dynamic_cast<LibraryImpl*>(node);
-            if (library && library->getIsProduct() && library->getUniquePath() == product.id()) {
-                stored = library;
-                break;
-            }
-        }
-    }
-    if (!stored) {
-        m_report->logError("Unable to find product '" + product.id().str() + "'");
-        return;
-    }
-    manifest->beginChangeSet();
-    destroyProductData(*stored);
-    manifest->commitChangeSet();
-    saveTopLevelManifest(*manifest);
-    forgetTopLevelManifest();
+    const auto* block = dynamic_cast<const BlockImpl*>(product.getImpl());
+    destroyProduct(block ? block->getPath() : std::string());
 }
 
-void XMLRepositoryWriter::forgetTopLevelManifest()
+void XMLRepositoryWriter::destroyProduct(const std::string& name)
 {
+    const ModelPtr topLevel = m_reader->topLevelManifest();
+    const TandrilObject object = m_reader->getTandrilObject(name);
+    auto* product = dynamic_cast<LibraryImpl*>(object.getImpl());
+    if (!topLevel || !product || product->getIsInvalid() || product->getModel() != topLevel.get()) {
+        m_report->logError("Unable to find product '" + name + "'");
+        return;
+    }
+    m_archives.destroyProductData(*product);
+    updateTopLevelManifest(*topLevel);
+    ReaderCacheRegistry::unloadProductCaches(m_directory, object.toLibrary());
+}
+
+LibraryImpl* XMLRepositoryWriter::storedProduct(const std::string& path, ModelPtr& topLevel)
+{
+    topLevel = m_reader->topLevelManifest();
+    if (!topLevel)
+        return nullptr;
+    auto* product = dynamic_cast<LibraryImpl*>(m_reader->getTandrilObject(path).getImpl());
+    if (!product || product->getIsInvalid() || product->getModel() != topLevel.get())
+        return nullptr;
+    return product;
+}
+
+void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, LibraryImpl& product,
+                                                  GenerationMode mode)
+{
+    RepositoryReport& report = *m_report;
+    report.log("Processing product " + product.getDisplayName());
+    ++report.indentation;
+    if (report.hasError()) {
+        report.logWarning("An error occurred before generating this product. Clearing the error flag to ensure "
+                          "the product is properly generated.");
+        discardErrors(report);
+    }
+    if (auto* palette = dynamic_cast<PaletteImpl*>(&product)) {
+        // Returns without the closing line and leaves the indentation one
+        // level deeper, as palettes always have.
+        generatePalette(topLevel, *palette);
+        return;
+    }
+    if (mode == GenerationMode::Regenerate)
+        m_archives.destroyProductData(product);
+    const bool ignoreTimestamp = mode == GenerationMode::IgnoreTimestamp;
+    // Taken while the node is the cache's: it keeps the product's id for the
+    // notification at the end, when the cache has let go of the node.
+    const TandrilObject handle(&product, m_reader->getCache());
+
+    if (m_reader->isProductUpToDate(handle, ignoreTimestamp)) {
+        generateUpToDateProduct(topLevel, product);
+    } else {
+        m_archives.openArchives(product);
+        if (!m_context.state.iconsArchive.isOpened() || !m_context.state.manifestsArchive.isOpened()) {
+            // Not a skip in spite of its words: the phases below run on the
+            // closed archives, which do nothing.
+            report.logError("Unable to access one or more archives. Skipping product");
+            clearGenerationState();
+        }
+        LibrarySet usedLibraries;
+        generateLibraries(product, handle, ignoreTimestamp, usedLibraries);
+        updateProductDependencies(product, usedLibraries);
+        m_manifests.resolveLibraryReferences();
+        m_archives.saveManifests();
+        m_archives.updateArchives();
+        m_archives.publishArchives(product);
+        updateLastModified(product);
+        updateTopLevelManifest(*topLevel);
+        clearGenerationState();
+        ReaderCacheRegistry::unloadProductCaches(m_directory, handle.toLibrary());
+    }
+    --report.indentation;
+    report.log("Finished product");
+}
+
+void XMLRepositoryWriter::generateUpToDateProduct(const ModelPtr& topLevel, LibraryImpl& product)
+{
+    m_report->log("Product is up-to-date!");
+    m_records.updateLibraryData(product);
+    m_records.updateFileDependencyDates(product);
+    for (LibraryImpl* dependency : product.getDependencies()) {
+        if (!dependency)
+            continue;
+        m_records.updateLibraryData(*dependency);
+        m_records.updateFileDependencyDates(*dependency);
+    }
+    updateTopLevelManifest(*topLevel);
+    clearGenerationState();
+}
+
+void XMLRepositoryWriter::generateLibraries(LibraryImpl& product, const TandrilObject& handle, bool ignoreTimestamp,
+                                            LibrarySet& usedLibraries)
+{
+    RepositoryReport& report = *m_report;
+    LibraryWorklist worklist{&product};
+    while (!worklist.empty()) {
+        LibraryImpl* library = worklist.front();
+        worklist.pop_front();
+        usedLibraries.insert(library);
+        const bool regenerate = library->getIsProduct() ||
+                                !m_context.state.manifestsArchive.exists(library->getManifestFileSpec()) ||
+                                !m_reader->isLibraryUpToDate(handle, library->getPath(), ignoreTimestamp);
+        if (!regenerate) {
+            report.log("Library " + library->getDisplayName() + " is up-to-date!");
+            m_records.updateLibraryData(*library);
+            m_records.updateFileDependencyDates(*library);
+            for (LibraryImpl* dependency : library->getDependencies())
+                if (dependency && !usedLibraries.count(dependency))
+                    worklist.push_back(dependency);
+            continue;
+        }
+        m_archives.removeLibraryFromArchive(*library);
+        m_manifests.generateLibrary(product, *library, *library, worklist, usedLibraries);
+        if (report.hasError()) {
+            // The flag stays: every later library of this product takes this way too.
+            report.logWarning("The check sum of library '" + library->getDisplayName() +
+                              "' was not updated. At least one error occurred in the generation process.");
+            continue;
+        }
+        m_records.updateLibraryData(*library);
+        m_records.updateLibraryCheckSum(*library);
+        m_records.updateFileDependencyDates(*library);
+        m_records.updateFileDependencyCheckSums(*library);
+    }
+}
+
+void XMLRepositoryWriter::generatePalette(const ModelPtr& topLevel, PaletteImpl& palette)
+{
+    const std::string path = palette.getPath();
+    const Library handle = TandrilObject(&palette, m_reader->getCache()).toLibrary();
+    const std::vector<TandrilObject> children = paletteChildren(*m_report, handle, *m_activeReader);
+    for (const TandrilObject& child : children)
+        if (child.getIsProduct() && !m_activeReader->isProductUpToDate(child))
+            generateProduct(child.toLibrary());
+
+    // A member's generation writes the top level anew: the palette's node
+    // must be taken from the model now current.
+    ModelPtr current = topLevel;
+    auto* node = dynamic_cast<PaletteImpl*>(storedProduct(path, current));
+    if (!node) {
+        current = topLevel;
+        node = &palette;
+    }
+    current->beginChangeSet();
+    node->setIsEmpty(children.empty());
+    node->setIsFlat(true);
+    for (const TandrilObject& child : children)
+        if (m_activeReader->getChildrenIterator(child).isValidIterator())
+            node->setIsFlat(false);
+    updateLastModified(*node);
+    m_records.updateFileDependencyDates(*node);
+    m_records.updateFileDependencyCheckSums(*node);
+    current->commitChangeSet();
+    updateTopLevelManifest(*current);
+    ReaderCacheRegistry::unloadProductCaches(m_directory, handle);
+}
+
+void XMLRepositoryWriter::updateProductDependencies(LibraryImpl& product, const LibrarySet& usedLibraries)
+{
+    RepositoryReport& report = *m_report;
+    report.log("Updating product dependencies");
+    ++report.indentation;
+    std::vector<LibraryImpl*> stale;
+    for (LibraryImpl* dependency : product.getDependencies())
+        if (dependency && !usedLibraries.count(dependency))
+            stale.push_back(dependency);
+
+    Model* model = product.getModel();
+    model->beginChangeSet();
+    LibrarySet visited;
+    std::vector<LibraryImpl*> pending{&product};
+    while (!pending.empty()) {
+        LibraryImpl* library = pending.back();
+        pending.pop_back();
+        if (!visited.insert(library).second)
+            continue;
+        LibraryImplList dependencies = library->getDependencies();
+        for (LibraryImpl* gone : stale)
+            dependencies.removeOnce(gone);
+        library->setDependencies(dependencies);
+        for (LibraryImpl* dependency : dependencies)
+            if (dependency)
+                pending.push_back(dependency);
+    }
+    model->commitChangeSet();
+
+    for (LibraryImpl* gone : stale) {
+        report.log("Library " + gone->getDisplayName() + " is no longer used. Removing it from the archive");
+        m_archives.removeLibraryFromArchive(*gone);
+    }
+    model->beginChangeSet();
+    for (LibraryImpl* gone : stale)
+        model->removeNode(gone);
+    model->commitChangeSet();
+    --report.indentation;
+}
+
+void XMLRepositoryWriter::updateLastModified(LibraryImpl& library)
+{
+    const std::string now = QDateTime::currentDateTime().toString(Qt::TextDate).toStdString();
+    Model* model = library.getModel();
+    model->beginChangeSet();
+    library.setLastModified(now);
+    if (m_shippedReader && m_shippedReader->exists()) {
+        const TandrilObject shipped = m_shippedReader->getTandrilObject(library.getPath());
+        const auto* node = dynamic_cast<const LibraryImpl*>(shipped.getImpl());
+        if (node && !node->getIsInvalid())
+            library.setShadowedLastModified(node->getLastModified());
+    }
+    model->commitChangeSet();
+}
+
+void XMLRepositoryWriter::updateTopLevelManifest(const Model& model)
+{
+    const std::string path = XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false);
+    m_report->log("Updating top level manifest (writing: " + path + ")");
+    const std::string copy = XMLRepository::getTopLevelManifestFile(*m_report, m_context.tempDirectory(), false);
+    ArchiveUpdater::saveManifest(*m_report, model, copy);
+    copyFile(*m_report, copy, path);
     ReaderCacheRegistry::unloadTopLevelCaches(m_directory);
 }
 
-void XMLRepositoryWriter::destroyProductData(LibraryImpl& product)
+void XMLRepositoryWriter::clearGenerationState()
 {
-    removeArchive(m_directory + "/" + product.getReposIconsArchiveSpec());
-    removeArchive(m_directory + "/" + product.getReposManifestsArchiveSpec());
-    product.setModelFileSpec(std::string());
-    product.setModelFileSize(0);
-    product.setModelFileDate(0);
-    product.setModelFileCheckSum(std::string());
-    product.setShadowedLastModified(std::string());
-    product.setLastModified(std::string());
-    for (LibraryImpl* dependency : product.getDependencies()) {
-        dependency->setModelFileSpec(std::string());
-        dependency->setModelFileSize(0);
-        dependency->setModelFileDate(0);
-        dependency->setModelFileCheckSum(std::string());
-    }
-}
-
-void XMLRepositoryWriter::removeArchive(const std::string& path)
-{
-    const QString file = QString::fromStdString(path);
-    if (QFile::exists(file) && !QFile::remove(file))
-        m_report->logError("Unable to remove archive " + path);
-}
-
-void XMLRepositoryWriter::saveTopLevelManifest(const Model& manifest)
-{
-    static int writes = 0;
-    const int number = writes++;
-    const std::string temp = tempDirectory(*m_report, number);
-    if (temp.empty())
-        return;
-    const std::string copy = temp + "/" + "lbtoplevelmanifest.xml";
-    ErrorHolder errors;
-    if (manifest.save(copy, errors, Model::Indented))
-        copyFile(*m_report, copy, XMLRepository::getTopLevelManifestFile(*m_report, m_directory, true));
-    else
-        m_report->logError("Unable to save the top level manifest: " + errors.message());
-    removeTempDirectory(*m_report, number);
+    m_context.state.clear();
+    discardErrors(*m_report);
 }
 
 } // namespace LibraryBrowser

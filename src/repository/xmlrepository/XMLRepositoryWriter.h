@@ -1,21 +1,35 @@
 #pragma once
 
 #include "repository/RepositoryWriter.h"
+#include "repository/xmlrepository/ArchiveUpdater.h"
+#include "repository/xmlrepository/LibraryRecords.h"
+#include "repository/xmlrepository/ManifestGenerator.h"
+#include "repository/xmlrepository/ProductDiscovery.h"
+#include "repository/xmlrepository/WriterContext.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace LibraryBrowser {
 
-// The writer of one store directory. It can remove what the store holds, a
-// product's data or all of it. Generation from the host and the comparison
-// of the products on the host's path with the top-level manifest are
-// issue 7: those verbs say in the report that they did nothing.
+// The writer of one store directory, and the order of all generation work:
+// it reconciles the product list with the host, decides per product and per
+// library what is out of date, has the libraries walked and their icons
+// rendered, fills the product's archives on private copies and publishes
+// them, and keeps the top-level manifest true. Nothing reaches the store but
+// finished archives and the top-level manifest, each by a checked copy.
 class XMLRepositoryWriter : public RepositoryWriter {
 public:
     XMLRepositoryWriter(std::string directory, RepositoryReportPtr report,
                         std::vector<std::string> hostPathList = {});
+    // The form a repository uses: `activeReader` (the repository itself)
+    // answers for palettes, `shippedDirectory` gives the dates a writable
+    // copy shadows.
+    XMLRepositoryWriter(std::string directory, RepositoryReportPtr report, std::string shippedDirectory,
+                        RepositoryReader* activeReader, std::vector<std::string> hostPathList);
+    ~XMLRepositoryWriter() override;
 
     using RepositoryWriter::generateProduct;
     using RepositoryWriter::generateRepository;
@@ -25,26 +39,43 @@ public:
     RepositoryReportPtr getRepositoryReport() const override { return m_report; }
     void destroyRepository() override;
     void destroyProduct(const Library& product) override;
+    // By the product's path.
+    void destroyProduct(const std::string& name);
 
     const std::string& directory() const { return m_directory; }
     const std::vector<std::string>& hostPathList() const { return m_hostPathList; }
+    XMLRepositoryReader& reader() { return *m_reader; }
+
+    // Saves the model as the store's top-level manifest, by way of a private
+    // copy, and tells the read caches.
+    void updateTopLevelManifest(const Model& model);
 
 private:
-    // Every cache of the store reads the top level again.
-    void forgetTopLevelManifest();
-    // Removes the product's archives from the store and clears the file
-    // records by which its data would count as up to date. The product
-    // stays in the top-level manifest.
-    void destroyProductData(LibraryImpl& product);
-    void removeArchive(const std::string& path);
-    // Writes the manifest to a private copy first and publishes it by the
-    // checked copy, so that no reader meets a half-written file.
-    void saveTopLevelManifest(const Model& manifest);
+    void generateProductInternal(const ModelPtr& topLevel, LibraryImpl& product, GenerationMode mode);
+    void generateUpToDateProduct(const ModelPtr& topLevel, LibraryImpl& product);
+    void generateLibraries(LibraryImpl& product, const TandrilObject& handle, bool ignoreTimestamp,
+                           LibrarySet& usedLibraries);
+    void generatePalette(const ModelPtr& topLevel, PaletteImpl& palette);
+    // Drops the libraries no longer referenced from the product's tree and
+    // their data.
+    void updateProductDependencies(LibraryImpl& product, const LibrarySet& usedLibraries);
+    void updateLastModified(LibraryImpl& library);
+    void clearGenerationState();
+    // The stored node of a product by path, with the model that holds it.
+    LibraryImpl* storedProduct(const std::string& path, ModelPtr& topLevel);
 
     std::string m_directory;
-    RepositoryReportPtr m_report;
+    std::string m_shippedDirectory;
     std::vector<std::string> m_hostPathList;
-    XMLRepositoryReader m_reader;
+    RepositoryReportPtr m_report;
+    std::shared_ptr<XMLRepositoryReader> m_reader;
+    std::shared_ptr<XMLRepositoryReader> m_shippedReader;
+    RepositoryReader* m_activeReader;
+    WriterContext m_context;
+    ArchiveUpdater m_archives;
+    LibraryRecords m_records;
+    ManifestGenerator m_manifests;
+    ProductDiscovery m_discovery;
 };
 
 using XMLRepositoryWriterPtr = std::shared_ptr<XMLRepositoryWriter>;

@@ -1,0 +1,235 @@
+#include "repository/xmlrepository/ArchiveUpdater.h"
+
+#include "model/Model.h"
+#include "platform/ErrorHolder.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/WriterContext.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <unordered_set>
+
+namespace LibraryBrowser {
+
+namespace {
+
+// The archive is closed and opened again after this many additions, which
+// bounds what it keeps pending in memory.
+constexpr int FilesPerReopen = 100;
+
+QString qs(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+} // namespace
+
+std::string ArchiveUpdater::storePath(const std::string& spec) const
+{
+    return absolutePath(m_context.repositoryDirectory, spec);
+}
+
+std::string ArchiveUpdater::temporaryPath(const std::string& spec) const
+{
+    return absolutePath(m_context.tempDirectory(), spec);
+}
+
+void ArchiveUpdater::generateIcons(const SubSystemImpl& node, const Model& model)
+{
+    if (model.nodeCount() == 0)
+        return;
+    m_context.report->log("Generating Icons (" + std::to_string(model.nodeCount()) + " icons to do.)");
+    const std::string temp = m_context.tempDirectory();
+    std::vector<std::string> childPaths;
+    std::vector<std::string> files;
+    for (TandrilObjectImpl* child : model.getNodes()) {
+        const auto* block = dynamic_cast<const BlockImpl*>(child);
+        if (!block)
+            continue;
+        childPaths.push_back(block->getPath());
+        files.push_back(absolutePath(temp, block->getIconFileSpec()));
+        m_context.state.iconFiles.push_back(files.back());
+    }
+    m_context.host.createSubSystemIcons(node.getPath(), childPaths, files);
+}
+
+void ArchiveUpdater::saveManifests()
+{
+    const std::string temp = m_context.tempDirectory();
+    for (const auto& [node, model] : m_context.state.subSystemModels()) {
+        const std::string path = temp + "/" + node->getManifestFileSpec();
+        saveManifest(*m_context.report, *model, path);
+        m_context.state.manifestFiles.push_back(path);
+    }
+}
+
+void ArchiveUpdater::saveManifest(RepositoryReport& report, const Model& model, const std::string& path)
+{
+    const QString directory = QFileInfo(qs(path)).absolutePath();
+    if (!QFileInfo::exists(directory))
+        QDir().mkpath(directory);
+    ErrorHolder errors;
+    model.save(path, errors, Model::Compact);
+    if (errors.hasError())
+        report.logError("Unable to save manifest file " + path);
+}
+
+void ArchiveUpdater::openArchives(LibraryImpl& product)
+{
+    GenerationState& state = m_context.state;
+    const std::string storeIcons = storePath(product.getReposIconsArchiveSpec());
+    const std::string storeManifests = storePath(product.getReposManifestsArchiveSpec());
+    const std::string tempIcons = temporaryPath(product.getReposIconsArchiveSpec());
+    const std::string tempManifests = temporaryPath(product.getReposManifestsArchiveSpec());
+    state.iconsArchive = ZipArchive();
+    state.manifestsArchive = ZipArchive();
+    if (QFile::exists(qs(storeIcons)) && !copyFile(*m_context.report, storeIcons, tempIcons))
+        return;
+    if (QFile::exists(qs(storeManifests)) && !copyFile(*m_context.report, storeManifests, tempManifests))
+        return;
+    state.iconsArchive = initArchive(product, tempIcons);
+    state.manifestsArchive = initArchive(product, tempManifests);
+}
+
+ZipArchive ArchiveUpdater::initArchive(LibraryImpl& product, const std::string& path)
+{
+    const QString directory = QFileInfo(qs(path)).absolutePath();
+    if (!QFileInfo::exists(directory) && !QDir().mkpath(directory)) {
+        m_context.report->logError("Unable to create archive parent directory " + directory.toStdString());
+        return ZipArchive();
+    }
+    ZipArchive archive;
+    archive.open(path, QFile::exists(qs(path)) ? ZipArchive::OpenExisting : ZipArchive::CreateNew);
+    if (!archive.isOpened()) {
+        m_context.report->logWarning("Unable to initialize archive " + path);
+        m_context.report->log("Existing archive or product data might be corrupted. Destroying it and trying to "
+                              "regenerate it.");
+        destroyProductData(product);
+        archive.open(path, ZipArchive::CreateNew);
+    }
+    return archive;
+}
+
+void ArchiveUpdater::updateArchives()
+{
+    updateArchive(m_context.state.iconsArchive, m_context.state.iconFiles);
+    updateArchive(m_context.state.manifestsArchive, m_context.state.manifestFiles);
+}
+
+void ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::string>& files)
+{
+    const std::string path = archive.getArchiveFilePath();
+    m_context.report->log("Updating archive " + path);
+    const std::string prefix = m_context.tempDirectory() + "/";
+    int added = 0;
+    for (const std::string& file : files) {
+        const std::string name = file.compare(0, prefix.size(), prefix) == 0 ? file.substr(prefix.size()) : file;
+        QFile source(qs(file));
+        QByteArray bytes;
+        if (source.open(QIODevice::ReadOnly))
+            bytes = source.readAll();
+        archive.add(name, bytes);
+        if (++added == FilesPerReopen) {
+            archive.close();
+            archive.open(path, ZipArchive::OpenExisting);
+            added = 0;
+        }
+    }
+}
+
+void ArchiveUpdater::publishArchives(LibraryImpl& product)
+{
+    GenerationState& state = m_context.state;
+    state.iconsArchive.close();
+    state.manifestsArchive.close();
+    const std::string& icons = product.getReposIconsArchiveSpec();
+    const std::string& manifests = product.getReposManifestsArchiveSpec();
+    if (!state.iconFiles.empty())
+        copyFile(*m_context.report, temporaryPath(icons), storePath(icons));
+    else
+        removeArchive(storePath(icons));
+    if (!state.manifestFiles.empty())
+        copyFile(*m_context.report, temporaryPath(manifests), storePath(manifests));
+    else
+        removeArchive(storePath(manifests));
+}
+
+void ArchiveUpdater::removeArchive(const std::string& path)
+{
+    const QString file = qs(path);
+    if (QFile::exists(file) && !QFile::remove(file))
+        m_context.report->logError("Unable to remove archive " + path);
+}
+
+void ArchiveUpdater::destroyProductData(LibraryImpl& product)
+{
+    removeArchive(storePath(product.getReposIconsArchiveSpec()));
+    removeArchive(storePath(product.getReposManifestsArchiveSpec()));
+    Model* model = product.getModel();
+    model->beginChangeSet();
+    product.setModelFileSpec(std::string());
+    product.setModelFileSize(0);
+    product.setModelFileDate(0);
+    product.setModelFileCheckSum(std::string());
+    product.setShadowedLastModified(std::string());
+    product.setLastModified(std::string());
+    for (LibraryImpl* dependency : product.getDependencies()) {
+        if (!dependency)
+            continue;
+        dependency->setModelFileSpec(std::string());
+        dependency->setModelFileSize(0);
+        dependency->setModelFileDate(0);
+        dependency->setModelFileCheckSum(std::string());
+    }
+    model->commitChangeSet();
+}
+
+void ArchiveUpdater::removeLibraryFromArchive(SubSystemImpl& library)
+{
+    RepositoryReport& report = *m_context.report;
+    ZipArchive& manifests = m_context.state.manifestsArchive;
+    ZipArchive& icons = m_context.state.iconsArchive;
+    const std::string spec = library.getManifestFileSpec();
+    if (!manifests.exists(spec))
+        return;
+    report.log("Removing all data from existing archive for " + library.getDisplayName());
+    const ZipArchive::Entry entry = manifests.find(spec);
+    if (!entry.isValid()) {
+        report.logError("Unable to locate subsystem manifests " + spec);
+        return;
+    }
+    QByteArray bytes;
+    if (!manifests.read(entry, bytes)) {
+        report.logError("Unable to read subsystem manifest file " + spec + "  from archive");
+        return;
+    }
+    const ModelPtr model = Model::createModel();
+    ErrorHolder errors;
+    model->beginChangeSet();
+    model->loadFromBytes(bytes, errors);
+    model->commitChangeSet();
+    if (errors.hasError())
+        report.logError("Unable to load model" + spec + " from byte array");
+
+    std::unordered_set<std::string> iconNames;
+    for (TandrilObjectImpl* node : model->getNodes()) {
+        const StringId& type = node->getTypeName();
+        if (type == SubSystemImpl::staticGetTypeName())
+            removeLibraryFromArchive(*static_cast<SubSystemImpl*>(node));
+        else if (type == LibraryRefImpl::staticGetTypeName() || type == BlockImpl::staticGetTypeName())
+            iconNames.insert(static_cast<BlockImpl*>(node)->getIconFileSpec());
+    }
+    for (const std::string& name : icons.entryNames())
+        if (iconNames.count(name) || name == library.getIconFileSpec())
+            icons.remove(icons.find(name));
+    if (!spec.empty()) {
+        const ZipArchive::Entry manifest = manifests.find(spec);
+        if (manifest.isValid())
+            manifests.remove(manifest);
+    }
+}
+
+} // namespace LibraryBrowser

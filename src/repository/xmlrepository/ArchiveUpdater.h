@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/ZipArchive.h"
+
+#include <string>
+#include <vector>
+
+namespace LibraryBrowser {
+
+class LibraryImpl;
+class Model;
+class RepositoryReport;
+class SubSystemImpl;
+class WriterContext;
+
+// The two archives of a product, manifests and icons. They are worked on as
+// copies in the writer's temporary directory and replace the store's files
+// only when published, so that a reader never holds a half-written archive.
+// Every operation is harmless on closed archives: the driver goes on after
+// an archive could not be opened.
+class ArchiveUpdater {
+public:
+    explicit ArchiveUpdater(WriterContext& context) : m_context(context) {}
+
+    // Asks the host for one icon file per node of the model.
+    void generateIcons(const SubSystemImpl& node, const Model& model);
+    // Writes the manifest of each subsystem walked to the temporary directory.
+    void saveManifests();
+    // Copies the store's archives of the product to the temporary directory
+    // and opens the copies; both stay closed if a copy fails.
+    void openArchives(LibraryImpl& product);
+    void updateArchives();
+    // Closes both archives and puts them in the store. An archive for which
+    // no file was made this time is removed from the store.
+    void publishArchives(LibraryImpl& product);
+    // Removes the store's archives of the product and clears its file
+    // records, so that it counts as out of date. It stays listed.
+    void destroyProductData(LibraryImpl& product);
+    // Takes a library's manifest and icons, and those of its subsystems, out
+    // of the open archives, led by the stored manifests themselves.
+    void removeLibraryFromArchive(SubSystemImpl& library);
+    void removeArchive(const std::string& path);
+
+    // Saves a manifest, making its directory first.
+    static void saveManifest(RepositoryReport& report, const Model& model, const std::string& path);
+
+private:
+    ZipArchive initArchive(LibraryImpl& product, const std::string& path);
+    void updateArchive(ZipArchive& archive, const std::vector<std::string>& files);
+    std::string storePath(const std::string& spec) const;
+    std::string temporaryPath(const std::string& spec) const;
+
+    WriterContext& m_context;
+};
+
+} // namespace LibraryBrowser

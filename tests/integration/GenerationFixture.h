@@ -1,0 +1,72 @@
+#pragma once
+
+#include "EmbeddedHost.h"
+#include "repository/xmlrepository/XMLRepositoryReader.h"
+#include "repository/xmlrepository/XMLRepositoryWriter.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace LibraryBrowser::Testing {
+
+// Objects of a stored product tree, by kind.
+struct TreeCounts {
+    int blocks = 0;
+    int subsystems = 0;
+    int references = 0;
+    int icons = 0;
+    bool operator==(const TreeCounts& o) const
+    {
+        return blocks == o.blocks && subsystems == o.subsystems && references == o.references;
+    }
+};
+
+// Generation against the real embedded host, on a private copy of the
+// example root, into a store directory of its own.
+class GenerationFixture : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    std::string root() const { return m_root.path().toStdString(); }
+    std::string store() const { return m_store.path().toStdString(); }
+    std::string libraryFile(const std::string& product) const;
+
+    // A new writer on the store, sharing the fixture's report.
+    std::unique_ptr<XMLRepositoryWriter> makeWriter();
+    // Generates the whole store with a fresh writer and a fresh report.
+    void generate(GenerationMode mode = GenerationMode::Minimal);
+    // A fresh reader of the store.
+    std::unique_ptr<XMLRepositoryReader> makeReader();
+
+    // What a library file declares, references not followed.
+    TreeCounts declaredCounts(const std::string& product) const;
+    // What the store gives back for a product, walked through a reader.
+    TreeCounts storedCounts(XMLRepositoryReader& reader, const std::string& product) const;
+
+    // Each archive of the store with its checksum and modification time.
+    std::map<std::string, std::string> archiveStamps() const;
+    std::string archiveOf(const std::string& product, const char* kind) const;
+
+    bool logHas(const std::string& text) const;
+    int logCount(const std::string& text) const;
+    std::string logText() const;
+    // Rewrites a file of the root copy: every `from` becomes `to`.
+    void editRootFile(const std::string& relative, const std::string& from, const std::string& to) const;
+    void writeRootFile(const std::string& relative, const QByteArray& bytes) const;
+
+    RepositoryReportPtr report = RepositoryReport::create();
+
+private:
+    QTemporaryDir m_root;
+    QTemporaryDir m_prefs;
+    QTemporaryDir m_store;
+    std::unique_ptr<Host::EmbeddedHost> m_host;
+};
+
+} // namespace LibraryBrowser::Testing
