@@ -2,6 +2,7 @@
 
 #include "repository/TandrilObjectIterator.h"
 
+#include <QDateTime>
 #include <QFile>
 
 using namespace LibraryBrowser;
@@ -43,4 +44,92 @@ TEST_F(GenerateRepositoryTest, FromNothingEveryBlockAndIconReadsBack)
         EXPECT_TRUE(QFile::exists(QString::fromStdString(archiveOf(product, "manifests")))) << product;
     }
     EXPECT_EQ(blocks, 185);
+}
+
+TEST_F(GenerateRepositoryTest, NothingChangedRewritesNoArchive)
+{
+    generate();
+    const auto before = archiveStamps();
+    ASSERT_EQ(before.size(), 10u);
+
+    generate();
+    EXPECT_EQ(logCount("Product is up-to-date!"), 5) << logText();
+    EXPECT_FALSE(logHas("Entering "));
+    EXPECT_EQ(archiveStamps(), before);
+}
+
+TEST_F(GenerateRepositoryTest, ATouchedLibraryFileRegeneratesNothing)
+{
+    generate();
+    const auto before = archiveStamps();
+    QFile file(QString::fromStdString(libraryFile("arithmetica")));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(120), QFileDevice::FileModificationTime));
+    file.close();
+
+    generate();
+    EXPECT_TRUE(logHas("The checksums matched! (arithmetica)")) << logText();
+    EXPECT_EQ(logCount("Product is up-to-date!"), 5);
+    EXPECT_EQ(archiveStamps(), before);
+}
+
+TEST_F(GenerateRepositoryTest, AChangedDescriptionRegeneratesOnlyItsLibrary)
+{
+    generate();
+    const auto before = archiveStamps();
+    editRootFile("toolbox/arithmetica/arithmetica.tdlib.json", "Adds or subtracts its inputs",
+                 "Adds or subtracts, edited, its inputs");
+
+    generate();
+    // Arithmetica itself, and Tandril, which references it.
+    EXPECT_EQ(logCount("Product is up-to-date!"), 3) << logText();
+    EXPECT_TRUE(logHas("Library kinetics is up-to-date!"));
+    EXPECT_FALSE(logHas("Entering kinetics"));
+    EXPECT_TRUE(logHas("Entering arithmetica"));
+    const auto after = archiveStamps();
+    for (const char* product : {"kinetics", "switchyard", "wavecraft"})
+        for (const char* kind : {"icons", "manifests"})
+            EXPECT_EQ(after.at(archiveOf(product, kind)), before.at(archiveOf(product, kind))) << product << kind;
+    EXPECT_NE(after.at(archiveOf("arithmetica", "manifests")), before.at(archiveOf("arithmetica", "manifests")));
+
+    const auto reader = makeReader();
+    const TandrilObject sum = reader->getTandrilObject("arithmetica/Basic Operations/Sum");
+    ASSERT_TRUE(sum.isValid());
+    EXPECT_EQ(sum.getDescription().rfind("Adds or subtracts, edited, its inputs", 0), 0u);
+    EXPECT_EQ(storedCounts(*reader, "arithmetica"), declaredCounts("arithmetica"));
+}
+
+TEST_F(GenerateRepositoryTest, RegenerateRewritesEveryArchive)
+{
+    generate();
+    const auto before = archiveStamps();
+    generate(GenerationMode::Regenerate);
+    EXPECT_EQ(logCount("Product is up-to-date!"), 0);
+    const auto after = archiveStamps();
+    ASSERT_EQ(after.size(), before.size());
+    for (const auto& [path, stamp] : after)
+        EXPECT_NE(stamp, before.at(path)) << path;
+    const auto reader = makeReader();
+    for (const std::string& product : Products)
+        EXPECT_EQ(storedCounts(*reader, product), declaredCounts(product)) << product;
+}
+
+TEST_F(GenerateRepositoryTest, AReferenceIntoAnUnchangedLibraryIsNotResolved)
+{
+    generate();
+    editRootFile("toolbox/kinetics/kinetics.tdlib.json", "Blocks whose states evolve", "Blocks, edited, whose states evolve");
+    generate();
+    // Wavecraft is up to date and not walked, so its subsystems are unknown
+    // to this generation.
+    EXPECT_TRUE(logHas("Library wavecraft is up-to-date!")) << logText();
+    EXPECT_TRUE(logHas("**Warning**   Unable to resolve library reference Kinetics/Test Signals to wavecraft/Sources"));
+
+    const auto reader = makeReader();
+    const TreeCounts kinetics = storedCounts(*reader, "kinetics");
+    EXPECT_EQ(kinetics, declaredCounts("kinetics"));
+    // Reading follows a reference by its target's unique path, so the
+    // blocks stay in reach.
+    const int referenced = reader->getChildrenIterator(reader->getTandrilObject("kinetics-wavecraft/Sources")).size();
+    EXPECT_GT(referenced, 0);
+    EXPECT_EQ(reader->getChildrenIterator(reader->getTandrilObject("kinetics/Test Signals")).size(), referenced);
 }

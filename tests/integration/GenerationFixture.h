@@ -56,7 +56,8 @@ protected:
     bool logHas(const std::string& text) const;
     int logCount(const std::string& text) const;
     std::string logText() const;
-    // Rewrites a file of the root copy: every `from` becomes `to`.
+    // Rewrites a file of the root copy, dated a minute ahead: every `from`
+    // becomes `to`.
     void editRootFile(const std::string& relative, const std::string& from, const std::string& to) const;
     void writeRootFile(const std::string& relative, const QByteArray& bytes) const;
 
