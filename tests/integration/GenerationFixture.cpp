@@ -184,6 +184,7 @@ void GenerationFixture::writeRootFile(const std::string& relative, const QByteAr
     QFile file(m_root.path() + "/" + QString::fromStdString(relative));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write(bytes);
+    file.flush();
     // Dates count in whole seconds: an edit within the second of the last
     // generation would look unchanged, where a user's edit comes later.
     file.setFileTime(QDateTime::currentDateTime().addSecs(60), QFileDevice::FileModificationTime);

@@ -1,5 +1,6 @@
 #include "ScriptedLibraries.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -80,7 +81,8 @@ ScriptedLibraries::ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::
         return answer({HostValue::string(block.name), HostValue::string(block.description),
                        HostValue::doubleMatrix(1, 4, {10, 20, 40, 60}), HostValue::string(block.type),
                        HostValue::string(block.targetLibrary),
-                       HostValue::string(block.targetLibrary.empty() ? "" : block.targetPath)});
+                       HostValue::string(block.targetPath.empty() ? block.targetLibrary
+                                                                  : block.targetLibrary + "/" + block.targetPath)});
     });
     interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& inputs) {
         const std::string library = inputs.at(2).toString();
@@ -119,8 +121,13 @@ void ScriptedLibraries::setLibrary(const std::string& library, std::vector<Scrip
     m_libraries[library] = std::move(blocks);
     QFile file(QString::fromStdString(modelFile(library)));
     QDir().mkpath(QFileInfo(file).absolutePath());
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         file.write(QByteArray::fromStdString(describe(m_libraries[library])));
+        file.flush();
+        // Dates count in whole seconds: each edit gets a minute of its own,
+        // as a user's later edit would.
+        file.setFileTime(QDateTime::currentDateTime().addSecs(60 * ++m_edits), QFileDevice::FileModificationTime);
+    }
     rebuildHandles();
 }
 

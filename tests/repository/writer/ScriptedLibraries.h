@@ -30,8 +30,8 @@ struct ScriptedProduct {
 
 // A host world for the writer, answering every repository operation of
 // "tdprivate" from products and libraries held here. Each library also gets
-// a model file below the host root, whose content changes with the library,
-// so that the writer's up-to-date tests see the change.
+// a model file below the host root, whose content and date change with the
+// library, so that the writer's up-to-date tests see the change.
 class ScriptedLibraries {
 public:
     ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::string hostRoot);
@@ -58,6 +58,7 @@ private:
     std::map<double, Node> m_nodes;
     std::map<std::string, double> m_byPath;
     double m_nextHandle = 1;
+    int m_edits = 0;
 };
 
 } // namespace LibraryBrowser::Testing
