@@ -69,9 +69,6 @@ void countStored(XMLRepositoryReader& reader, const TandrilObject& parent, TreeC
 void GenerationFixture::SetUp()
 {
     copyTree(Host::HostOptions::bundledRoot(), m_root.path());
-    // A store left below the copied root would be the shipped one: the
-    // tests generate into a directory of their own.
-    QFile::remove(m_root.path() + "/toolbox/tandril/blocks/lbtoplevelmanifest.xml");
     Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
     options.root = m_root.path();
     options.preferencesDirectory = m_prefs.path();
@@ -82,6 +79,11 @@ void GenerationFixture::SetUp()
 void GenerationFixture::TearDown()
 {
     m_host.reset();
+}
+
+std::string GenerationFixture::preferences() const
+{
+    return m_prefs.path().toStdString();
 }
 
 std::string GenerationFixture::libraryFile(const std::string& product) const

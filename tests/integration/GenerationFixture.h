@@ -35,6 +35,7 @@ protected:
 
     std::string root() const { return m_root.path().toStdString(); }
     std::string store() const { return m_store.path().toStdString(); }
+    std::string preferences() const;
     std::string libraryFile(const std::string& product) const;
 
     // A new writer on the store, sharing the fixture's report.

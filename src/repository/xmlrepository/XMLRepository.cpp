@@ -317,13 +317,15 @@ std::vector<TandrilObject> XMLRepository::getMergedProducts()
 {
     // Read from each store's own nodes: the handles of both stores share
     // one HandleData per product, which holds only one of the two nodes.
+    // By unique path: a product and a library another product references
+    // share a path, and only the former shadows the shipped product.
     std::unordered_map<std::string, LibraryImpl*> shipped;
     for (LibraryImpl* library : productNodes(*m_shippedReader))
-        shipped[library->getPath()] = library;
+        shipped[library->getUniquePath().str()] = library;
 
     std::vector<TandrilObject> merged;
     for (LibraryImpl* writable : productNodes(*m_writableReader)) {
-        const auto found = shipped.find(writable->getPath());
+        const auto found = shipped.find(writable->getUniquePath().str());
         // A difference means the shipped product changed after the writable
         // copy took it over: the shipped one is the newer.
         if (found == shipped.end() || found->second->getLastModified() == writable->getShadowedLastModified())

@@ -1,0 +1,54 @@
+// tdlb_shipped_store: generates the shipped repository store below a host
+// root, as an installation ships it, so that a first run reads a store
+// instead of generating every product on demand.
+
+#include "EmbeddedHost.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/XMLRepositoryWriter.h"
+
+#include <QCoreApplication>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+using namespace LibraryBrowser;
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = application.arguments();
+    if (arguments.size() != 2) {
+        std::fprintf(stderr, "usage: tdlb_shipped_store ROOT\n");
+        return 2;
+    }
+    // The host's preferences stay out of the user's: nothing is read there.
+    QTemporaryDir preferences;
+    Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
+    options.root = arguments.at(1);
+    options.preferencesDirectory = preferences.path();
+    Host::EmbeddedHost host(options);
+    host.install();
+
+    const RepositoryReportPtr report = RepositoryReport::create();
+    const std::string store = shippedRepositoryDirectory();
+    {
+        XMLRepositoryWriter writer(store, report);
+        writer.destroyRepository();
+        writer.generateRepository();
+    }
+    // Errors inside a product are cleared when it is done: the log keeps them.
+    int errors = 0;
+    for (const std::string& line : report->getLog()) {
+        if (line.rfind("??? **Error**", 0) == 0 || line.rfind("**Warning**", 0) == 0)
+            std::fputs(line.c_str(), stderr);
+        if (line.rfind("??? **Error**", 0) == 0)
+            ++errors;
+    }
+    if (errors > 0 || report->hasError()) {
+        std::fprintf(stderr, "tdlb_shipped_store: the store in %s is incomplete\n", store.c_str());
+        return 1;
+    }
+    std::printf("tdlb_shipped_store: generated %s\n", store.c_str());
+    return 0;
+}
