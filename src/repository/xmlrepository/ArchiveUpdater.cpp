@@ -127,11 +127,12 @@ void ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::s
     int added = 0;
     for (const std::string& file : files) {
         const std::string name = file.compare(0, prefix.size(), prefix) == 0 ? file.substr(prefix.size()) : file;
+        // A file the host did not write is passed over: the reader then
+        // finds no icon rather than an empty one.
         QFile source(qs(file));
-        QByteArray bytes;
-        if (source.open(QIODevice::ReadOnly))
-            bytes = source.readAll();
-        archive.add(name, bytes);
+        if (!source.open(QIODevice::ReadOnly))
+            continue;
+        archive.add(name, source.readAll());
         if (++added == FilesPerReopen) {
             archive.close();
             archive.open(path, ZipArchive::OpenExisting);
