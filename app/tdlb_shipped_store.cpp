@@ -1,6 +1,7 @@
 // tdlb_shipped_store: generates the shipped repository store below a host
 // root, as an installation ships it, so that a first run reads a store
-// instead of generating every product on demand.
+// instead of generating every product on demand. With --update the store
+// is brought up to date instead of made anew: only what changed is redone.
 
 #include "EmbeddedHost.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
@@ -17,9 +18,10 @@ using namespace LibraryBrowser;
 int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
-    const QStringList arguments = application.arguments();
+    QStringList arguments = application.arguments();
+    const bool update = arguments.removeAll("--update") > 0;
     if (arguments.size() != 2) {
-        std::fprintf(stderr, "usage: tdlb_shipped_store ROOT\n");
+        std::fprintf(stderr, "usage: tdlb_shipped_store ROOT [--update]\n");
         return 2;
     }
     // The host's preferences stay out of the user's: nothing is read there.
@@ -34,7 +36,8 @@ int main(int argc, char* argv[])
     const std::string store = shippedRepositoryDirectory();
     {
         XMLRepositoryWriter writer(store, report);
-        writer.destroyRepository();
+        if (!update)
+            writer.destroyRepository();
         writer.generateRepository();
     }
     // Errors inside a product are cleared when it is done: the log keeps them.
