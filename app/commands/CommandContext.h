@@ -1,0 +1,49 @@
+#pragma once
+
+#include "repository/Repository.h"
+
+#include <QString>
+
+class QJsonObject;
+
+namespace LibraryBrowser::Tdlb {
+
+// What a command works with: the repository, opened on first use so that
+// commands that need none never synchronise the stores, and the two output
+// streams. Results go to standard output, diagnostics to standard error.
+class CommandContext {
+public:
+    explicit CommandContext(QString commandName, bool verbose);
+    ~CommandContext();
+    CommandContext(const CommandContext&) = delete;
+    CommandContext& operator=(const CommandContext&) = delete;
+
+    Repository& repository();
+    bool hasRepository() const { return m_repository != nullptr; }
+    // Lets the repository go; the module must still be running.
+    void closeRepository();
+
+    bool verbose() const { return m_verbose; }
+    // Standard output is a terminal: progress is worth showing.
+    bool interactive() const;
+
+    void print(const QString& text) const;
+    void printJson(const QJsonObject& document) const;
+    // Writes "tdlb COMMAND: message" on standard error; gives Failure.
+    int fail(const QString& message) const;
+    // The same with a pointer to the help; gives UsageError.
+    int usageError(const QString& message) const;
+
+    // Whether the repository's report holds an error, now or earlier in the
+    // run: the writer clears the flag after each product, the log keeps it.
+    bool reportHasErrors() const;
+    // Writes the report's errors on standard error, each once.
+    void printReportErrors() const;
+
+private:
+    QString m_commandName;
+    bool m_verbose;
+    RepositoryPtr m_repository;
+};
+
+} // namespace LibraryBrowser::Tdlb

@@ -1,0 +1,150 @@
+#include "CommandLine.h"
+
+#include "ChecksumCommand.h"
+#include "CommandContext.h"
+#include "DestroyCommand.h"
+#include "GenerateCommand.h"
+#include "ListCommand.h"
+#include "ReportCommand.h"
+#include "SearchCommand.h"
+#include "ShowCommand.h"
+#include "TreeCommand.h"
+#include "UpdateCommand.h"
+
+#include "EmbeddedHost.h"
+#include "frame/ModuleEntry.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <cstdio>
+
+namespace LibraryBrowser::Tdlb {
+
+namespace {
+
+int usageError(const QString& message)
+{
+    std::fprintf(stderr, "tdlb: %s\nTry 'tdlb --help'.\n", qPrintable(message));
+    return UsageError;
+}
+
+// The host options, taken out of the arguments before parsing; listed so
+// that every --help shows them.
+void addHostOptions(QCommandLineParser& parser)
+{
+    parser.addOption({"root", "The host's root directory (else NUMORA_ROOT, else the example root).", "dir"});
+    parser.addOption({"prefdir", "The preferences directory (else NUMORA_PREFDIR).", "dir"});
+    parser.addOption({"path", "Directories searched first for tdblocks data, separated by ':'.", "dirs"});
+}
+
+void print(const QString& text)
+{
+    std::fputs(text.toUtf8().constData(), stdout);
+}
+
+} // namespace
+
+CommandLine::CommandLine()
+{
+    m_commands.push_back(std::make_unique<UpdateCommand>());
+    m_commands.push_back(std::make_unique<ListCommand>());
+    m_commands.push_back(std::make_unique<SearchCommand>());
+    m_commands.push_back(std::make_unique<TreeCommand>());
+    m_commands.push_back(std::make_unique<ShowCommand>());
+    m_commands.push_back(std::make_unique<GenerateCommand>());
+    m_commands.push_back(std::make_unique<DestroyCommand>());
+    m_commands.push_back(std::make_unique<ChecksumCommand>());
+    m_commands.push_back(std::make_unique<ReportCommand>());
+}
+
+CommandLine::~CommandLine() = default;
+
+Command* CommandLine::find(const QString& name) const
+{
+    for (const auto& command : m_commands) {
+        if (command->name() == name)
+            return command.get();
+    }
+    return nullptr;
+}
+
+QString CommandLine::overview() const
+{
+    QString text = "The block library browser's repository on the command line.\n\nCommands:\n";
+    for (const auto& command : m_commands)
+        text += QString("  %1  %2\n").arg(command->name(), -9).arg(command->summary());
+    text += "\n'tdlb COMMAND --help' tells more of one command.";
+    return text;
+}
+
+int CommandLine::run(const QStringList& arguments)
+{
+    Host::HostOptions options;
+    QStringList rest;
+    QString error;
+    if (!Host::HostOptions::resolve(arguments, QProcessEnvironment::systemEnvironment(), options, rest, error))
+        return usageError(error);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(overview());
+    parser.addHelpOption();
+    parser.addVersionOption();
+    addHostOptions(parser);
+    parser.addOption({"verbose", "Echo the repository's report as it is written."});
+    parser.addPositionalArgument("command", "The command to run.", "command [options] [arguments]");
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    if (!parser.parse(rest))
+        return usageError(parser.errorText());
+    if (parser.isSet("help") || parser.isSet("help-all")) {
+        print(parser.helpText());
+        return Success;
+    }
+    if (parser.isSet("version")) {
+        print(QString("tdlb %1 (built %2)\n")
+                  .arg(QString::fromUtf8(libtd_lib_browse_version), QString::fromUtf8(libtd_lib_browse_build_date)));
+        return Success;
+    }
+    const QStringList positional = parser.positionalArguments();
+    if (positional.isEmpty())
+        return usageError("no command given");
+    Command* command = find(positional.first());
+    if (!command)
+        return usageError("unknown command '" + positional.first() + "'");
+
+    // The command's name stands first among its positional arguments, so
+    // that its help reads "tdlb [options] search pattern".
+    QCommandLineParser commandParser;
+    commandParser.setApplicationDescription(command->summary());
+    commandParser.addHelpOption();
+    commandParser.addPositionalArgument(command->name(), "", command->name());
+    command->configure(commandParser);
+    addHostOptions(commandParser);
+    CommandContext context(command->name(), options.verbose);
+    if (!commandParser.parse(QStringList{rest.first()} + positional))
+        return context.usageError(commandParser.errorText());
+    if (commandParser.isSet("help") || commandParser.isSet("help-all")) {
+        print(commandParser.helpText());
+        return Success;
+    }
+
+    Host::EmbeddedHost host(options);
+    host.install();
+    // The echoed report is a diagnostic: standard output keeps the results.
+    host.environment().setConsole([](const std::string& text) {
+        std::fputs(text.c_str(), stderr);
+        std::fflush(stderr);
+    });
+    NRInitialize_td_lib_browse();
+    int code = command->run(commandParser, commandParser.positionalArguments().mid(1), context);
+    if (code == Success && context.reportHasErrors()) {
+        context.printReportErrors();
+        code = Failure;
+    }
+    std::fflush(stdout);
+    context.closeRepository();
+    NRTerminate_td_lib_browse();
+    return code;
+}
+
+} // namespace LibraryBrowser::Tdlb

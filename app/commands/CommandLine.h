@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Command.h"
+
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+namespace LibraryBrowser::Tdlb {
+
+// The whole of a tdlb run: host options, the command and its options, the
+// host and the module brought up around the command, and the exit code.
+class CommandLine {
+public:
+    CommandLine();
+    ~CommandLine();
+
+    // The arguments start with the program's name.
+    int run(const QStringList& arguments);
+
+private:
+    Command* find(const QString& name) const;
+    QString overview() const;
+
+    std::vector<std::unique_ptr<Command>> m_commands;
+};
+
+} // namespace LibraryBrowser::Tdlb

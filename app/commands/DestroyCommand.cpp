@@ -1,0 +1,44 @@
+#include "DestroyCommand.h"
+
+#include "CommandContext.h"
+#include "ObjectLookup.h"
+
+#include <QCommandLineParser>
+
+namespace LibraryBrowser::Tdlb {
+
+QString DestroyCommand::name() const
+{
+    return "destroy";
+}
+
+QString DestroyCommand::summary() const
+{
+    return "Remove the stored data of every product or of one.";
+}
+
+void DestroyCommand::configure(QCommandLineParser& parser) const
+{
+    parser.addPositionalArgument("product", "Remove this product's data only.", "[product]");
+}
+
+int DestroyCommand::run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
+{
+    if (arguments.size() > 1)
+        return context.usageError("takes at most one product");
+    Repository& repository = context.repository();
+    if (arguments.isEmpty()) {
+        repository.destroyRepository();
+        context.print("Destroyed the repository");
+        return Success;
+    }
+    const Library product = ObjectLookup(repository).product(arguments.first());
+    if (product.isNull())
+        return context.fail("no product '" + arguments.first() + "' in the repository");
+    const QString path = QString::fromStdString(product.getPath());
+    repository.destroyProduct(product);
+    context.print("Destroyed " + path);
+    return Success;
+}
+
+} // namespace LibraryBrowser::Tdlb

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Command.h"
+
+namespace LibraryBrowser::Tdlb {
+
+// destroy: removes the stored data of every product or of one.
+class DestroyCommand : public Command {
+public:
+    QString name() const override;
+    QString summary() const override;
+    void configure(QCommandLineParser& parser) const override;
+    int run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context) override;
+};
+
+} // namespace LibraryBrowser::Tdlb

@@ -1,0 +1,36 @@
+#include "UpdateCommand.h"
+
+#include "CommandContext.h"
+#include "ObjectLookup.h"
+
+#include <QCommandLineParser>
+
+namespace LibraryBrowser::Tdlb {
+
+QString UpdateCommand::name() const
+{
+    return "update";
+}
+
+QString UpdateCommand::summary() const
+{
+    return "Synchronise the stores and update the list of products.";
+}
+
+void UpdateCommand::configure(QCommandLineParser&) const {}
+
+int UpdateCommand::run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
+{
+    if (!arguments.isEmpty())
+        return context.usageError("takes no arguments");
+    Repository& repository = context.repository();
+    const std::size_t products = ObjectLookup(repository).products().size();
+    // One fault met in many places is shown once.
+    const RepositoryReport::IssueList warnings = repository.getRepositoryReport()->takeUniqueWarnings();
+    for (const RepositoryReport::Issue& warning : warnings)
+        context.print("Warning: " + QString::fromStdString(warning.message));
+    context.print(QString("Updated: %1 products, %2 warnings").arg(products).arg(warnings.size()));
+    return Success;
+}
+
+} // namespace LibraryBrowser::Tdlb

@@ -1,0 +1,254 @@
+// The reading commands on one shared copy of the example root, updated once:
+// what they print, their JSON documents parsed back, and their exit codes.
+
+#include "TdlbProcess.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QJsonArray>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace LibraryBrowser::Testing {
+namespace {
+
+class TdlbReadTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        s_tdlb = std::make_unique<TdlbProcess>();
+        if (s_tdlb->isReady())
+            s_update = s_tdlb->run({"update"});
+    }
+    static void TearDownTestSuite() { s_tdlb.reset(); }
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(s_tdlb->isReady());
+        ASSERT_EQ(s_update.exitCode, 0) << qPrintable(s_update.err);
+    }
+
+    static TdlbResult run(const QStringList& arguments) { return s_tdlb->run(arguments); }
+    static QString root() { return s_tdlb->root(); }
+
+    static std::unique_ptr<TdlbProcess> s_tdlb;
+    static TdlbResult s_update;
+};
+
+std::unique_ptr<TdlbProcess> TdlbReadTest::s_tdlb;
+TdlbResult TdlbReadTest::s_update;
+
+QJsonObject entryWithPath(const QJsonArray& entries, const QString& path)
+{
+    for (const QJsonValue& entry : entries) {
+        if (entry["path"].toString() == path)
+            return entry.toObject();
+    }
+    return QJsonObject();
+}
+
+TEST_F(TdlbReadTest, UpdateCountsTheProductsAndIsQuietOnASecondRun)
+{
+    EXPECT_TRUE(s_update.out.contains("Updated: 6 products, 0 warnings")) << qPrintable(s_update.out);
+    const TdlbResult again = run({"update"});
+    EXPECT_EQ(again.exitCode, 0);
+    EXPECT_EQ(again.out, s_update.out);
+    // Nothing is regenerated when nothing changed.
+    EXPECT_FALSE(again.err.contains("Generating manifest")) << qPrintable(again.err);
+}
+
+TEST_F(TdlbReadTest, ListShowsEachProductOnceWithItsState)
+{
+    const TdlbResult text = run({"list"});
+    ASSERT_EQ(text.exitCode, 0) << qPrintable(text.err);
+    const QStringList lines = text.out.split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 7) << qPrintable(text.out);
+    EXPECT_TRUE(lines[0].startsWith("NAME"));
+    EXPECT_TRUE(text.out.contains(QRegularExpression("Signal Workbench +signal_workbench +palette +yes +yes")))
+        << qPrintable(text.out);
+    EXPECT_TRUE(text.out.contains(QRegularExpression("Arithmetica +arithmetica +product +no +yes")));
+
+    const TdlbResult json = run({"list", "--json"});
+    ASSERT_EQ(json.exitCode, 0);
+    const QJsonObject document = json.json();
+    const QJsonArray products = document["products"].toArray();
+    ASSERT_EQ(products.size(), 6) << qPrintable(json.out);
+    EXPECT_EQ(document["count"].toInt(), 6);
+    const QJsonObject kinetics = entryWithPath(products, "kinetics");
+    EXPECT_EQ(kinetics["displayName"].toString(), "Kinetics");
+    EXPECT_EQ(kinetics["type"].toString(), "Library");
+    EXPECT_EQ(kinetics["kind"].toString(), "product");
+    EXPECT_TRUE(kinetics["topLevel"].toBool());
+    EXPECT_TRUE(kinetics["upToDate"].toBool());
+    EXPECT_EQ(entryWithPath(products, "signal_workbench")["kind"].toString(), "palette");
+    EXPECT_FALSE(entryWithPath(products, "wavecraft")["topLevel"].toBool());
+}
+
+TEST_F(TdlbReadTest, SearchGroupsHitsByProductWithCounts)
+{
+    const TdlbResult json = run({"search", "gain", "--json"});
+    ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
+    const QJsonObject document = json.json();
+    EXPECT_EQ(document["pattern"].toString(), "gain");
+    const QJsonArray products = document["products"].toArray();
+    ASSERT_FALSE(products.isEmpty()) << qPrintable(json.out);
+    int total = 0;
+    for (const QJsonValue& group : products) {
+        const QJsonArray hits = group["hits"].toArray();
+        EXPECT_EQ(group["count"].toInt(), hits.size());
+        EXPECT_EQ(group["blocks"].toInt() + group["subsystems"].toInt(), hits.size());
+        for (const QJsonValue& hit : hits)
+            EXPECT_TRUE(hit["displayName"].toString().contains("gain", Qt::CaseInsensitive)) << qPrintable(json.out);
+        total += hits.size();
+    }
+    EXPECT_EQ(document["total"].toInt(), total);
+
+    const TdlbResult text = run({"search", "gain"});
+    ASSERT_EQ(text.exitCode, 0);
+    EXPECT_TRUE(text.out.contains(QString("%1 hits in %2 products").arg(total).arg(products.size())))
+        << qPrintable(text.out);
+    EXPECT_TRUE(text.out.contains("  arithmetica/Basic Operations/Gain  [Block]"));
+}
+
+TEST_F(TdlbReadTest, SearchOptionsNarrowTheHits)
+{
+    const auto total = [](const QStringList& arguments) {
+        const TdlbResult result = s_tdlb->run(QStringList{"search", "--json"} + arguments);
+        EXPECT_EQ(result.exitCode, 0) << qPrintable(arguments.join(' ')) << qPrintable(result.err);
+        return result.json()["total"].toInt(-1);
+    };
+    const int anyCase = total({"gain"});
+    EXPECT_GT(anyCase, 0);
+    EXPECT_EQ(total({"gain", "--match-case"}), 0);
+    EXPECT_EQ(total({"Gain", "--match-case"}), anyCase);
+    // A plain pattern takes "." as itself and "?" as any one character.
+    EXPECT_EQ(total({"G.in", "--regexp"}), anyCase);
+    EXPECT_EQ(total({"G.in"}), 0);
+    EXPECT_EQ(total({"G?in"}), anyCase);
+    EXPECT_EQ(total({"Gai", "--whole-word"}), 0);
+    EXPECT_EQ(total({"no such block anywhere"}), 0);
+
+    const TdlbResult under = run({"search", "s", "--under", "kinetics/Mechanical", "--json"});
+    ASSERT_EQ(under.exitCode, 0) << qPrintable(under.err);
+    const QJsonArray groups = under.json()["products"].toArray();
+    ASSERT_FALSE(groups.isEmpty());
+    for (const QJsonValue& group : groups) {
+        for (const QJsonValue& hit : group["hits"].toArray())
+            EXPECT_TRUE(hit["path"].toString().startsWith("kinetics/Mechanical/")) << qPrintable(under.out);
+    }
+    EXPECT_LT(under.json()["total"].toInt(), total({"s"}));
+}
+
+TEST_F(TdlbReadTest, TreeWalksDepthFirstWithDepthsAndALimit)
+{
+    const TdlbResult json = run({"tree", "--json"});
+    ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
+    const QJsonArray objects = json.json()["objects"].toArray();
+    ASSERT_GT(objects.size(), 20);
+    EXPECT_EQ(json.json()["count"].toInt(), objects.size());
+    EXPECT_EQ(objects.first()["depth"].toInt(), 1);
+    // Pre-order: each object is one level below an earlier one at most.
+    int previous = 0;
+    for (const QJsonValue& object : objects) {
+        EXPECT_LE(object["depth"].toInt(), previous + 1) << qPrintable(object["path"].toString());
+        previous = object["depth"].toInt();
+    }
+    const QJsonObject reference = entryWithPath(objects, "kinetics/Test Signals");
+    EXPECT_EQ(reference["type"].toString(), "LibraryRef");
+    EXPECT_EQ(reference["target"].toString(), "wavecraft/Sources");
+
+    const TdlbResult top = run({"tree", "--depth", "1", "--json"});
+    ASSERT_EQ(top.exitCode, 0);
+    for (const QJsonValue& object : top.json()["objects"].toArray())
+        EXPECT_EQ(object["depth"].toInt(), 1);
+
+    const TdlbResult below = run({"tree", "kinetics/Mechanical"});
+    ASSERT_EQ(below.exitCode, 0) << qPrintable(below.err);
+    const QStringList lines = below.out.split('\n', Qt::SkipEmptyParts);
+    ASSERT_GE(lines.size(), 3) << qPrintable(below.out);
+    EXPECT_EQ(lines[0], "Mechanical  [SubSystem]");
+    EXPECT_TRUE(lines[1].startsWith("  ") && !lines[1].startsWith("   ")) << qPrintable(below.out);
+    EXPECT_TRUE(below.out.contains("\n    ")) << "nested subsystems are indented further\n" << qPrintable(below.out);
+}
+
+TEST_F(TdlbReadTest, ShowGivesEveryAttributeAndWritesTheIcon)
+{
+    const TdlbResult json = run({"show", "arithmetica/Basic Operations/Gain", "--json"});
+    ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
+    const QJsonObject gain = json.json();
+    EXPECT_EQ(gain["path"].toString(), "arithmetica/Basic Operations/Gain");
+    EXPECT_EQ(gain["name"].toString(), "Gain");
+    EXPECT_EQ(gain["type"].toString(), "Block");
+    EXPECT_EQ(gain["product"].toString(), "arithmetica");
+    EXPECT_FALSE(gain["description"].toString().isEmpty());
+    EXPECT_TRUE(gain["isEmpty"].toBool());
+    EXPECT_GT(gain["iconBytes"].toInt(), 0);
+
+    const TdlbResult text = run({"show", "Kinetics"});
+    ASSERT_EQ(text.exitCode, 0);
+    EXPECT_TRUE(text.out.contains("path: kinetics\n")) << qPrintable(text.out);
+    EXPECT_TRUE(text.out.contains("isProduct: yes\n"));
+    EXPECT_TRUE(text.out.contains("children: 5\n")) << qPrintable(text.out);
+
+    QTemporaryDir icons;
+    const QString svg = icons.filePath("gain.svg");
+    ASSERT_EQ(run({"show", "arithmetica/Basic Operations/Gain", "--icon", svg}).exitCode, 0);
+    QFile svgFile(svg);
+    ASSERT_TRUE(svgFile.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(svgFile.readAll().contains("<svg"));
+
+    const QString png = icons.filePath("gain.png");
+    ASSERT_EQ(run({"show", "arithmetica/Basic Operations/Gain", "--icon", png, "--size", "48"}).exitCode, 0);
+    const QImage image(png);
+    ASSERT_FALSE(image.isNull());
+    EXPECT_EQ(image.size(), QSize(48, 48));
+}
+
+TEST_F(TdlbReadTest, UnknownObjectsFailWithOne)
+{
+    for (const QStringList& arguments : {QStringList{"show", "arithmetica/No Such Block"},
+                                         QStringList{"tree", "nowhere"},
+                                         QStringList{"search", "gain", "--under", "nowhere"}}) {
+        const TdlbResult result = run(arguments);
+        ASSERT_FALSE(result.crashed);
+        EXPECT_EQ(result.exitCode, 1) << qPrintable(arguments.join(' '));
+        EXPECT_TRUE(result.err.contains("no object")) << qPrintable(result.err);
+        EXPECT_TRUE(result.out.isEmpty());
+    }
+    const TdlbResult noIcon = run({"show", "kinetics", "--icon", QDir::temp().filePath("never.svg")});
+    EXPECT_EQ(noIcon.exitCode, 1);
+    EXPECT_TRUE(noIcon.err.contains("has no icon")) << qPrintable(noIcon.err);
+}
+
+TEST_F(TdlbReadTest, ChecksumIsTheDecimalBytesOfTheMd5)
+{
+    const QString file = root() + "/toolbox/arithmetica/arithmetica.tdlib.json";
+    QFile library(file);
+    ASSERT_TRUE(library.open(QIODevice::ReadOnly));
+    QString expected;
+    for (const char byte : QCryptographicHash::hash(library.readAll(), QCryptographicHash::Md5))
+        expected += QString::number(static_cast<unsigned char>(byte));
+    const TdlbResult result = run({"checksum", file});
+    ASSERT_EQ(result.exitCode, 0) << qPrintable(result.err);
+    EXPECT_EQ(result.out, expected + "  " + file + "\n");
+
+    const TdlbResult missing = run({"checksum", root() + "/missing.json"});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_TRUE(missing.err.contains("cannot read")) << qPrintable(missing.err);
+}
+
+TEST_F(TdlbReadTest, ReportPrintsTheLogOfTheRun)
+{
+    const TdlbResult result = run({"report"});
+    ASSERT_EQ(result.exitCode, 0) << qPrintable(result.err);
+    EXPECT_TRUE(result.out.startsWith("Action: Syncing the top level manifest")) << qPrintable(result.out);
+}
+
+} // namespace
+} // namespace LibraryBrowser::Testing

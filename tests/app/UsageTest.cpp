@@ -1,0 +1,74 @@
+// The command line's own contract: help on every command, and usage errors
+// with exit code 2 and a message on standard error, before any repository
+// work.
+
+#include "TdlbProcess.h"
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser::Testing {
+namespace {
+
+const QStringList Commands = {"update",   "list",    "search",   "tree",  "show",
+                              "generate", "destroy", "checksum", "report"};
+
+TEST(TdlbUsageTest, TheOverviewListsEveryCommand)
+{
+    const TdlbResult result = TdlbProcess::runRaw({"--help"});
+    ASSERT_FALSE(result.crashed);
+    EXPECT_EQ(result.exitCode, 0);
+    for (const QString& command : Commands)
+        EXPECT_TRUE(result.out.contains("  " + command + " ")) << qPrintable(command) << "\n" << qPrintable(result.out);
+    EXPECT_TRUE(result.out.contains("--root"));
+}
+
+TEST(TdlbUsageTest, EveryCommandHasItsHelp)
+{
+    for (const QString& command : Commands) {
+        const TdlbResult result = TdlbProcess::runRaw({command, "--help"});
+        ASSERT_FALSE(result.crashed) << qPrintable(command);
+        EXPECT_EQ(result.exitCode, 0) << qPrintable(command);
+        EXPECT_TRUE(result.out.contains("Usage:")) << qPrintable(command);
+        EXPECT_TRUE(result.out.contains(" " + command)) << qPrintable(result.out);
+    }
+    EXPECT_TRUE(TdlbProcess::runRaw({"search", "--help"}).out.contains("--whole-word"));
+    EXPECT_TRUE(TdlbProcess::runRaw({"generate", "--help"}).out.contains("IgnoreTimestamp"));
+    EXPECT_TRUE(TdlbProcess::runRaw({"show", "--help"}).out.contains("--icon"));
+}
+
+TEST(TdlbUsageTest, UsageErrorsExitWithTwoAndSayWhy)
+{
+    struct Case {
+        QStringList arguments;
+        QString message;
+    };
+    const Case cases[] = {
+        {{}, "no command given"},
+        {{"frobnicate"}, "unknown command 'frobnicate'"},
+        {{"--bogus", "list"}, "bogus"},
+        {{"list", "--bogus"}, "bogus"},
+        {{"list", "extra"}, "takes no arguments"},
+        {{"search"}, "needs exactly one pattern"},
+        {{"search", "a", "b"}, "needs exactly one pattern"},
+        {{"show"}, "needs exactly one object"},
+        {{"tree", "--depth", "deep"}, "--depth"},
+        {{"tree", "--depth", "-1"}, "--depth"},
+        {{"generate", "--mode", "Sometimes"}, "unknown mode 'Sometimes'"},
+        {{"checksum"}, "needs exactly one file"},
+        {{"list", "--root"}, "root"},
+        {{"show", "arithmetica", "--size", "0"}, "--size"},
+    };
+    TdlbProcess tdlb;
+    ASSERT_TRUE(tdlb.isReady());
+    for (const Case& c : cases) {
+        const TdlbResult result = tdlb.run(c.arguments);
+        ASSERT_FALSE(result.crashed) << qPrintable(c.arguments.join(' '));
+        EXPECT_EQ(result.exitCode, 2) << qPrintable(c.arguments.join(' ')) << "\n" << qPrintable(result.err);
+        EXPECT_TRUE(result.err.contains(c.message)) << qPrintable(c.arguments.join(' ')) << "\n"
+                                                    << qPrintable(result.err);
+        EXPECT_TRUE(result.out.isEmpty()) << qPrintable(result.out);
+    }
+}
+
+} // namespace
+} // namespace LibraryBrowser::Testing
