@@ -5,6 +5,7 @@
 #include "platform/ErrorHolder.h"
 #include "repository/TandrilObjectIterator.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <algorithm>
@@ -173,6 +174,24 @@ TEST_F(WriterTest, AReadOnlyStoreIsReportedAndKeepsWhatItHad)
     EXPECT_EQ(childNames(*reader, "Alpha"), (Names{"A0", "A1"}));
     // Beta's own directory could be written.
     EXPECT_EQ(childNames(*reader, "Beta").size(), 3u);
+}
+
+TEST_F(WriterTest, AnArchiveThatCannotBeCopiedLeavesTheGenerationOnClosedArchives)
+{
+    libraries.setProducts({{"Alpha Library", "Alpha"}, {"Beta Library", "Beta"}});
+    libraries.setLibrary("Alpha", blocks("A", 2));
+    libraries.setLibrary("Beta", blocks("B", 2));
+    // Where Alpha's icons archive should be, a directory that no copy can read.
+    ASSERT_TRUE(QDir().mkpath(QString::fromStdString(archive("Alpha", "icons"))));
+
+    generate();
+    EXPECT_TRUE(StoreFixture::logged(*report, "??? **Error**   Unable to access one or more archives. Skipping product"));
+    // Not a skip: the product's phases ran on the closed archives.
+    EXPECT_TRUE(StoreFixture::logged(*report, "Entering Alpha Library"));
+    EXPECT_TRUE(StoreFixture::logged(*report, "Processing product Beta Library"));
+    const auto reader = makeReader();
+    EXPECT_EQ(childNames(*reader, "Beta"), (Names{"B0", "B1"}));
+    EXPECT_TRUE(reader->getChildrenIterator(reader->getTandrilObject("Alpha")).isEmpty());
 }
 
 TEST_F(WriterTest, AnUnresolvableReferenceIsWarnedOfAndTheRestGenerates)
