@@ -16,6 +16,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <cstdio>
 
@@ -127,6 +128,10 @@ int CommandLine::run(const QStringList& arguments)
         print(commandParser.helpText());
         return Success;
     }
+
+    // A mistyped root would look like a root without products.
+    if (!QFileInfo(options.root).isDir())
+        return usageError("the root directory '" + options.root + "' does not exist");
 
     Host::EmbeddedHost host(options);
     host.install();

@@ -6,6 +6,7 @@
 #include <QCommandLineParser>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QRegExp>
 
 #include <map>
 #include <set>
@@ -50,6 +51,13 @@ int SearchCommand::run(const QCommandLineParser& parser, const QStringList& argu
     if (arguments.size() != 1)
         return context.usageError("needs exactly one pattern");
     const std::string pattern = arguments.first().toStdString();
+    if (parser.isSet("regexp")) {
+        // The search would take a broken expression as one that matches nothing.
+        const QRegExp expression(arguments.first());
+        if (!expression.isValid())
+            return context.usageError("invalid regular expression '" + arguments.first() + "': " +
+                                      expression.errorString());
+    }
     const auto regExp = parser.isSet("regexp") ? SearchOptions::RegExpOn : SearchOptions::RegExpOff;
     const auto wholeWord = parser.isSet("whole-word") ? SearchOptions::WholeWordOn : SearchOptions::WholeWordOff;
     const auto matchCase = parser.isSet("match-case") ? SearchOptions::MatchCaseOn : SearchOptions::MatchCaseOff;

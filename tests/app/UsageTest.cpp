@@ -4,6 +4,8 @@
 
 #include "TdlbProcess.h"
 
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 namespace LibraryBrowser::Testing {
@@ -57,6 +59,7 @@ TEST(TdlbUsageTest, UsageErrorsExitWithTwoAndSayWhy)
         {{"checksum"}, "needs exactly one file"},
         {{"list", "--root"}, "root"},
         {{"show", "arithmetica", "--size", "0"}, "--size"},
+        {{"search", "(", "--regexp"}, "invalid regular expression '('"},
     };
     TdlbProcess tdlb;
     ASSERT_TRUE(tdlb.isReady());
@@ -68,6 +71,17 @@ TEST(TdlbUsageTest, UsageErrorsExitWithTwoAndSayWhy)
                                                     << qPrintable(result.err);
         EXPECT_TRUE(result.out.isEmpty()) << qPrintable(result.out);
     }
+}
+
+TEST(TdlbUsageTest, AMissingRootIsAUsageError)
+{
+    QTemporaryDir preferences;
+    const TdlbResult result =
+        TdlbProcess::runRaw({"--root", preferences.filePath("no-such-root"), "--prefdir", preferences.path(), "list"});
+    ASSERT_FALSE(result.crashed);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_TRUE(result.err.contains("no-such-root' does not exist")) << qPrintable(result.err);
+    EXPECT_TRUE(result.out.isEmpty());
 }
 
 } // namespace
