@@ -19,7 +19,6 @@ public:
     CommandContext& operator=(const CommandContext&) = delete;
 
     Repository& repository();
-    bool hasRepository() const { return m_repository != nullptr; }
     // Lets the repository go; the module must still be running.
     void closeRepository();
 

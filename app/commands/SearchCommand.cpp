@@ -80,8 +80,10 @@ int SearchCommand::run(const QCommandLineParser& parser, const QStringList& argu
         const TandrilObject hit = hits.current();
         const QString product = QString::fromStdString(hit.getProductName());
         const auto [place, added] = groupOf.emplace(product, groups.size());
-        if (added)
-            groups.push_back({product});
+        if (added) {
+            groups.emplace_back();
+            groups.back().product = product;
+        }
         ProductHits& group = groups[place->second];
         // The walk meets a library once for each reference to it; a
         // product lists each of its hits once.
