@@ -24,6 +24,11 @@ struct ProductHits {
     std::set<QString> paths;
 };
 
+QString counted(qsizetype count, const char* singular, const char* plural)
+{
+    return QString::number(count) + ' ' + QString::fromLatin1(count == 1 ? singular : plural);
+}
+
 } // namespace
 
 QString SearchCommand::name() const
@@ -108,15 +113,13 @@ int SearchCommand::run(const QCommandLineParser& parser, const QStringList& argu
         return Success;
     }
     for (const ProductHits& group : groups) {
-        context.print(QString("%1: %2 hits (%3 blocks, %4 subsystems)")
-                          .arg(group.product)
-                          .arg(group.hits.size())
-                          .arg(group.blocks)
-                          .arg(group.subsystems));
+        context.print(group.product + ": " + counted(group.hits.size(), "hit", "hits") + " (" +
+                      counted(group.blocks, "block", "blocks") + ", " +
+                      counted(group.subsystems, "subsystem", "subsystems") + ")");
         for (const QJsonValue& hit : group.hits)
             context.print("  " + hit["path"].toString() + "  [" + hit["type"].toString() + "]");
     }
-    context.print(QString("%1 hits in %2 products").arg(total).arg(groups.size()));
+    context.print(counted(total, "hit", "hits") + " in " + counted(qsizetype(groups.size()), "product", "products"));
     return Success;
 }
 

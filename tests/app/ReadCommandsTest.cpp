@@ -114,6 +114,7 @@ TEST_F(TdlbReadTest, SearchGroupsHitsByProductWithCounts)
     EXPECT_TRUE(text.out.contains(QString("%1 hits in %2 products").arg(total).arg(products.size())))
         << qPrintable(text.out);
     EXPECT_TRUE(text.out.contains("  arithmetica/Basic Operations/Gain  [Block]"));
+    EXPECT_TRUE(text.out.contains("arithmetica: 1 hit (1 block, 0 subsystems)\n")) << qPrintable(text.out);
 }
 
 TEST_F(TdlbReadTest, SearchOptionsNarrowTheHits)
