@@ -34,8 +34,13 @@ public:
     const_iterator begin() const { return m_items.cbegin(); }
     const_iterator end() const { return m_items.cend(); }
 
-    bool operator==(const NodeList& other) const { return m_items == other.m_items; }
-    bool operator!=(const NodeList& other) const { return m_items != other.m_items; }
+    // Empty lists are settled before QList compares: Qt 6.4 hands a null
+    // data pointer of an empty list to memcmp.
+    bool operator==(const NodeList& other) const
+    {
+        return m_items.size() == other.m_items.size() && (m_items.isEmpty() || m_items == other.m_items);
+    }
+    bool operator!=(const NodeList& other) const { return !(*this == other); }
     // True when both lists share one block of data.
     bool sharesDataWith(const NodeList& other) const
     {

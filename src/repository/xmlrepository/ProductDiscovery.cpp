@@ -10,6 +10,7 @@
 #include <QFile>
 
 #include <set>
+#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -71,16 +72,23 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
         }
     }
 
+    // A product taken out of the model must leave both tables: the walks
+    // below go through `order`, and the node is gone.
+    const auto forget = [&](LibraryImpl* node) {
+        for (auto it = stored.begin(); it != stored.end();)
+            it = it->second == node ? stored.erase(it) : std::next(it);
+        order.erase(std::remove(order.begin(), order.end(), node), order.end());
+        removeProduct(*model, node);
+    };
+
     if (mode == 2) {
         if (productName.empty() && model->nodeCount() > 0) {
             model = Model::createModel();
             stored.clear();
             order.clear();
         } else if (const auto found = stored.find(productName); found != stored.end()) {
-            LibraryImpl* node = found->second;
-            stored.erase(found);
             model->beginChangeSet();
-            removeProduct(*model, node);
+            forget(found->second);
             model->commitChangeSet();
         }
     }
@@ -113,8 +121,7 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
         if (const auto found = stored.find(file); found != stored.end()) {
             node = found->second;
             if ((dynamic_cast<PaletteImpl*>(node) != nullptr) != isPalette) {
-                stored.erase(found);
-                removeProduct(*model, node);
+                forget(node);
                 node = nullptr;
             }
         }
