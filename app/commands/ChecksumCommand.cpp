@@ -1,4 +1,4 @@
-#include "ChecksumCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
@@ -8,22 +8,14 @@
 
 namespace LibraryBrowser::Tdlb {
 
-QString ChecksumCommand::name() const
-{
-    return "checksum";
-}
+namespace {
 
-QString ChecksumCommand::summary() const
-{
-    return "Print the checksum the repository records for a file.";
-}
-
-void ChecksumCommand::configure(QCommandLineParser& parser) const
+void configure(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("file", "The file to sum.");
 }
 
-int ChecksumCommand::run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
 {
     if (arguments.size() != 1)
         return context.usageError("needs exactly one file");
@@ -40,6 +32,13 @@ int ChecksumCommand::run(const QCommandLineParser&, const QStringList& arguments
     }
     context.print(QString::fromStdString(sum) + "  " + arguments.first());
     return Success;
+}
+
+} // namespace
+
+Command checksumCommand()
+{
+    return {"checksum", "Print the checksum the repository records for a file.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

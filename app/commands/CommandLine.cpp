@@ -1,15 +1,7 @@
 #include "CommandLine.h"
 
-#include "ChecksumCommand.h"
 #include "CommandContext.h"
-#include "DestroyCommand.h"
-#include "GenerateCommand.h"
-#include "ListCommand.h"
-#include "ReportCommand.h"
-#include "SearchCommand.h"
-#include "ShowCommand.h"
-#include "TreeCommand.h"
-#include "UpdateCommand.h"
+#include "Commands.h"
 
 #include "EmbeddedHost.h"
 #include "frame/ModuleEntry.h"
@@ -47,25 +39,16 @@ void print(const QString& text)
 } // namespace
 
 CommandLine::CommandLine()
+    : m_commands{updateCommand(),  listCommand(),     searchCommand(), treeCommand(), showCommand(),
+                 generateCommand(), destroyCommand(), checksumCommand(), reportCommand()}
 {
-    m_commands.push_back(std::make_unique<UpdateCommand>());
-    m_commands.push_back(std::make_unique<ListCommand>());
-    m_commands.push_back(std::make_unique<SearchCommand>());
-    m_commands.push_back(std::make_unique<TreeCommand>());
-    m_commands.push_back(std::make_unique<ShowCommand>());
-    m_commands.push_back(std::make_unique<GenerateCommand>());
-    m_commands.push_back(std::make_unique<DestroyCommand>());
-    m_commands.push_back(std::make_unique<ChecksumCommand>());
-    m_commands.push_back(std::make_unique<ReportCommand>());
 }
 
-CommandLine::~CommandLine() = default;
-
-Command* CommandLine::find(const QString& name) const
+const Command* CommandLine::find(const QString& name) const
 {
-    for (const auto& command : m_commands) {
-        if (command->name() == name)
-            return command.get();
+    for (const Command& command : m_commands) {
+        if (command.name == name)
+            return &command;
     }
     return nullptr;
 }
@@ -73,8 +56,8 @@ Command* CommandLine::find(const QString& name) const
 QString CommandLine::overview() const
 {
     QString text = "The block library browser's repository on the command line.\n\nCommands:\n";
-    for (const auto& command : m_commands)
-        text += QString("  %1  %2\n").arg(command->name(), -9).arg(command->summary());
+    for (const Command& command : m_commands)
+        text += QString("  %1  %2\n").arg(command.name, -9).arg(command.summary);
     text += "\n'tdlb COMMAND --help' tells more of one command.";
     return text;
 }
@@ -109,19 +92,19 @@ int CommandLine::run(const QStringList& arguments)
     const QStringList positional = parser.positionalArguments();
     if (positional.isEmpty())
         return usageError("no command given");
-    Command* command = find(positional.first());
+    const Command* command = find(positional.first());
     if (!command)
         return usageError("unknown command '" + positional.first() + "'");
 
     // The command's name stands first among its positional arguments, so
     // that its help reads "tdlb [options] search pattern".
     QCommandLineParser commandParser;
-    commandParser.setApplicationDescription(command->summary());
+    commandParser.setApplicationDescription(command->summary);
     commandParser.addHelpOption();
-    commandParser.addPositionalArgument(command->name(), "", command->name());
+    commandParser.addPositionalArgument(command->name, "", command->name);
     command->configure(commandParser);
     addHostOptions(commandParser);
-    CommandContext context(command->name(), options.verbose);
+    CommandContext context(command->name, options.verbose);
     if (!commandParser.parse(QStringList{rest.first()} + positional))
         return context.usageError(commandParser.errorText());
     if (commandParser.isSet("help") || commandParser.isSet("help-all")) {

@@ -4,7 +4,6 @@
 
 #include <QStringList>
 
-#include <memory>
 #include <vector>
 
 namespace LibraryBrowser::Tdlb {
@@ -14,16 +13,15 @@ namespace LibraryBrowser::Tdlb {
 class CommandLine {
 public:
     CommandLine();
-    ~CommandLine();
 
     // The arguments start with the program's name.
     int run(const QStringList& arguments);
 
 private:
-    Command* find(const QString& name) const;
+    const Command* find(const QString& name) const;
     QString overview() const;
 
-    std::vector<std::unique_ptr<Command>> m_commands;
+    std::vector<Command> m_commands;
 };
 
 } // namespace LibraryBrowser::Tdlb

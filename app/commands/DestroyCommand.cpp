@@ -1,4 +1,4 @@
-#include "DestroyCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
@@ -7,22 +7,14 @@
 
 namespace LibraryBrowser::Tdlb {
 
-QString DestroyCommand::name() const
-{
-    return "destroy";
-}
+namespace {
 
-QString DestroyCommand::summary() const
-{
-    return "Remove the stored data of every product or of one.";
-}
-
-void DestroyCommand::configure(QCommandLineParser& parser) const
+void configure(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("product", "Remove this product's data only.", "[product]");
 }
 
-int DestroyCommand::run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
 {
     if (arguments.size() > 1)
         return context.usageError("takes at most one product");
@@ -39,6 +31,13 @@ int DestroyCommand::run(const QCommandLineParser&, const QStringList& arguments,
     repository.destroyProduct(product);
     context.print("Destroyed " + path);
     return Success;
+}
+
+} // namespace
+
+Command destroyCommand()
+{
+    return {"destroy", "Remove the stored data of every product or of one.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

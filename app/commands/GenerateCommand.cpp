@@ -1,4 +1,4 @@
-#include "GenerateCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
@@ -28,19 +28,7 @@ QString seconds(const QElapsedTimer& timer)
     return QString::number(double(timer.elapsed()) / 1000.0, 'f', 1) + " s";
 }
 
-} // namespace
-
-QString GenerateCommand::name() const
-{
-    return "generate";
-}
-
-QString GenerateCommand::summary() const
-{
-    return "Generate the stored data of every product or of one.";
-}
-
-void GenerateCommand::configure(QCommandLineParser& parser) const
+void configure(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("product", "Generate this product only.", "[product]");
     parser.addOption({"mode", "How much to redo: Minimal, IgnoreTimestamp or Regenerate.", "mode", "Minimal"});
@@ -48,7 +36,7 @@ void GenerateCommand::configure(QCommandLineParser& parser) const
     parser.addOption({"verbose", "Echo the report as it is written."});
 }
 
-int GenerateCommand::run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
 {
     if (arguments.size() > 1)
         return context.usageError("takes at most one product");
@@ -93,6 +81,13 @@ int GenerateCommand::run(const QCommandLineParser& parser, const QStringList& ar
     if (progress)
         context.print(QString("Generated %1 products in %2").arg(count).arg(seconds(timer)));
     return Success;
+}
+
+} // namespace
+
+Command generateCommand()
+{
+    return {"generate", "Generate the stored data of every product or of one.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -1,4 +1,4 @@
-#include "ListCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
@@ -11,22 +11,14 @@
 
 namespace LibraryBrowser::Tdlb {
 
-QString ListCommand::name() const
-{
-    return "list";
-}
+namespace {
 
-QString ListCommand::summary() const
-{
-    return "List the products: name, path, product or palette, top level, up to date.";
-}
-
-void ListCommand::configure(QCommandLineParser& parser) const
+void configure(QCommandLineParser& parser)
 {
     parser.addOption({"json", "Write one JSON document."});
 }
 
-int ListCommand::run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
 {
     if (!arguments.isEmpty())
         return context.usageError("takes no arguments");
@@ -70,6 +62,13 @@ int ListCommand::run(const QCommandLineParser& parser, const QStringList& argume
             value["topLevel"].toBool() ? "yes" : "no", value["upToDate"].toBool() ? "yes" : "no");
     }
     return Success;
+}
+
+} // namespace
+
+Command listCommand()
+{
+    return {"list", "List the products: name, path, product or palette, top level, up to date.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

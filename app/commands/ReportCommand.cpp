@@ -1,4 +1,4 @@
-#include "ReportCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 
@@ -6,19 +6,11 @@
 
 namespace LibraryBrowser::Tdlb {
 
-QString ReportCommand::name() const
-{
-    return "report";
-}
+namespace {
 
-QString ReportCommand::summary() const
-{
-    return "Open the repository and print the log of the run.";
-}
+void configure(QCommandLineParser&) {}
 
-void ReportCommand::configure(QCommandLineParser&) const {}
-
-int ReportCommand::run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
 {
     if (!arguments.isEmpty())
         return context.usageError("takes no arguments");
@@ -29,6 +21,13 @@ int ReportCommand::run(const QCommandLineParser&, const QStringList& arguments, 
         context.print(text);
     }
     return Success;
+}
+
+} // namespace
+
+Command reportCommand()
+{
+    return {"report", "Open the repository and print the log of the run.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -1,4 +1,4 @@
-#include "SearchCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
@@ -29,19 +29,7 @@ QString counted(qsizetype count, const char* singular, const char* plural)
     return QString::number(count) + ' ' + QString::fromLatin1(count == 1 ? singular : plural);
 }
 
-} // namespace
-
-QString SearchCommand::name() const
-{
-    return "search";
-}
-
-QString SearchCommand::summary() const
-{
-    return "Find the objects whose shown name matches a pattern.";
-}
-
-void SearchCommand::configure(QCommandLineParser& parser) const
+void configure(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("pattern", "The text to look for in shown names.");
     parser.addOption({"regexp", "Take the pattern as a regular expression."});
@@ -51,7 +39,7 @@ void SearchCommand::configure(QCommandLineParser& parser) const
     parser.addOption({"json", "Write one JSON document."});
 }
 
-int SearchCommand::run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
 {
     if (arguments.size() != 1)
         return context.usageError("needs exactly one pattern");
@@ -121,6 +109,13 @@ int SearchCommand::run(const QCommandLineParser& parser, const QStringList& argu
     }
     context.print(counted(total, "hit", "hits") + " in " + counted(qsizetype(groups.size()), "product", "products"));
     return Success;
+}
+
+} // namespace
+
+Command searchCommand()
+{
+    return {"search", "Find the objects whose shown name matches a pattern.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

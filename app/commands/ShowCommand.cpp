@@ -1,4 +1,4 @@
-#include "ShowCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
@@ -48,19 +48,29 @@ QString textOf(const QJsonValue& value)
     return value.toString();
 }
 
-} // namespace
-
-QString ShowCommand::name() const
+int writeIcon(Repository& repository, const TandrilObject& object, const QString& file, int size,
+                           CommandContext& context)
 {
-    return "show";
+    const BlockIconPtr icon = repository.getIcon(object);
+    if (!icon || icon->isEmpty())
+        return context.fail("'" + QString::fromStdString(object.getPath()) + "' has no icon");
+    if (file.endsWith(".png", Qt::CaseInsensitive)) {
+        QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        icon->renderer()->render(&painter);
+        painter.end();
+        if (!image.save(file, "PNG"))
+            return context.fail("unable to write " + file);
+        return Success;
+    }
+    QFile out(file);
+    if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(icon->svg()) != icon->svg().size())
+        return context.fail("unable to write " + file);
+    return Success;
 }
 
-QString ShowCommand::summary() const
-{
-    return "Show every attribute of an object; write its icon.";
-}
-
-void ShowCommand::configure(QCommandLineParser& parser) const
+void configure(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("object", "The object's unique path, or a product's name.");
     parser.addOption({"icon", "Write the icon to the file: SVG, or PNG for a name ending in .png.", "file"});
@@ -68,7 +78,7 @@ void ShowCommand::configure(QCommandLineParser& parser) const
     parser.addOption({"json", "Write one JSON document."});
 }
 
-int ShowCommand::run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
 {
     if (arguments.size() != 1)
         return context.usageError("needs exactly one object");
@@ -100,26 +110,11 @@ int ShowCommand::run(const QCommandLineParser& parser, const QStringList& argume
     return Success;
 }
 
-int ShowCommand::writeIcon(Repository& repository, const TandrilObject& object, const QString& file, int size,
-                           CommandContext& context) const
+} // namespace
+
+Command showCommand()
 {
-    const BlockIconPtr icon = repository.getIcon(object);
-    if (!icon || icon->isEmpty())
-        return context.fail("'" + QString::fromStdString(object.getPath()) + "' has no icon");
-    if (file.endsWith(".png", Qt::CaseInsensitive)) {
-        QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-        QPainter painter(&image);
-        icon->renderer()->render(&painter);
-        painter.end();
-        if (!image.save(file, "PNG"))
-            return context.fail("unable to write " + file);
-        return Success;
-    }
-    QFile out(file);
-    if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(icon->svg()) != icon->svg().size())
-        return context.fail("unable to write " + file);
-    return Success;
+    return {"show", "Show every attribute of an object; write its icon.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

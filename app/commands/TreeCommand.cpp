@@ -1,4 +1,4 @@
-#include "TreeCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
@@ -45,26 +45,14 @@ private:
     std::set<std::string> m_onPath;
 };
 
-} // namespace
-
-QString TreeCommand::name() const
-{
-    return "tree";
-}
-
-QString TreeCommand::summary() const
-{
-    return "Walk the repository depth first, indented by depth.";
-}
-
-void TreeCommand::configure(QCommandLineParser& parser) const
+void configure(QCommandLineParser& parser)
 {
     parser.addPositionalArgument("object", "Start at this object instead of the top level.", "[object]");
     parser.addOption({"depth", "Show at most n levels below the start.", "n"});
     parser.addOption({"json", "Write one JSON document."});
 }
 
-int TreeCommand::run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
 {
     if (arguments.size() > 1)
         return context.usageError("takes at most one object");
@@ -104,6 +92,13 @@ int TreeCommand::run(const QCommandLineParser& parser, const QStringList& argume
         context.print(line);
     }
     return Success;
+}
+
+} // namespace
+
+Command treeCommand()
+{
+    return {"tree", "Walk the repository depth first, indented by depth.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -1,4 +1,4 @@
-#include "UpdateCommand.h"
+#include "Commands.h"
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
@@ -7,19 +7,11 @@
 
 namespace LibraryBrowser::Tdlb {
 
-QString UpdateCommand::name() const
-{
-    return "update";
-}
+namespace {
 
-QString UpdateCommand::summary() const
-{
-    return "Synchronise the stores and update the list of products.";
-}
+void configure(QCommandLineParser&) {}
 
-void UpdateCommand::configure(QCommandLineParser&) const {}
-
-int UpdateCommand::run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
 {
     if (!arguments.isEmpty())
         return context.usageError("takes no arguments");
@@ -31,6 +23,13 @@ int UpdateCommand::run(const QCommandLineParser&, const QStringList& arguments, 
         context.print("Warning: " + QString::fromStdString(warning.message));
     context.print(QString("Updated: %1 products, %2 warnings").arg(products).arg(warnings.size()));
     return Success;
+}
+
+} // namespace
+
+Command updateCommand()
+{
+    return {"update", "Synchronise the stores and update the list of products.", configure, run};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Command.h"
+
+namespace LibraryBrowser::Tdlb {
+
+// update: opens the repository, which synchronises the stores and the list of products.
+Command updateCommand();
+// list: the products with their path, kind, place in the tree and state.
+Command listCommand();
+// search: the objects whose shown name matches, grouped by product.
+Command searchCommand();
+// tree: the objects below the top level or below one object, indented by depth.
+Command treeCommand();
+// show: every attribute of one object, and its icon written to a file.
+Command showCommand();
+// generate: the writer's generation of every product or of one.
+Command generateCommand();
+// destroy: removes the stored data of every product or of one.
+Command destroyCommand();
+// checksum: the checksum the store records for a file.
+Command checksumCommand();
+// report: the log of the run that opens the repository.
+Command reportCommand();
+
+} // namespace LibraryBrowser::Tdlb
