@@ -55,10 +55,4 @@ std::string RecordingEnvironment::root() const
     return m_root;
 }
 
-void RecordingEnvironment::setWarningMode(int mode, bool on)
-{
-    if (mode == 3)
-        commandWarnings = on;
-}
-
 } // namespace LibraryBrowser::Testing

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/HostEnvironment.h"
 #include "platform/StandaloneHost.h"
 
 #include <string>
@@ -24,22 +23,21 @@ public:
     std::vector<std::string> events;
 };
 
-// An environment with fixed directories that keeps console output and counts
-// how often the root was asked for.
-class RecordingEnvironment : public HostEnvironment {
+// An environment with fixed directories and command warnings on, as a host
+// starts, that keeps console output and counts how often the root was asked for.
+class RecordingEnvironment : public StandaloneEnvironment {
 public:
     RecordingEnvironment(std::string root, std::string preferences)
-        : m_root(std::move(root)), m_preferences(std::move(preferences)) {}
+        : m_root(std::move(root)), m_preferences(std::move(preferences))
+    {
+        setWarningMode(3, true);
+    }
 
     std::string root() const override;
     std::string preferencesDirectory() const override { return m_preferences; }
-    std::string translate(const std::string& text) const override { return text; }
     void print(const std::string& text) override { console += text; }
-    bool isWarningModeOn(int mode) const override { return mode == 3 && commandWarnings; }
-    void setWarningMode(int mode, bool on) override;
 
     std::string console;
-    bool commandWarnings = true;
     mutable int rootQueries = 0;
 
 private:

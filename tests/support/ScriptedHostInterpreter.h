@@ -36,7 +36,6 @@ public:
 
     const std::vector<Call>& calls() const { return m_calls; }
     std::size_t callCount(const std::string& key) const;
-    void clearCalls() { m_calls.clear(); }
 
 private:
     std::map<std::string, Handler> m_handlers;
