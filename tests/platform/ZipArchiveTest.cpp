@@ -1,4 +1,5 @@
 #include "platform/ZipArchive.h"
+#include "support/Files.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -6,14 +7,9 @@
 #include <gtest/gtest.h>
 
 using namespace LibraryBrowser;
+using Testing::readFile;
 
 namespace {
-
-QByteArray fileBytes(const std::string& path)
-{
-    QFile file(QString::fromStdString(path));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 class ZipArchiveTest : public ::testing::Test {
 protected:
@@ -26,8 +22,12 @@ protected:
 
 TEST_F(ZipArchiveTest, EntriesSurviveCloseAndReopen)
 {
-    const std::string file = path("icons \u00fc.rps");
     ZipArchive archive;
+    ASSERT_TRUE(archive.open(path("empty.rps"), ZipArchive::CreateNew));
+    EXPECT_TRUE(archive.close());
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(path("empty.rps")))) << "an empty archive leaves no file";
+
+    const std::string file = path("icons \u00fc.rps");
     ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew)) << archive.errorString();
     EXPECT_EQ(archive.getArchiveFilePath(), file);
     EXPECT_TRUE(archive.add("icons/Signals/Sine_20Wave.svg", "<svg/>"));
@@ -78,15 +78,6 @@ TEST_F(ZipArchiveTest, RemovalAndReopeningKeepTheRest)
     EXPECT_EQ(bytes, "0");
 }
 
-TEST_F(ZipArchiveTest, AnEmptyArchiveLeavesNoFile)
-{
-    const std::string file = path("empty.rps");
-    ZipArchive archive;
-    ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew));
-    EXPECT_TRUE(archive.close());
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(file)));
-}
-
 TEST_F(ZipArchiveTest, DroppedWithoutCloseLeavesTheFileAsItWas)
 {
     const std::string file = path("a.rps");
@@ -96,23 +87,19 @@ TEST_F(ZipArchiveTest, DroppedWithoutCloseLeavesTheFileAsItWas)
         archive.add("kept", "1");
         archive.close();
     }
-    const QByteArray before = fileBytes(file);
+    const QByteArray before = readFile(file);
     {
         ZipArchive archive;
         archive.open(file, ZipArchive::OpenExisting);
         archive.add("lost", "2");
     }
-    EXPECT_EQ(fileBytes(file), before);
+    EXPECT_EQ(readFile(file), before);
 }
 
 TEST_F(ZipArchiveTest, DamagedOrMissingFilesLeaveItClosedAndHarmless)
 {
     const std::string garbage = path("damaged.rps");
-    {
-        QFile file(QString::fromStdString(garbage));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("PK\x03\x04 this is not really a zip archive at all");
-    }
+    Testing::writeFile(garbage, "PK\x03\x04 this is not really a zip archive at all");
     ZipArchive archive;
     EXPECT_FALSE(archive.open(garbage, ZipArchive::OpenExisting));
     EXPECT_FALSE(archive.errorString().empty());
@@ -130,7 +117,7 @@ TEST_F(ZipArchiveTest, DamagedOrMissingFilesLeaveItClosedAndHarmless)
     EXPECT_TRUE(archive.entryNames().empty());
     EXPECT_EQ(archive.getName(archive.find("x")), "");
     EXPECT_FALSE(archive.close());
-    EXPECT_EQ(fileBytes(garbage).left(4), QByteArray("PK\x03\x04"));
+    EXPECT_EQ(readFile(garbage).left(4), QByteArray("PK\x03\x04"));
 
     std::string error;
     EXPECT_FALSE(ZipArchive::readEntry(garbage, "x", bytes, error));
