@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 using namespace LibraryBrowser;
 
 class MessagesTest : public ::testing::Test {
@@ -13,24 +11,16 @@ protected:
     static void SetUpTestSuite() { MessageService::instance().addPrimaryTable(MessageCatalogue::table()); }
 };
 
-TEST_F(MessagesTest, CatalogueNumbersRowsFromTheFacility)
+TEST_F(MessagesTest, EveryRowButTheReservedOneHasAText)
 {
     const MessageTable& table = MessageCatalogue::table();
     ASSERT_EQ(table.count, 128u);
-    EXPECT_EQ(table.facility, 0x5Eu);
-    EXPECT_EQ(table.numbers[0], 0x5E0001u);
-    EXPECT_EQ(table.numbers[127], 0x5E0080u);
-    EXPECT_STREQ(table.names[0], "TDLB_Error1");
-    EXPECT_STREQ(table.names[127], "TDLB_CycleInPalette");
-    EXPECT_EQ(table.texts[3], nullptr) << "row 4 is reserved";
-    EXPECT_STREQ(table.names[3], "");
-    for (std::uint32_t row = 1; row <= 128; ++row) {
+    for (std::uint32_t row = 1; row <= table.count; ++row) {
         EXPECT_EQ(table.numbers[row - 1], 0x5E0000u + row);
-        if (row != 4) {
-            EXPECT_NE(table.texts[row - 1], nullptr) << "row " << row;
-        }
+        EXPECT_EQ(table.texts[row - 1] == nullptr, row == 4) << "row " << row;
     }
-    EXPECT_EQ(MessageId::TDLB_GuiStatusBarSearchResults, 0x5E005Bu);
+    EXPECT_STREQ(table.names[3], "");
+    EXPECT_STREQ(table.names[127], "TDLB_CycleInPalette");
 }
 
 TEST_F(MessagesTest, LooksUpAndFormatsByFullNumber)
@@ -55,7 +45,4 @@ TEST_F(MessagesTest, FormattedTextIsCutAt4095Characters)
     const std::string text = Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, longName);
     EXPECT_EQ(text.size(), 4095u);
     EXPECT_EQ(text.substr(0, 9), "Loading: ");
-
-    const std::string fits(4095 - std::strlen("Loading: "), 'y');
-    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, fits).size(), 4095u);
 }

