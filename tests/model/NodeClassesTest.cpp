@@ -2,76 +2,51 @@
 #include "model/Model.h"
 #include "model/NodeMap.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 using namespace LibraryBrowser;
 
-namespace {
-std::vector<std::string> propertyNames(const char* typeName)
+TEST(MetaModel, ClassesRegisterAncestorPropertiesFirst)
 {
-    std::vector<std::string> names;
-    for (const StringId& n : MetaModel::instance().metaNode(StringId(typeName))->propertyNames())
-        names.push_back(n.str());
-    return names;
-}
-} // namespace
-
-TEST(MetaModel, ClassesRegisterAncestorPropertiesFirstInTableOrder)
-{
-    const std::vector<std::string> library = {
-        "uniquePath", "isInvalid", "path", "name", "displayName", "displayPath", "iconFileSpec", "description",
-        "position", "reposDirectorySpec", "reposManifestsArchiveSpec", "reposIconsArchiveSpec", "productName",
-        "treeIcon", "panelIcon", "isFlat", "isEmpty", "directorySpec", "manifestFileSpec", "isProduct",
-        "isTopLevel", "modelFileSpec", "modelFileCheckSum", "modelFileSize", "modelFileDate",
-        "shadowedLastModified", "lastModified", "product", "fileDependencies", "children", "dependencies"};
-    EXPECT_EQ(propertyNames("LibraryImpl"), library);
-    EXPECT_EQ(propertyNames("PaletteImpl"), library) << "a palette adds no property";
-    EXPECT_EQ(propertyNames("TandrilObjectImpl"), (std::vector<std::string>{"uniquePath", "isInvalid"}));
-    const auto ref = propertyNames("LibraryRefImpl");
-    ASSERT_EQ(ref.size(), 22u);
-    EXPECT_EQ(ref[18], "manifestFileSpec");
-    EXPECT_EQ(ref[19], "libraryRefName");
-    EXPECT_EQ(ref[21], "libraryRefUniquePath");
-
-    const MetaNode* palette = MetaModel::instance().metaNode(StringId("PaletteImpl"));
-    ASSERT_NE(palette->superClass(), nullptr);
-    EXPECT_EQ(palette->superClass()->typeName(), StringId("LibraryImpl"));
-    EXPECT_TRUE(palette->isKindOf(*MetaModel::instance().metaNode(StringId("SubSystemImpl"))));
-    EXPECT_FALSE(palette->isKindOf(*MetaModel::instance().metaNode(StringId("LibraryRefImpl"))));
-    EXPECT_EQ(MetaModel::instance().metaNode(StringId("TandrilObjectImpl"))->superClass(), nullptr);
-    for (int index : palette->propertyIndices())
-        EXPECT_EQ(index, -1);
-}
-
-TEST(NodeClasses, NewNodesHoldTheDefaults)
-{
+    const MetaModel& meta = MetaModel::instance();
     ModelPtr model = Model::createModel();
-    for (const auto& meta : MetaModel::instance().metaNodes()) {
-        TandrilObjectImpl* node = model->createNode(meta->typeName());
-        if (meta->typeName() == StringId("TandrilObjectImpl")) {
-            EXPECT_EQ(node, nullptr) << "a bare object is not creatable";
+    for (const auto& node : meta.metaNodes()) {
+        SCOPED_TRACE(node->typeName().str());
+        const std::vector<StringId>& names = node->propertyNames();
+        if (const MetaNode* super = node->superClass()) {
+            const std::vector<StringId>& inherited = super->propertyNames();
+            ASSERT_LE(inherited.size(), names.size());
+            EXPECT_TRUE(std::equal(inherited.begin(), inherited.end(), names.begin()));
+            EXPECT_TRUE(node->isKindOf(*super));
+            EXPECT_FALSE(super->isKindOf(*node));
+        } else {
+            EXPECT_EQ(node->typeName(), StringId("TandrilObjectImpl"));
+            EXPECT_EQ(names, (std::vector<StringId>{StringId("uniquePath"), StringId("isInvalid")}));
+        }
+
+        // Every new node holds the defaults, is clean, and only the bare
+        // object is not creatable.
+        TandrilObjectImpl* created = model->createNode(node->typeName());
+        if (!node->superClass()) {
+            EXPECT_EQ(created, nullptr);
             continue;
         }
-        ASSERT_NE(node, nullptr) << meta->typeName().str();
-        EXPECT_EQ(node->getTypeName(), meta->typeName());
-        EXPECT_FALSE(node->isDirty());
-        for (const auto& property : meta->properties()) {
-            EXPECT_TRUE(property->hasDefaultValue(*node)) << meta->typeName().str() << "." << property->name().str();
-            EXPECT_EQ(property->getPropAsString(*node), property->defaultValueAsString());
+        ASSERT_NE(created, nullptr);
+        EXPECT_EQ(created->getTypeName(), node->typeName());
+        EXPECT_EQ(created->getSuperTypeName(), node->superClass()->typeName());
+        EXPECT_FALSE(created->isDirty());
+        for (const auto& property : node->properties()) {
+            EXPECT_TRUE(property->hasDefaultValue(*created)) << property->name().str();
+            EXPECT_EQ(property->getPropAsString(*created), property->defaultValueAsString());
         }
     }
-    SubSystemImpl* subsystem = model->createSubSystemImpl();
-    EXPECT_TRUE(subsystem->getIsFlat());
-    EXPECT_TRUE(subsystem->getIsEmpty());
-    LibraryImpl* library = model->createLibraryImpl();
-    EXPECT_TRUE(library->getIsProduct());
-    EXPECT_FALSE(library->getIsTopLevel());
-    EXPECT_EQ(library->getProduct(), nullptr);
-    EXPECT_EQ(library->getModelFileSize(), 0);
-    EXPECT_TRUE(library->getDependencies().isEmpty());
-    EXPECT_EQ(library->getPosition(), QRectF());
-    EXPECT_EQ(model->createBlockImpl()->getSuperTypeName(), StringId("TandrilObjectImpl"));
-    EXPECT_EQ(Node::getDomain(), StringId("zq.glue.graph.librarybrowser"));
+    const MetaNode* palette = meta.metaNode(StringId("PaletteImpl"));
+    EXPECT_EQ(palette->propertyNames(), meta.metaNode(StringId("LibraryImpl"))->propertyNames())
+        << "a palette adds no property";
+    EXPECT_TRUE(palette->isKindOf(*meta.metaNode(StringId("SubSystemImpl"))));
+    EXPECT_FALSE(palette->isKindOf(*meta.metaNode(StringId("LibraryRefImpl"))));
 }
 
 TEST(NodeClasses, SettersMarkDirtyOnlyOnChange)
