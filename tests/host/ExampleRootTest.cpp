@@ -77,7 +77,7 @@ TEST(ExampleRootContent, ShowsEveryFeatureOfTheBrowser)
     EXPECT_TRUE(census.slash);
     EXPECT_TRUE(census.lineFeed);
     EXPECT_TRUE(census.nonAscii);
-    EXPECT_TRUE(fixture.report().errors.empty());
+    EXPECT_TRUE(fixture.errors().empty());
 }
 
 TEST(IconRendererTest, IconsAreSmallValidAndTheSameEachTime)

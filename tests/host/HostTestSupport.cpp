@@ -1,22 +1,13 @@
 #include "HostTestSupport.h"
 
+#include "support/Files.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
 namespace LibraryBrowser::Host::Testing {
-
-void RecordingReport::logWarning(const std::string& id, const std::string& message)
-{
-    warnings.push_back(id + " " + message);
-}
-
-void RecordingReport::logError(const std::string& id, const std::string& message)
-{
-    errorIds.push_back(id);
-    errors.push_back(message);
-}
 
 HostFixture::HostFixture(const QString& root, const QStringList& path)
 {
@@ -30,9 +21,17 @@ HostFixture::HostFixture(const QString& root, const QStringList& path)
 HostInterpreter::CallResult HostFixture::tdprivate(const std::string& operation, int outputs,
                                                    std::vector<HostValue> rest)
 {
-    std::vector<HostValue> inputs{HostValue::string(operation), reportValue()};
+    std::vector<HostValue> inputs{HostValue::string(operation), HostValue::object(m_report)};
     inputs.insert(inputs.end(), rest.begin(), rest.end());
     return m_host->callWithTrap("tdprivate", outputs, inputs);
+}
+
+std::vector<std::string> HostFixture::errors() const
+{
+    std::vector<std::string> messages;
+    for (const RepositoryReport::Issue& issue : m_report->getErrors())
+        messages.push_back(issue.message);
+    return messages;
 }
 
 std::vector<double> HostFixture::children(const HostValue& of)
@@ -71,22 +70,7 @@ RootCopy::RootCopy() : m_path(m_directory.path() + QStringLiteral("/root"))
 
 void RootCopy::write(const QString& relative, const QByteArray& bytes) const
 {
-    const QString target = file(relative);
-    QDir().mkpath(QFileInfo(target).absolutePath());
-    QFile out(target);
-    if (out.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        out.write(bytes);
-}
-
-std::map<QString, QByteArray> RootCopy::snapshot() const
-{
-    std::map<QString, QByteArray> files;
-    QDirIterator it(m_path, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        QFile file(it.next());
-        files[file.fileName()] = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
-    }
-    return files;
+    LibraryBrowser::Testing::writeFile(file(relative).toStdString(), bytes);
 }
 
 QByteArray libraryJson(const std::string& name, const std::string& blocksJson)

@@ -2,8 +2,8 @@
 
 #include "EmbeddedHost.h"
 
-#include "platform/HostObject.h"
 #include "platform/HostValue.h"
+#include "repository/RepositoryReport.h"
 
 #include <QByteArray>
 #include <QString>
@@ -16,29 +16,17 @@
 
 namespace LibraryBrowser::Host::Testing {
 
-// The report the module passes to every lb_* call, keeping what it is told.
-class RecordingReport : public HostLogSink {
-public:
-    std::string hostClassName() const override { return "Repository.RepositoryReport"; }
-    void logAction(const std::string& message) override { actions.push_back(message); }
-    void logWarning(const std::string& id, const std::string& message) override;
-    void logError(const std::string& id, const std::string& message) override;
-
-    std::vector<std::string> actions;
-    std::vector<std::string> warnings;
-    std::vector<std::string> errors;
-    std::vector<std::string> errorIds;
-};
-
 // A host on a root of the test's choosing, with a private preferences
-// directory, and shorthands for the calls the module makes.
+// directory, and shorthands for the calls the module makes. Every lb_* call
+// gets the module's own report, as the module passes it.
 class HostFixture {
 public:
     explicit HostFixture(const QString& root, const QStringList& path = {});
 
     EmbeddedHost& host() { return *m_host; }
-    RecordingReport& report() { return *m_report; }
-    HostValue reportValue() const { return HostValue::object(m_report); }
+    // The error messages the report got, oldest first.
+    std::vector<std::string> errors() const;
+    void clearErrors() { m_report->takeErrors(); }
 
     HostInterpreter::CallResult tdprivate(const std::string& operation, int outputs, std::vector<HostValue> rest);
     // lb_getChildrenHandles by path or handle; empty on failure.
@@ -51,7 +39,7 @@ public:
 
 private:
     QTemporaryDir m_preferences;
-    std::shared_ptr<RecordingReport> m_report = std::make_shared<RecordingReport>();
+    RepositoryReportPtr m_report = RepositoryReport::create();
     std::unique_ptr<EmbeddedHost> m_host;
 };
 
@@ -63,8 +51,6 @@ public:
     const QString& path() const { return m_path; }
     QString file(const QString& relative) const { return m_path + QLatin1Char('/') + relative; }
     void write(const QString& relative, const QByteArray& bytes) const;
-    // Every file below the root with its contents, to show nothing changed.
-    std::map<QString, QByteArray> snapshot() const;
 
 private:
     QTemporaryDir m_directory;

@@ -1,9 +1,8 @@
 #include "HostTestSupport.h"
 
 #include "SyntheticRootGenerator.h"
+#include "support/Files.h"
 
-#include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QThread>
@@ -21,12 +20,10 @@ TEST(SearchPathOrder, GivenDirectoriesComeFirstAndDuplicatesAreAllListed)
     RootCopy root;
     QTemporaryDir extra;
     QFile::copy(root.file("toolbox/kinetics/kinetics.tdlib.json"), extra.path() + "/kinetics.tdlib.json");
-    QFile tdblocks(extra.path() + "/tdblocks.json");
-    ASSERT_TRUE(tdblocks.open(QIODevice::WriteOnly));
-    tdblocks.write(R"({"format": "tandril-tdblocks", "version": 1, "entries": [
+    LibraryBrowser::Testing::writeFile((extra.path() + "/tdblocks.json").toStdString(),
+                                       R"({"format": "tandril-tdblocks", "version": 1, "entries": [
         {"name": "Kinetics Preview", "library": "kinetics", "type": "Product"},
         {"name": "Tandril", "library": "tandril_next", "type": "Product"}]})");
-    tdblocks.close();
 
     HostFixture fixture(root.path(), {extra.path()});
     const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {});
@@ -71,18 +68,6 @@ TEST(LibraryReload, ChangedFilesAreReadAgainAndOldHandlesStayValid)
     EXPECT_EQ(fixture.blockData(before[0]).at(1).toString(), "first") << "an old handle keeps what it named";
 }
 
-std::map<QString, QByteArray> filesBelow(const QString& directory)
-{
-    std::map<QString, QByteArray> files;
-    QDirIterator it(directory, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        QFile file(it.next());
-        file.open(QIODevice::ReadOnly);
-        files[QDir(directory).relativeFilePath(file.fileName())] = file.readAll();
-    }
-    return files;
-}
-
 TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
 {
     SyntheticRootGenerator::Settings settings;
@@ -97,8 +82,9 @@ TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
     ASSERT_TRUE(SyntheticRootGenerator(settings).write(b.path(), error));
     settings.seed = 8;
     ASSERT_TRUE(SyntheticRootGenerator(settings).write(c.path(), error));
-    EXPECT_EQ(filesBelow(a.path()), filesBelow(b.path()));
-    EXPECT_NE(filesBelow(a.path()), filesBelow(c.path()));
+    using LibraryBrowser::Testing::snapshot;
+    EXPECT_EQ(snapshot(a.path().toStdString()), snapshot(b.path().toStdString()));
+    EXPECT_NE(snapshot(a.path().toStdString()), snapshot(c.path().toStdString()));
 
     HostFixture fixture(a.path());
     const auto products = fixture.tdprivate("lb_getTdBlocksData", 9, {});
@@ -121,7 +107,7 @@ TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
     EXPECT_EQ(deepest, 4);
     EXPECT_GT(references, 20);
     EXPECT_LT(references, 60);
-    EXPECT_TRUE(fixture.report().errors.empty());
+    EXPECT_TRUE(fixture.errors().empty());
 }
 
 } // namespace

@@ -30,6 +30,8 @@ protected:
 
 TEST_F(WindowCommandsTest, NewSystemsTakeTheFirstFreeUntitledName)
 {
+    EXPECT_EQ(run("private_td_get_current_open_mdl", {}, 3).outputs.at(0).toString(), "") << "nothing open yet";
+    EXPECT_EQ(run("private_td_is_system_loaded", {s("kinetics")}, 1).outputs.at(0).scalar(), 0.0);
     EXPECT_EQ(run("private_td_new_system", {s("Model")}, 1).outputs.at(0).toString(), "untitled");
     EXPECT_EQ(run("private_td_new_system", {s("Library")}, 1).outputs.at(0).toString(), "untitled1");
     EXPECT_EQ(run("private_td_new_system", {s("Model")}, 1).outputs.at(0).toString(), "untitled2");
@@ -37,19 +39,11 @@ TEST_F(WindowCommandsTest, NewSystemsTakeTheFirstFreeUntitledName)
 
     const auto current = run("private_td_get_current_open_mdl", {}, 3);
     ASSERT_TRUE(current.ok);
-    EXPECT_EQ(current.outputs[0].toString(), "untitled2");
-    EXPECT_EQ(current.outputs[1].toString(), "Model");
+    EXPECT_EQ((std::vector<std::string>{current.outputs[0].toString(), current.outputs[1].toString()}),
+              (std::vector<std::string>{"untitled2", "Model"}));
     EXPECT_TRUE(current.outputs[2].isLogical());
     EXPECT_EQ(current.outputs[2].scalar(), 0.0);
     EXPECT_EQ(run("private_td_get_current_open_mdl", {}, 1).outputs.size(), 1u);
-}
-
-TEST_F(WindowCommandsTest, WithNothingOpenTheCurrentSystemIsEmpty)
-{
-    const auto current = run("private_td_get_current_open_mdl", {}, 3);
-    ASSERT_TRUE(current.ok);
-    EXPECT_EQ(current.outputs[0].toString(), "");
-    EXPECT_EQ(run("private_td_is_system_loaded", {s("kinetics")}, 1).outputs.at(0).scalar(), 0.0);
 }
 
 TEST_F(WindowCommandsTest, OpeningLoadsLockedLibrariesAndShowsOnlyWhenAsked)
@@ -60,9 +54,10 @@ TEST_F(WindowCommandsTest, OpeningLoadsLockedLibrariesAndShowsOnlyWhenAsked)
         << "loading alone brings no window to the front";
     ASSERT_TRUE(run("open_system", {s("kinetics/Mechanical/Rotational")}).ok);
     const auto current = run("private_td_get_current_open_mdl", {}, 3);
-    EXPECT_EQ(current.outputs.at(0).toString(), "kinetics");
-    EXPECT_EQ(current.outputs.at(1).toString(), "Library");
-    EXPECT_EQ(current.outputs.at(2).scalar(), 1.0);
+    ASSERT_EQ(current.outputs.size(), 3u);
+    EXPECT_EQ((std::vector<std::string>{current.outputs[0].toString(), current.outputs[1].toString()}),
+              (std::vector<std::string>{"kinetics", "Library"}));
+    EXPECT_EQ(current.outputs[2].scalar(), 1.0);
     EXPECT_FALSE(run("open_system", {s("nowhere")}).ok);
     EXPECT_FALSE(run("open_system", {s("kinetics/Nothing")}).ok);
     EXPECT_FALSE(run("open_system", {s("kinetics"), s("loadEverything")}).ok);
@@ -86,8 +81,7 @@ TEST_F(WindowCommandsTest, AddedBlocksAreCopiesWithUniqueNames)
                     .ok);
     const BlockRecord& dropped = fixture.host().systems().find("untitled")->document.blocks.back();
     EXPECT_EQ(dropped.name, "Mechanical");
-    EXPECT_EQ(dropped.position.left, 300);
-    EXPECT_EQ(dropped.position.top, 200);
+    EXPECT_EQ(std::make_pair(dropped.position.left, dropped.position.top), std::make_pair(300.0, 200.0));
     EXPECT_EQ(dropped.blocks.size(), 2u) << "a subsystem comes with its contents";
     ASSERT_TRUE(run("private_td_add_block", {s("arithmetica/Basic Operations/Sum"), s("untitled/Mechanical")}).ok);
 }
