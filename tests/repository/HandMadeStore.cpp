@@ -3,7 +3,6 @@
 #include "platform/ZipArchive.h"
 
 #include <QDir>
-#include <QDirIterator>
 
 #include <algorithm>
 
@@ -24,7 +23,8 @@ Impl* addNode(Impl* node, const std::string& name, const std::string& path)
     return node;
 }
 
-SubSystemImpl* filled(SubSystemImpl* node, const std::string& manifest)
+template <class Impl>
+Impl* filled(Impl* node, const std::string& manifest)
 {
     node->setIsEmpty(false);
     node->setIsFlat(false);
@@ -32,19 +32,13 @@ SubSystemImpl* filled(SubSystemImpl* node, const std::string& manifest)
     return node;
 }
 
-LibraryRefImpl* reference(Model& model, const std::string& name, const std::string& path, const std::string& target)
+void reference(Model& model, const std::string& name, const std::string& path, const std::string& target)
 {
     auto* node = addNode(model.createLibraryRefImpl(), name, path);
     node->setIsEmpty(false);
     node->setLibraryRefName(target);
     node->setLibraryRefPath(target);
     node->setLibraryRefUniquePath(target);
-    return node;
-}
-
-QByteArray bytesOf(const Model& model)
-{
-    return model.saveToBytes();
 }
 
 } // namespace
@@ -54,11 +48,7 @@ void HandMadeStore::SetUp()
     StoreFixture::SetUp();
     report = RepositoryReport::create();
     writeStore(store());
-}
-
-std::string HandMadeStore::archive(const std::string& product, const std::string& kind) const
-{
-    return store() + "/toolbox/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
+    reader = openReader();
 }
 
 QByteArray HandMadeStore::svg(const std::string& label)
@@ -71,25 +61,16 @@ QByteArray HandMadeStore::svg(const std::string& label)
 void HandMadeStore::writeStore(const std::string& directory)
 {
     auto top = Model::createModel();
-    LibraryImpl* alpha = addProduct(*top, "Alpha");
-    filled(alpha, "Alpha/lbAlphamanifest.xml");
+    LibraryImpl* alpha = filled(addProduct(*top, "Alpha"), "Alpha/lbAlphamanifest.xml");
     alpha->setProductName("Alpha");
-    LibraryImpl* shared = addProduct(*top, "Alpha-Shared");
-    filled(shared, "Alpha/Shared/lbSharedmanifest.xml");
+    LibraryImpl* shared = filled(addProduct(*top, "Alpha-Shared"), "Alpha/Shared/lbSharedmanifest.xml");
     shared->setPath("Shared");
     shared->setIsProduct(false);
     shared->setIsTopLevel(false);
     shared->setProductName("Alpha");
     alpha->getDependenciesPtr()->append(shared);
-    LibraryImpl* beta = addProduct(*top, "Beta");
-    filled(beta, "Beta/lbBetamanifest.xml");
-    beta->setProductName("Beta");
-    PaletteImpl* tools = top->createPaletteImpl();
-    tools->setUniquePath(StringId("Tools"));
-    tools->setName("Tools");
-    tools->setPath("Tools");
-    tools->setDisplayName("Tools");
-    tools->setDisplayPath("Tools");
+    filled(addProduct(*top, "Beta"), "Beta/lbBetamanifest.xml")->setProductName("Beta");
+    PaletteImpl* tools = addNode(top->createPaletteImpl(), "Tools", "Tools");
     tools->setProductName("Tools");
     tools->setIsEmpty(false);
     tools->setChildren({"Beta", "Tools", "Nope"});
@@ -97,10 +78,8 @@ void HandMadeStore::writeStore(const std::string& directory)
 
     auto alphaChildren = Model::createModel();
     addNode(alphaChildren->createBlockImpl(), "Gain", "Alpha/Gain")->setIconFileSpec("icons/Gain.svg");
-    addNode(alphaChildren->createBlockImpl(), "Scope", "Alpha/Scope")
-        ->setIconFileSpec("icons/Scope.svg");
-    filled(addNode(alphaChildren->createSubSystemImpl(), "Sub", "Alpha/Sub"),
-           "Alpha/Sub/lbSubmanifest.xml");
+    addNode(alphaChildren->createBlockImpl(), "Scope", "Alpha/Scope")->setIconFileSpec("icons/Scope.svg");
+    filled(addNode(alphaChildren->createSubSystemImpl(), "Sub", "Alpha/Sub"), "Alpha/Sub/lbSubmanifest.xml");
     reference(*alphaChildren, "Ref1", "Alpha/Ref1", "Alpha-Shared");
     reference(*alphaChildren, "Ref2", "Alpha/Ref2", "Alpha-Shared");
 
@@ -115,14 +94,13 @@ void HandMadeStore::writeStore(const std::string& directory)
     auto betaChildren = Model::createModel();
     addNode(betaChildren->createBlockImpl(), "B1", "Beta/B1")->setProductName("Beta");
 
-    alphaManifests = {{"Alpha/lbAlphamanifest.xml", bytesOf(*alphaChildren)},
-                      {"Alpha/Sub/lbSubmanifest.xml", bytesOf(*subChildren)},
-                      {"Alpha/Shared/lbSharedmanifest.xml", bytesOf(*sharedChildren)}};
-    betaManifests = {{"Beta/lbBetamanifest.xml", bytesOf(*betaChildren)}};
-    const std::string alphaDir = directory + "/toolbox/Alpha/lb_Alpha_";
-    writeArchive(alphaDir + "manifests_repos.rps", alphaManifests);
-    writeArchive(alphaDir + "icons_repos.rps", {{"icons/Gain.svg", svg("Gain")}});
-    writeArchive(directory + "/toolbox/Beta/lb_Beta_manifests_repos.rps", betaManifests);
+    alphaManifests = {{"Alpha/lbAlphamanifest.xml", alphaChildren->saveToBytes()},
+                      {"Alpha/Sub/lbSubmanifest.xml", subChildren->saveToBytes()},
+                      {"Alpha/Shared/lbSharedmanifest.xml", sharedChildren->saveToBytes()}};
+    betaManifests = {{"Beta/lbBetamanifest.xml", betaChildren->saveToBytes()}};
+    writeArchive(StoreFixture::archive(directory, "Alpha", "manifests"), alphaManifests);
+    writeArchive(StoreFixture::archive(directory, "Alpha", "icons"), {{"icons/Gain.svg", svg("Gain")}});
+    writeArchive(StoreFixture::archive(directory, "Beta", "manifests"), betaManifests);
 }
 
 std::shared_ptr<XMLRepositoryReader> HandMadeStore::openReader()
@@ -147,24 +125,13 @@ void HandMadeStore::writeArchive(const std::string& file, const Entries& entries
     ASSERT_TRUE(archive.close()) << file;
 }
 
-std::map<QString, QByteArray> HandMadeStore::snapshot(const std::string& directory)
-{
-    std::map<QString, QByteArray> files;
-    QDirIterator it(QString::fromStdString(directory), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString file = it.next();
-        files[file] = readFile(file.toStdString());
-    }
-    return files;
-}
-
-std::vector<std::string> HandMadeStore::names(TandrilObjectIterator it)
+std::vector<std::string> HandMadeStore::names(TandrilObjectIterator it, bool flat)
 {
     std::vector<std::string> result;
     for (; it.isValidIterator(); it.next()) {
         const TandrilObject object = it.current();
         const std::string& id = object.id().str();
-        const auto depth = std::count(id.begin(), id.end(), '/');
+        const auto depth = flat ? 0 : std::count(id.begin(), id.end(), '/');
         result.push_back(std::string(std::size_t(depth) * 2, ' ') + object.getName());
     }
     return result;

@@ -3,8 +3,6 @@
 #include "StoreFixture.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 
-#include <QByteArray>
-
 #include <map>
 #include <string>
 
@@ -33,7 +31,10 @@ protected:
     void SetUp() override;
 
     std::string store() const { return path("store"); }
-    std::string archive(const std::string& product, const std::string& kind) const;
+    std::string archive(const std::string& product, const std::string& kind) const
+    {
+        return StoreFixture::archive(store(), product, kind);
+    }
     // Writes the store above into the directory.
     void writeStore(const std::string& directory);
     std::shared_ptr<XMLRepositoryReader> openReader();
@@ -42,14 +43,12 @@ protected:
 
     static void writeArchive(const std::string& file, const Entries& entries);
     static QByteArray svg(const std::string& label);
-    // Every file below the directory with its content, to show that nothing
-    // on disk changed.
-    static std::map<QString, QByteArray> snapshot(const std::string& directory);
     // The names of the objects of a walk, each indented by two blanks per
-    // "/" in its unique path.
-    static std::vector<std::string> names(TandrilObjectIterator it);
+    // "/" in its unique path unless flat.
+    static std::vector<std::string> names(TandrilObjectIterator it, bool flat = false);
 
     RepositoryReportPtr report;
+    std::shared_ptr<XMLRepositoryReader> reader;
     Entries alphaManifests;
     Entries betaManifests;
 };

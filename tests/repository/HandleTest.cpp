@@ -15,22 +15,11 @@ namespace {
 
 class HandleTest : public Testing::HandMadeStore {
 protected:
-    void SetUp() override
-    {
-        HandMadeStore::SetUp();
-        reader = openReader();
-    }
-
     TandrilObject object(const std::string& id) { return reader->getTandrilObject(id); }
-
-    std::shared_ptr<XMLRepositoryReader> reader;
 };
 
-TEST_F(HandleTest, AHandleIsTwoWordsAndHandlesOnOneIdShareOneData)
+TEST_F(HandleTest, HandlesOnOneIdShareOneDataAndCompareById)
 {
-    static_assert(sizeof(Handle) == 2 * sizeof(void*), "a handle is two words");
-    static_assert(sizeof(TandrilObject) == sizeof(Handle), "typed handles add no data");
-
     const TandrilObject gain = object("Alpha/Gain");
     ASSERT_TRUE(gain.isValid());
     EXPECT_EQ(object("Alpha/Gain").getData(), gain.getData());
@@ -49,9 +38,6 @@ TEST_F(HandleTest, AHandleIsTwoWordsAndHandlesOnOneIdShareOneData)
     EXPECT_EQ(Block().hash(), Library().hash());
     EXPECT_EQ(TandrilObject(nullptr, reader->getCache()), Palette());
     EXPECT_NE(Block(), gain);
-
-    const std::uint64_t value = gain.idValue();
-    EXPECT_EQ(gain.hash(), std::uint32_t(value ^ (value >> 31)));
 }
 
 TEST_F(HandleTest, KindTestsFollowTheNodeChainAndConversionsGiveNullsOfTheTargetClass)
@@ -63,37 +49,25 @@ TEST_F(HandleTest, KindTestsFollowTheNodeChainAndConversionsGiveNullsOfTheTarget
     EXPECT_EQ(tools.toLibrary(), tools);
     EXPECT_TRUE(tools.toLibraryRef().isNull());
     EXPECT_TRUE(tools.toBlock().toLibraryRef().isNull());
-
-    const TandrilObject alpha = object("Alpha");
-    EXPECT_EQ(alpha.getType(), "Library");
-    EXPECT_TRUE(alpha.toPalette().isNull());
-    EXPECT_TRUE(alpha.getIsProduct());
-    EXPECT_FALSE(alpha.getIsEmpty());
+    EXPECT_TRUE(object("Alpha").toPalette().isNull());
 
     const TandrilObject ref = object("Alpha/Ref1");
     EXPECT_EQ(ref.getType(), "LibraryRef");
-    EXPECT_EQ(ref.getLibraryRefPath(), "Alpha-Shared");
     const SubSystem refAsSubSystem = ref.toSubSystem();
     EXPECT_EQ(refAsSubSystem.toLibraryRef(), ref);
     EXPECT_TRUE(refAsSubSystem.toLibrary().isNull());
-    EXPECT_EQ(Block(ref.toLibraryRef()), ref); // widening shares the data
-    EXPECT_EQ(Block(ref.toLibraryRef()).getData(), ref.getData());
-    EXPECT_EQ(object("Alpha/Sub").getType(), "SubSystem");
+    EXPECT_EQ(Block(ref.toLibraryRef()).getData(), ref.getData()) << "widening shares the data";
 
     const TandrilObject gain = object("Alpha/Gain");
-    EXPECT_EQ(gain.getType(), "Block");
-    EXPECT_EQ(gain.getDescription(), "About Gain");
-    EXPECT_EQ(gain.getProductName(), "Alpha");
+    EXPECT_EQ((std::vector<std::string>{object("Alpha").getType(), object("Alpha/Sub").getType(), gain.getType()}),
+              (std::vector<std::string>{"Library", "SubSystem", "Block"}));
     EXPECT_FALSE(gain.getIsProduct());
-    // A plain block has nothing below it.
-    EXPECT_TRUE(gain.getIsEmpty() && gain.getIsFlat());
+    EXPECT_TRUE(gain.getIsEmpty() && gain.getIsFlat()) << "a plain block has nothing below it";
     const SubSystem none = gain.toSubSystem();
     EXPECT_TRUE(none.isNull());
-    EXPECT_TRUE(none.getIsEmpty() && none.getIsFlat());
-    EXPECT_FALSE(none.getIsProduct());
+    EXPECT_TRUE(none.getIsEmpty() && none.getIsFlat() && !none.getIsProduct());
     EXPECT_EQ(none.getName(), "");
     EXPECT_EQ(none.getType(), "InvalidBlock");
-    EXPECT_FALSE(none.isValid());
 }
 
 TEST_F(HandleTest, AMissingObjectIsAPlaceholderThatKeepsItsId)
@@ -104,13 +78,12 @@ TEST_F(HandleTest, AMissingObjectIsAPlaceholderThatKeepsItsId)
     EXPECT_EQ(block.id().str(), "Alpha/Sub/Nope");
     EXPECT_EQ(block.getType(), "Block");
     EXPECT_EQ(block.getName(), "InvalidBlock");
-    EXPECT_TRUE(block.isBlock()); // kind tests ignore the invalid flag
+    EXPECT_TRUE(block.isBlock()) << "kind tests ignore the invalid flag";
     EXPECT_EQ(block.getIcon(), nullptr);
 
     const TandrilObject library = object("Nope/Gain");
     EXPECT_EQ(library.getType(), "Library");
     EXPECT_EQ(library.getName(), "InvalidLibrary");
-    EXPECT_FALSE(library.isValid());
     EXPECT_FALSE(object("").isValid());
     EXPECT_EQ(reader->getCache()->invalidHandleCount(), 2u);
 }
@@ -206,8 +179,7 @@ TEST_F(HandleTest, AHandleOutlivingItsReaderIsOrphanedYetComparesById)
     EXPECT_EQ(sub.getData()->cache(), nullptr);
     EXPECT_FALSE(sub.isValid());
     EXPECT_EQ(sub.getType(), "InvalidBlock");
-    EXPECT_EQ(sub.getName(), "");
-    EXPECT_EQ(sub.getPath(), "");
+    EXPECT_EQ(sub.getName() + sub.getPath(), "");
     EXPECT_FALSE(sub.isSubSystem());
     EXPECT_EQ(sub.getIcon(), nullptr);
     EXPECT_TRUE(tempEntries().isEmpty()) << "the private copies went with the reader";

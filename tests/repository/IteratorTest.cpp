@@ -18,12 +18,10 @@ protected:
     void SetUp() override
     {
         HandMadeStore::SetUp();
-        reader = openReader();
         alpha = reader->getTandrilObject("Alpha");
         ASSERT_TRUE(alpha.isValid());
     }
 
-    std::shared_ptr<XMLRepositoryReader> reader;
     TandrilObject alpha;
 };
 
@@ -52,7 +50,6 @@ TEST_F(IteratorTest, SizeAndCopiesLeaveTheIteratorWhereItStands)
     it.next();
     it.next();
     ASSERT_EQ(it.current().getName(), "Sub");
-    EXPECT_EQ(it.size(), 10);
     EXPECT_EQ(it.size(), 10);
     EXPECT_EQ(it.sizeForNumora(), 10.0);
     EXPECT_EQ(it.position(), 2);
@@ -126,10 +123,7 @@ TEST_F(IteratorTest, TheReadersListsAreFilteredLazily)
     EXPECT_EQ(copy.current().getName(), "Ref1");
     EXPECT_EQ(copy.size(), 2);
 
-    TandrilObjectIterator none = reader->getChildrenIterator(alpha, StringId("PaletteImpl"));
-    EXPECT_FALSE(none.isValidIterator());
-    EXPECT_TRUE(none.isEmpty());
-    EXPECT_EQ(none.size(), 0);
+    EXPECT_TRUE(reader->getChildrenIterator(alpha, StringId("PaletteImpl")).isEmpty());
 }
 
 TEST_F(IteratorTest, TheWrappingFormMovesObjectsToItsOwnCache)
@@ -140,7 +134,6 @@ TEST_F(IteratorTest, TheWrappingFormMovesObjectsToItsOwnCache)
     EXPECT_EQ(moved.size(), 5);
     const TandrilObject gain = moved.current();
     EXPECT_EQ(gain.getData()->cache(), other->getCache());
-    EXPECT_EQ(gain, reader->getTandrilObject("Alpha/Gain"));
     EXPECT_EQ(gain.getImpl(), reader->getTandrilObject("Alpha/Gain").getImpl());
     moved.next();
     TandrilObjectIterator copy = moved;

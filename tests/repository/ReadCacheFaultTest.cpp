@@ -15,27 +15,26 @@ using Messages = std::vector<std::string>;
 // crash, and must stay on disk exactly as it was.
 class ReadCacheFaultTest : public Testing::HandMadeStore {
 protected:
+    // Opens a new reader on the store as the test has broken it.
     void breakStore()
     {
-        before = snapshot(store());
+        reader.reset();
+        report = RepositoryReport::create();
+        before = Testing::snapshot(store());
         reader = openReader();
     }
 
     void TearDown() override
     {
         reader.reset();
-        EXPECT_EQ(snapshot(store()), before) << "nothing on disk changes";
+        EXPECT_EQ(Testing::snapshot(store()), before) << "nothing on disk changes";
         EXPECT_TRUE(tempEntries().isEmpty());
         HandMadeStore::TearDown();
     }
 
-    // The children of Beta, after the fault was laid.
     int betaChildren() { return reader->getChildrenIterator(reader->getTandrilObject("Beta")).size(); }
 
-    Messages errors() const { return errorMessages(*report); }
-
     std::map<QString, QByteArray> before;
-    std::shared_ptr<XMLRepositoryReader> reader;
 };
 
 TEST_F(ReadCacheFaultTest, AMissingArchiveGivesNoChildrenWithoutAWord)
@@ -44,8 +43,7 @@ TEST_F(ReadCacheFaultTest, AMissingArchiveGivesNoChildrenWithoutAWord)
     breakStore();
     EXPECT_EQ(betaChildren(), 0);
     EXPECT_FALSE(reader->getTandrilObject("Beta/B1").isValid());
-    EXPECT_FALSE(report->hasError());
-    EXPECT_FALSE(report->hasWarning());
+    EXPECT_FALSE(report->hasError() || report->hasWarning());
 }
 
 TEST_F(ReadCacheFaultTest, AFileThatIsNotAZipGivesTwoErrors)
@@ -53,7 +51,7 @@ TEST_F(ReadCacheFaultTest, AFileThatIsNotAZipGivesTwoErrors)
     writeFile(archive("Beta", "manifests"), "this is no zip archive");
     breakStore();
     EXPECT_EQ(betaChildren(), 0);
-    const Messages messages = errors();
+    const Messages messages = errorMessages(*report);
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages[0].rfind("Unable to open archive ", 0), 0u);
     EXPECT_NE(messages[0].find("/cachedArchive.rps"), std::string::npos) << "the private copy is what is opened";
@@ -78,22 +76,24 @@ TEST_F(ReadCacheFaultTest, ACorruptManifestEntryGivesAnErrorAndKeepsWhatWasRead)
     replaceManifest("Beta", "Beta/lbBetamanifest.xml", whole.left(whole.indexOf("<BlockImpl") + 30));
     breakStore();
     EXPECT_LE(betaChildren(), 1);
-    EXPECT_EQ(errors(), (Messages{"Unexpected error occurred while loading the manifest file"}));
+    EXPECT_EQ(errorMessages(*report), (Messages{"Unexpected error occurred while loading the manifest file"}));
     EXPECT_FALSE(reader->getTandrilObject("Beta/B1").isValid());
 }
 
 TEST_F(ReadCacheFaultTest, ACorruptTopLevelManifestReadsAsAnEmptyStore)
 {
+    // Cut inside a product element: the root and its signature survive.
     const QByteArray whole = readFile(topLevelFile(store()));
     writeFile(topLevelFile(store()), whole.left(whole.indexOf("<LibraryImpl") + 20));
     breakStore();
     EXPECT_FALSE(reader->exists());
+    EXPECT_EQ(reader->getVersion(), Signature::manifestSchema().toString());
     EXPECT_TRUE(reader->getAllProductsIterator().isEmpty());
     EXPECT_TRUE(reader->getDepthFirstIterator().isEmpty());
     EXPECT_EQ(reader->getTandrilObject("Beta/B1").getType(), "Library");
     EXPECT_TRUE(reader->getProduct("Beta").isNull());
-    EXPECT_FALSE(errors().empty());
-    for (const std::string& message : errors())
+    EXPECT_FALSE(errorMessages(*report).empty());
+    for (const std::string& message : errorMessages(*report))
         EXPECT_EQ(message, "The top level manifest file looks corrupted. Returning an empty manifest.");
 }
 
@@ -111,7 +111,7 @@ TEST_F(ReadCacheFaultTest, ACorruptIconOrAnUnresolvableReferenceGivesEmptyResult
     const BlockIconPtr icon = reader->getTandrilObject("Alpha/Gain").getIcon();
     ASSERT_NE(icon, nullptr);
     EXPECT_TRUE(icon->isEmpty());
-    EXPECT_EQ(this->errors(), (Messages{"Unexpected error occurred while loading the icon file icons/Gain.svg"}));
+    EXPECT_EQ(errorMessages(*report), (Messages{"Unexpected error occurred while loading the icon file icons/Gain.svg"}));
 
     EXPECT_TRUE(reader->getChildrenIterator(reader->getTandrilObject("Alpha/Ref1")).isEmpty());
     EXPECT_EQ(reader->getDepthFirstIterator(reader->getTandrilObject("Alpha")).size(), 6);

@@ -6,11 +6,17 @@
 
 #include <gtest/gtest.h>
 
-
 namespace LibraryBrowser {
 namespace {
 
 using Issue = RepositoryReport::Issue;
+using Issues = std::vector<Issue>;
+using Lines = std::vector<std::string>;
+
+Lines lines(const RepositoryReport& report)
+{
+    return Lines(report.getLog().begin(), report.getLog().end());
+}
 
 TEST(RepositoryReportTest, LinesCarryIndentationAndPrefixes)
 {
@@ -23,17 +29,10 @@ TEST(RepositoryReportTest, LinesCarryIndentationAndPrefixes)
     report.indentation = -3;
     report.log("below zero");
 
-    const std::vector<std::string> lines(report.getLog().begin(), report.getLog().end());
-    const std::vector<std::string> expected = {
-        "Action: top\n",
-        "    Action: nested\n",
-        "**Warning**   careful\n",
-        "??? **Error**   broken\n",
-        "Action: below zero\n",
-    };
-    EXPECT_EQ(lines, expected);
-    EXPECT_EQ(report.getWarnings(), (std::vector<Issue>{{"W:id", "careful"}}));
-    EXPECT_EQ(report.getErrors(), (std::vector<Issue>{{"E:id", "broken"}}));
+    EXPECT_EQ(lines(report), (Lines{"Action: top\n", "    Action: nested\n", "**Warning**   careful\n",
+                                    "??? **Error**   broken\n", "Action: below zero\n"}));
+    EXPECT_EQ(report.getWarnings(), (Issues{{"W:id", "careful"}}));
+    EXPECT_EQ(report.getErrors(), (Issues{{"E:id", "broken"}}));
 
     report.logError("bad");
     report.logWarning("odd");
@@ -47,11 +46,8 @@ TEST(RepositoryReportTest, LevelDropsLinesButStillRaisesFlags)
     silent.log("gone");
     silent.logWarning("w", "gone");
     silent.logError("e", "gone");
-    EXPECT_TRUE(silent.getLog().empty());
-    EXPECT_TRUE(silent.getWarnings().empty());
-    EXPECT_TRUE(silent.getErrors().empty());
-    EXPECT_TRUE(silent.hasWarning());
-    EXPECT_TRUE(silent.hasError());
+    EXPECT_TRUE(silent.getLog().empty() && silent.getWarnings().empty() && silent.getErrors().empty());
+    EXPECT_TRUE(silent.hasWarning() && silent.hasError());
 
     // Level 2 keeps depths 0 and 1 only.
     RepositoryReport shallow(2);
@@ -59,8 +55,7 @@ TEST(RepositoryReportTest, LevelDropsLinesButStillRaisesFlags)
         shallow.indentation = depth;
         shallow.log("depth " + std::to_string(depth));
     }
-    ASSERT_EQ(shallow.getLog().size(), 2u);
-    EXPECT_EQ(shallow.getLog().back(), "  Action: depth 1\n");
+    EXPECT_EQ(lines(shallow), (Lines{"Action: depth 0\n", "  Action: depth 1\n"}));
 }
 
 TEST(RepositoryReportTest, LogKeepsTheNewestThousandLines)
@@ -79,38 +74,29 @@ TEST(RepositoryReportTest, LogKeepsTheNewestThousandLines)
     EXPECT_EQ(report.getWarnings().size(), 1500u);
 }
 
-TEST(RepositoryReportTest, TakingEmptiesTheListAndClearsTheFlag)
+TEST(RepositoryReportTest, TakingEmptiesTheListsAndClearsTheFlagsButNotTheLog)
 {
     RepositoryReport report;
     report.logError("a", "one");
     report.logError("b", "two");
     report.logWarning("c", "three");
-
-    const auto errors = report.takeErrors();
-    EXPECT_EQ(errors, (std::vector<Issue>{{"a", "one"}, {"b", "two"}}));
+    EXPECT_EQ(report.takeErrors(), (Issues{{"a", "one"}, {"b", "two"}}));
     EXPECT_FALSE(report.hasError());
     EXPECT_TRUE(report.getErrors().empty());
     EXPECT_TRUE(report.hasWarning());
-
     report.clearWarning();
     EXPECT_FALSE(report.hasWarning());
     EXPECT_TRUE(report.getWarnings().empty());
-    // The lines stay in the log.
     EXPECT_EQ(report.getLog().size(), 3u);
-}
 
-TEST(RepositoryReportTest, UniqueWarningsKeepTheFirstOfEachText)
-{
-    RepositoryReport report;
+    // Unique warnings keep the first of each text.
     report.logWarning("first", "library X is broken");
     report.logWarning("other", "something else");
     report.logWarning("second", "library X is broken");
     report.logWarning("third", "library X is broken ");
-
-    const auto unique = report.takeUniqueWarnings();
-    EXPECT_EQ(unique, (std::vector<Issue>{{"first", "library X is broken"},
-                                          {"other", "something else"},
-                                          {"third", "library X is broken "}}));
+    EXPECT_EQ(report.takeUniqueWarnings(), (Issues{{"first", "library X is broken"},
+                                                   {"other", "something else"},
+                                                   {"third", "library X is broken "}}));
     EXPECT_FALSE(report.hasWarning());
     EXPECT_TRUE(report.takeUniqueWarnings().empty());
 }
@@ -119,7 +105,6 @@ TEST(RepositoryReportTest, EchoGoesToTheHostConsoleOnlyWhenAsked)
 {
     Testing::RecordingEnvironment environment("/root", "/prefs");
     Platform::setEnvironment(&environment);
-
     RepositoryReport report;
     report.log("quiet");
     report.logToConsoleInteractively(true);
@@ -129,7 +114,6 @@ TEST(RepositoryReportTest, EchoGoesToTheHostConsoleOnlyWhenAsked)
     report.indentation = 0;
     report.setLogLevel(0);
     report.log("dropped");
-
     Platform::setEnvironment(nullptr);
     EXPECT_EQ(environment.console, "  Action: loud\n??? **Error**   failed\n");
 }
@@ -139,16 +123,14 @@ TEST(RepositoryReportTest, HostOperationsReachItAsALogSink)
     auto report = RepositoryReport::create();
     const HostValue argument = HostValue::object(report);
     ASSERT_EQ(argument.hostObject()->hostClassName(), "Repository.RepositoryReport");
-
     auto* sink = dynamic_cast<HostLogSink*>(argument.hostObject().get());
     ASSERT_NE(sink, nullptr);
     sink->logAction("host step");
     sink->logWarning("Host:W", "host warning");
     sink->logError("Host:E", "host error");
-
     EXPECT_EQ(report->getLog().front(), "Action: host step\n");
-    EXPECT_EQ(report->getWarnings(), (std::vector<Issue>{{"Host:W", "host warning"}}));
-    EXPECT_EQ(report->getErrors(), (std::vector<Issue>{{"Host:E", "host error"}}));
+    EXPECT_EQ(report->getWarnings(), (Issues{{"Host:W", "host warning"}}));
+    EXPECT_EQ(report->getErrors(), (Issues{{"Host:E", "host error"}}));
 }
 
 } // namespace

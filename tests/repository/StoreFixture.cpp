@@ -2,9 +2,10 @@
 
 #include "platform/ErrorHolder.h"
 #include "platform/Platform.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
 
 #include <QDir>
-#include <QFile>
+#include <QFileInfo>
 
 namespace LibraryBrowser::Testing {
 
@@ -25,6 +26,16 @@ void StoreFixture::SetUp()
         const bool removed = QDir(QString::fromStdString(inputs.at(1).toString())).removeRecursively();
         result.outputs = {HostValue::logicalScalar(removed), HostValue::string(removed ? "" : "rmdir failed"),
                           HostValue::string("")};
+        return result;
+    });
+    interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& inputs) {
+        HostInterpreter::CallResult result;
+        const auto it = m_modelFiles.find(inputs.at(2).toString());
+        result.ok = it != m_modelFiles.end();
+        if (result.ok)
+            result.outputs = {HostValue::cellOfStrings({it->second}),
+                              HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())),
+                              HostValue()};
         return result;
     });
     Platform::setInterpreter(&interpreter);
@@ -50,33 +61,6 @@ std::string StoreFixture::path(const std::string& relative) const
 QStringList StoreFixture::tempEntries() const
 {
     return QDir(QString::fromStdString(tempRoot())).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
-}
-
-void StoreFixture::writeFile(const std::string& file, const QByteArray& bytes)
-{
-    const QString name = QString::fromStdString(file);
-    QDir().mkpath(QFileInfo(name).absolutePath());
-    QFile out(name);
-    ASSERT_TRUE(out.open(QIODevice::WriteOnly | QIODevice::Truncate)) << file;
-    out.write(bytes);
-}
-
-QByteArray StoreFixture::readFile(const std::string& file)
-{
-    QFile in(QString::fromStdString(file));
-    return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
-}
-
-bool StoreFixture::exists(const std::string& file)
-{
-    return QFileInfo::exists(QString::fromStdString(file));
-}
-
-void StoreFixture::setModified(const std::string& file, const QDateTime& time)
-{
-    QFile f(QString::fromStdString(file));
-    ASSERT_TRUE(f.open(QIODevice::ReadWrite));
-    ASSERT_TRUE(f.setFileTime(time, QFileDevice::FileModificationTime));
 }
 
 LibraryImpl* StoreFixture::addProduct(Model& model, const std::string& name, const std::string& lastModified,
@@ -109,11 +93,27 @@ std::string StoreFixture::tokenFile(const std::string& store)
     return store + "/toolbox/tandril/blocks/.topLevelManifestToken";
 }
 
+std::string StoreFixture::archive(const std::string& store, const std::string& product, const std::string& kind)
+{
+    return store + "/toolbox/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
+}
+
 void StoreFixture::saveManifest(const Model& model, const std::string& file)
 {
     QDir().mkpath(QFileInfo(QString::fromStdString(file)).absolutePath());
     ErrorHolder errors;
     ASSERT_TRUE(model.save(file, errors)) << errors.message();
+}
+
+void StoreFixture::recordModelFile(LibraryImpl& library, const std::string& spec)
+{
+    const std::string file = hostRoot() + "/" + spec;
+    RepositoryReport report;
+    library.setModelFileSpec(spec);
+    library.setModelFileCheckSum(computeCheckSum(report, file));
+    library.setModelFileSize(readFile(file).size());
+    library.setModelFileDate(std::int32_t(fileDate(file)));
+    m_modelFiles[library.getPath()] = spec;
 }
 
 bool StoreFixture::logged(const RepositoryReport& report, const std::string& text)

@@ -2,15 +2,15 @@
 
 #include "model/Model.h"
 #include "repository/RepositoryReport.h"
+#include "support/Files.h"
 #include "support/RecordingHost.h"
 #include "support/ScriptedHostInterpreter.h"
 
-#include <QByteArray>
-#include <QDateTime>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 namespace LibraryBrowser::Testing {
@@ -28,21 +28,29 @@ protected:
     std::string hostRoot() const { return path("root"); }
     std::string preferences() const { return path("prefs"); }
     std::string tempRoot() const { return path("tmp"); }
+    // Where a host keeps the shipped store, and where the writable one goes.
+    std::string shipped() const { return hostRoot() + "/toolbox/tandril/tandril/private/td_library_browser_repos"; }
+    std::string writable() const { return preferences() + "/td_library_browser_repos"; }
     // What the system temporary directory holds now.
     QStringList tempEntries() const;
 
-    static void writeFile(const std::string& file, const QByteArray& bytes);
-    static QByteArray readFile(const std::string& file);
-    static bool exists(const std::string& file);
-    static void setModified(const std::string& file, const QDateTime& time);
+    static void writeFile(const std::string& file, const QByteArray& bytes) { Testing::writeFile(file, bytes); }
+    static QByteArray readFile(const std::string& file) { return Testing::readFile(file); }
+    static bool exists(const std::string& file) { return Testing::exists(file); }
+    static void setModified(const std::string& file, const QDateTime& time) { Testing::setModified(file, time); }
 
     // A product entry of a top-level manifest, with its archive specs.
     static LibraryImpl* addProduct(Model& model, const std::string& name, const std::string& lastModified = "",
                                    const std::string& shadowedLastModified = "");
-    // The top-level manifest of a store, as the repository lays it out.
+    // The files of a store, as the repository lays them out.
     static std::string topLevelFile(const std::string& store);
     static std::string tokenFile(const std::string& store);
+    static std::string archive(const std::string& store, const std::string& product, const std::string& kind);
     static void saveManifest(const Model& model, const std::string& file);
+
+    // Records the library's model file below the host root, as it is on disk
+    // now, and makes the host's lb_getLibraryData name it.
+    void recordModelFile(LibraryImpl& library, const std::string& spec);
 
     // Whether a log line of the report contains the text.
     static bool logged(const RepositoryReport& report, const std::string& text);
@@ -53,6 +61,7 @@ protected:
     ScriptedHostInterpreter interpreter;
 
 private:
+    std::map<std::string, std::string> m_modelFiles;
     QByteArray m_savedTmpDir;
     bool m_hadTmpDir = false;
 };

@@ -20,16 +20,13 @@ protected:
     void SetUp() override
     {
         HandMadeStore::SetUp();
-        libraries.setProducts({{"Alpha Library", "Alpha"},
-                               {"Beta Library", "Beta"},
-                               {"Tools", "Tools", "Palette", {"Beta", "Tools", "Nope"}}});
+        libraries.setProducts({{"Alpha Library", "Alpha", "Product", {}, {}},
+                               {"Beta Library", "Beta", "Product", {}, {}},
+                               {"Tools", "Tools", "Palette", {"Beta", "Tools", "Nope"}, {}}});
         writeStore(shipped());
         repository = std::dynamic_pointer_cast<XMLRepository>(Repository::open(writable(), shipped(), {}));
         ASSERT_NE(repository, nullptr);
     }
-
-    std::string shipped() const { return hostRoot() + "/toolbox/tandril/tandril/private/td_library_browser_repos"; }
-    std::string writable() const { return preferences() + "/td_library_browser_repos"; }
 
     Testing::ScriptedLibraries libraries{interpreter, hostRoot()};
     XMLRepositoryPtr repository;

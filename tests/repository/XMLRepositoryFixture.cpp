@@ -8,11 +8,11 @@ void XMLRepositoryFixture::makeShippedStore(std::initializer_list<const char*> n
 {
     auto model = Model::createModel();
     std::vector<ScriptedProduct> announced;
-    for (const char* name : names) {
-        announced.push_back({std::string(name) + " Library", name});
+    for (const std::string name : names) {
+        announced.push_back({name + " Library", name, "Product", {}, {}});
         addProduct(*model, name, "shipped-1");
-        writeFile(archive(shipped(), name, "icons"), QByteArray("shipped icons of ") + name);
-        writeFile(archive(shipped(), name, "manifests"), QByteArray("shipped manifests of ") + name);
+        writeFile(archive(shipped(), name, "icons"), QByteArray::fromStdString("shipped icons of " + name));
+        writeFile(archive(shipped(), name, "manifests"), QByteArray::fromStdString("shipped manifests of " + name));
     }
     libraries.setProducts(announced);
     saveManifest(*model, topLevelFile(shipped()));
@@ -27,11 +27,6 @@ XMLRepositoryPtr XMLRepositoryFixture::openRepository()
 std::string XMLRepositoryFixture::currentToken() const
 {
     return QFileInfo(QString::fromStdString(topLevelFile(shipped()))).lastModified().toString(Qt::TextDate).toStdString();
-}
-
-std::string XMLRepositoryFixture::archive(const std::string& store, const std::string& product, const std::string& kind)
-{
-    return store + "/toolbox/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
 }
 
 } // namespace LibraryBrowser::Testing

@@ -14,9 +14,6 @@ namespace LibraryBrowser::Testing {
 // archives, and an empty place for the writable store below the preferences.
 class XMLRepositoryFixture : public StoreFixture {
 protected:
-    std::string shipped() const { return hostRoot() + "/toolbox/tandril/tandril/private/td_library_browser_repos"; }
-    std::string writable() const { return preferences() + "/td_library_browser_repos"; }
-
     // Writes the shipped top-level manifest, dated shippedDate, with one
     // product per name (lastModified "shipped-1") and both archives each;
     // the host announces the same products.
@@ -24,7 +21,6 @@ protected:
     XMLRepositoryPtr openRepository();
     // The token line that matches the shipped manifest now.
     std::string currentToken() const;
-    static std::string archive(const std::string& store, const std::string& product, const std::string& kind);
 
     const QDateTime shippedDate = QDateTime::fromSecsSinceEpoch(1700000000);
     ScriptedLibraries libraries{interpreter, hostRoot()};

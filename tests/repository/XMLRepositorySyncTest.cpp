@@ -1,5 +1,4 @@
 #include "XMLRepositoryFixture.h"
-
 #include "ReadOnlyPath.h"
 
 #include "platform/ErrorHolder.h"
@@ -8,6 +7,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace LibraryBrowser {
 namespace {
@@ -89,23 +90,23 @@ TEST_F(XMLRepositorySyncTest, AStaleTokenDestroysAndReseedsTheWritableStore)
     changedLast.back() = changedLast.back() == '1' ? '2' : '1';
     std::string changedFirst = good;
     changedFirst.front() = 'X';
-
-    for (const std::string& stale : {changedLast, changedFirst, good + "0", std::string()}) {
-        SCOPED_TRACE("token '" + stale + "'");
+    const auto tokenSays = [this](const std::string& token) {
+        return [this, token] { writeFile(tokenFile(writable()), QByteArray::fromStdString(token)); };
+    };
+    const std::vector<std::pair<std::string, std::function<void()>>> staleness{
+        {"last character changed", tokenSays(changedLast)},
+        {"first character changed", tokenSays(changedFirst)},
+        {"longer", tokenSays(good + "0")},
+        {"empty", tokenSays("")},
+        {"a new shipped store", [&] { setModified(topLevelFile(shipped()), shippedDate.addSecs(1)); }},
+    };
+    for (const auto& [what, makeStale] : staleness) {
+        SCOPED_TRACE(what);
         divergeWritableStore();
-        writeFile(tokenFile(writable()), QByteArray::fromStdString(stale));
+        makeStale();
         openRepository();
         expectSeeded();
     }
-}
-
-TEST_F(XMLRepositorySyncTest, ANewShippedStoreMakesTheTokenStale)
-{
-    openRepository();
-    divergeWritableStore();
-    setModified(topLevelFile(shipped()), shippedDate.addSecs(1));
-    openRepository();
-    expectSeeded();
 }
 
 TEST_F(XMLRepositorySyncTest, ATokenWithoutAWritableManifestIsRemovedAndTheStoreReseeded)
@@ -114,7 +115,6 @@ TEST_F(XMLRepositorySyncTest, ATokenWithoutAWritableManifestIsRemovedAndTheStore
     QFile::remove(QString::fromStdString(topLevelFile(writable())));
     // A second line marks this token file: a rewritten token lacks it.
     writeFile(tokenFile(writable()), QByteArray::fromStdString(currentToken() + "\nmarker\n"));
-
     openRepository();
     expectSeeded();
 }

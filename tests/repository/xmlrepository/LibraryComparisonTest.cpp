@@ -13,7 +13,7 @@ const QDateTime stamp = QDateTime::fromSecsSinceEpoch(1763800000);
 
 // A product "signals" whose model file and one dependency are on the host's
 // disk, whose store holds both archives, and whose manifest records all of it
-// as it is now. The host answers lb_getLibraryData for the model file.
+// as it is now.
 class LibraryComparisonTest : public StoreFixture {
 protected:
     void SetUp() override
@@ -32,18 +32,8 @@ protected:
         product->setPath("signals");
         product->setReposIconsArchiveSpec("signals/icons.rps");
         product->setReposManifestsArchiveSpec("signals/manifests.rps");
-        record(*product, "toolbox/signals/signals.tdlib.json");
+        recordModelFile(*product, "toolbox/signals/signals.tdlib.json");
         product->setFileDependencies({dependency("toolbox/signals/tdblocks.json")});
-
-        interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& in) {
-            HostInterpreter::CallResult r;
-            const std::string spec = modelFiles.count(in[2].toString()) ? modelFiles[in[2].toString()] : "";
-            r.ok = !spec.empty();
-            r.outputs = {HostValue::cellOfStrings({spec}),
-                         HostValue::doubleScalar(double(QFileInfo(QString::fromStdString(hostRoot() + "/" + spec)).size())),
-                         HostValue()};
-            return r;
-        });
     }
 
     std::string store() const { return path("store"); }
@@ -52,16 +42,6 @@ protected:
     {
         const std::string file = hostRoot() + "/" + spec;
         return {spec, computeCheckSum(*report, file), fileDate(file), std::uint64_t(readFile(file).size())};
-    }
-
-    void record(LibraryImpl& library, const std::string& spec)
-    {
-        const std::string file = hostRoot() + "/" + spec;
-        library.setModelFileSpec(spec);
-        library.setModelFileCheckSum(computeCheckSum(*report, file));
-        library.setModelFileSize(readFile(file).size());
-        library.setModelFileDate(std::int32_t(fileDate(file)));
-        modelFiles[library.getPath()] = spec;
     }
 
     bool compare(const LibraryImpl& library, bool ignoreTimestamp = false)
@@ -82,7 +62,6 @@ protected:
     RepositoryReportPtr report;
     ModelPtr model = Model::createModel();
     LibraryImpl* product = nullptr;
-    std::map<std::string, std::string> modelFiles;
 };
 
 } // namespace
@@ -146,7 +125,7 @@ TEST_F(LibraryComparisonTest, MissingStoredDataOrFilesAreOutOfDateSilently)
     EXPECT_TRUE(report->getLog().empty());
 
     product->setFileDependencies({});
-    modelFiles.clear(); // the host no longer knows the library
+    product->setPath("forgotten"); // the host no longer knows the library
     EXPECT_FALSE(compare(*product));
     EXPECT_TRUE(logged(*report, "The timestamps did not match (Signals)"));
     EXPECT_TRUE(logged(*report, "The files have different sizes (Signals)"));
@@ -161,7 +140,7 @@ TEST_F(LibraryComparisonTest, ALibraryBelowAProductCountsTheProductsFilesAndItsO
     filters->setPath("filters");
     filters->setProduct(product);
     filters->setFileDependencies({{"toolbox/never/read.json", "", 0, 0}});
-    record(*filters, "toolbox/signals/filters.tdlib.json");
+    recordModelFile(*filters, "toolbox/signals/filters.tdlib.json");
 
     EXPECT_TRUE(compare(*filters));
     EXPECT_TRUE(logged(*report, "The timestamps matched! (toolbox/signals/tdblocks.json)"));
