@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 
 namespace LibraryBrowser::Host::Testing {
 
@@ -90,23 +89,13 @@ TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
     const auto products = fixture.tdprivate("lb_getTdBlocksData", 9, {});
     ASSERT_EQ(products.outputs.at(1).toStringList(),
               (std::vector<std::string>{"synth_0000", "synth_0001", "synth_0002"}));
-    int blocks = 0, references = 0, deepest = 0;
-    std::function<void(const HostValue&, int)> walk = [&](const HostValue& of, int depth) {
-        for (double handle : fixture.children(of)) {
-            const auto data = fixture.blockData(handle);
-            ASSERT_EQ(data.size(), 6u);
-            ++blocks;
-            deepest = std::max(deepest, depth);
-            if (data[3].toString() == "SubSystem")
-                walk(HostValue::doubleScalar(handle), depth + 1);
-            references += data[3].toString() == "LibraryRef";
-        }
-    };
-    walk(HostValue::string("synth_0001"), 1);
-    EXPECT_EQ(blocks, 200);
-    EXPECT_EQ(deepest, 4);
-    EXPECT_GT(references, 20);
-    EXPECT_LT(references, 60);
+    Census census;
+    takeCensus(fixture, "synth_0001", census);
+    EXPECT_EQ(census.blocks, 200);
+    EXPECT_EQ(census.deepest, 4);
+    EXPECT_GT(census.references, 20);
+    EXPECT_LT(census.references, 60);
+    EXPECT_TRUE(census.problems.empty()) << census.problems.front();
     EXPECT_TRUE(fixture.errors().empty());
 }
 
