@@ -52,12 +52,14 @@ TEST_F(BadInput, FileErrorsNameFileLineColumnAndField)
     };
     const QByteArray empty = libraryJson("broken", "[]");
     const std::vector<Case> cases{
-        {libraryJson("broken", "[\n    {\"name\": \"Fine\", \"type\": \"Block\"},\n    {\"name\": 5, \"type\": \"Block\"}\n  ]"),
+        {libraryJson("broken",
+                     "[\n    {\"name\": \"Fine\", \"type\": \"Block\"},\n    {\"name\": 5, \"type\": \"Block\"}\n  ]"),
          {"broken.tdlib.json:7:14: blocks[1].name:", "expected a string"}},
         {libraryJson("broken", "[\n    {\"name\": \"Odd\", \"type\": \"Widget\"}\n  ]"),
          {"broken.tdlib.json:6:29: blocks[0].type:", "unknown block type \"Widget\""}},
         {libraryJson("broken", "[\n    {\"name\": \"S\", \"type\": \"SubSystem\", \"blocks\": [\n"
-                               "      {\"name\": \"G\", \"type\": \"Block\", \"icon\": {\"inputs\": \"two\"}}\n    ]}\n  ]"),
+                               "      {\"name\": \"G\", \"type\": \"Block\", "
+                               "\"icon\": {\"inputs\": \"two\"}}\n    ]}\n  ]"),
          {"broken.tdlib.json:7:57: blocks[0].blocks[0].icon.inputs:", "whole number"}},
         {libraryJson("broken", "[\n    {\"name\": \"A\", \"type\": \"Block\", \"position\": [1, 2, 3]}\n  ]"),
          {"broken.tdlib.json:6:48: blocks[0].position:", "four numbers"}},
@@ -70,7 +72,8 @@ TEST_F(BadInput, FileErrorsNameFileLineColumnAndField)
          {"broken.tdlib.json:6:5: blocks[0].target:", "needs a target"}},
         {libraryJson("broken", "[\n    {\"name\": \"B\", \"type\": \"Block\", \"blocks\": []}\n  ]"),
          {"broken.tdlib.json:6:46: blocks[0].blocks:", "only a SubSystem"}},
-        {libraryJson("broken", "[\n    {\"name\": \"I\", \"type\": \"Block\", \"icon\": {\"svg\": \"<svg><g></svg>\"}}\n  ]"),
+        {libraryJson("broken",
+                     "[\n    {\"name\": \"I\", \"type\": \"Block\", \"icon\": {\"svg\": \"<svg><g></svg>\"}}\n  ]"),
          {"broken.tdlib.json:6:52: blocks[0].icon.svg:", "well-formed"}},
         {libraryJson("broken", "{}"), {"broken.tdlib.json:5:13: blocks:", "expected an array"}},
         {QByteArray(empty).replace("\"version\": 1", "\"version\": 7"), {":3:14: version: version 7 is not supported"}},

@@ -23,8 +23,9 @@ protected:
     Strings kind(double handle)
     {
         const auto data = fixture.blockData(handle);
-        return data.size() == 6 ? Strings{data[0].toString(), data[3].toString(), data[4].toString(), data[5].toString()}
-                                : Strings{};
+        if (data.size() != 6)
+            return {};
+        return {data[0].toString(), data[3].toString(), data[4].toString(), data[5].toString()};
     }
 
     HostFixture fixture{HostOptions::bundledRoot()};
@@ -175,8 +176,9 @@ TEST(RemoveDirectory, RemovesATreeAndAnswersStatusMessageAndId)
     QDir().mkpath(doomed + "/inner");
     QFile(doomed + "/inner/file.txt").open(QIODevice::WriteOnly);
     const auto call = [&](const QString& path) {
-        return fixture.host().callWithTrap(
-            "tdprivate", 3, {HostValue::string("rmdir"), HostValue::string(path.toStdString()), HostValue::string("s")});
+        return fixture.host().callWithTrap("tdprivate", 3,
+                                           {HostValue::string("rmdir"), HostValue::string(path.toStdString()),
+                                            HostValue::string("s")});
     };
     auto result = call(doomed);
     ASSERT_TRUE(result.ok);
