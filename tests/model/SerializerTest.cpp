@@ -119,7 +119,8 @@ TEST(Serializer, RectsKeepSixSignificantDigits)
     ModelPtr loaded = Model::createModel();
     ErrorHolder errors;
     ASSERT_TRUE(loaded->loadFromBytes(model->saveToBytes(), errors));
-    EXPECT_EQ(static_cast<BlockImpl*>(loaded->getNodes().get(0))->getPosition(), QRectF(1.23457, 100.5, 1.23457e6, 0.5));
+    EXPECT_EQ(static_cast<BlockImpl*>(loaded->getNodes().get(0))->getPosition(),
+              QRectF(1.23457, 100.5, 1.23457e6, 0.5));
 }
 
 TEST(Serializer, FileAndContainerTextForms)
