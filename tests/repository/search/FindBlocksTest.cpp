@@ -34,7 +34,8 @@ TEST_F(FindBlocksTest, HitsComeInWalkOrderWithDoublesKeptAndTheOptionsApplied)
     EXPECT_EQ(find("").size(), 16u) << "an empty pattern matches every object of the walk";
     EXPECT_TRUE(find("nothing like it").empty());
 
-    EXPECT_TRUE(find("gain", SearchOptions::RegExpOff, SearchOptions::WholeWordOff, SearchOptions::MatchCaseOn).empty());
+    EXPECT_TRUE(
+        find("gain", SearchOptions::RegExpOff, SearchOptions::WholeWordOff, SearchOptions::MatchCaseOn).empty());
     EXPECT_EQ(find("s1", SearchOptions::RegExpOff, SearchOptions::WholeWordOn), (Names{"S1", "S1"}));
     EXPECT_TRUE(find("s", SearchOptions::RegExpOff, SearchOptions::WholeWordOn).empty());
     EXPECT_EQ(find("s?", SearchOptions::RegExpOn).size(), 16u) << "as an expression 's?' matches anywhere";
