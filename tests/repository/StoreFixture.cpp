@@ -116,12 +116,12 @@ void StoreFixture::recordModelFile(LibraryImpl& library, const std::string& spec
     m_modelFiles[library.getPath()] = spec;
 }
 
-bool StoreFixture::logged(const RepositoryReport& report, const std::string& text)
+int StoreFixture::loggedCount(const RepositoryReport& report, const std::string& text)
 {
+    int n = 0;
     for (const std::string& line : report.getLog())
-        if (line.find(text) != std::string::npos)
-            return true;
-    return false;
+        n += line.find(text) != std::string::npos;
+    return n;
 }
 
 std::vector<std::string> StoreFixture::errorMessages(const RepositoryReport& report)

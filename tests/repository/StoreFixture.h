@@ -52,8 +52,12 @@ protected:
     // now, and makes the host's lb_getLibraryData name it.
     void recordModelFile(LibraryImpl& library, const std::string& spec);
 
-    // Whether a log line of the report contains the text.
-    static bool logged(const RepositoryReport& report, const std::string& text);
+    // How many log lines of the report contain the text; whether one does.
+    static int loggedCount(const RepositoryReport& report, const std::string& text);
+    static bool logged(const RepositoryReport& report, const std::string& text)
+    {
+        return loggedCount(report, text) > 0;
+    }
     static std::vector<std::string> errorMessages(const RepositoryReport& report);
 
     QTemporaryDir scratch;

@@ -6,8 +6,6 @@
 
 #include <QFile>
 
-#include <algorithm>
-
 #include <gtest/gtest.h>
 
 namespace LibraryBrowser {
@@ -186,12 +184,8 @@ TEST_F(XMLRepositoryProductsTest, ExplicitGenerationSendsNoSignals)
     repository->generateRepository();
 
     EXPECT_EQ(signalCount, 0);
-    // Once for Beta, twice for each product of the store.
-    EXPECT_EQ(std::count(report->getLog().begin(), report->getLog().end(),
-                         "  Action: Processing product Beta Library\n") +
-                  std::count(report->getLog().begin(), report->getLog().end(),
-                             "Action: Processing product Beta Library\n"),
-              3);
+    EXPECT_EQ(loggedCount(*report, "Action: Processing product Beta Library\n"), 3)
+        << "once for Beta, twice for each product of the store";
     // Errors met inside a product are cleared when it is done.
     EXPECT_FALSE(report->hasError());
 }
