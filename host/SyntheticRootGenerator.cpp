@@ -94,7 +94,8 @@ bool SyntheticRootGenerator::write(const QString& root, QString& error)
             if (chain || (depth < m_settings.depth && draw < subsystemShare)) {
                 block.type = BlockType::SubSystem;
                 block.name = "Subsystem " + std::to_string(b);
-            } else if (products > 1 && draw < subsystemShare + m_settings.referenceShare) {
+            } else if (m_settings.crossReferences && products > 1
+                       && draw < subsystemShare + m_settings.referenceShare) {
                 block.type = BlockType::LibraryRef;
                 block.name = "Reference " + std::to_string(b);
                 int target = below(products - 1);

@@ -10,7 +10,9 @@ namespace LibraryBrowser::Host {
 // Writes a root of made-up block libraries for benchmarks: P products of B
 // blocks each (subsystems and references counted), subsystems nested D deep,
 // a share R of the blocks references into other products' libraries. The
-// same settings and seed always give the same files.
+// same settings and seed always give the same files. Without cross
+// references every block that would have been a reference is a plain block,
+// so each product reaches only its own library and keeps its block count.
 class SyntheticRootGenerator {
 public:
     struct Settings {
@@ -18,6 +20,7 @@ public:
         int blocksPerProduct = 100;
         int depth = 3;
         double referenceShare = 0.1;
+        bool crossReferences = true;
         std::uint64_t seed = 1;
     };
 

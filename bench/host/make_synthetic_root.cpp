@@ -1,6 +1,8 @@
 // Writes a synthetic root of block libraries for benchmarks and load tests:
 //   td_make_synthetic_root --out DIR [--products P] [--blocks B] [--depth D]
-//                          [--refs R] [--seed S]
+//                          [--refs R|none] [--seed S]
+// --refs none makes no references at all: each product reaches only its own
+// library. (--refs 0 still references neighbours from the deepest level.)
 #include "SyntheticRootGenerator.h"
 
 #include <QCoreApplication>
@@ -28,6 +30,8 @@ int main(int argc, char** argv)
             settings.blocksPerProduct = value.toInt(&ok);
         else if (flag == "--depth")
             settings.depth = value.toInt(&ok);
+        else if (flag == "--refs" && value == "none")
+            settings.crossReferences = false;
         else if (flag == "--refs")
             settings.referenceShare = value.toDouble(&ok);
         else if (flag == "--seed")
@@ -41,7 +45,7 @@ int main(int argc, char** argv)
     }
     if (out.isEmpty() || arguments.size() % 2 != 0) {
         std::fprintf(stderr, "usage: td_make_synthetic_root --out DIR [--products P] [--blocks B] [--depth D] "
-                             "[--refs R] [--seed S]\n");
+                             "[--refs R|none] [--seed S]\n");
         return 2;
     }
     QString error;
