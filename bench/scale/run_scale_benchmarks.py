@@ -1,0 +1,351 @@
+#!/usr/bin/python3
+"""End-to-end benchmarks of tdlb on synthetic roots of 100 products.
+
+For each root size it makes the root, its shipped store, and then measures,
+each several times in new processes: cold generation of the writable store,
+`update` with nothing changed, regeneration after one library changed, a cold
+`search`, a full `tree`, and (in process, Google Benchmark) a warm search.
+Every figure stands beside a floor measured in the same run on the same
+files: `zip -r` of the stored icons and manifests, `unzip -p` of every
+manifests archive, reading the files `update` reads, and the bare expression
+loop over the shown names. The results replace the section between the
+markers in BENCHMARKS.md (or are appended to it).
+
+    bench/scale/run_scale_benchmarks.py --build BUILD_DIR [--sizes 10000,100000]
+        [--runs 3] [--pattern TEXT] [--work DIR] [--output BENCHMARKS.md]
+"""
+
+import argparse
+import datetime
+import json
+import os
+import pathlib
+import re
+import shlex
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+BEGIN = "<!-- tdlb-scale:begin -->"
+END = "<!-- tdlb-scale:end -->"
+PRODUCTS = 100
+DEFAULT_PATTERN = "Block 12"
+# Targets for the 100,000-block root, in seconds (memory in MB).
+TARGETS = {
+    "update": 1.0,
+    "search": 5.0,
+    "warm": 0.1,
+    "tree": 5.0,
+    "memory": 500,
+}
+STORE = "toolbox/tandril/tandril/private/td_library_browser_repos"
+TOP_LEVEL = "td_library_browser_repos/toolbox/tandril/blocks/lbtoplevelmanifest.xml"
+
+
+class BenchmarkError(Exception):
+    pass
+
+
+def run_measured(command, capture=False):
+    """Runs one process; returns (seconds, peak resident MB, its standard output or None)."""
+    with tempfile.TemporaryFile("w+") as out, tempfile.TemporaryFile("w+") as err:
+        start = time.perf_counter()
+        process = subprocess.Popen(command, stdout=out if capture else subprocess.DEVNULL, stderr=err, text=True)
+        # wait4 gives this child's own peak, not the largest of all children so far.
+        _, status, usage = os.wait4(process.pid, 0)
+        elapsed = time.perf_counter() - start
+        process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            err.seek(0)
+            raise BenchmarkError(f"{' '.join(map(str, command))} exited with {process.returncode}:\n"
+                                 f"{err.read()[-2000:]}")
+        out.seek(0)
+        return elapsed, usage.ru_maxrss / 1024.0, out.read() if capture else None
+
+
+def run_shell(script):
+    """A floor made of standard tools: wall time of one shell script."""
+    start = time.perf_counter()
+    result = subprocess.run(["sh", "-c", script], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+    if result.returncode != 0:
+        raise BenchmarkError(f"floor script failed: {script[:200]}\n{result.stderr[-2000:]}")
+    return time.perf_counter() - start
+
+
+class Measure:
+    """The runs of one figure and of its floor."""
+
+    def __init__(self, name, command, floor_name):
+        self.name = name
+        self.command = command
+        self.floor_name = floor_name
+        self.times = []
+        self.peaks = []
+        self.floor_times = []
+
+    def median(self):
+        return statistics.median(self.times)
+
+    def floor(self):
+        return statistics.median(self.floor_times) if self.floor_times else float("nan")
+
+    def peak(self):
+        return max(self.peaks) if self.peaks else float("nan")
+
+
+class ScaleRun:
+    def __init__(self, build, work, blocks, runs, pattern, log):
+        self.tdlb = build / "app" / "tdlb"
+        self.shipped = build / "app" / "tdlb_shipped_store"
+        self.generator = build / "bench" / "host" / "td_make_synthetic_root"
+        self.search_bench = build / "bench" / "search" / "bench_search"
+        for program in (self.tdlb, self.shipped, self.generator, self.search_bench):
+            if not program.exists():
+                raise BenchmarkError(f"{program} is missing: build the targets tdlb, tdlb_shipped_store, "
+                                     "td_make_synthetic_root and bench_search first")
+        self.blocks = blocks
+        self.runs = runs
+        self.pattern = pattern
+        self.root = work / f"root-{blocks}"
+        self.prefs = work / f"prefs-{blocks}"
+        self.stage = work / f"stage-{blocks}"
+        self.log = log
+        self.measures = []
+
+    def tdlb_command(self, *arguments):
+        return [str(self.tdlb), "--root", str(self.root), "--prefdir", str(self.prefs), *arguments]
+
+    def say(self, text):
+        self.log(f"[{self.blocks} blocks] {text}")
+
+    def prepare(self):
+        for path in (self.root, self.prefs, self.stage):
+            shutil.rmtree(path, ignore_errors=True)
+        self.say("making the root and its shipped store")
+        run_measured([str(self.generator), "--out", str(self.root), "--products", str(PRODUCTS), "--blocks",
+                      str(self.blocks // PRODUCTS), "--refs", "none"])
+        run_measured([str(self.shipped), str(self.root)])
+
+    def archives(self, kind):
+        return sorted((self.prefs / "td_library_browser_repos").glob(f"*/lb_*_{kind}_repos.rps"))
+
+    def stage_archives(self):
+        """Unpacks the writable store, once, for the zip floors."""
+        shutil.rmtree(self.stage, ignore_errors=True)
+        for archive in self.archives("icons") + self.archives("manifests"):
+            target = self.stage / archive.parent.name / archive.stem
+            target.mkdir(parents=True)
+            subprocess.run(["unzip", "-q", str(archive), "-d", str(target)], check=True)
+
+    def zip_floor(self, directories):
+        script = " && ".join(f"(cd '{d}' && rm -f ../{d.name}.zip && zip -q -r ../{d.name}.zip .)"
+                             for d in directories)
+        return run_shell(script)
+
+    def unzip_floor(self):
+        names = " ".join(f"'{a}'" for a in self.archives("manifests"))
+        return run_shell(f"for a in {names}; do unzip -p \"$a\"; done > /dev/null")
+
+    def measure(self, name, command, floor_name, before=None, floor=None, capture=False):
+        measure = Measure(name, command, floor_name)
+        self.say(name)
+        for run in range(self.runs):
+            if before:
+                before(run)
+            elapsed, peak, output = run_measured(command, capture)
+            measure.times.append(elapsed)
+            measure.peaks.append(peak)
+            if floor:
+                measure.floor_times.append(floor())
+        self.measures.append(measure)
+        return measure, output
+
+    def edit_one_library(self, run):
+        library = self.root / "toolbox/synthetic/synth_0000/synth_0000.tdlib.json"
+        text = library.read_text()
+        text = re.sub(r'"description": "[^"]*"', f'"description": "Edited in run {run}."', text, count=1)
+        library.write_text(text)
+        # Dated ahead, so that a minimal generation cannot take it for unchanged.
+        stamp = time.time() + 60 * (run + 1)
+        os.utime(library, (stamp, stamp))
+
+    def run(self):
+        self.prepare()
+
+        def fresh_prefs(_):
+            shutil.rmtree(self.prefs, ignore_errors=True)
+
+        self.measure("cold generation", self.tdlb_command("generate", "--mode", "Regenerate"),
+                     "`zip -r` of every stored archive's files", before=fresh_prefs)
+        self.stage_archives()
+        product_dirs = sorted(p for p in self.stage.glob("*/*") if p.is_dir())
+        self.measures[-1].floor_times = [self.zip_floor(product_dirs) for _ in range(self.runs)]
+
+        top = self.prefs / TOP_LEVEL
+        libraries = " ".join(f"'{p}'" for p in sorted((self.root / "toolbox/synthetic").glob("*/*.json")))
+        self.measure("update, nothing changed", self.tdlb_command("update"),
+                     "reading the top-level manifest and every tdblocks and library file",
+                     floor=lambda: run_shell(f"cat '{top}' {libraries} > /dev/null"))
+
+        one_product = [p for p in product_dirs if p.parent.name == "synth_0000"]
+        archive = self.archives("manifests")[0]
+        before = archive.stat().st_mtime_ns
+        self.measure("generate, one library changed", self.tdlb_command("generate"),
+                     "`zip -r` of that product's archives' files", before=self.edit_one_library,
+                     floor=lambda: self.zip_floor(one_product))
+        if archive.stat().st_mtime_ns == before:
+            raise BenchmarkError(f"the changed library was not regenerated: {archive} is as it was")
+
+        search, output = self.measure("cold search", self.tdlb_command("search", self.pattern, "--json"),
+                                      "`unzip -p` of every manifests archive", floor=self.unzip_floor,
+                                      capture=True)
+        search.hits = json.loads(output)["total"]
+
+        tree, output = self.measure("full tree", self.tdlb_command("tree"), "`unzip -p` of every manifests archive",
+                                    floor=self.unzip_floor, capture=True)
+        tree.lines = output.count("\n")
+
+        self.warm_search()
+
+    def warm_search(self):
+        self.say("warm search")
+        command = [str(self.search_bench), "--root", str(self.root), "--prefdir", str(self.prefs), "--pattern",
+                   self.pattern, f"--benchmark_repetitions={max(self.runs, 3)}", "--benchmark_format=json"]
+        _, peak, output = run_measured(command, capture=True)
+        results = json.loads(output)["benchmarks"]
+
+        def median_of(name):
+            for entry in results:
+                if entry.get("run_name") == name and entry.get("aggregate_name") == "median":
+                    return entry["real_time"] / 1000.0, entry.get("hits", 0)
+            raise BenchmarkError(f"bench_search gave no median for {name}")
+
+        warm = Measure("warm search (in process)", command[:-2], "the bare `QRegExp` loop over the shown names")
+        warm_time, warm.hits = median_of("WarmSearch")
+        warm.times = [warm_time]
+        warm.floor_times = [median_of("BareExpressionLoop")[0]]
+        warm.peaks = [peak]
+        self.measures.append(warm)
+
+
+def seconds(value):
+    if value != value:
+        return "n/a"
+    return f"{value * 1000:.0f} ms" if value < 1 else f"{value:.2f} s"
+
+
+def command_text(command, run):
+    text = shlex.join(str(c) for c in command)
+    for path, name in ((run.root, "ROOT"), (run.prefs, "PREFS"), (run.tdlb.parent.parent, "BUILD")):
+        text = text.replace(str(path), name)
+    return text
+
+
+def target_text(run, measure):
+    if run.blocks != 100_000:
+        return ""
+    key = {"update, nothing changed": "update", "cold search": "search", "warm search (in process)": "warm",
+           "full tree": "tree"}.get(measure.name)
+    if not key:
+        return ""
+    goal = TARGETS[key]
+    met = measure.median() < goal and measure.peak() < TARGETS["memory"]
+    return f"< {seconds(goal)}, {TARGETS['memory']} MB: {'met' if met else 'missed'}"
+
+
+def section(runs, pattern, invocation, started):
+    load = os.getloadavg()
+    lines = [
+        BEGIN,
+        "## Command line at scale",
+        "",
+        "Written by `bench/scale/run_scale_benchmarks.py`; do not edit by hand. Roots of "
+        f"{PRODUCTS} products from `td_make_synthetic_root --refs none` (each product reaches only its own "
+        f"library), searched for \"{pattern}\". Each figure is the median of its runs, each run a new process "
+        "except the warm search; peak memory is the largest resident set of the runs. The floor is measured "
+        "in the same run on the same files; the ratio is figure / floor.",
+        "",
+        f"Run on {started:%Y-%m-%d %H:%M} UTC, {os.cpu_count()} cores, load average {load[0]:.1f} at the end, "
+        f"with:",
+        "",
+        "```",
+        invocation,
+        "```",
+        "",
+    ]
+    for run in runs:
+        lines += [f"### {run.blocks:,} blocks ({run.runs} runs each)", "",
+                  "| Measure | Median | Peak memory | Floor | Floor median | Ratio | Target (100,000 blocks) |",
+                  "|---|---|---|---|---|---|---|"]
+        for m in run.measures:
+            ratio = m.median() / m.floor() if m.floor() == m.floor() and m.floor() > 0 else float("nan")
+            ratio_text = f"{ratio:.1f}" if ratio == ratio else "n/a"
+            lines.append(f"| {m.name} | {seconds(m.median())} | {m.peak():.0f} MB | {m.floor_name} | "
+                         f"{seconds(m.floor())} | {ratio_text} | {target_text(run, m)} |")
+        extra = [f"{m.name}: {m.hits:.0f} hits" for m in run.measures if hasattr(m, "hits")]
+        extra += [f"tree: {m.lines} lines" for m in run.measures if hasattr(m, "lines")]
+        lines += ["", "Checks: " + "; ".join(extra) + ".", "", "Commands:", "", "```"]
+        lines += [command_text(m.command, run) for m in run.measures]
+        lines += ["```", ""]
+    lines.append(END)
+    return "\n".join(lines) + "\n"
+
+
+def write_section(path, text):
+    old = path.read_text() if path.exists() else "# Benchmarks\n"
+    if BEGIN in old and END in old:
+        new = old[: old.index(BEGIN)] + text + old[old.index(END) + len(END) + 1:]
+    else:
+        new = old.rstrip("\n") + "\n\n" + text
+    path.write_text(new)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--build", required=True, type=pathlib.Path, help="the build directory")
+    parser.add_argument("--sizes", default="10000,100000", help="block counts, comma separated")
+    parser.add_argument("--runs", default=3, type=int, help="runs of each measure (default 3)")
+    parser.add_argument("--pattern", default=DEFAULT_PATTERN, help=f"what to search for (default '{DEFAULT_PATTERN}')")
+    parser.add_argument("--work", type=pathlib.Path, help="where the roots go (default: a temporary directory)")
+    parser.add_argument("--output", type=pathlib.Path, default=pathlib.Path(__file__).resolve().parents[2] /
+                        "BENCHMARKS.md", help="the file whose section is rewritten")
+    arguments = parser.parse_args()
+    try:
+        sizes = [int(s) for s in arguments.sizes.split(",")]
+    except ValueError:
+        parser.error("--sizes takes whole numbers separated by commas")
+    if arguments.runs < 1 or any(s < PRODUCTS for s in sizes):
+        parser.error(f"--runs must be at least 1 and every size at least {PRODUCTS}")
+    for tool in ("zip", "unzip"):
+        if not shutil.which(tool):
+            parser.error(f"'{tool}' is needed for the floors")
+
+    started = datetime.datetime.now(datetime.timezone.utc)
+    work = arguments.work or pathlib.Path(tempfile.mkdtemp(prefix="tdlb-scale-"))
+    work.mkdir(parents=True, exist_ok=True)
+    os.environ["QT_QPA_PLATFORM"] = "offscreen"
+    log = lambda text: print(f"{time.strftime('%H:%M:%S')} {text}", file=sys.stderr, flush=True)
+    runs = []
+    try:
+        for size in sizes:
+            run = ScaleRun(arguments.build.resolve(), work, size, arguments.runs, arguments.pattern, log)
+            run.run()
+            runs.append(run)
+    except (BenchmarkError, subprocess.CalledProcessError, OSError) as error:
+        print(f"run_scale_benchmarks: {error}", file=sys.stderr)
+        return 1
+    finally:
+        if not arguments.work:
+            shutil.rmtree(work, ignore_errors=True)
+    invocation = "bench/scale/run_scale_benchmarks.py " + " ".join(
+        a if not a.startswith("/") else a.replace(str(arguments.build.resolve()), "BUILD") for a in sys.argv[1:])
+    write_section(arguments.output, section(runs, arguments.pattern, invocation, started))
+    log(f"wrote {arguments.output}")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
