@@ -1,7 +1,10 @@
 #include "platform/ZipArchive.h"
 
+#include <QFile>
+
 #include <zip.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -9,14 +12,36 @@ namespace LibraryBrowser {
 
 struct ZipArchive::State {
     zip_t* archive = nullptr;
+    // For an archive open for writing: libzip works on this in-memory copy
+    // of the file, so close() can update the file in place (see close()).
+    zip_source_t* source = nullptr;
+    // What the file holds as far as this object knows: the bytes read at
+    // open, then those written at close.
+    QByteArray contents;
+    // The file this object last wrote, for the reopen that follows.
+    std::string writtenPath;
     std::string path;
     std::string error;
 
     ~State()
     {
         // An archive dropped without close() keeps its file as it was.
+        discard();
+    }
+
+    void discard()
+    {
         if (archive)
             zip_discard(archive);
+        archive = nullptr;
+        releaseSource();
+    }
+
+    void releaseSource()
+    {
+        if (source)
+            zip_source_free(source);
+        source = nullptr;
     }
 };
 
@@ -31,6 +56,108 @@ std::string zipErrorText(int code)
     return text;
 }
 
+std::string zipErrorText(zip_error_t& error)
+{
+    std::string text = zip_error_strerror(&error);
+    zip_error_fini(&error);
+    return text;
+}
+
+// Opens an archive on an in-memory copy of `bytes`; `source` then holds a
+// reference of the caller's to what libzip will write.
+zip_t* openBytes(const QByteArray& bytes, int flags, zip_source_t*& source, std::string& error)
+{
+    // libzip gets a copy it owns: a buffer it only borrows is freed twice
+    // when it writes the archive back over its unchanged first entries.
+    const std::size_t size = std::size_t(bytes.size());
+    void* copy = size ? std::malloc(size) : nullptr;
+    if (size && !copy) {
+        error = zipErrorText(ZIP_ER_MEMORY);
+        return nullptr;
+    }
+    if (copy)
+        std::memcpy(copy, bytes.constData(), size);
+    zip_error_t reason;
+    zip_error_init(&reason);
+    zip_source_t* created = zip_source_buffer_create(copy, zip_uint64_t(size), 1, &reason);
+    if (!created) {
+        std::free(copy);
+        error = zipErrorText(reason);
+        return nullptr;
+    }
+    zip_t* archive = zip_open_from_source(created, flags, &reason);
+    if (!archive) {
+        zip_source_free(created);
+        error = zipErrorText(reason);
+        return nullptr;
+    }
+    zip_error_fini(&reason);
+    zip_source_keep(created);
+    source = created;
+    return archive;
+}
+
+// All the bytes of a source that libzip has finished writing.
+bool readSource(zip_source_t* source, QByteArray& bytes, std::string& error)
+{
+    zip_stat_t stat;
+    if (zip_source_open(source) != 0) {
+        zip_error_t* reason = zip_source_error(source);
+        // An archive left without entries is removed, not written.
+        if (zip_error_code_zip(reason) == ZIP_ER_DELETED) {
+            bytes.clear();
+            return true;
+        }
+        error = zip_error_strerror(reason);
+        return false;
+    }
+    bool read = zip_source_stat(source, &stat) == 0 && (stat.valid & ZIP_STAT_SIZE);
+    if (read) {
+        bytes = QByteArray(qsizetype(stat.size), Qt::Uninitialized);
+        read = zip_source_read(source, bytes.data(), stat.size) == zip_int64_t(stat.size);
+    }
+    if (!read)
+        error = zip_error_strerror(zip_source_error(source));
+    zip_source_close(source);
+    return read;
+}
+
+// Brings the file at `path` from `before` to `after`, writing only from the
+// first byte that differs. The file keeps its inode: replacing it with a new
+// file at every close, as libzip does on its own, frees an inode each time,
+// and on a file system without a journal every later file creation nearby
+// walks past each recently freed inode. A file that is not the size expected
+// is written whole.
+bool writeInPlace(const std::string& path, const QByteArray& before, const QByteArray& after, std::string& error)
+{
+    QFile file(QString::fromStdString(path));
+    if (after.isEmpty()) {
+        // libzip writes no archive without entries; the file goes away.
+        if (!file.exists() || file.remove())
+            return true;
+        error = file.errorString().toStdString();
+        return false;
+    }
+    if (!file.open(QIODevice::ReadWrite)) {
+        error = file.errorString().toStdString();
+        return false;
+    }
+    qsizetype same = 0;
+    if (file.size() == before.size()) {
+        const qsizetype common = std::min(before.size(), after.size());
+        same = std::mismatch(after.constData(), after.constData() + common, before.constData()).first
+               - after.constData();
+    }
+    if (same == after.size() && after.size() == file.size())
+        return true;
+    const qint64 rest = after.size() - same;
+    if (!file.seek(same) || file.write(after.constData() + same, rest) != rest || !file.resize(after.size())) {
+        error = file.errorString().toStdString();
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 ZipArchive::ZipArchive() : m_state(std::make_shared<State>()) {}
@@ -43,15 +170,38 @@ bool ZipArchive::open(const std::string& path, OpenMode mode)
         close();
     m_state->path = path;
     m_state->error.clear();
-    int code = 0;
-    int flags = ZIP_CHECKCONS;
-    if (mode == CreateNew)
-        flags = ZIP_CREATE | ZIP_TRUNCATE;
-    else if (mode == ReadOnly)
-        flags = ZIP_RDONLY;
-    m_state->archive = zip_open(path.c_str(), flags, &code);
+    if (mode == ReadOnly) {
+        m_state->contents.clear();
+        int code = 0;
+        m_state->archive = zip_open(path.c_str(), ZIP_RDONLY, &code);
+        if (!m_state->archive)
+            m_state->error = zipErrorText(code);
+        return m_state->archive != nullptr;
+    }
+    int flags = ZIP_CREATE | ZIP_TRUNCATE;
+    if (mode == OpenExisting) {
+        QFile file(QString::fromStdString(path));
+        if (!file.exists()) {
+            m_state->error = zipErrorText(ZIP_ER_NOENT);
+            return false;
+        }
+        if (!file.open(QIODevice::ReadOnly)) {
+            m_state->error = zipErrorText(ZIP_ER_OPEN) + ": " + file.errorString().toStdString();
+            return false;
+        }
+        const QByteArray bytes = file.readAll();
+        // Bytes exactly as this object's last close() wrote them came from
+        // libzip itself: checking their consistency again would only repeat
+        // the parse of every header.
+        const bool ownOutput = !bytes.isEmpty() && path == m_state->writtenPath && bytes == m_state->contents;
+        m_state->contents = bytes;
+        flags = ownOutput ? 0 : ZIP_CHECKCONS;
+    } else {
+        m_state->contents.clear();
+    }
+    m_state->archive = openBytes(m_state->contents, flags, m_state->source, m_state->error);
     if (!m_state->archive)
-        m_state->error = zipErrorText(code);
+        m_state->contents.clear();
     return m_state->archive != nullptr;
 }
 
@@ -65,12 +215,21 @@ bool ZipArchive::close()
     zip_t* archive = m_state->archive;
     if (!archive)
         return false;
+    if (zip_close(archive) != 0) {
+        m_state->error = zip_strerror(archive);
+        m_state->discard();
+        return false;
+    }
     m_state->archive = nullptr;
-    if (zip_close(archive) == 0)
+    if (!m_state->source)
         return true;
-    m_state->error = zip_strerror(archive);
-    zip_discard(archive);
-    return false;
+    QByteArray bytes;
+    const bool written = readSource(m_state->source, bytes, m_state->error)
+                         && writeInPlace(m_state->path, m_state->contents, bytes, m_state->error);
+    m_state->releaseSource();
+    m_state->contents = written ? bytes : QByteArray();
+    m_state->writtenPath = written ? m_state->path : std::string();
+    return written;
 }
 
 const std::string& ZipArchive::getArchiveFilePath() const

@@ -11,11 +11,15 @@ namespace LibraryBrowser {
 // A zip archive on disk. Copies refer to the same open archive. Every
 // operation is safe on a closed archive: lookups find nothing and changes do
 // nothing, so a caller that goes on after a failed open cannot crash.
-// Changes reach the file when the archive is closed.
+// Changes reach the file when the archive is closed. They are written into
+// the same file rather than a new one renamed over it, so a close cut short
+// can leave the file damaged: archives are opened for writing only on
+// private copies.
 class ZipArchive {
 public:
-    // ReadOnly skips the consistency checks of OpenExisting: for the many
-    // short reads of a cache.
+    // OpenExisting and CreateNew hold the archive in memory while it is open.
+    // ReadOnly reads from the file and skips the consistency checks of
+    // OpenExisting: for the many short reads of a cache.
     enum OpenMode { OpenExisting = 0, CreateNew = 1, ReadOnly = 2 };
 
     // An entry by index; invalid when it names nothing.
