@@ -50,7 +50,7 @@ class BenchmarkError(Exception):
 
 
 def run_measured(command, capture=False):
-    """Runs one process; returns (seconds, peak resident MB, its standard output or None)."""
+    """Runs one process; returns (seconds, CPU seconds, peak resident MB, its standard output or None)."""
     with tempfile.TemporaryFile("w+") as out, tempfile.TemporaryFile("w+") as err:
         start = time.perf_counter()
         process = subprocess.Popen(command, stdout=out if capture else subprocess.DEVNULL, stderr=err, text=True)
@@ -63,7 +63,7 @@ def run_measured(command, capture=False):
             raise BenchmarkError(f"{' '.join(map(str, command))} exited with {process.returncode}:\n"
                                  f"{err.read()[-2000:]}")
         out.seek(0)
-        return elapsed, usage.ru_maxrss / 1024.0, out.read() if capture else None
+        return elapsed, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024.0, out.read() if capture else None
 
 
 def run_shell(script):
@@ -83,6 +83,7 @@ class Measure:
         self.command = command
         self.floor_name = floor_name
         self.times = []
+        self.cpu_times = []
         self.peaks = []
         self.floor_times = []
 
@@ -91,6 +92,9 @@ class Measure:
 
     def floor(self):
         return statistics.median(self.floor_times) if self.floor_times else float("nan")
+
+    def cpu(self):
+        return statistics.median(self.cpu_times) if self.cpu_times else float("nan")
 
     def peak(self):
         return max(self.peaks) if self.peaks else float("nan")
@@ -122,7 +126,7 @@ class ScaleRun:
         self.log(f"[{self.blocks} blocks] {text}")
 
     def prepare(self):
-        for path in (self.root, self.prefs, self.stage):
+        for path in (self.root, self.prefs, self.stage, *self.prefs.parent.glob(f"{self.prefs.name}-cold*")):
             shutil.rmtree(path, ignore_errors=True)
         self.say("making the root and its shipped store")
         run_measured([str(self.generator), "--out", str(self.root), "--products", str(PRODUCTS), "--blocks",
@@ -150,13 +154,15 @@ class ScaleRun:
         return run_shell(f"for a in {names}; do unzip -p \"$a\"; done > /dev/null")
 
     def measure(self, name, command, floor_name, before=None, floor=None, capture=False):
+        """command is the argument list, or a function giving it just before each run."""
         measure = Measure(name, command, floor_name)
         self.say(name)
         for run in range(self.runs):
             if before:
                 before(run)
-            elapsed, peak, output = run_measured(command, capture)
+            elapsed, cpu, peak, output = run_measured(command() if callable(command) else command, capture)
             measure.times.append(elapsed)
+            measure.cpu_times.append(cpu)
             measure.peaks.append(peak)
             if floor:
                 measure.floor_times.append(floor())
@@ -175,11 +181,18 @@ class ScaleRun:
     def run(self):
         self.prepare()
 
-        def fresh_prefs(_):
-            shutil.rmtree(self.prefs, ignore_errors=True)
+        # Each cold run writes a store of its own: removing the last run's
+        # files first would make the file system pay for them in this run.
+        final_prefs = self.prefs
 
-        self.measure("cold generation", self.tdlb_command("generate", "--mode", "Regenerate"),
-                     "`zip -r` of every stored archive's files", before=fresh_prefs)
+        def fresh_prefs(run):
+            self.prefs = final_prefs.with_name(f"{final_prefs.name}-cold{run}")
+
+        cold, _ = self.measure("cold generation", lambda: self.tdlb_command("generate", "--mode", "Regenerate"),
+                               "`zip -r` of every stored archive's files", before=fresh_prefs)
+        self.prefs.rename(final_prefs)
+        self.prefs = final_prefs
+        cold.command = self.tdlb_command("generate", "--mode", "Regenerate")
         self.stage_archives()
         product_dirs = sorted(p for p in self.stage.glob("*/*") if p.is_dir())
         self.measures[-1].floor_times = [self.zip_floor(product_dirs) for _ in range(self.runs)]
@@ -214,18 +227,19 @@ class ScaleRun:
         self.say("warm search")
         command = [str(self.search_bench), "--root", str(self.root), "--prefdir", str(self.prefs), "--pattern",
                    self.pattern, f"--benchmark_repetitions={max(self.runs, 3)}", "--benchmark_format=json"]
-        _, peak, output = run_measured(command, capture=True)
+        _, _, peak, output = run_measured(command, capture=True)
         results = json.loads(output)["benchmarks"]
 
         def median_of(name):
             for entry in results:
                 if entry.get("run_name") == name and entry.get("aggregate_name") == "median":
-                    return entry["real_time"] / 1000.0, entry.get("hits", 0)
+                    return entry["real_time"] / 1000.0, entry.get("hits", 0), entry["cpu_time"] / 1000.0
             raise BenchmarkError(f"bench_search gave no median for {name}")
 
         warm = Measure("warm search (in process)", command[:-2], "the bare `QRegExp` loop over the shown names")
-        warm_time, warm.hits = median_of("WarmSearch")
+        warm_time, warm.hits, _ = median_of("WarmSearch")
         warm.times = [warm_time]
+        warm.cpu_times = [median_of("WarmSearch")[2]]
         warm.floor_times = [median_of("BareExpressionLoop")[0]]
         warm.peaks = [peak]
         self.measures.append(warm)
@@ -234,6 +248,10 @@ class ScaleRun:
 def seconds(value):
     if value != value:
         return "n/a"
+    if value < 0.001:
+        return f"{value * 1e6:.0f} µs"
+    if value < 0.01:
+        return f"{value * 1000:.1f} ms"
     return f"{value * 1000:.0f} ms" if value < 1 else f"{value:.2f} s"
 
 
@@ -278,13 +296,14 @@ def section(runs, pattern, invocation, started):
     ]
     for run in runs:
         lines += [f"### {run.blocks:,} blocks ({run.runs} runs each)", "",
-                  "| Measure | Median | Peak memory | Floor | Floor median | Ratio | Target (100,000 blocks) |",
-                  "|---|---|---|---|---|---|---|"]
+                  "| Measure | Median | CPU (user + sys) | Peak memory | Floor | Floor median | Ratio | "
+                  "Target (100,000 blocks) |",
+                  "|---|---|---|---|---|---|---|---|"]
         for m in run.measures:
             ratio = m.median() / m.floor() if m.floor() == m.floor() and m.floor() > 0 else float("nan")
             ratio_text = f"{ratio:.1f}" if ratio == ratio else "n/a"
-            lines.append(f"| {m.name} | {seconds(m.median())} | {m.peak():.0f} MB | {m.floor_name} | "
-                         f"{seconds(m.floor())} | {ratio_text} | {target_text(run, m)} |")
+            lines.append(f"| {m.name} | {seconds(m.median())} | {seconds(m.cpu())} | {m.peak():.0f} MB | "
+                         f"{m.floor_name} | {seconds(m.floor())} | {ratio_text} | {target_text(run, m)} |")
         extra = [f"{m.name}: {m.hits:.0f} hits" for m in run.measures if hasattr(m, "hits")]
         extra += [f"tree: {m.lines} lines" for m in run.measures if hasattr(m, "lines")]
         lines += ["", "Checks: " + "; ".join(extra) + ".", "", "Commands:", "", "```"]
