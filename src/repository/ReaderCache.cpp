@@ -11,6 +11,8 @@ namespace LibraryBrowser {
 
 ReaderCache::~ReaderCache()
 {
+    // Its handles go while the table they unregister from is still whole.
+    m_products.clear();
     for (auto& entry : m_handles)
         entry.second->orphan();
 }
@@ -24,11 +26,19 @@ std::string ReaderCache::productKey(const std::string& id)
 Library ReaderCache::getProduct(const std::string& id)
 {
     const std::string key = productKey(id);
+    const auto isProductOfKey = [&key](const TandrilObjectImpl* object) {
+        const auto* node = static_cast<const LibraryImpl*>(object);
+        return node && node->getIsProduct() && (node->getUniquePath().str() == key || node->getDisplayPath() == key);
+    };
+    const auto known = m_products.find(key);
+    if (known != m_products.end() && isProductOfKey(known->second.getData()->node()))
+        return known->second;
     for (TandrilObjectIterator it = getProductsIterator(); it.isValidIterator(); it.next()) {
         const Library library = it.current().toLibrary();
-        const auto* node = static_cast<const LibraryImpl*>(library.getImpl());
-        if (node && node->getIsProduct() && (node->getUniquePath().str() == key || node->getDisplayPath() == key))
+        if (isProductOfKey(library.getImpl())) {
+            m_products[key] = library;
             return library;
+        }
     }
     return Library();
 }

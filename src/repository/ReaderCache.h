@@ -2,6 +2,7 @@
 
 #include "model/Model.h"
 #include "repository/BlockIcon.h"
+#include "repository/Library.h"
 #include "repository/TandrilObjectIterator.h"
 
 #include <string>
@@ -83,6 +84,11 @@ private:
     HandleSet m_libraryHandles;
     HandleSet m_invalidHandles;
     std::unordered_map<std::string, HandleSet> m_productHandles;
+    // Products found by key: every subsystem entered during a walk asks for
+    // its product, and a scan of the top level per question made that the
+    // walk's largest cost. The handles follow their ids into a reloaded top
+    // level; one whose node has gone, or no longer fits, is looked up anew.
+    std::unordered_map<std::string, Library> m_products;
 };
 
 } // namespace LibraryBrowser

@@ -113,6 +113,20 @@ TEST_F(ReadCacheTest, TwoReadersOnOneDirectoryBothHearOfChangesHoweverItIsSpelle
     EXPECT_EQ(x.getName(), "X");
 }
 
+TEST_F(ReadCacheTest, AProductLookedUpBeforeTheTopLevelWasReloadedIsFoundInTheNewOne)
+{
+    ASSERT_EQ(reader->getProduct("Alpha/Sub/X").getName(), "Alpha");
+    ReaderCacheRegistry::unloadTopLevelCaches(store());
+    const Library alpha = reader->getProduct("AlphaPath/Gain");
+    const TandrilObjectImpl* listed = nullptr;
+    for (TandrilObjectIterator it = reader->getProductsIterator(); it.isValidIterator(); it.next())
+        if (it.current().getName() == "Alpha")
+            listed = it.current().getImpl();
+    ASSERT_NE(listed, nullptr);
+    EXPECT_EQ(alpha.getImpl(), listed);
+    EXPECT_EQ(object("Alpha/Sub/X").getName(), "X");
+}
+
 TEST_F(ReadCacheTest, IconsAreSharedSvgDocumentsAndAMissingOneIsAnEmptyIcon)
 {
     const BlockIconPtr gain = object("Alpha/Gain").getIcon();
