@@ -10,13 +10,14 @@ namespace LibraryBrowser::Testing {
 
 // One block of a scripted library; a subsystem has children, a reference a
 // target library and path.
+// Trailing members left out of a brace list are empty.
 struct ScriptedBlock {
     std::string name;
     std::string type = "Block";
-    std::string description;
-    std::vector<ScriptedBlock> children;
-    std::string targetLibrary;
-    std::string targetPath;
+    std::string description{};
+    std::vector<ScriptedBlock> children{};
+    std::string targetLibrary{};
+    std::string targetPath{};
 };
 
 // One entry of the host's product list.
@@ -24,8 +25,8 @@ struct ScriptedProduct {
     std::string label;
     std::string file;
     std::string type = "Product";
-    std::vector<std::string> children;
-    std::vector<std::string> files;
+    std::vector<std::string> children{};
+    std::vector<std::string> files{};
 };
 
 // A host world for the writer, answering every repository operation of
