@@ -39,9 +39,11 @@ protected:
     {
         const auto reader = makeReader();
         ASSERT_TRUE(reader->exists());
-        for (const char* product : {"arithmetica", "kinetics", "switchyard", "tandril", "wavecraft"})
-            if (std::find(hit.begin(), hit.end(), product) == hit.end())
+        for (const char* product : {"arithmetica", "kinetics", "switchyard", "tandril", "wavecraft"}) {
+            if (std::find(hit.begin(), hit.end(), product) == hit.end()) {
                 EXPECT_EQ(storedCounts(*reader, product), declaredCounts(product)) << product;
+            }
+        }
     }
 };
 
