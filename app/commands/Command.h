@@ -17,11 +17,13 @@ struct Command {
     QString name;
     // One line for the list of commands.
     QString summary;
-    // Adds the command's options and positional arguments.
+    // Adds the command's options and positional arguments; null for none.
     void (*configure)(QCommandLineParser& parser);
     // The positional arguments come without the command's name. A usage
     // error is reported through the context, which gives its exit code.
     int (*run)(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context);
+    // False: any positional argument is a usage error, reported before run.
+    bool takesArguments = true;
 };
 
 } // namespace LibraryBrowser::Tdlb

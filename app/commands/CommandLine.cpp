@@ -102,7 +102,8 @@ int CommandLine::run(const QStringList& arguments)
     commandParser.setApplicationDescription(command->summary);
     commandParser.addHelpOption();
     commandParser.addPositionalArgument(command->name, "", command->name);
-    command->configure(commandParser);
+    if (command->configure)
+        command->configure(commandParser);
     addHostOptions(commandParser);
     CommandContext context(command->name, options.verbose);
     if (!commandParser.parse(QStringList{rest.first()} + positional))
@@ -111,6 +112,10 @@ int CommandLine::run(const QStringList& arguments)
         print(commandParser.helpText());
         return Success;
     }
+
+    const QStringList commandArguments = commandParser.positionalArguments().mid(1);
+    if (!command->takesArguments && !commandArguments.isEmpty())
+        return context.usageError("takes no arguments");
 
     // A mistyped root would look like a root without products.
     if (!QFileInfo(options.root).isDir())
@@ -124,7 +129,7 @@ int CommandLine::run(const QStringList& arguments)
         std::fflush(stderr);
     });
     NRInitialize_td_lib_browse();
-    int code = command->run(commandParser, commandParser.positionalArguments().mid(1), context);
+    int code = command->run(commandParser, commandArguments, context);
     if (code == Success && context.reportHasErrors()) {
         context.printReportErrors();
         code = Failure;

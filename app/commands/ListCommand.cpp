@@ -18,10 +18,8 @@ void configure(QCommandLineParser& parser)
     parser.addOption({"json", "Write one JSON document."});
 }
 
-int run(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser& parser, const QStringList&, CommandContext& context)
 {
-    if (!arguments.isEmpty())
-        return context.usageError("takes no arguments");
     Repository& repository = context.repository();
     std::set<std::string> topLevel;
     for (TandrilObjectIterator it = repository.getTopLevelIterator(); it.isValidIterator(); it.next())
@@ -68,7 +66,7 @@ int run(const QCommandLineParser& parser, const QStringList& arguments, CommandC
 
 Command listCommand()
 {
-    return {"list", "List the products: name, path, product or palette, top level, up to date.", configure, run};
+    return {"list", "List the products: name, path, product or palette, top level, up to date.", configure, run, false};
 }
 
 } // namespace LibraryBrowser::Tdlb

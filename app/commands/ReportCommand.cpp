@@ -8,12 +8,8 @@ namespace LibraryBrowser::Tdlb {
 
 namespace {
 
-void configure(QCommandLineParser&) {}
-
-int run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser&, const QStringList&, CommandContext& context)
 {
-    if (!arguments.isEmpty())
-        return context.usageError("takes no arguments");
     for (const std::string& line : context.repository().getRepositoryReport()->getLog()) {
         QString text = QString::fromStdString(line);
         if (text.endsWith('\n'))
@@ -27,7 +23,7 @@ int run(const QCommandLineParser&, const QStringList& arguments, CommandContext&
 
 Command reportCommand()
 {
-    return {"report", "Open the repository and print the log of the run.", configure, run};
+    return {"report", "Open the repository and print the log of the run.", nullptr, run, false};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -9,12 +9,8 @@ namespace LibraryBrowser::Tdlb {
 
 namespace {
 
-void configure(QCommandLineParser&) {}
-
-int run(const QCommandLineParser&, const QStringList& arguments, CommandContext& context)
+int run(const QCommandLineParser&, const QStringList&, CommandContext& context)
 {
-    if (!arguments.isEmpty())
-        return context.usageError("takes no arguments");
     Repository& repository = context.repository();
     const std::size_t products = ObjectLookup(repository).products().size();
     // One fault met in many places is shown once.
@@ -29,7 +25,7 @@ int run(const QCommandLineParser&, const QStringList& arguments, CommandContext&
 
 Command updateCommand()
 {
-    return {"update", "Synchronise the stores and update the list of products.", configure, run};
+    return {"update", "Synchronise the stores and update the list of products.", nullptr, run, false};
 }
 
 } // namespace LibraryBrowser::Tdlb
