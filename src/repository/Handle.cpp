@@ -12,7 +12,7 @@ namespace {
 template <class Getter>
 std::string blockText(const Handle& handle, Getter getter)
 {
-    auto* block = dynamic_cast<BlockImpl*>(handle.getImpl());
+    const auto* block = nodeCast<const BlockImpl>(handle.getImpl());
     return block ? (block->*getter)() : std::string();
 }
 
@@ -59,7 +59,7 @@ bool Handle::isValid() const
 
 std::string Handle::getType() const
 {
-    auto* block = dynamic_cast<BlockImpl*>(getImpl());
+    const auto* block = nodeCast<const BlockImpl>(getImpl());
     if (!block)
         return "InvalidBlock";
     const std::string& typeName = block->getTypeName().str();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/NodeCast.h"
 #include "repository/BlockIcon.h"
 #include "repository/HandleData.h"
 
@@ -82,7 +83,7 @@ protected:
     template <class Impl>
     Impl* implAs() const
     {
-        return dynamic_cast<Impl*>(getImpl());
+        return nodeCast<Impl>(getImpl());
     }
 
 private:

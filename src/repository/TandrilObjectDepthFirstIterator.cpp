@@ -1,8 +1,24 @@
 #include "repository/TandrilObjectDepthFirstIterator.h"
 
+#include "model/BlockImpl.h"
+#include "model/NodeCast.h"
 #include "repository/RepositoryReader.h"
 
+#include <algorithm>
+
 namespace LibraryBrowser {
+
+namespace {
+
+// The object's text path, read in place: the walk asks it of every object.
+const std::string& pathOf(const TandrilObject& object)
+{
+    static const std::string none;
+    const auto* block = nodeCast<const BlockImpl>(object.getImpl());
+    return block ? block->getPath() : none;
+}
+
+} // namespace
 
 TandrilObjectDepthFirstIterator::TandrilObjectDepthFirstIterator(RepositoryReader* reader, const TandrilObject& root,
                                                                  bool fromTop)
@@ -34,18 +50,25 @@ TandrilObject TandrilObjectDepthFirstIterator::current()
     return m_stack.back().current();
 }
 
+bool TandrilObjectDepthFirstIterator::isEntered(const std::string& path) const
+{
+    return std::find(m_entered.begin(), m_entered.end(), path) != m_entered.end();
+}
+
 bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object, const std::string& path)
 {
-    if (m_entered.count(path))
+    if (isEntered(path))
         return false;
     const SubSystem subsystem = object.toSubSystem();
     if (!subsystem.isValid())
         return false;
+    // Copied first: loading the children may reload the object's own node.
+    std::string entered = path;
     TandrilObjectIterator children = m_reader->getChildrenIterator(subsystem);
     if (children.isEmpty())
         return false;
     m_stack.push_back(std::move(children));
-    m_entered.insert(path);
+    m_entered.push_back(std::move(entered));
     return true;
 }
 
@@ -54,9 +77,9 @@ void TandrilObjectDepthFirstIterator::next()
     if (m_stack.empty())
         return;
     TandrilObject object = current();
-    std::string path = object.getPath();
+    const std::string* path = &pathOf(object);
     for (;;) {
-        if (!enter(object, path)) {
+        if (!enter(object, *path)) {
             for (;;) {
                 m_stack.back().next();
                 if (m_stack.back().isValidIterator())
@@ -64,14 +87,15 @@ void TandrilObjectDepthFirstIterator::next()
                 m_stack.pop_back();
                 if (m_stack.empty())
                     return;
-                m_entered.erase(current().getPath());
+                // The level left is the subsystem entered last.
+                m_entered.pop_back();
             }
         }
         object = current();
-        path = object.getPath();
+        path = &pathOf(object);
         // A subsystem the walk is inside of already, met again through a
         // reference that closes a cycle: stepped over, not returned.
-        if (!m_entered.count(path))
+        if (!isEntered(*path))
             return;
     }
 }

@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -33,6 +32,7 @@ private:
     TandrilObjectDepthFirstIterator(const TandrilObjectDepthFirstIterator& other) = default;
     // Enters the object if it is a subsystem with children not entered yet.
     bool enter(const TandrilObject& object, const std::string& path);
+    bool isEntered(const std::string& path) const;
 
     bool m_fromTop;
     TandrilObject m_root;
@@ -41,7 +41,10 @@ private:
     std::shared_ptr<RepositoryReader> m_keepAlive;
     // One iterator per level of the descent, innermost last.
     std::vector<TandrilObjectIterator> m_stack;
-    std::unordered_set<std::string> m_entered;
+    // The paths of the subsystems entered, one per level below the first:
+    // a descent is a few levels deep, so a scan beats hashing each object's
+    // path.
+    std::vector<std::string> m_entered;
 };
 
 } // namespace LibraryBrowser
