@@ -1,8 +1,8 @@
 #include "ScriptedLibraries.h"
 
+#include "support/Files.h"
+
 #include <QDateTime>
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace LibraryBrowser::Testing {
@@ -20,7 +20,6 @@ HostInterpreter::CallResult answer(std::vector<HostValue> outputs)
 HostInterpreter::CallResult failure()
 {
     HostInterpreter::CallResult result;
-    result.ok = false;
     result.errorMessage = "no such block";
     return result;
 }
@@ -33,12 +32,10 @@ HostValue cellOfCells(const std::vector<std::vector<std::string>>& lists)
     return cells;
 }
 
-std::string describe(const std::vector<ScriptedBlock>& blocks)
+// What a reference points at, as the host names it.
+std::string target(const ScriptedBlock& block)
 {
-    std::string text;
-    for (const ScriptedBlock& block : blocks)
-        text += block.name + ":" + block.type + ":" + block.description + "{" + describe(block.children) + "}";
-    return text;
+    return block.targetPath.empty() ? block.targetLibrary : block.targetLibrary + "/" + block.targetPath;
 }
 
 } // namespace
@@ -47,27 +44,25 @@ ScriptedLibraries::ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::
     : m_root(std::move(hostRoot))
 {
     interpreter.on("tdprivate:lb_getTdBlocksData", [this](int, const std::vector<HostValue>&) {
-        std::vector<std::string> labels, files, directories, icons, types;
+        std::vector<std::string> labels, files, directories, types;
         std::vector<std::vector<std::string>> children, dependencies;
         for (const ScriptedProduct& product : m_products) {
             labels.push_back(product.label);
             files.push_back(product.file);
             directories.push_back("toolbox/" + product.file);
-            icons.push_back("");
             types.push_back(product.type);
             children.push_back(product.children);
             dependencies.push_back(product.files);
         }
+        const HostValue noIcons = HostValue::cellOfStrings(std::vector<std::string>(labels.size()));
         return answer({HostValue::cellOfStrings(labels), HostValue::cellOfStrings(files),
                        HostValue::cellOfStrings(directories),
-                       HostValue::doubleMatrix(1, labels.size(), std::vector<double>(labels.size(), 0.0)),
-                       HostValue::cellOfStrings(icons), HostValue::cellOfStrings(icons),
-                       HostValue::cellOfStrings(types), cellOfCells(children), cellOfCells(dependencies)});
+                       HostValue::doubleMatrix(1, labels.size(), std::vector<double>(labels.size(), 0.0)), noIcons,
+                       noIcons, HostValue::cellOfStrings(types), cellOfCells(children), cellOfCells(dependencies)});
     });
     interpreter.on("tdprivate:lb_getChildrenHandles", [this](int, const std::vector<HostValue>& inputs) {
         const HostValue& key = inputs.at(2);
-        const double handle = key.isString() ? handleOfPath(key.toString()) : key.scalar();
-        const auto found = m_nodes.find(handle);
+        const auto found = m_nodes.find(key.isString() ? handleOfPath(key.toString()) : key.scalar());
         if (found == m_nodes.end())
             return failure();
         const std::vector<double>& children = found->second.children;
@@ -80,9 +75,7 @@ ScriptedLibraries::ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::
         const ScriptedBlock& block = *found->second.block;
         return answer({HostValue::string(block.name), HostValue::string(block.description),
                        HostValue::doubleMatrix(1, 4, {10, 20, 40, 60}), HostValue::string(block.type),
-                       HostValue::string(block.targetLibrary),
-                       HostValue::string(block.targetPath.empty() ? block.targetLibrary
-                                                                  : block.targetLibrary + "/" + block.targetPath)});
+                       HostValue::string(block.targetLibrary), HostValue::string(target(block))});
     });
     interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& inputs) {
         const std::string library = inputs.at(2).toString();
@@ -95,13 +88,9 @@ ScriptedLibraries::ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::
     interpreter.on("tdprivate:lb_createSubSystemIcons", [](int, const std::vector<HostValue>& inputs) {
         const std::vector<std::string> paths = inputs.at(3).toStringList();
         const std::vector<std::string> files = inputs.at(4).toStringList();
-        for (std::size_t i = 0; i < files.size() && i < paths.size(); ++i) {
-            QFile icon(QString::fromStdString(files[i]));
-            QDir().mkpath(QFileInfo(icon).absolutePath());
-            if (icon.open(QIODevice::WriteOnly))
-                icon.write(QByteArray::fromStdString("<svg xmlns=\"http://www.w3.org/2000/svg\"><title>" + paths[i] +
-                                                     "</title></svg>"));
-        }
+        for (std::size_t i = 0; i < files.size() && i < paths.size(); ++i)
+            writeFile(files[i], QByteArray::fromStdString("<svg xmlns=\"http://www.w3.org/2000/svg\"><title>" +
+                                                          paths[i] + "</title></svg>"));
         return answer({});
     });
 }
@@ -119,15 +108,11 @@ void ScriptedLibraries::setProducts(std::vector<ScriptedProduct> products)
 void ScriptedLibraries::setLibrary(const std::string& library, std::vector<ScriptedBlock> blocks)
 {
     m_libraries[library] = std::move(blocks);
-    QFile file(QString::fromStdString(modelFile(library)));
-    QDir().mkpath(QFileInfo(file).absolutePath());
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        file.write(QByteArray::fromStdString(describe(m_libraries[library])));
-        file.flush();
-        // Dates count in whole seconds: each edit gets a minute of its own,
-        // as a user's later edit would.
-        file.setFileTime(QDateTime::currentDateTime().addSecs(60 * ++m_edits), QFileDevice::FileModificationTime);
-    }
+    // Each edit changes the content, and gets a minute of its own: dates
+    // count in whole seconds, and a user's later edit would come later.
+    ++m_edits;
+    writeFile(modelFile(library), QByteArray::fromStdString("edit " + std::to_string(m_edits) + " of " + library));
+    setModified(modelFile(library), QDateTime::currentDateTime().addSecs(60 * m_edits));
     rebuildHandles();
 }
 
@@ -138,7 +123,7 @@ void ScriptedLibraries::rebuildHandles()
     m_byPath.clear();
     for (const auto& [library, blocks] : m_libraries) {
         const double handle = m_nextHandle++;
-        m_nodes[handle] = Node{library, nullptr, {}};
+        m_nodes[handle] = Node{nullptr, {}};
         m_byPath[library] = handle;
         addChildren(handle, library, blocks);
     }
@@ -149,7 +134,7 @@ void ScriptedLibraries::addChildren(double parent, const std::string& path, cons
     for (const ScriptedBlock& block : blocks) {
         const double handle = m_nextHandle++;
         const std::string childPath = path + "/" + block.name;
-        m_nodes[handle] = Node{childPath, &block, {}};
+        m_nodes[handle] = Node{&block, {}};
         m_byPath[childPath] = handle;
         m_nodes[parent].children.push_back(handle);
         if (block.type == "SubSystem")
@@ -164,12 +149,8 @@ double ScriptedLibraries::handleOfPath(const std::string& path) const
         return -1;
     const Node& node = m_nodes.at(found->second);
     // A reference lists the children of what it references.
-    if (node.block && node.block->type == "LibraryRef") {
-        const std::string target =
-            node.block->targetPath.empty() ? node.block->targetLibrary
-                                           : node.block->targetLibrary + "/" + node.block->targetPath;
-        return handleOfPath(target);
-    }
+    if (node.block && node.block->type == "LibraryRef")
+        return handleOfPath(target(*node.block));
     return found->second;
 }
 

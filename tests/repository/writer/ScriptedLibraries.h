@@ -9,8 +9,7 @@
 namespace LibraryBrowser::Testing {
 
 // One block of a scripted library; a subsystem has children, a reference a
-// target library and path.
-// Trailing members left out of a brace list are empty.
+// target library and path. Trailing members left out of a brace list are empty.
 struct ScriptedBlock {
     std::string name;
     std::string type = "Block";
@@ -31,8 +30,8 @@ struct ScriptedProduct {
 
 // A host world for the writer, answering every repository operation of
 // "tdprivate" from products and libraries held here. Each library also gets
-// a model file below the host root, whose content and date change with the
-// library, so that the writer's up-to-date tests see the change.
+// a model file below the host root, whose content and date change with each
+// edit of the library, so that the writer's up-to-date tests see the change.
 class ScriptedLibraries {
 public:
     ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::string hostRoot);
@@ -44,7 +43,6 @@ public:
 
 private:
     struct Node {
-        std::string path;
         const ScriptedBlock* block = nullptr; // null for a library
         std::vector<double> children;
     };

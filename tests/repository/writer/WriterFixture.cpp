@@ -5,15 +5,21 @@
 
 namespace LibraryBrowser::Testing {
 
+void WriterFixture::setAlphaAndBeta(int alphaBlocks, int betaBlocks)
+{
+    std::vector<ScriptedProduct> products{{"Alpha Library", "Alpha"}};
+    libraries.setLibrary("Alpha", blocks("A", alphaBlocks));
+    if (betaBlocks > 0) {
+        products.push_back({"Beta Library", "Beta"});
+        libraries.setLibrary("Beta", blocks("B", betaBlocks));
+    }
+    libraries.setProducts(std::move(products));
+}
+
 void WriterFixture::generate(GenerationMode mode)
 {
     report = RepositoryReport::create();
-    makeWriter()->generateRepository(mode);
-}
-
-std::unique_ptr<XMLRepositoryWriter> WriterFixture::makeWriter()
-{
-    return std::make_unique<XMLRepositoryWriter>(store(), report);
+    XMLRepositoryWriter(store(), report).generateRepository(mode);
 }
 
 std::unique_ptr<XMLRepositoryReader> WriterFixture::makeReader()
@@ -26,15 +32,14 @@ std::vector<std::string> WriterFixture::entries(const std::string& product, cons
     ZipArchive zip;
     if (!zip.open(archive(product, kind), ZipArchive::ReadOnly))
         return {};
-    std::vector<std::string> names = zip.entryNames();
-    zip.close();
-    return names;
+    return zip.entryNames();
 }
 
-std::vector<std::string> WriterFixture::childNames(XMLRepositoryReader& reader, const std::string& id) const
+std::vector<std::string> WriterFixture::childNames(const std::string& id)
 {
+    const auto reader = makeReader();
     std::vector<std::string> names;
-    for (TandrilObjectIterator it = reader.getChildrenIterator(reader.getTandrilObject(id)); it.isValidIterator();
+    for (TandrilObjectIterator it = reader->getChildrenIterator(reader->getTandrilObject(id)); it.isValidIterator();
          it.next())
         names.push_back(it.current().getName());
     return names;

@@ -18,16 +18,18 @@ protected:
     std::string store() const { return path("store"); }
     std::string archive(const std::string& product, const std::string& kind) const
     {
-        return store() + "/toolbox/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
+        return StoreFixture::archive(store(), product, kind);
     }
 
+    // The products Alpha (blocks A0, A1, ...) and, where asked, Beta (B0, ...).
+    void setAlphaAndBeta(int alphaBlocks, int betaBlocks = 0);
     // Generates everything with a new writer and a new report.
     void generate(GenerationMode mode = GenerationMode::Minimal);
-    std::unique_ptr<XMLRepositoryWriter> makeWriter();
     std::unique_ptr<XMLRepositoryReader> makeReader();
     // The entries of a product's archive.
     std::vector<std::string> entries(const std::string& product, const std::string& kind) const;
-    std::vector<std::string> childNames(XMLRepositoryReader& reader, const std::string& id) const;
+    // The names of an object's children, read through a fresh reader.
+    std::vector<std::string> childNames(const std::string& id);
 
     static std::vector<ScriptedBlock> blocks(const std::string& prefix, int count);
 
