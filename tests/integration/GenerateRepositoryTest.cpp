@@ -1,9 +1,11 @@
 #include "GenerationFixture.h"
 
 #include "repository/TandrilObjectIterator.h"
+#include "support/Files.h"
 
 #include <QDateTime>
-#include <QFile>
+
+#include <algorithm>
 
 using namespace LibraryBrowser;
 using namespace LibraryBrowser::Testing;
@@ -22,30 +24,26 @@ TEST_F(GenerateRepositoryTest, FromNothingEveryBlockAndIconReadsBack)
     EXPECT_EQ(logCount("??? **Error**"), 0) << logText();
 
     const auto reader = makeReader();
-    std::vector<std::string> listed;
-    for (TandrilObjectIterator it = reader->getProductsIterator(); it.isValidIterator(); it.next())
-        listed.push_back(it.current().getPath());
+    std::vector<std::string> listed = productPaths(*reader);
     std::sort(listed.begin(), listed.end());
-    std::vector<std::string> expected = Products;
-    expected.push_back("signal_workbench");
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(listed, expected);
+    EXPECT_EQ(listed, (std::vector<std::string>{"arithmetica", "kinetics", "signal_workbench", "switchyard",
+                                                "tandril", "wavecraft"}));
 
     int blocks = 0;
     for (const std::string& product : Products) {
         const TreeCounts declared = declaredCounts(product);
         const TreeCounts stored = storedCounts(*reader, product);
-        EXPECT_EQ(stored.blocks, declared.blocks) << product;
-        EXPECT_EQ(stored.subsystems, declared.subsystems) << product;
-        EXPECT_EQ(stored.references, declared.references) << product;
+        EXPECT_EQ(stored, declared) << product;
         EXPECT_EQ(stored.icons, stored.blocks + stored.subsystems + stored.references) << product;
         blocks += stored.blocks + stored.subsystems + stored.references;
-        EXPECT_TRUE(QFile::exists(QString::fromStdString(archiveOf(product, "icons")))) << product;
-        EXPECT_TRUE(QFile::exists(QString::fromStdString(archiveOf(product, "manifests")))) << product;
+        EXPECT_TRUE(exists(archiveOf(product, "icons"))) << product;
+        EXPECT_TRUE(exists(archiveOf(product, "manifests"))) << product;
     }
     EXPECT_EQ(blocks, 185);
 }
 
+// Neither a second run nor a library file that is only newer, its content
+// the same, writes any archive again.
 TEST_F(GenerateRepositoryTest, NothingChangedRewritesNoArchive)
 {
     generate();
@@ -56,20 +54,10 @@ TEST_F(GenerateRepositoryTest, NothingChangedRewritesNoArchive)
     EXPECT_EQ(logCount("Product is up-to-date!"), 5) << logText();
     EXPECT_FALSE(logHas("Entering "));
     EXPECT_EQ(archiveStamps(), before);
-}
 
-TEST_F(GenerateRepositoryTest, ATouchedLibraryFileRegeneratesNothing)
-{
+    setModified(libraryFile("arithmetica"), QDateTime::currentDateTime().addSecs(120));
     generate();
-    const auto before = archiveStamps();
-    QFile file(QString::fromStdString(libraryFile("arithmetica")));
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(120), QFileDevice::FileModificationTime));
-    file.close();
-
-    generate();
-    EXPECT_TRUE(logHas("The checksums matched! (arithmetica)")) << logText();
-    EXPECT_EQ(logCount("Product is up-to-date!"), 5);
+    EXPECT_EQ(logCount("Product is up-to-date!"), 5) << logText();
     EXPECT_EQ(archiveStamps(), before);
 }
 

@@ -2,8 +2,7 @@
 
 #include "platform/Platform.h"
 #include "repository/TandrilObjectIterator.h"
-
-#include <QFile>
+#include "support/Files.h"
 
 #include <algorithm>
 
@@ -94,10 +93,7 @@ TEST_F(GenerationFaultsTest, AnUnknownBlockTypeLeavesTheBlockOut)
 TEST_F(GenerationFaultsTest, ADamagedArchiveInTheStoreIsRebuilt)
 {
     generate();
-    QFile damaged(QString::fromStdString(archiveOf("wavecraft", "manifests")));
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    damaged.write("this is not a zip archive");
-    damaged.close();
+    writeFile(archiveOf("wavecraft", "manifests"), "this is not a zip archive");
     // Readable while damaged: the product just shows nothing.
     expectReadable({"wavecraft"});
 

@@ -2,33 +2,22 @@
 
 #include "repository/BlockIcon.h"
 #include "repository/TandrilObjectIterator.h"
+#include "support/Files.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
-#include <QDir>
 #include <QDirIterator>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcessEnvironment>
 
+#include <algorithm>
+
 namespace LibraryBrowser::Testing {
 
 namespace {
-
-void copyTree(const QString& from, const QString& to)
-{
-    QDirIterator it(from, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString file = it.next();
-        const QString target = to + "/" + QDir(from).relativeFilePath(file);
-        QDir().mkpath(QFileInfo(target).absolutePath());
-        QFile::copy(file, target);
-        QFile::setPermissions(target, QFile::permissions(target) | QFileDevice::WriteOwner);
-    }
-}
 
 void countDeclared(const QJsonArray& blocks, TreeCounts& counts)
 {
@@ -68,22 +57,13 @@ void countStored(XMLRepositoryReader& reader, const TandrilObject& parent, TreeC
 
 void GenerationFixture::SetUp()
 {
-    copyTree(Host::HostOptions::bundledRoot(), m_root.path());
+    for (const auto& [file, bytes] : snapshot(Host::HostOptions::bundledRoot().toStdString()))
+        writeFile(root() + "/" + file.toStdString(), bytes);
     Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
     options.root = m_root.path();
     options.preferencesDirectory = m_prefs.path();
     m_host = std::make_unique<Host::EmbeddedHost>(options);
     m_host->install();
-}
-
-void GenerationFixture::TearDown()
-{
-    m_host.reset();
-}
-
-std::string GenerationFixture::preferences() const
-{
-    return m_prefs.path().toStdString();
 }
 
 std::string GenerationFixture::libraryFile(const std::string& product) const
@@ -108,12 +88,18 @@ std::unique_ptr<XMLRepositoryReader> GenerationFixture::makeReader()
     return std::make_unique<XMLRepositoryReader>(store(), RepositoryReport::create());
 }
 
+std::vector<std::string> GenerationFixture::productPaths(XMLRepositoryReader& reader)
+{
+    std::vector<std::string> paths;
+    for (TandrilObjectIterator it = reader.getProductsIterator(); it.isValidIterator(); it.next())
+        paths.push_back(it.current().getPath());
+    return paths;
+}
+
 TreeCounts GenerationFixture::declaredCounts(const std::string& product) const
 {
-    QFile file(QString::fromStdString(libraryFile(product)));
-    file.open(QIODevice::ReadOnly);
     TreeCounts counts;
-    countDeclared(QJsonDocument::fromJson(file.readAll()).object().value("blocks").toArray(), counts);
+    countDeclared(QJsonDocument::fromJson(readFile(libraryFile(product))).object().value("blocks").toArray(), counts);
     return counts;
 }
 
@@ -128,15 +114,14 @@ TreeCounts GenerationFixture::storedCounts(XMLRepositoryReader& reader, const st
 
 std::map<std::string, std::string> GenerationFixture::archiveStamps() const
 {
+    // The checksum alone would miss an archive written again unchanged.
     std::map<std::string, std::string> stamps;
     QDirIterator it(m_store.path(), {"*.rps"}, QDir::Files, QDirIterator::Subdirectories);
     while (it.hasNext()) {
-        const QString path = it.next();
-        QFile file(path);
-        file.open(QIODevice::ReadOnly);
-        const QByteArray md5 = QCryptographicHash::hash(file.readAll(), QCryptographicHash::Md5).toHex();
-        const QDateTime time = QFileInfo(path).lastModified();
-        stamps[path.toStdString()] = md5.toStdString() + " " + std::to_string(time.toMSecsSinceEpoch());
+        const std::string path = it.next().toStdString();
+        const qint64 time = QFileInfo(QString::fromStdString(path)).lastModified().toMSecsSinceEpoch();
+        const QByteArray md5 = QCryptographicHash::hash(readFile(path), QCryptographicHash::Md5).toHex();
+        stamps[path] = md5.toStdString() + " " + std::to_string(time);
     }
     return stamps;
 }
@@ -154,42 +139,27 @@ std::string GenerationFixture::logText() const
     return text;
 }
 
-bool GenerationFixture::logHas(const std::string& text) const
-{
-    return logCount(text) > 0;
-}
-
 int GenerationFixture::logCount(const std::string& text) const
 {
-    int count = 0;
-    for (const std::string& line : report->getLog())
-        if (line.find(text) != std::string::npos)
-            ++count;
-    return count;
+    const auto& log = report->getLog();
+    return int(std::count_if(log.begin(), log.end(),
+                             [&](const std::string& line) { return line.find(text) != std::string::npos; }));
 }
 
 void GenerationFixture::editRootFile(const std::string& relative, const std::string& from,
                                      const std::string& to) const
 {
-    const QString path = m_root.path() + "/" + QString::fromStdString(relative);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    QByteArray bytes = file.readAll();
-    file.close();
+    QByteArray bytes = readFile(root() + "/" + relative);
     ASSERT_TRUE(bytes.contains(QByteArray::fromStdString(from))) << from << " in " << relative;
-    bytes.replace(QByteArray::fromStdString(from), QByteArray::fromStdString(to));
-    writeRootFile(relative, bytes);
+    writeRootFile(relative, bytes.replace(QByteArray::fromStdString(from), QByteArray::fromStdString(to)));
 }
 
 void GenerationFixture::writeRootFile(const std::string& relative, const QByteArray& bytes) const
 {
-    QFile file(m_root.path() + "/" + QString::fromStdString(relative));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
-    file.flush();
+    writeFile(root() + "/" + relative, bytes);
     // Dates count in whole seconds: an edit within the second of the last
     // generation would look unchanged, where a user's edit comes later.
-    file.setFileTime(QDateTime::currentDateTime().addSecs(60), QFileDevice::FileModificationTime);
+    setModified(root() + "/" + relative, QDateTime::currentDateTime().addSecs(60));
 }
 
 } // namespace LibraryBrowser::Testing

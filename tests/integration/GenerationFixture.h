@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace LibraryBrowser::Testing {
 
@@ -31,11 +32,10 @@ struct TreeCounts {
 class GenerationFixture : public ::testing::Test {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     std::string root() const { return m_root.path().toStdString(); }
     std::string store() const { return m_store.path().toStdString(); }
-    std::string preferences() const;
+    std::string preferences() const { return m_prefs.path().toStdString(); }
     std::string libraryFile(const std::string& product) const;
 
     // A new writer on the store, sharing the fixture's report.
@@ -45,6 +45,8 @@ protected:
     // A fresh reader of the store.
     std::unique_ptr<XMLRepositoryReader> makeReader();
 
+    // The paths of the products the store lists, in its order.
+    static std::vector<std::string> productPaths(XMLRepositoryReader& reader);
     // What a library file declares, references not followed.
     TreeCounts declaredCounts(const std::string& product) const;
     // What the store gives back for a product, walked through a reader.
@@ -54,7 +56,7 @@ protected:
     std::map<std::string, std::string> archiveStamps() const;
     std::string archiveOf(const std::string& product, const char* kind) const;
 
-    bool logHas(const std::string& text) const;
+    bool logHas(const std::string& text) const { return logCount(text) > 0; }
     int logCount(const std::string& text) const;
     std::string logText() const;
     // Rewrites a file of the root copy, dated a minute ahead: every `from`
@@ -68,6 +70,7 @@ private:
     QTemporaryDir m_root;
     QTemporaryDir m_prefs;
     QTemporaryDir m_store;
+    // Last, so that it goes first, before the directories it works in.
     std::unique_ptr<Host::EmbeddedHost> m_host;
 };
 

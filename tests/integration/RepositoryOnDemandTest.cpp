@@ -3,8 +3,7 @@
 #include "repository/TandrilObjectIterator.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 #include "repository/xmlrepository/XMLRepository.h"
-
-#include <QFile>
+#include "support/Files.h"
 
 using namespace LibraryBrowser;
 using namespace LibraryBrowser::Testing;
@@ -42,8 +41,8 @@ protected:
 
     bool writableHas(const std::string& product) const
     {
-        return QFile::exists(QString::fromStdString(preferences() + "/td_library_browser_repos/" + product + "/lb_" +
-                                                    product + "_manifests_repos.rps"));
+        return exists(preferences() + "/td_library_browser_repos/" + product + "/lb_" + product +
+                      "_manifests_repos.rps");
     }
 
     std::vector<std::string> sent;
@@ -51,15 +50,21 @@ protected:
 
 } // namespace
 
-TEST_F(RepositoryOnDemandTest, AShippedStoreUpToDateIsReadAsItIs)
+// Made at the first open, the shipped store is then read as it is: nothing
+// generated, nothing in the writable store.
+TEST_F(RepositoryOnDemandTest, AMissingShippedStoreIsGeneratedAtOpenAndThenReadAsItIs)
 {
-    shipStore();
+    EXPECT_TRUE(open()->exists());
+    EXPECT_TRUE(exists(shippedRepositoryDirectory() + "/wavecraft/lb_wavecraft_icons_repos.rps"));
+
     auto repository = open();
+    EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("wavecraft")).size(), 3);
     const TandrilObject kinetics = repository->getTandrilObject("kinetics");
     EXPECT_EQ(repository->getChildrenIterator(kinetics).size(), 5);
     EXPECT_EQ(repository->getChildrenIterator(child(*repository, kinetics, "Continuous")).size(), 10);
     EXPECT_TRUE(sent.empty());
     EXPECT_FALSE(writableHas("kinetics"));
+    EXPECT_FALSE(writableHas("wavecraft"));
     EXPECT_EQ(repository->shippedReader()->getVersion(), Model::createModel()->signature().toString());
 }
 
@@ -85,13 +90,4 @@ TEST_F(RepositoryOnDemandTest, AChangedProductIsGeneratedBetweenTheTwoSignals)
     auto again = open();
     EXPECT_EQ(again->getChildrenIterator(again->getTandrilObject("arithmetica")).size(), 4);
     EXPECT_TRUE(sent.empty());
-}
-
-TEST_F(RepositoryOnDemandTest, AMissingShippedStoreIsGeneratedAtOpen)
-{
-    auto repository = open();
-    EXPECT_TRUE(repository->exists());
-    EXPECT_TRUE(QFile::exists(QString::fromStdString(shippedRepositoryDirectory() + "/wavecraft/lb_wavecraft_icons_repos.rps")));
-    EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("wavecraft")).size(), 3);
-    EXPECT_FALSE(writableHas("wavecraft"));
 }

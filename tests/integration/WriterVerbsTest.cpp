@@ -1,8 +1,11 @@
 #include "GenerationFixture.h"
 
 #include "repository/TandrilObjectIterator.h"
+#include "support/Files.h"
 
 #include <QFile>
+
+#include <algorithm>
 
 using namespace LibraryBrowser;
 using namespace LibraryBrowser::Testing;
@@ -12,14 +15,6 @@ namespace {
 using UpdateProductsTest = GenerationFixture;
 using GenerateProductTest = GenerationFixture;
 using DestroyTest = GenerationFixture;
-
-std::vector<std::string> productPaths(XMLRepositoryReader& reader)
-{
-    std::vector<std::string> paths;
-    for (TandrilObjectIterator it = reader.getProductsIterator(); it.isValidIterator(); it.next())
-        paths.push_back(it.current().getPath());
-    return paths;
-}
 
 bool contains(const std::vector<std::string>& list, const std::string& item)
 {
@@ -40,10 +35,8 @@ TEST_F(UpdateProductsTest, ListsTheHostsProductsWithoutGeneratingThem)
     std::vector<std::string> topLevel;
     for (TandrilObjectIterator it = reader->getTopLevelIterator(); it.isValidIterator(); it.next())
         topLevel.push_back(it.current().getPath());
-    EXPECT_FALSE(contains(topLevel, "wavecraft"));
-    EXPECT_FALSE(contains(topLevel, "arithmetica"));
-    EXPECT_TRUE(contains(topLevel, "signal_workbench"));
-    EXPECT_TRUE(contains(topLevel, "kinetics"));
+    std::sort(topLevel.begin(), topLevel.end());
+    EXPECT_EQ(topLevel, (std::vector<std::string>{"kinetics", "signal_workbench", "switchyard", "tandril"}));
 }
 
 TEST_F(UpdateProductsTest, AProductRemovedFromThePathLeavesTheStore)
@@ -54,8 +47,8 @@ TEST_F(UpdateProductsTest, AProductRemovedFromThePathLeavesTheStore)
     makeWriter()->updateProducts();
     const auto reader = makeReader();
     EXPECT_FALSE(contains(productPaths(*reader), "switchyard"));
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(archiveOf("switchyard", "icons"))));
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(archiveOf("switchyard", "manifests"))));
+    EXPECT_FALSE(exists(archiveOf("switchyard", "icons")));
+    EXPECT_FALSE(exists(archiveOf("switchyard", "manifests")));
     EXPECT_EQ(storedCounts(*reader, "kinetics"), declaredCounts("kinetics"));
 }
 
@@ -70,7 +63,7 @@ TEST_F(UpdateProductsTest, AProductThatBecomesAPaletteComesBackAsAPalette)
     const Library arithmetica = reader->getProduct("arithmetica");
     ASSERT_TRUE(arithmetica.isValid());
     EXPECT_TRUE(TandrilObject(arithmetica).isPalette());
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(archiveOf("arithmetica", "manifests"))));
+    EXPECT_FALSE(exists(archiveOf("arithmetica", "manifests")));
     std::vector<std::string> members;
     for (TandrilObjectIterator it = reader->getChildrenIterator(arithmetica); it.isValidIterator(); it.next())
         members.push_back(it.current().getPath());
@@ -90,26 +83,22 @@ TEST_F(UpdateProductsTest, TheSameModelFileTwiceKeepsTheFirst)
     EXPECT_FALSE(contains(productPaths(*reader), "switchyard"));
 }
 
-TEST_F(GenerateProductTest, GeneratesOnlyThatProduct)
+// A product generates alone; a palette generates its members and leaves
+// its level of the report open.
+TEST_F(GenerateProductTest, GeneratesOnlyThatProductOrThePalettesMembers)
 {
     auto writer = makeWriter();
     writer->updateProducts();
     writer->generateProduct(makeReader()->getProduct("wavecraft"));
-    EXPECT_TRUE(QFile::exists(QString::fromStdString(archiveOf("wavecraft", "icons"))));
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(archiveOf("kinetics", "icons"))));
+    EXPECT_TRUE(exists(archiveOf("wavecraft", "icons")));
+    EXPECT_FALSE(exists(archiveOf("arithmetica", "icons")));
     EXPECT_FALSE(report->hasError());
     EXPECT_EQ(storedCounts(*makeReader(), "wavecraft"), declaredCounts("wavecraft"));
-}
+    EXPECT_EQ(report->indentation, 0);
 
-TEST_F(GenerateProductTest, APaletteGeneratesItsMembersAndStaysOneLevelDeeper)
-{
-    auto writer = makeWriter();
-    writer->updateProducts();
     writer->generateProduct(makeReader()->getProduct("signal_workbench"));
-    EXPECT_TRUE(QFile::exists(QString::fromStdString(archiveOf("wavecraft", "manifests"))));
-    EXPECT_TRUE(QFile::exists(QString::fromStdString(archiveOf("arithmetica", "manifests"))));
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(archiveOf("kinetics", "manifests"))));
-    // A palette's generation doesn't close its level of the report.
+    EXPECT_TRUE(exists(archiveOf("arithmetica", "manifests")));
+    EXPECT_FALSE(exists(archiveOf("kinetics", "manifests")));
     EXPECT_EQ(report->indentation, 1);
     EXPECT_EQ(logCount("Processing product Signal Workbench"), 1);
 
@@ -120,17 +109,23 @@ TEST_F(GenerateProductTest, APaletteGeneratesItsMembersAndStaysOneLevelDeeper)
     EXPECT_EQ(reader->getChildrenIterator(palette).size(), 2);
 }
 
-TEST_F(GenerateProductTest, AProductThatVanishedBetweenTwoVerbsIsNotGenerated)
+// An invalid handle, and a product that left the host after the writer
+// listed it, are both refused before anything is written.
+TEST_F(GenerateProductTest, AnInvalidOrVanishedProductIsNotGenerated)
 {
+    makeWriter()->generateProduct(Library());
+    EXPECT_EQ(logCount("??? **Error**   Unable to start generation: the product is invalid"), 1) << logText();
+    EXPECT_TRUE(report->hasError());
+    EXPECT_FALSE(exists(store() + "/toolbox"));
+
     auto writer = makeWriter();
     writer->updateProducts();
-    const auto before = makeReader();
-    const Library switchyard = before->getProduct("switchyard");
+    const auto listed = makeReader();
+    const Library switchyard = listed->getProduct("switchyard");
     ASSERT_TRUE(switchyard.isValid());
     ASSERT_TRUE(QFile::remove(QString::fromStdString(root() + "/toolbox/switchyard/tdblocks.json")));
-
     writer->generateProduct(switchyard);
-    EXPECT_TRUE(logHas("??? **Error**   Unable to start generation: the product is invalid")) << logText();
+    EXPECT_EQ(logCount("Unable to start generation: the product is invalid"), 2) << logText();
     EXPECT_TRUE(archiveStamps().empty());
 
     generate();
@@ -139,42 +134,27 @@ TEST_F(GenerateProductTest, AProductThatVanishedBetweenTwoVerbsIsNotGenerated)
     EXPECT_EQ(storedCounts(*reader, "tandril"), declaredCounts("tandril"));
 }
 
-TEST_F(GenerateProductTest, AnInvalidHandleTouchesNothing)
-{
-    makeWriter()->generateProduct(Library());
-    EXPECT_EQ(logCount("Unable to start generation: the product is invalid"), 1);
-    EXPECT_TRUE(report->hasError());
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(store() + "/toolbox")));
-}
-
-TEST_F(DestroyTest, DestroyingAProductKeepsItListedAndTheNextGenerationMakesItAgain)
+// Destroying an unknown product changes nothing; a known one keeps its
+// place in the list and comes back with the next generation; destroying
+// the repository leaves no store.
+TEST_F(DestroyTest, ProductsAndTheRepository)
 {
     generate();
-    auto writer = makeWriter();
-    writer->destroyProduct(std::string("switchyard"));
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(archiveOf("switchyard", "icons"))));
+    const auto before = archiveStamps();
+    makeWriter()->destroyProduct(std::string("nowhere"));
+    EXPECT_TRUE(logHas("??? **Error**   Unable to find product 'nowhere'")) << logText();
+    EXPECT_TRUE(report->hasError());
+    EXPECT_EQ(archiveStamps(), before);
+
+    makeWriter()->destroyProduct(std::string("switchyard"));
+    EXPECT_FALSE(exists(archiveOf("switchyard", "icons")));
     EXPECT_TRUE(contains(productPaths(*makeReader()), "switchyard"));
     EXPECT_EQ(archiveStamps().size(), 8u);
 
     generate();
     EXPECT_EQ(logCount("Product is up-to-date!"), 4) << logText();
     EXPECT_EQ(storedCounts(*makeReader(), "switchyard"), declaredCounts("switchyard"));
-}
 
-TEST_F(DestroyTest, AnUnknownProductChangesNothing)
-{
-    generate();
-    const auto before = archiveStamps();
-    auto writer = makeWriter();
-    writer->destroyProduct(std::string("nowhere"));
-    EXPECT_TRUE(logHas("??? **Error**   Unable to find product 'nowhere'"));
-    EXPECT_TRUE(report->hasError());
-    EXPECT_EQ(archiveStamps(), before);
-}
-
-TEST_F(DestroyTest, DestroyingTheRepositoryLeavesNoStore)
-{
-    generate();
     makeWriter()->destroyRepository();
     EXPECT_TRUE(archiveStamps().empty());
     EXPECT_FALSE(makeReader()->exists());
