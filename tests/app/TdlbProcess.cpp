@@ -1,54 +1,51 @@
 #include "TdlbProcess.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
+#include "support/Files.h"
+
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
-#include <QProcessEnvironment>
 
 namespace LibraryBrowser::Testing {
-
-namespace {
-
-bool copyTree(const QString& from, const QString& to)
-{
-    QDirIterator it(from, QDir::Files | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString source = it.next();
-        const QString target = to + "/" + QDir(from).relativeFilePath(source);
-        if (!QDir().mkpath(QFileInfo(target).path()) || !QFile::copy(source, target))
-            return false;
-    }
-    return true;
-}
-
-} // namespace
 
 QJsonObject TdlbResult::json() const
 {
     return QJsonDocument::fromJson(out.toUtf8()).object();
 }
 
-TdlbProcess::TdlbProcess()
+QJsonObject TdlbResult::jsonEntry(const QString& array, const QString& path) const
 {
-    m_ready = m_root.isValid() && m_prefs.isValid() && copyTree(TDLB_EXAMPLE_ROOT, m_root.path());
+    for (const QJsonValue& entry : json()[array].toArray())
+        if (entry["path"].toString() == path)
+            return entry.toObject();
+    return QJsonObject();
 }
 
-TdlbResult TdlbProcess::run(const QStringList& arguments) const
+TdlbProcess::TdlbProcess()
 {
-    return runRaw(QStringList{"--root", root(), "--prefdir", preferences()} + arguments);
+    m_ready = m_root.isValid() && m_prefs.isValid();
+    for (const auto& [file, bytes] : snapshot(TDLB_EXAMPLE_ROOT))
+        writeFile((root() + "/" + file).toStdString(), bytes);
+}
+
+QStringList TdlbProcess::withRoot(const QStringList& arguments) const
+{
+    return QStringList{"--root", root(), "--prefdir", preferences()} + arguments;
+}
+
+QProcessEnvironment TdlbProcess::environment()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"NUMORA_ROOT", "NUMORA_PREFDIR", "NUMORA_PATH"})
+        environment.remove(name);
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
+    return environment;
 }
 
 TdlbResult TdlbProcess::runRaw(const QStringList& arguments)
 {
     QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"NUMORA_ROOT", "NUMORA_PREFDIR", "NUMORA_PATH"})
-        environment.remove(name);
-    environment.insert("QT_QPA_PLATFORM", "offscreen");
-    process.setProcessEnvironment(environment);
+    process.setProcessEnvironment(environment());
     process.start(TDLB_EXECUTABLE, arguments);
     TdlbResult result;
     if (!process.waitForFinished(120000)) {

@@ -1,10 +1,12 @@
 #pragma once
 
-#include <QByteArray>
 #include <QJsonObject>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 namespace LibraryBrowser::Testing {
 
@@ -16,6 +18,8 @@ struct TdlbResult {
     QString err;
     // Standard output as one JSON object; empty if it is none.
     QJsonObject json() const;
+    // The object of that array of json() whose "path" is given; empty if none.
+    QJsonObject jsonEntry(const QString& array, const QString& path) const;
 };
 
 // The built tdlb on a private copy of the example root, with a preferences
@@ -28,15 +32,33 @@ public:
     QString root() const { return m_root.path(); }
     QString preferences() const { return m_prefs.path(); }
 
-    // tdlb --root ROOT --prefdir PREFS arguments...
-    TdlbResult run(const QStringList& arguments) const;
+    // --root ROOT --prefdir PREFS arguments...
+    QStringList withRoot(const QStringList& arguments) const;
+    TdlbResult run(const QStringList& arguments) const { return runRaw(withRoot(arguments)); }
     // tdlb with exactly these arguments.
     static TdlbResult runRaw(const QStringList& arguments);
+    // The caller's environment without the host's own variables, so that
+    // only the arguments choose root and preferences.
+    static QProcessEnvironment environment();
 
 private:
     QTemporaryDir m_root;
     QTemporaryDir m_prefs;
     bool m_ready = false;
+};
+
+// A test on a root copy of its own, updated first, as a user starts.
+class UpdatedTdlbTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(tdlb.isReady());
+        update = tdlb.run({"update"});
+        ASSERT_EQ(update.exitCode, 0) << qPrintable(update.err);
+    }
+
+    TdlbProcess tdlb;
+    TdlbResult update;
 };
 
 } // namespace LibraryBrowser::Testing

@@ -3,7 +3,6 @@
 
 #include "TdlbProcess.h"
 
-#include <QProcessEnvironment>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -22,6 +21,16 @@ struct TerminalRun {
     QString text;
 };
 
+// Pointers to the strings and a null after them, as exec takes them.
+std::vector<char*> nullTerminated(std::vector<QByteArray>& strings)
+{
+    std::vector<char*> pointers;
+    for (QByteArray& bytes : strings)
+        pointers.push_back(bytes.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 // Runs tdlb with all three standard streams on a pseudo terminal.
 TerminalRun runOnTerminal(const QStringList& arguments)
 {
@@ -30,22 +39,11 @@ TerminalRun runOnTerminal(const QStringList& arguments)
     std::vector<QByteArray> argumentBytes{QByteArray(TDLB_EXECUTABLE)};
     for (const QString& argument : arguments)
         argumentBytes.push_back(argument.toLocal8Bit());
-    std::vector<char*> argv;
-    for (QByteArray& bytes : argumentBytes)
-        argv.push_back(bytes.data());
-    argv.push_back(nullptr);
-
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"NUMORA_ROOT", "NUMORA_PREFDIR", "NUMORA_PATH"})
-        environment.remove(name);
-    environment.insert("QT_QPA_PLATFORM", "offscreen");
     std::vector<QByteArray> environmentBytes;
-    for (const QString& entry : environment.toStringList())
+    for (const QString& entry : TdlbProcess::environment().toStringList())
         environmentBytes.push_back(entry.toLocal8Bit());
-    std::vector<char*> envp;
-    for (QByteArray& bytes : environmentBytes)
-        envp.push_back(bytes.data());
-    envp.push_back(nullptr);
+    const std::vector<char*> argv = nullTerminated(argumentBytes);
+    const std::vector<char*> envp = nullTerminated(environmentBytes);
 
     TerminalRun run;
     int terminal = -1;
@@ -75,14 +73,11 @@ TerminalRun runOnTerminal(const QStringList& arguments)
     return run;
 }
 
-TEST(TdlbTerminalTest, GenerateShowsProgressOnATerminalOnly)
-{
-    TdlbProcess tdlb;
-    ASSERT_TRUE(tdlb.isReady());
-    ASSERT_EQ(tdlb.run({"update"}).exitCode, 0);
-    const QStringList arguments{"--root", tdlb.root(), "--prefdir", tdlb.preferences(), "generate"};
+using TdlbTerminalTest = UpdatedTdlbTest;
 
-    const TerminalRun onTerminal = runOnTerminal(arguments);
+TEST_F(TdlbTerminalTest, GenerateShowsProgressOnATerminalOnly)
+{
+    const TerminalRun onTerminal = runOnTerminal(tdlb.withRoot({"generate"}));
     ASSERT_EQ(onTerminal.exitCode, 0) << qPrintable(onTerminal.text);
     EXPECT_TRUE(onTerminal.text.contains(QRegularExpression(R"(\[1/6\] Arithmetica \(\d+\.\d s\))")))
         << qPrintable(onTerminal.text);
