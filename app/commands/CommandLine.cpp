@@ -40,7 +40,8 @@ void print(const QString& text)
 
 CommandLine::CommandLine()
     : m_commands{updateCommand(),  listCommand(),     searchCommand(), treeCommand(), showCommand(),
-                 generateCommand(), destroyCommand(), checksumCommand(), reportCommand()}
+                 generateCommand(), destroyCommand(), checksumCommand(), reportCommand(),
+                 pageCommand()}
 {
 }
 

@@ -20,6 +20,8 @@ Command generateCommand();
 Command destroyCommand();
 // checksum: the checksum the store records for a file.
 Command checksumCommand();
+// page: one library page of tiles in a window, or rendered to a PNG.
+Command pageCommand();
 // report: the log of the run that opens the repository.
 Command reportCommand();
 

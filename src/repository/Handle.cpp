@@ -69,8 +69,15 @@ std::string Handle::getType() const
 std::string Handle::getPath() const { return blockText(*this, &BlockImpl::getPath); }
 std::string Handle::getName() const { return blockText(*this, &BlockImpl::getName); }
 std::string Handle::getDisplayName() const { return blockText(*this, &BlockImpl::getDisplayName); }
+std::string Handle::getDisplayPath() const { return blockText(*this, &BlockImpl::getDisplayPath); }
 std::string Handle::getProductName() const { return blockText(*this, &BlockImpl::getProductName); }
 std::string Handle::getDescription() const { return blockText(*this, &BlockImpl::getDescription); }
+
+QRectF Handle::getBlockPosition() const
+{
+    const BlockImpl* node = implAs<BlockImpl>();
+    return node ? node->getPosition() : QRectF();
+}
 
 BlockIconPtr Handle::getIcon() const
 {

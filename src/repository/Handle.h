@@ -4,6 +4,8 @@
 #include "repository/BlockIcon.h"
 #include "repository/HandleData.h"
 
+#include <QRectF>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -47,6 +49,10 @@ public:
     std::string getPath() const;
     std::string getName() const;
     std::string getDisplayName() const;
+    // Where the tree and the pages know the object by: its path as shown.
+    std::string getDisplayPath() const;
+    // The block's rectangle in its library; empty for anything else.
+    QRectF getBlockPosition() const;
     std::string getProductName() const;
     std::string getDescription() const;
     // The icon the cache gives for a valid object, else null.

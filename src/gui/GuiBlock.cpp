@@ -1,0 +1,284 @@
+#include "gui/GuiBlock.h"
+
+#include "gui/BlocksPage.h"
+#include "gui/BlocksPageHost.h"
+#include "gui/BlocksPanel.h"
+#include "gui/BrowserHostCommands.h"
+#include "gui/IconPixmapCache.h"
+
+#include <QLinearGradient>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTextLayout>
+
+#include <atomic>
+
+namespace LibraryBrowser {
+
+namespace {
+
+std::atomic<long long> created{0};
+
+const QColor SelectionStroke = QColor::fromRgbF(0.631f, 0.8f, 0.831f);
+const QColor SelectionTop = QColor::fromRgbF(0.961f, 0.976f, 1.0f);
+const QColor SelectionBottom = QColor::fromRgbF(0.686f, 0.875f, 0.906f);
+const QColor BoxStroke = QColor::fromRgbF(0.8f, 0.8f, 0.8f);
+
+// The corners of a stretched list item stay as round as those of a tile.
+qreal cornerRadius(int width) { return 0.06 / ((width + 64) * 0.0078125) * 64; }
+
+// Up to two lines of name in the rectangle, centred, the second elided.
+void drawTwoLines(QPainter& painter, const QRect& rect, const QString& text, Qt::Alignment horizontal)
+{
+    const QFontMetrics metrics(painter.font());
+    QTextLayout layout(text, painter.font());
+    QTextOption option(horizontal);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QStringList lines;
+    for (int i = 0; i < 2; ++i) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
+        line.setLineWidth(rect.width());
+        lines.append(text.mid(line.textStart(), line.textLength()).trimmed());
+        if (i == 1 && line.textStart() + line.textLength() < text.size())
+            lines.back() = metrics.elidedText(text.mid(line.textStart()), Qt::ElideRight, rect.width());
+    }
+    layout.endLayout();
+    const int lineHeight = metrics.height();
+    int y = horizontal == Qt::AlignHCenter ? rect.top() : rect.top() + (rect.height() - lineHeight * int(lines.size())) / 2;
+    for (const QString& line : lines) {
+        painter.drawText(QRect(rect.left(), y, rect.width(), lineHeight), int(horizontal) | Qt::AlignVCenter, line);
+        y += lineHeight;
+    }
+}
+
+} // namespace
+
+GuiBlock::GuiBlock(BlocksPageHost* browser, Block block, BlocksPage* page)
+    : m_browser(browser), m_block(std::move(block)), m_page(page)
+{
+    ++created;
+}
+
+GuiBlock::~GuiBlock() = default;
+
+long long GuiBlock::instancesCreated() { return created.load(); }
+
+std::string GuiBlock::getDisplayPath() const { return m_block.getDisplayPath(); }
+
+bool GuiBlock::isFromLibraryBlocksPage() const { return m_page && !m_page->isResultsPage(); }
+
+int GuiBlock::createBlockGraphics(BlocksPanel* panel, BlockIconPtr icon, int children)
+{
+    m_panel = panel;
+    m_icon = std::move(icon);
+    m_children = children;
+    const TileMetrics& metrics = m_page->getTileMetrics();
+    if (metrics.layout == LayoutType::List) {
+        const int nameWidth = BrowserUtils::getFontInfoStringWidth(m_page->getPageFont(), getDisplayName());
+        m_widgetWidth = std::max(m_page->getEffectiveListItemWidth(), metrics.listWidthFor(nameWidth));
+    } else {
+        m_widgetWidth = metrics.gridWidth;
+    }
+    m_geometry.setSize(QSize(m_widgetWidth, metrics.height));
+    return m_widgetWidth;
+}
+
+QRect GuiBlock::getWidgetPosition() const
+{
+    if (!m_panel)
+        return m_geometry;
+    return m_geometry.translated(m_panel->pos());
+}
+
+void GuiBlock::adjustListItemSize(int width)
+{
+    m_widgetWidth = width;
+    m_geometry.setWidth(width);
+}
+
+void GuiBlock::paint(QPainter& painter, const TileMetrics& metrics, bool selected, bool hovered) const
+{
+    painter.save();
+    painter.translate(m_geometry.topLeft());
+    const int width = m_geometry.width();
+    const int height = m_geometry.height();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF frame(0.5, 0.5, width - 1, height - 1);
+    const qreal radius = cornerRadius(width);
+    if (selected) {
+        QLinearGradient gradient(0, 0, 0, height);
+        gradient.setColorAt(0, SelectionTop);
+        gradient.setColorAt(1, SelectionBottom);
+        painter.setPen(SelectionStroke);
+        painter.setBrush(gradient);
+        painter.drawRoundedRect(frame, radius, radius);
+    } else if (hovered) {
+        QColor tint = SelectionBottom;
+        tint.setAlphaF(0.25f);
+        painter.setPen(SelectionStroke);
+        painter.setBrush(tint);
+        painter.drawRoundedRect(frame, radius, radius);
+    }
+    if (metrics.drawsBox()) {
+        painter.setRenderHint(QPainter::Antialiasing, false);
+        painter.setPen(BoxStroke);
+        painter.setBrush(Qt::white);
+        if (m_children < 1) {
+            painter.drawRect(metrics.box.adjusted(0, 0, -1, -1));
+        } else {
+            for (int depth = 2; depth >= 0; --depth)
+                painter.drawRect(metrics.stackedBox(depth).adjusted(0, 0, -1, -1));
+        }
+        painter.setRenderHint(QPainter::Antialiasing);
+    }
+    if (m_icon) {
+        const QSizeF natural = IconPixmapCache::naturalSize(*m_icon);
+        if (!natural.isEmpty()) {
+            const auto placement = BrowserUtils::fitBlockIconToBox(natural.width(), natural.height(), m_children,
+                                                                   metrics.layout, metrics.size, metrics.points);
+            const QRectF target(placement.x, placement.y, natural.width() * placement.scale,
+                                natural.height() * placement.scale);
+            const QRect pixelTarget = target.toAlignedRect();
+            const QPixmap pixmap =
+                IconPixmapCache::instance().pixmap(m_icon, pixelTarget.size(), painter.device()->devicePixelRatioF());
+            if (!pixmap.isNull())
+                painter.drawPixmap(pixelTarget.topLeft(), pixmap);
+        }
+    }
+    painter.setPen(m_panel ? m_panel->palette().text().color() : QColor(Qt::black));
+    painter.setFont(m_page->getNameFont());
+    const QRect nameRect = metrics.nameRect(width);
+    const QString name = QString::fromStdString(getDisplayName());
+    if (metrics.layout == LayoutType::List)
+        painter.drawText(nameRect, Qt::AlignLeft | Qt::AlignVCenter, name);
+    else if (metrics.size == IconSize::Compact)
+        drawTwoLines(painter, nameRect, name, Qt::AlignLeft);
+    else
+        drawTwoLines(painter, nameRect, name, Qt::AlignHCenter);
+    painter.restore();
+}
+
+QString GuiBlock::toolTip() const
+{
+    return QString::fromStdString(isFromLibraryBlocksPage() ? getDisplayName() : getDisplayPath());
+}
+
+bool GuiBlock::actsOnEvents() const { return m_page && m_browser->internalGetCurrentBlocksPage() == m_page; }
+
+void GuiBlock::mousePressEvent(QMouseEvent* event)
+{
+    if (!actsOnEvents())
+        return;
+    if (event->button() == Qt::LeftButton)
+        m_leftPressed = true;
+    else if (event->button() == Qt::RightButton)
+        m_rightPressed = true;
+    m_page->setSelectedBlock(this);
+}
+
+void GuiBlock::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!actsOnEvents() || !(m_leftPressed || m_rightPressed))
+        return;
+    if (event->buttons() & Qt::LeftButton)
+        m_leftDragged = m_leftPressed;
+    if (event->buttons() & Qt::RightButton)
+        m_rightDragged = m_rightPressed;
+    if (m_panel)
+        m_panel->setCursor(m_block.isValid() ? Qt::DragCopyCursor : Qt::ForbiddenCursor);
+}
+
+void GuiBlock::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (!actsOnEvents())
+        return;
+    if (m_panel)
+        m_panel->unsetCursor();
+    if (getPath().empty()) {
+        m_leftPressed = m_leftDragged = m_rightPressed = m_rightDragged = false;
+        return;
+    }
+    const QPoint global = event->globalPosition().toPoint();
+    if (event->button() == Qt::LeftButton) {
+        if (m_leftDragged)
+            drop(global);
+        m_leftPressed = false;
+        m_leftDragged = false;
+    } else if (event->button() == Qt::RightButton) {
+        // The flag of the right drag stays set: the context-menu event that
+        // follows the release finds it and shows no menu.
+        if (m_rightDragged)
+            drop(global);
+        m_rightPressed = false;
+    }
+}
+
+void GuiBlock::drop(const QPoint& globalPosition)
+{
+    if (m_browser->getPosition().contains(globalPosition))
+        return;
+    const std::string system = BrowserUtils::tdSysNameUnderMouse();
+    if (system.empty())
+        return;
+    m_browser->internalSetCursor(Qt::BusyCursor);
+    loadRootLibrary();
+    BrowserUtils::dropBlock(getPath(), system, globalPosition.x(), globalPosition.y());
+    m_browser->internalUnsetCursor();
+}
+
+void GuiBlock::mouseDoubleClickEvent(QMouseEvent*)
+{
+    if (actsOnEvents())
+        respondToMouseDoubleClick();
+}
+
+bool GuiBlock::takeContextMenuFlag()
+{
+    const bool wasSet = m_rightDragged;
+    m_rightDragged = false;
+    return wasSet;
+}
+
+void GuiBlock::loadRootLibrary() { m_browser->internalLoadRootLibrary(getPath(), getDisplayPath()); }
+
+void GuiBlock::respondToMouseDoubleClick()
+{
+    loadRootLibrary();
+    BrowserUtils::openBlockDialog(getPath(), BlockDialogType::Default);
+}
+
+void GuiBlock::showBlockHelp()
+{
+    loadRootLibrary();
+    BrowserUtils::displayHTMLBlockHelp(getPath().c_str());
+}
+
+void GuiBlock::showBlockParams()
+{
+    loadRootLibrary();
+    BrowserUtils::openBlockDialog(getPath(), BlockDialogType::Parameters);
+}
+
+void GuiBlock::addToCurrentOpenSystem()
+{
+    loadRootLibrary();
+    std::string system;
+    ModelType type = ModelType::Unknown;
+    bool locked = false;
+    BrowserUtils::getCurrentOpenSystemWithTypeAndLockState(system, type, locked);
+    if (system.empty() || locked)
+        system = BrowserUtils::openNewSystem(ModelType::Model);
+    BrowserUtils::addBlockToModel(getPath(), system);
+}
+
+void GuiBlock::goToParent()
+{
+    loadRootLibrary();
+    m_browser->goToParent();
+}
+
+} // namespace LibraryBrowser
