@@ -51,11 +51,12 @@ QList<double> numbersOf(const QVariant& value, int count)
     return numbers.size() == count ? numbers : QList<double>();
 }
 
+// Colour parts to four digits: enough for every 8-bit value, short to read.
 QStringList textsOf(const QList<double>& numbers)
 {
     QStringList texts;
     for (double number : numbers)
-        texts.append(QString::number(number, 'g', 10));
+        texts.append(QString::number(number, 'g', 4));
     return texts;
 }
 
@@ -165,7 +166,8 @@ void BrowserPreferences::setStringList(const char* key, const QStringList& value
 
 void BrowserPreferences::setRect(const char* key, const QRect& value)
 {
-    setValue(key, textsOf({double(value.x()), double(value.y()), double(value.width()), double(value.height())}));
+    setValue(key, QStringList{QString::number(value.x()), QString::number(value.y()), QString::number(value.width()),
+                              QString::number(value.height())});
 }
 
 void BrowserPreferences::setColor(const char* key, const QColor& value)

@@ -1,0 +1,172 @@
+// The tile arithmetic and text helpers, checked against values worked out by
+// hand for a 96 dots-per-inch screen and 10-point names.
+
+#include "gui/BrowserUtils.h"
+#include "gui/SelectionMoves.h"
+#include "gui/TileMetrics.h"
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser {
+namespace {
+
+using namespace BrowserUtils;
+
+class TileSizes : public ::testing::Test {
+protected:
+    void SetUp() override { setScreenDPIOverride(96); }
+    void TearDown() override { setScreenDPIOverride(0); }
+};
+
+struct SizeRow {
+    LayoutType layout;
+    IconSize size;
+    int widgetWidth, widgetHeight, boxWidth, boxHeight, spacing, panelMargin;
+};
+
+// 10 points at 96 dpi are 13.33 pixels; a line of name 15.56. The compact
+// list tile is 20 high (18 + 2 + 0.5); a double-line name with margin 4 is
+// 47, with margin 2 44. Widths are the icon height times 1.5708, rounded, and
+// the compact grid tile is 2.414 times its icon part.
+const SizeRow sizeRows[] = {
+    {LayoutType::List, IconSize::Compact, 31, 20, 31, 20, 1, 1},
+    {LayoutType::List, IconSize::Small, 63, 40, 59, 36, 2, 5},
+    {LayoutType::List, IconSize::Medium, 88, 56, 80, 48, 2, 5},
+    {LayoutType::List, IconSize::Large, 132, 84, 124, 76, 2, 5},
+    {LayoutType::Grid, IconSize::Compact, 178, 47, 66, 39, 2, 5},
+    {LayoutType::Grid, IconSize::Small, 85, 98, 81, 50, 4, 5},
+    {LayoutType::Grid, IconSize::Medium, 132, 131, 124, 76, 6, 5},
+    {LayoutType::Grid, IconSize::Large, 176, 159, 168, 104, 7, 5},
+};
+
+TEST_F(TileSizes, MatchHandComputedValuesAtEveryIconSizeAndLayout)
+{
+    for (const SizeRow& row : sizeRows) {
+        SCOPED_TRACE(int(row.layout) * 10 + int(row.size));
+        EXPECT_EQ(getIconWidgetWidth(row.layout, row.size, 10), row.widgetWidth);
+        EXPECT_EQ(getIconWidgetHeight(row.layout, row.size, 10), row.widgetHeight);
+        EXPECT_EQ(getIconBoxWidth(row.layout, row.size, 10), row.boxWidth);
+        EXPECT_EQ(getIconBoxHeight(row.layout, row.size, 10), row.boxHeight);
+        EXPECT_EQ(getGridSpacing(row.layout, row.size), row.spacing);
+        EXPECT_EQ(getBlockPanelMargin(row.layout, row.size), row.panelMargin);
+        const TileMetrics metrics = TileMetrics::compute(row.layout, row.size, 10);
+        EXPECT_EQ(metrics.height, row.widgetHeight);
+        EXPECT_EQ(metrics.box.size(), QSize(row.boxWidth, row.boxHeight));
+    }
+    // The list with small icons takes the default margin, not its own constant.
+    EXPECT_EQ(BLOCK_PANEL_MARGIN_LIST_SMALL, 3);
+    EXPECT_EQ(getHeaderHeight(QFont("Arial", 10)), 22);
+}
+
+TEST_F(TileSizes, ColumnsTruncateAndMayDropBelowOne)
+{
+    // (390 - 85 - 10) / 89 + 1
+    EXPECT_EQ(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 390, 10), 4);
+    EXPECT_EQ(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 273, 10), 3);
+    EXPECT_EQ(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 272, 10), 2);
+    EXPECT_LE(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Large, 20, 10), 1);
+    EXPECT_EQ(calculateMaxNumIconCols(LayoutType::List, IconSize::Large, 20, 10), 1);
+    EXPECT_EQ(getListIconWidth(LayoutType::List, IconSize::Small, 100, 10), 63 + 4 + 3 + 100);
+}
+
+TEST_F(TileSizes, IconsAreScaledIntoTheirBoxAndCentred)
+{
+    EXPECT_DOUBLE_EQ(computeIconScaleFactor(0, 40, 100, 100, 5), 1.0);
+    // A small icon grows: (81 - 8) / 16 against (50 - 8) / 16.
+    EXPECT_DOUBLE_EQ(computeIconScaleFactor(10, 10, 81, 50, 4), 42.0 / 16);
+    const IconPlacement plain = fitBlockIconToBox(40, 40, 0, LayoutType::Grid, IconSize::Small, 10);
+    EXPECT_DOUBLE_EQ(plain.scale, 42.0 / 46);
+    EXPECT_DOUBLE_EQ(plain.x, (81 - 40 * plain.scale) * 0.5 + 2);
+    EXPECT_DOUBLE_EQ(plain.y, 2 + (50 - 40 * plain.scale) * 0.5);
+    // A stacked tile leaves five pixels for the boxes behind.
+    const IconPlacement stacked = fitBlockIconToBox(40, 40, 1, LayoutType::Grid, IconSize::Small, 10);
+    EXPECT_DOUBLE_EQ(stacked.scale, 37.0 / 46);
+    // Compact tiles are never stacked, and the compact grid shifts by a margin more.
+    const IconPlacement compact = fitBlockIconToBox(40, 40, 3, LayoutType::Grid, IconSize::Compact, 10);
+    EXPECT_DOUBLE_EQ(compact.x, (66 - 40 * compact.scale) * 0.5 + 8);
+}
+
+TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)
+{
+    struct Row {
+        const char* path;
+        const char* parent;
+        const char* last;
+        const char* root;
+    } rows[] = {
+        {"", "", "", ""},
+        {"lib", "", "lib", "lib"},
+        {"lib/sub/block", "lib/sub", "block", "lib"},
+        {"lib/a//b/c", "lib/a//b", "c", "lib"},
+        {"lib/in//out", "lib", "in//out", "lib"},
+        {"lib///x", "lib", "x", "lib"},
+        {"lib////x/y", "lib////x", "y", "lib////x"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.path);
+        EXPECT_EQ(tokenizeBlockPath(row.path, TokenType::ParentPath), row.parent);
+        EXPECT_EQ(tokenizeBlockPath(row.path, TokenType::LastName), row.last);
+        EXPECT_EQ(tokenizeBlockPath(row.path, TokenType::RootName), row.root);
+    }
+}
+
+TEST(TextHelpers, LongestWordReplaceAndAmpersands)
+{
+    std::string word;
+    EXPECT_EQ(computeLongestWordInString("gain  integrator sum", word), 10);
+    EXPECT_EQ(word, "integrator");
+    EXPECT_EQ(computeLongestWordInString("abc def", word), 3);
+    EXPECT_EQ(word, "abc");
+    EXPECT_EQ(computeLongestWordInString("", word), 0);
+    std::string text = "a-b-A";
+    strReplace(text, "a", "xa");
+    EXPECT_EQ(text, "xa-b-A");
+    EXPECT_EQ(escapeAmpersands("R&D & Co"), "R&&D && Co");
+    const int first = getUniqueUID();
+    EXPECT_GT(first, 0);
+    EXPECT_EQ(getUniqueUID(), first + 1);
+}
+
+// Seven tiles in three columns: 0 1 2 / 3 4 5 / 6.
+TEST(SelectionMoves, GridOfSevenInThreeColumns)
+{
+    using namespace SelectionMoves;
+    EXPECT_EQ(down(2, 7, 3, false), 5);
+    EXPECT_EQ(down(5, 7, 3, false), -1);
+    EXPECT_EQ(down(3, 7, 3, false), 6);
+    EXPECT_EQ(up(6, 7, 3, false), 3);
+    EXPECT_EQ(up(1, 7, 3, false), -1);
+    EXPECT_EQ(right(2, 7), 3);
+    EXPECT_EQ(right(6, 7), -1);
+    EXPECT_EQ(left(0), -1);
+    EXPECT_EQ(left(-1), -1);
+    // One row, one column, or a list: down and up step along.
+    EXPECT_EQ(down(1, 4, 4, false), 2);
+    EXPECT_EQ(up(1, 4, 4, false), 0);
+    EXPECT_EQ(down(1, 7, 1, false), 2);
+    EXPECT_EQ(down(1, 7, 3, true), 2);
+    EXPECT_EQ(home(-1), -1);
+    EXPECT_EQ(home(0), -1);
+    EXPECT_EQ(home(3), 0);
+    EXPECT_EQ(end(-1, 7), 6);
+    EXPECT_EQ(end(6, 7), -1);
+    // Nothing selected: down counts from -1 and lands at the end of the first row.
+    EXPECT_EQ(down(-1, 7, 3, false), 2);
+}
+
+TEST(SelectionMoves, InitialsCycleAndEndOnTheSelectedTile)
+{
+    const std::vector<std::string> names{"Container", "conditional", "Input", "Output", "Cast", "_x"};
+    using SelectionMoves::byInitial;
+    EXPECT_EQ(byInitial(0, names, 'C'), 1);
+    EXPECT_EQ(byInitial(1, names, 'C'), 4);
+    EXPECT_EQ(byInitial(4, names, 'C'), 0);
+    EXPECT_EQ(byInitial(2, names, 'I'), 2);
+    EXPECT_EQ(byInitial(2, names, 'Z'), -1);
+    EXPECT_EQ(byInitial(-1, names, 'O'), 3);
+    EXPECT_EQ(byInitial(-1, names, '_'), 5);
+    EXPECT_EQ(byInitial(-1, {"Only"}, 'O'), -1);
+}
+
+} // namespace
+} // namespace LibraryBrowser

@@ -1,0 +1,58 @@
+#include "PageTestSupport.h"
+
+#include "frame/MessageCatalogue.h"
+#include "gui/GuiBlock.h"
+#include "platform/MessageService.h"
+#include "support/Files.h"
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser::Testing {
+
+ExampleRootSession::ExampleRootSession()
+{
+    MessageService::instance().addPrimaryTable(MessageCatalogue::table());
+    for (const auto& [file, bytes] : snapshot(Host::HostOptions::bundledRoot().toStdString()))
+        writeFile(root() + "/" + file.toStdString(), bytes);
+    Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
+    options.root = m_root.path();
+    options.preferencesDirectory = m_prefs.path();
+    m_host = std::make_unique<Host::EmbeddedHost>(options);
+    m_host->install();
+    m_repository = Repository::open();
+}
+
+ExampleRootSession::~ExampleRootSession()
+{
+    m_repository.reset();
+    m_host.reset();
+}
+
+TandrilObject ExampleRootSession::object(const std::string& path)
+{
+    const TandrilObject found = m_repository->getTandrilObject(path);
+    EXPECT_TRUE(found.isValid()) << path;
+    return found;
+}
+
+int FakePageHost::addNode(const TandrilObject& object)
+{
+    const int uid = int(m_nodes.size()) + 1;
+    m_nodes[uid] = object.toBlock();
+    return uid;
+}
+
+Block FakePageHost::getTreeNodeBlock(int uid) const
+{
+    const auto found = m_nodes.find(uid);
+    return found == m_nodes.end() ? Block() : found->second;
+}
+
+void FakePageHost::internalUpdateDescription(GuiBlock* tile) { description = tile ? tile->getDisplayPath() : ""; }
+
+void FakePageHost::internalShowBlockContextMenu(GuiBlock* tile, const QPoint&)
+{
+    menus.push_back(tile->getDisplayName());
+}
+
+} // namespace LibraryBrowser::Testing
