@@ -28,7 +28,12 @@ PageViewer::PageViewer(Repository& repository, const TandrilObject& object, Layo
 
 PageViewer::~PageViewer() = default;
 
-void PageViewer::showObject() { m_page->updateBlocks(NodeUID); }
+void PageViewer::showObject()
+{
+    // As after a resize: the page may have been filled before the window had its size.
+    m_page->updateBlocks(NodeUID);
+    m_page->adjustPageSizes();
+}
 
 QColor PageViewer::getColorPref(const char* key) const
 {

@@ -372,8 +372,9 @@ void BlocksPage::preComputeMinMaxSizes4BlocksPanel(int numBlocks, int& minWidth,
 
 void BlocksPage::setPanelPosition()
 {
+    // The scroll view places the panel by its scroll bars; only the size is ours.
     if (m_mainPanel)
-        m_mainPanel->setGeometry(0, 0, std::max(0, m_contentsWidth), std::max(0, m_contentsHeight));
+        m_mainPanel->resize(std::max(0, m_contentsWidth), std::max(0, m_contentsHeight));
 }
 
 int BlocksPage::internalGetUsableScrollbarThickness() const
