@@ -90,6 +90,8 @@ bool SyntheticRootGenerator::write(const QString& root, QString& error)
             block.icon.shape = static_cast<IconShape>(below(5));
             block.icon.inputs = below(4);
             block.icon.outputs = below(4);
+            if (m_settings.realisticIcons)
+                block.icon.svg = realisticIcon(b);
             const double draw = unit();
             if (chain || (depth < m_settings.depth && draw < subsystemShare)) {
                 block.type = BlockType::SubSystem;
@@ -125,6 +127,45 @@ bool SyntheticRootGenerator::write(const QString& root, QString& error)
             return false;
     }
     return true;
+}
+
+std::string SyntheticRootGenerator::realisticIcon(int block)
+{
+    // A scope-like picture: frame, grid lines, a trace of many segments,
+    // ports and a label; the element count varies from 50 to 200.
+    const int elements = 50 + below(151);
+    const int gridLines = 6 + below(6);
+    const int ports = 2 + below(4);
+    const int segments = std::max(10, elements - gridLines - ports - 4);
+    std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 120 80\" width=\"120\" height=\"80\">";
+    svg += "<rect x=\"4\" y=\"4\" width=\"112\" height=\"72\" rx=\"6\" fill=\"#f7f8f4\" stroke=\"#333\"/>";
+    svg += "<g stroke=\"#c9d3dc\" stroke-width=\"0.5\">";
+    for (int i = 0; i < gridLines; ++i) {
+        const int x = 10 + i * 100 / gridLines;
+        svg += "<line x1=\"" + std::to_string(x) + "\" y1=\"10\" x2=\"" + std::to_string(x) + "\" y2=\"70\"/>";
+    }
+    svg += "</g><g stroke=\"#1f5fa8\" stroke-width=\"1.2\" fill=\"none\">";
+    double y = 40;
+    for (int i = 0; i < segments; ++i) {
+        const double x0 = 10 + 100.0 * i / segments;
+        const double x1 = 10 + 100.0 * (i + 1) / segments;
+        const double y1 = std::clamp(y + (unit() - 0.5) * 16, 14.0, 66.0);
+        svg += "<line x1=\"" + std::to_string(x0) + "\" y1=\"" + std::to_string(y) + "\" x2=\"" +
+               std::to_string(x1) + "\" y2=\"" + std::to_string(y1) + "\"/>";
+        y = y1;
+    }
+    svg += "</g><g fill=\"#333\">";
+    for (int i = 0; i < ports; ++i) {
+        const int py = 14 + i * 52 / std::max(1, ports - 1);
+        const bool input = i % 2 == 0;
+        const int px = input ? 0 : 120;
+        const int tip = input ? 6 : 114;
+        svg += "<path d=\"M" + std::to_string(px) + " " + std::to_string(py - 4) + " L" + std::to_string(tip) + " " +
+               std::to_string(py) + " L" + std::to_string(px) + " " + std::to_string(py + 4) + " Z\"/>";
+    }
+    svg += "</g><text x=\"60\" y=\"76\" font-size=\"8\" text-anchor=\"middle\" fill=\"#555\">B" +
+           std::to_string(block) + "</text></svg>";
+    return svg;
 }
 
 } // namespace LibraryBrowser::Host

@@ -21,6 +21,9 @@ public:
         int depth = 3;
         double referenceShare = 0.1;
         bool crossReferences = true;
+        // Icons drawn as SVG documents of 50 to 200 elements (frame, grid,
+        // traces, ports, labels), as real libraries have, instead of shapes.
+        bool realisticIcons = false;
         std::uint64_t seed = 1;
     };
 
@@ -32,6 +35,7 @@ public:
     static QString libraryName(int product);
 
 private:
+    std::string realisticIcon(int block);
     std::uint64_t next() { return m_random(); }
     int below(int bound) { return static_cast<int>(next() % static_cast<std::uint64_t>(bound)); }
     double unit() { return static_cast<double>(next() >> 11) / static_cast<double>(1ULL << 53); }

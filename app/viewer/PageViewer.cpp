@@ -30,7 +30,7 @@ PageViewer::~PageViewer() = default;
 
 void PageViewer::showObject()
 {
-    // As after a resize: the page may have been filled before the window had its size.
+    m_shown = true;
     m_page->updateBlocks(NodeUID);
     m_page->adjustPageSizes();
 }

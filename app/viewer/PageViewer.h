@@ -36,7 +36,8 @@ public:
     QColor getColorPref(const char* key) const override;
     RepositoryReader* getReader() override { return &m_repository; }
     Block getTreeNodeBlock(int uid) const override;
-    int getCurrentNodeUID() const override { return NodeUID; }
+    // No node is current before showObject: a resize before it fills nothing.
+    int getCurrentNodeUID() const override { return m_shown ? NodeUID : 0; }
     bool nodeHasParent(int) const override { return false; }
     QRect getBlocksGeometry() const override;
     QRect getPosition() const override { return frameGeometry(); }
@@ -64,6 +65,7 @@ private:
     QFont m_font;
     QTabWidget* m_tabs;
     std::unique_ptr<LibraryBlocksPage> m_page;
+    bool m_shown = false;
 };
 
 } // namespace Tdlb

@@ -1,6 +1,6 @@
 // Writes a synthetic root of block libraries for benchmarks and load tests:
 //   td_make_synthetic_root --out DIR [--products P] [--blocks B] [--depth D]
-//                          [--refs R|none] [--seed S]
+//                          [--refs R|none] [--icons shapes|realistic] [--seed S]
 // --refs none makes no references at all: each product reaches only its own
 // library. (--refs 0 still references neighbours from the deepest level.)
 #include "SyntheticRootGenerator.h"
@@ -34,6 +34,8 @@ int main(int argc, char** argv)
             settings.crossReferences = false;
         else if (flag == "--refs")
             settings.referenceShare = value.toDouble(&ok);
+        else if (flag == "--icons" && (value == "shapes" || value == "realistic"))
+            settings.realisticIcons = value == "realistic";
         else if (flag == "--seed")
             settings.seed = value.toULongLong(&ok);
         else
@@ -45,7 +47,7 @@ int main(int argc, char** argv)
     }
     if (out.isEmpty() || arguments.size() % 2 != 0) {
         std::fprintf(stderr, "usage: td_make_synthetic_root --out DIR [--products P] [--blocks B] [--depth D] "
-                             "[--refs R|none] [--seed S]\n");
+                             "[--refs R|none] [--icons shapes|realistic] [--seed S]\n");
         return 2;
     }
     QString error;
