@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace LibraryBrowser::Host {
@@ -58,6 +59,8 @@ struct BlockRecord {
     bool hasIcon = false;
     std::vector<BlockRecord> blocks;
     ReferenceTarget target;
+    // Named values of the block's dialog, by name.
+    std::vector<std::pair<std::string, std::string>> parameters;
 };
 
 } // namespace LibraryBrowser::Host

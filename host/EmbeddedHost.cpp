@@ -24,7 +24,17 @@ EmbeddedHost::EmbeddedHost(const HostOptions& options)
 
 EmbeddedHost::~EmbeddedHost()
 {
+    m_windows.setWindows(nullptr);
     uninstall();
+}
+
+void EmbeddedHost::showWindows()
+{
+    if (m_modelWindows)
+        return;
+    m_modelWindows = std::make_unique<ModelWindows>(m_systems);
+    m_windows.setWindows(m_modelWindows.get());
+    m_modelWindows->sync();
 }
 
 void EmbeddedHost::install()

@@ -5,6 +5,7 @@
 #include "EmbeddedEnvironment.h"
 #include "HostOptions.h"
 #include "LibraryCatalog.h"
+#include "ModelWindows.h"
 #include "RepositoryOperations.h"
 #include "SearchPath.h"
 #include "SystemRegistry.h"
@@ -36,6 +37,11 @@ public:
     // (and the destructor) put the standalone defaults back.
     void install();
     void uninstall();
+    // Gives every shown system a window and shows the block dialogs; needs a
+    // QApplication. A host without it only records what it was asked.
+    void showWindows();
+    // Null until showWindows.
+    ModelWindows* modelWindows() { return m_modelWindows.get(); }
 
     CallResult callWithTrap(const std::string& function, int outputCount,
                             const std::vector<HostValue>& inputs) override;
@@ -60,6 +66,7 @@ private:
     CommandLog m_log;
     SystemRegistry m_systems;
     WindowCommands m_windows;
+    std::unique_ptr<ModelWindows> m_modelWindows;
     bool m_installed = false;
 };
 

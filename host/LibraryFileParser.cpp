@@ -123,7 +123,8 @@ void LibraryFileParser::readBlocks(const QJsonArray& array, const FieldPath& at,
 void LibraryFileParser::readBlock(const QJsonObject& object, const FieldPath& at, int depth, int index,
                                   BlockRecord& out)
 {
-    m_reader.checkKeys(object, at, {"name", "type", "description", "position", "icon", "blocks", "target"});
+    m_reader.checkKeys(object, at,
+                       {"name", "type", "description", "position", "icon", "blocks", "target", "parameters"});
     if (m_reader.requiredString(object, at, "name", out.name) && !BlockPath::isAddressable(out.name))
         m_reader.fail(at.key("name"), QStringLiteral("a block name must not be empty nor begin or end with a slash"));
     std::string type;
@@ -146,6 +147,16 @@ void LibraryFileParser::readBlock(const QJsonObject& object, const FieldPath& at
     out.hasIcon = m_reader.optionalObject(object, at, "icon", icon);
     if (out.hasIcon)
         readIcon(icon, at.key("icon"), out.icon);
+    QJsonObject parameters;
+    if (m_reader.optionalObject(object, at, "parameters", parameters)) {
+        for (auto it = parameters.constBegin(); it != parameters.constEnd() && !m_reader.failed(); ++it) {
+            if (!it.value().isString())
+                m_reader.fail(at.key("parameters").key(it.key()),
+                              QStringLiteral("a parameter's value must be a string"));
+            else
+                out.parameters.emplace_back(it.key().toStdString(), it.value().toString().toStdString());
+        }
+    }
     if (m_reader.failed())
         return;
 

@@ -53,6 +53,12 @@ QJsonObject blockToJson(const BlockRecord& block)
         }
         object.insert("icon", icon);
     }
+    if (!block.parameters.empty()) {
+        QJsonObject parameters;
+        for (const auto& [name, value] : block.parameters)
+            parameters.insert(text(name), text(value));
+        object.insert("parameters", parameters);
+    }
     if (block.type == BlockType::SubSystem)
         object.insert("blocks", blocksToJson(block.blocks));
     if (block.type == BlockType::LibraryRef) {

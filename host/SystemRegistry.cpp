@@ -1,6 +1,7 @@
 #include "SystemRegistry.h"
 
 #include "BlockPath.h"
+#include "LibraryFileParser.h"
 #include "LibraryFileWriter.h"
 
 #include <algorithm>
@@ -89,6 +90,37 @@ const OpenSystem* SystemRegistry::find(const std::string& name) const
 OpenSystem* SystemRegistry::findMutable(const std::string& name)
 {
     return const_cast<OpenSystem*>(find(name));
+}
+
+void SystemRegistry::setCurrent(const std::string& name)
+{
+    if (const OpenSystem* system = find(name); system && system->shown)
+        m_current = name;
+}
+
+bool SystemRegistry::openFile(const QString& file, std::string& error)
+{
+    FileIssue issue;
+    const std::shared_ptr<LibraryDocument> document = LibraryFileParser::parseFile(file, std::string(), issue);
+    if (!document) {
+        error = "open_system: " + issue.toString();
+        return false;
+    }
+    if (const OpenSystem* open = find(document->name)) {
+        if (open->file != file) {
+            error = "open_system: a system named \"" + document->name + "\" is open already";
+            return false;
+        }
+    } else {
+        OpenSystem system;
+        system.name = document->name;
+        system.file = file;
+        system.document = *document;
+        m_systems.push_back(std::move(system));
+    }
+    findMutable(document->name)->shown = true;
+    m_current = document->name;
+    return true;
 }
 
 void SystemRegistry::setLocked(const std::string& name, bool locked)

@@ -49,6 +49,12 @@ public:
     void setLocked(const std::string& name, bool locked);
     // Whether the path names a block of an open system or of a library.
     bool blockExists(const std::string& path);
+    // The block at the path, from an open system or a library.
+    bool findBlock(const std::string& path, BlockRecord& out, std::string& error) { return sourceBlock(path, out, error); }
+    // Puts a shown system in front, as activating its window does.
+    void setCurrent(const std::string& name);
+    // Opens a model saved as a library file, unlocked and shown.
+    bool openFile(const QString& file, std::string& error);
     // Copies the block at source into the destination system or subsystem
     // under a name not yet used there; at the point when one is given.
     bool addBlock(const std::string& source, const std::string& destination, std::optional<Point> at,

@@ -1,5 +1,11 @@
 #include "WindowCommands.h"
 
+#include "BlockPath.h"
+#include "ModelWindows.h"
+
+#include <QCursor>
+#include <QFileInfo>
+
 #include <QDir>
 #include <QString>
 
@@ -56,6 +62,16 @@ WindowCommands::CallResult WindowCommands::call(const std::string& command, int 
 {
     m_log.record(command, textsOf(inputs));
     CallArguments args(command, inputs, 0);
+    const CallResult result = dispatch(command, outputCount, args);
+    // Whatever a command changed shows in the windows at once.
+    if (m_windows && result.ok)
+        m_windows->sync();
+    return result;
+}
+
+WindowCommands::CallResult WindowCommands::dispatch(const std::string& command, int outputCount,
+                                                    CallArguments& args)
+{
     if (command == "open_system")
         return openSystem(outputCount, args);
     if (command == "save_system")
@@ -77,9 +93,13 @@ WindowCommands::CallResult WindowCommands::call(const std::string& command, int 
         return addBlock(command, outputCount, args);
     if (command == "private_td_get_current_open_mdl")
         return currentOpenSystem(outputCount);
-    if (command == "private_td_sys_name_under_mouse")
-        return CallArguments::success(command, outputCount, {HostValue::string(m_systemUnderMouse)});
+    if (command == "private_td_sys_name_under_mouse") {
+        const std::string name = m_windows ? m_windows->systemAt(QCursor::pos()) : m_systemUnderMouse;
+        return CallArguments::success(command, outputCount, {HostValue::string(name)});
+    }
     if (command == "private_td_close_block_dialogs") {
+        if (m_windows)
+            m_windows->closeDialogs();
         m_dialogs.clear();
         return CallArguments::success(command, outputCount, {});
     }
@@ -108,6 +128,12 @@ WindowCommands::CallResult WindowCommands::openSystem(int outputCount, CallArgum
     if (!mode.empty() && mode != "loadOnly")
         return CallArguments::failure(badArguments, "open_system: argument 2 must be \"loadOnly\"");
     std::string error;
+    // A model saved as a file opens from that file.
+    if (mode.empty() && QFileInfo(QString::fromStdString(path)).isFile()) {
+        if (!m_systems.openFile(QString::fromStdString(path), error))
+            return CallArguments::failure(commandFailed, error);
+        return CallArguments::success("open_system", outputCount, {});
+    }
     if (!m_systems.open(path, mode == "loadOnly", error))
         return CallArguments::failure(commandFailed, error);
     return CallArguments::success("open_system", outputCount, {});
@@ -136,6 +162,13 @@ WindowCommands::CallResult WindowCommands::addBlock(const std::string& command, 
         if (!args.row(2, 2, point))
             return args.failure(badArguments);
         at = SystemRegistry::Point{point[0], point[1]};
+        // The browser gives a point of the screen; the model's window knows
+        // where that is in the model.
+        if (m_windows) {
+            const QPoint screen{int(point[0]), int(point[1])};
+            if (const auto inModel = m_windows->toModel(BlockPath::split(destination).front(), screen))
+                at = SystemRegistry::Point{inModel->x(), inModel->y()};
+        }
     }
     std::string added, error;
     if (!m_systems.addBlock(source, destination, at, added, error))
@@ -167,10 +200,18 @@ WindowCommands::CallResult WindowCommands::blockCommand(const std::string& comma
         if (kind != "default" && kind != "params")
             return CallArguments::failure(badArguments, command + ": argument 2 must be \"default\" or \"params\"");
     }
-    if (!m_systems.blockExists(path))
+    BlockRecord block;
+    std::string error;
+    if (!m_systems.findBlock(path, block, error))
         return CallArguments::failure(commandFailed, command + ": no block \"" + path + "\"");
     if (!kind.empty())
         m_dialogs.push_back({path, kind});
+    if (m_windows) {
+        if (kind.empty())
+            m_windows->showHelp(path, block);
+        else
+            m_windows->showBlockDialog(path, block, kind);
+    }
     return CallArguments::success(command, outputCount, {});
 }
 

@@ -9,6 +9,8 @@
 
 namespace LibraryBrowser::Host {
 
+class ModelWindows;
+
 // The host commands of the browser's block actions, on the systems the host
 // has open. Commands that would show a window record what they were asked
 // and succeed or fail as a host with windows would: help for a block that
@@ -30,12 +32,17 @@ public:
     // "tdprivate showprefs".
     CallResult showPreferences(int outputCount);
 
-    // What private_td_sys_name_under_mouse answers; with no window under the
-    // mouse it is empty.
+    // Windows for the shown systems and the dialogs; null (the default) for a
+    // host without a screen, which only records. Not owned.
+    void setWindows(ModelWindows* windows) { m_windows = windows; }
+
+    // What private_td_sys_name_under_mouse answers in a host without windows;
+    // with windows, the window under the cursor decides.
     void setSystemUnderMouse(std::string name) { m_systemUnderMouse = std::move(name); }
     const std::vector<BlockDialog>& openDialogs() const { return m_dialogs; }
 
 private:
+    CallResult dispatch(const std::string& command, int outputCount, CallArguments& args);
     CallResult openSystem(int outputCount, CallArguments& args);
     CallResult addBlock(const std::string& command, int outputCount, CallArguments& args);
     CallResult currentOpenSystem(int outputCount);
@@ -47,6 +54,7 @@ private:
     std::string m_root;
     std::string m_systemUnderMouse;
     std::vector<BlockDialog> m_dialogs;
+    ModelWindows* m_windows = nullptr;
 };
 
 } // namespace LibraryBrowser::Host

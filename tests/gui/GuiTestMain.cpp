@@ -6,6 +6,9 @@
 
 int main(int argc, char** argv)
 {
+    // Listing the tests at build time runs this too, with no display.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

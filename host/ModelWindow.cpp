@@ -1,0 +1,84 @@
+#include "ModelWindow.h"
+
+#include "IconRenderer.h"
+
+#include <QEvent>
+#include <QGraphicsPixmapItem>
+#include <QGraphicsSimpleTextItem>
+#include <QPainter>
+#include <QSvgRenderer>
+
+namespace LibraryBrowser::Host {
+
+namespace {
+
+QPixmap iconPixmap(const BlockRecord& block, const QSizeF& size, qreal ratio)
+{
+    QPixmap pixmap((size * ratio).toSize().expandedTo(QSize(1, 1)));
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QSvgRenderer renderer(IconRenderer::render(block.icon, block.name, block.type, block.position));
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    renderer.render(&painter, QRectF(QPointF(0, 0), size));
+    return pixmap;
+}
+
+} // namespace
+
+ModelWindow::ModelWindow(const std::string& name) : m_name(name)
+{
+    setScene(new QGraphicsScene(this));
+    setRenderHint(QPainter::Antialiasing);
+    setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    setBackgroundBrush(Qt::white);
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    resize(640, 420);
+}
+
+void ModelWindow::showSystem(const OpenSystem& system)
+{
+    QGraphicsScene* drawing = scene();
+    drawing->clear();
+    m_blockNames.clear();
+    const qreal ratio = devicePixelRatioF();
+    for (const BlockRecord& block : system.document.blocks) {
+        const QRectF rect(block.position.left, block.position.top, block.position.right - block.position.left,
+                          block.position.bottom - block.position.top);
+        auto* icon = drawing->addPixmap(iconPixmap(block, rect.size(), ratio));
+        icon->setPos(rect.topLeft());
+        icon->setToolTip(QString::fromStdString(block.description));
+        auto* label = drawing->addSimpleText(QString::fromStdString(block.name));
+        label->setPos(rect.center().x() - label->boundingRect().width() / 2, rect.bottom() + 4);
+        m_blockNames.append(QString::fromStdString(block.name));
+    }
+    // The model's origin stays at the window's corner, so that points map
+    // one to one; the drawing grows to the right and down.
+    const QRectF used = drawing->itemsBoundingRect();
+    drawing->setSceneRect(QRectF(0, 0, std::max(600.0, used.right() + 40), std::max(380.0, used.bottom() + 40)));
+    QString title = QString::fromStdString(system.name);
+    if (system.dirty)
+        title += " *";
+    if (system.type == SystemType::Library && system.locked)
+        title += " (locked library)";
+    setWindowTitle(title);
+}
+
+QPointF ModelWindow::toModel(const QPoint& global) const { return mapToScene(viewport()->mapFromGlobal(global)); }
+
+QStringList ModelWindow::blockNames() const { return m_blockNames; }
+
+void ModelWindow::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        emit activated(m_name);
+    QGraphicsView::changeEvent(event);
+}
+
+void ModelWindow::focusInEvent(QFocusEvent* event)
+{
+    emit activated(m_name);
+    QGraphicsView::focusInEvent(event);
+}
+
+} // namespace LibraryBrowser::Host
