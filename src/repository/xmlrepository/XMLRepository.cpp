@@ -7,6 +7,7 @@
 #include "platform/Platform.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/TempDirectoryOwners.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -67,6 +68,9 @@ XMLRepository::XMLRepository(const std::string& writableDirectory, const std::st
 void XMLRepository::buildParts()
 {
     m_report->logToConsoleInteractively(false);
+    // What killed processes left in the temporary directory goes at the
+    // first opening of a repository in this process.
+    TempDirectoryOwners::removeLeftOversOnce(*m_report);
     m_shippedReader = std::make_shared<XMLRepositoryReader>(m_shippedDirectory, m_report, this);
     m_writableReader = std::make_shared<XMLRepositoryReader>(m_writableDirectory, m_report, this);
     m_cache = std::make_shared<XMLRepositoryCache>(m_shippedDirectory, m_writableDirectory, m_report, this);
