@@ -1,6 +1,7 @@
 #include "HostOptions.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace LibraryBrowser::Host {
@@ -20,12 +21,17 @@ QString HostOptions::bundledRoot()
     return QStringLiteral(TD_HOST_BUNDLED_ROOT);
 }
 
+QString HostOptions::defaultRoot()
+{
+    return QDir::cleanPath(QStringLiteral(TD_HOST_DEFAULT_ROOT));
+}
+
 HostOptions HostOptions::fromEnvironment(const QProcessEnvironment& environment)
 {
     HostOptions options;
     options.root = environment.value(QStringLiteral("NUMORA_ROOT"));
     if (options.root.isEmpty())
-        options.root = bundledRoot();
+        options.root = defaultRoot();
     options.preferencesDirectory = environment.value(QStringLiteral("NUMORA_PREFDIR"));
     if (options.preferencesDirectory.isEmpty())
         options.preferencesDirectory =
@@ -80,6 +86,12 @@ bool HostOptions::resolve(const QStringList& arguments, const QProcessEnvironmen
             options.preferencesDirectory = QDir::cleanPath(QDir(value).absolutePath());
         else
             options.path = splitPath(value);
+    }
+    if (options.root == defaultRoot() && !QFileInfo::exists(options.root)) {
+        error = QStringLiteral("no root given, and the default root %1 does not exist: build the target "
+                               "shipped_store, or name a root with --root DIR")
+                    .arg(options.root);
+        return false;
     }
     out = options;
     return true;

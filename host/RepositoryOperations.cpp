@@ -89,10 +89,14 @@ RepositoryOperations::CallResult RepositoryOperations::getTdBlocksData(int outpu
         if (!QFileInfo::exists(file))
             continue;
         FileIssue issue;
+        std::vector<FileIssue> refused;
         // A bad file leaves out its own entries only: failing the whole call
         // would make every product look uninstalled.
-        if (!TdBlocksParser::parse(file, m_path.root(), entries, issue) && report)
+        if (!TdBlocksParser::parse(file, m_path.root(), entries, issue, refused) && report)
             report->logError(invalidFile, issue.toString());
+        for (const FileIssue& name : refused)
+            if (report)
+                report->logWarning(invalidFile, name.toString());
     }
 
     std::vector<std::string> names, libraries, repositories, treeIcons, panelIcons, types;

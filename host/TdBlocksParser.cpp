@@ -22,10 +22,34 @@ std::string hostFileSpec(const QDir& base, const QString& root, const std::strin
     given.replace(QLatin1Char('\\'), QLatin1Char('/'));
     return SearchPath::fileSpec(root, base.absoluteFilePath(given));
 }
+
+void refuseNames(const QString& path, const QByteArray& bytes, const FieldPath& field, const char* key,
+                 std::vector<std::string>& names, std::vector<FileIssue>& refused)
+{
+    std::vector<std::string> kept;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const QString reason = TdBlocksParser::refusedNameReason(key, names[i]);
+        if (reason.isEmpty())
+            kept.push_back(std::move(names[i]));
+        else
+            refused.push_back(JsonFile::issueAt(path, bytes, field.index(int(i)), reason));
+    }
+    names = std::move(kept);
+}
 } // namespace
 
+QString TdBlocksParser::refusedNameReason(const char* key, const std::string& name)
+{
+    const bool children = std::string(key) == "children";
+    const char* separators = children ? ",\n\r" : "|\n\r";
+    if (name.find_first_of(separators) == std::string::npos)
+        return QString();
+    return children ? QStringLiteral("a palette child's name may not hold a comma or line feed; it is left out")
+                    : QStringLiteral("a dependency's file name may not hold \"|\" or a line feed; it is left out");
+}
+
 bool TdBlocksParser::parse(const QString& path, const QString& root, std::vector<TdBlocksEntry>& entries,
-                           FileIssue& issue)
+                           FileIssue& issue, std::vector<FileIssue>& refused)
 {
     QByteArray bytes;
     QJsonObject top;
@@ -75,6 +99,9 @@ bool TdBlocksParser::parse(const QString& path, const QString& root, std::vector
         if (reader.optionalStringList(object, at, "children", entry.children) && entry.type != EntryType::Palette)
             reader.fail(at.key("children"), QStringLiteral("only a Palette lists children"));
         reader.optionalStringList(object, at, "dependencies", entry.dependencies);
+        for (const char* key : {"children", "dependencies"})
+            refuseNames(path, bytes, at.key(QString::fromLatin1(key)), key,
+                        key[0] == 'c' ? entry.children : entry.dependencies, refused);
         entry.treeIcon = hostFileSpec(base, root, entry.treeIcon);
         entry.panelIcon = hostFileSpec(base, root, entry.panelIcon);
         for (std::string& dependency : entry.dependencies)

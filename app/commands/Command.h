@@ -24,6 +24,10 @@ struct Command {
     int (*run)(const QCommandLineParser& parser, const QStringList& arguments, CommandContext& context);
     // False: any positional argument is a usage error, reported before run.
     bool takesArguments = true;
+    // Only reads the repository. An answer given stands, whatever errors the
+    // report holds about other products: they are counted on standard error
+    // and the exit code stays 0.
+    bool readOnly = false;
 };
 
 } // namespace LibraryBrowser::Tdlb

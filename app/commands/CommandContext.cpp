@@ -79,22 +79,37 @@ bool CommandContext::reportHasErrors() const
     return false;
 }
 
-void CommandContext::printReportErrors() const
+std::vector<std::string> CommandContext::reportErrorLines() const
 {
+    std::vector<std::string> lines;
     if (!m_repository)
-        return;
+        return lines;
     const RepositoryReportPtr report = m_repository->getRepositoryReport();
     std::set<std::string> shown;
     for (const std::string& line : report->getLog()) {
         if (line.find(ErrorMark) != std::string::npos && shown.insert(line).second)
-            std::fputs(line.c_str(), stderr);
+            lines.push_back(line);
     }
     // An error whose line fell out of the bounded log is still shown.
     for (const RepositoryReport::Issue& error : report->getErrors()) {
         const std::string line = std::string(ErrorMark) + "   " + error.message + "\n";
         if (shown.insert(line).second)
-            std::fputs(line.c_str(), stderr);
+            lines.push_back(line);
     }
+    return lines;
+}
+
+void CommandContext::printReportErrors() const
+{
+    for (const std::string& line : reportErrorLines())
+        std::fputs(line.c_str(), stderr);
+}
+
+void CommandContext::noteReportErrors() const
+{
+    const std::size_t count = reportErrorLines().size();
+    std::fprintf(stderr, "tdlb %s: the repository's report holds %zu error%s; 'tdlb report' shows %s\n",
+                 qPrintable(m_commandName), count, count == 1 ? "" : "s", count == 1 ? "it" : "them");
 }
 
 } // namespace LibraryBrowser::Tdlb

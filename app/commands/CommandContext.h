@@ -4,6 +4,9 @@
 
 #include <QString>
 
+#include <string>
+#include <vector>
+
 class QJsonObject;
 
 namespace LibraryBrowser::Tdlb {
@@ -38,8 +41,14 @@ public:
     bool reportHasErrors() const;
     // Writes the report's errors on standard error, each once.
     void printReportErrors() const;
+    // Writes one line on standard error: how many errors the report holds,
+    // and where to read them.
+    void noteReportErrors() const;
 
 private:
+    // The report's error lines, each once, in the order they were logged.
+    std::vector<std::string> reportErrorLines() const;
+
     QString m_commandName;
     bool m_verbose;
     RepositoryPtr m_repository;

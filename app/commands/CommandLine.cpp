@@ -26,7 +26,7 @@ int usageError(const QString& message)
 // that every --help shows them.
 void addHostOptions(QCommandLineParser& parser)
 {
-    parser.addOption({"root", "The host's root directory (else NUMORA_ROOT, else the example root).", "dir"});
+    parser.addOption({"root", "The host's root directory (else NUMORA_ROOT, else the build's copy of the example root).", "dir"});
     parser.addOption({"prefdir", "The preferences directory (else NUMORA_PREFDIR).", "dir"});
     parser.addOption({"path", "Directories searched first for tdblocks data, separated by ':'.", "dirs"});
 }
@@ -59,6 +59,10 @@ QString CommandLine::overview() const
     QString text = "The block library browser's repository on the command line.\n\nCommands:\n";
     for (const Command& command : m_commands)
         text += QString("  %1  %2\n").arg(command.name, -9).arg(command.summary);
+    text += "\nExit codes: 0 when the command did its work; 1 when it could not, and when update, generate or\n"
+            "destroy leave errors in the repository's report; 2 for a usage error. list, tree, search and show\n"
+            "only read: errors in the report about other products leave their answer standing, with one line\n"
+            "on standard error that counts them.\n";
     text += "\n'tdlb COMMAND --help' tells more of one command.";
     return text;
 }
@@ -132,8 +136,12 @@ int CommandLine::run(const QStringList& arguments)
     NRInitialize_td_lib_browse();
     int code = command->run(commandParser, commandArguments, context);
     if (code == Success && context.reportHasErrors()) {
-        context.printReportErrors();
-        code = Failure;
+        if (command->readOnly) {
+            context.noteReportErrors();
+        } else {
+            context.printReportErrors();
+            code = Failure;
+        }
     }
     std::fflush(stdout);
     context.closeRepository();

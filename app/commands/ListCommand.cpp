@@ -66,7 +66,7 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
 
 Command listCommand()
 {
-    return {"list", "List the products: name, path, product or palette, top level, up to date.", configure, run, false};
+    return {"list", "List the products: name, path, product or palette, top level, up to date.", configure, run, false, true};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -115,7 +115,7 @@ int run(const QCommandLineParser& parser, const QStringList& arguments, CommandC
 
 Command searchCommand()
 {
-    return {"search", "Find the objects whose shown name matches a pattern.", configure, run};
+    return {"search", "Find the objects whose shown name matches a pattern.", configure, run, true, true};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -114,7 +114,7 @@ int run(const QCommandLineParser& parser, const QStringList& arguments, CommandC
 
 Command showCommand()
 {
-    return {"show", "Show every attribute of an object; write its icon.", configure, run};
+    return {"show", "Show every attribute of an object; write its icon.", configure, run, true, true};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -98,7 +98,7 @@ int run(const QCommandLineParser& parser, const QStringList& arguments, CommandC
 
 Command treeCommand()
 {
-    return {"tree", "Walk the repository depth first, indented by depth.", configure, run};
+    return {"tree", "Walk the repository depth first, indented by depth.", configure, run, true, true};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -12,12 +12,17 @@ namespace {
 int run(const QCommandLineParser&, const QStringList&, CommandContext& context)
 {
     Repository& repository = context.repository();
-    const std::size_t products = ObjectLookup(repository).products().size();
+    const std::vector<TandrilObject> products = ObjectLookup(repository).products();
+    // Each product's store is chosen now: a product that neither store holds
+    // up to date, or whose data is damaged, is generated again here rather
+    // than at the first read.
+    for (const TandrilObject& product : products)
+        repository.getChildrenIterator(product);
     // One fault met in many places is shown once.
     const RepositoryReport::IssueList warnings = repository.getRepositoryReport()->takeUniqueWarnings();
     for (const RepositoryReport::Issue& warning : warnings)
         context.print("Warning: " + QString::fromStdString(warning.message));
-    context.print(QString("Updated: %1 products, %2 warnings").arg(products).arg(warnings.size()));
+    context.print(QString("Updated: %1 products, %2 warnings").arg(products.size()).arg(warnings.size()));
     return Success;
 }
 
@@ -25,7 +30,8 @@ int run(const QCommandLineParser&, const QStringList&, CommandContext& context)
 
 Command updateCommand()
 {
-    return {"update", "Synchronise the stores and update the list of products.", nullptr, run, false};
+    return {"update", "Synchronise the stores, update the list of products and generate those out of date.", nullptr,
+            run, false};
 }
 
 } // namespace LibraryBrowser::Tdlb

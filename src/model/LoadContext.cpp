@@ -1,7 +1,5 @@
 #include "model/LoadContext.h"
 
-#include "platform/ErrorHolder.h"
-
 namespace LibraryBrowser {
 
 bool LoadContext::addNode(unsigned storedId, Node* node)
@@ -15,22 +13,18 @@ Node* LoadContext::findNode(unsigned storedId) const
     return it == m_nodes.end() ? nullptr : it->second;
 }
 
-void LoadContext::deferReference(const std::string& where, std::vector<unsigned> storedIds, Binder binder)
+void LoadContext::deferReference(std::vector<unsigned> storedIds, Binder binder)
 {
-    m_pending.push_back({where, std::move(storedIds), std::move(binder)});
+    m_pending.push_back({std::move(storedIds), std::move(binder)});
 }
 
-void LoadContext::bindReferences(ErrorHolder& errors)
+void LoadContext::bindReferences()
 {
     for (Pending& p : m_pending) {
         std::vector<Node*> targets;
         targets.reserve(p.ids.size());
-        for (unsigned id : p.ids) {
-            Node* target = id ? findNode(id) : nullptr;
-            if (id && !target)
-                errors.addError("Reference to unknown node id " + std::to_string(id) + " in " + p.where);
-            targets.push_back(target);
-        }
+        for (unsigned id : p.ids)
+            targets.push_back(id ? findNode(id) : nullptr);
         p.binder(targets);
     }
     m_pending.clear();

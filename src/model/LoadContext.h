@@ -7,7 +7,6 @@
 
 namespace LibraryBrowser {
 
-class ErrorHolder;
 class Node;
 
 // The id table of one load: maps the ids stored in a document to the nodes
@@ -23,14 +22,14 @@ public:
     Node* findNode(unsigned storedId) const;
 
     // Id 0 stands for "no node" and is bound to null without complaint.
-    void deferReference(const std::string& where, std::vector<unsigned> storedIds, Binder binder);
+    void deferReference(std::vector<unsigned> storedIds, Binder binder);
     // Binds every deferred reference. An id the document never defined binds
-    // to null (dropped from lists) and adds an error naming it.
-    void bindReferences(ErrorHolder& errors);
+    // to null (dropped from lists), silently: a reference to a node that is
+    // gone means no reference, not a broken document.
+    void bindReferences();
 
 private:
     struct Pending {
-        std::string where;
         std::vector<unsigned> ids;
         Binder binder;
     };

@@ -131,11 +131,11 @@ bool Serializer::load(Model& model, QIODevice& device, const std::string& origin
                                 + typeName.str());
                 return false;
             }
+            // One unreadable value costs that value only: the property keeps
+            // its default and the rest of the document still loads.
             std::string reason;
-            if (!property->setPropFromString(*node, utf8(attribute.value()), context, reason)) {
-                errors.addError(position(origin, reader) + reason + " of " + typeName.str());
-                return false;
-            }
+            if (!property->setPropFromString(*node, utf8(attribute.value()), context, reason))
+                errors.addWarning(position(origin, reader) + reason + " of " + typeName.str());
         }
         if (!hasId) {
             errors.addError(position(origin, reader) + typeName.str() + " without an id");
@@ -147,7 +147,7 @@ bool Serializer::load(Model& model, QIODevice& device, const std::string& origin
         errors.addError(position(origin, reader) + reader.errorString().toStdString());
         return false;
     }
-    context.bindReferences(errors);
+    context.bindReferences();
     return errors.errors().size() == errorsBefore;
 }
 

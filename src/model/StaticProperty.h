@@ -44,7 +44,7 @@ public:
             if (!ValueText::idsFromText(input, ids) || ids.size() != 1)
                 return invalid(input, error);
             (target.*m_set)(nullptr);
-            context.deferReference(where(node), ids, [&target, this](const std::vector<Node*>& nodes) {
+            context.deferReference(ids, [&target, this](const std::vector<Node*>& nodes) {
                 (target.*m_set)(dynamic_cast<Type>(nodes.front()));
             });
         } else if constexpr (PropertyKinds::IsNodeList<Type>::value) {
@@ -52,7 +52,7 @@ public:
             std::vector<unsigned> ids;
             if (!ValueText::idsFromText(input, ids))
                 return invalid(input, error);
-            context.deferReference(where(node), ids, [&target, this](const std::vector<Node*>& nodes) {
+            context.deferReference(ids, [&target, this](const std::vector<Node*>& nodes) {
                 Type list;
                 for (Node* n : nodes)
                     if (auto* element = dynamic_cast<Element*>(n))
@@ -83,11 +83,6 @@ private:
         } else {
             return ValueText::toText(v);
         }
-    }
-
-    std::string where(const Node& node) const
-    {
-        return "property '" + name().str() + "' of " + node.getTypeName().str();
     }
 
     bool invalid(const std::string& input, std::string& error) const

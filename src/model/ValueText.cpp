@@ -1,5 +1,6 @@
 #include "model/ValueText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -30,18 +31,14 @@ const char* parseNumber(const char* first, const char* last, T& value)
     return error == std::errc() ? end : nullptr;
 }
 
-// The whole text must be one number, blanks around it allowed.
+// Stream input: one number at the start of the text, after optional blanks;
+// whatever follows it is not looked at. False if there is no number there or
+// it does not fit the type.
 template <class T>
 bool streamIn(const std::string& text, T& value)
 {
-    const char* last = text.data() + text.size();
     T parsed{};
-    const char* end = parseNumber(text.data(), last, parsed);
-    if (!end)
-        return false;
-    while (end != last && isBlank(*end))
-        ++end;
-    if (end != last)
+    if (!parseNumber(text.data(), text.data() + text.size(), parsed))
         return false;
     value = parsed;
     return true;
@@ -140,6 +137,8 @@ bool fromText(const std::string& text, StringId& value)
 
 bool fromText(const std::string& text, QRectF& value)
 {
+    // Number, character, number, character, number, character, number: the
+    // separator is whatever single character stands there.
     double numbers[4];
     const char* p = text.data();
     const char* last = p + text.size();
@@ -147,17 +146,14 @@ bool fromText(const std::string& text, QRectF& value)
         if (i > 0) {
             while (p != last && isBlank(*p))
                 ++p;
-            if (p == last || *p++ != ',')
+            if (p == last)
                 return false;
+            ++p;
         }
         p = parseNumber(p, last, numbers[i]);
         if (!p)
             return false;
     }
-    while (p != last && isBlank(*p))
-        ++p;
-    if (p != last)
-        return false;
     value = QRectF(numbers[0], numbers[1], numbers[2], numbers[3]);
     return true;
 }
@@ -168,20 +164,46 @@ bool fromText(const std::string& text, StringVector& value)
     return true;
 }
 
+namespace {
+
+std::size_t countBars(const std::string& text)
+{
+    return std::size_t(std::count(text.begin(), text.end(), '|'));
+}
+
+} // namespace
+
 bool fromText(const std::string& text, FileInfoVector& value)
 {
+    // A record has three bars. A comma in a file name has cut its record in
+    // two at the top level; the pieces are joined again until the record is
+    // whole, so such a name survives. A record that stays short or holds
+    // more bars is read field by field as far as it goes.
+    std::vector<std::string> records;
+    bool open = false;
+    for (std::string& piece : firstLevelStrings(text)) {
+        if (open)
+            records.back() += ',' + piece;
+        else
+            records.push_back(std::move(piece));
+        open = countBars(records.back()) < 3;
+    }
     FileInfoVector parsed;
-    for (const std::string& element : firstLevelStrings(text)) {
+    for (const std::string& record : records) {
         std::vector<std::string> fields;
         std::size_t start = 0;
-        for (std::size_t bar; (bar = element.find('|', start)) != std::string::npos; start = bar + 1)
-            fields.push_back(element.substr(start, bar - start));
-        fields.push_back(element.substr(start));
+        for (std::size_t bar; (bar = record.find('|', start)) != std::string::npos; start = bar + 1)
+            fields.push_back(record.substr(start, bar - start));
+        fields.push_back(record.substr(start));
+        fields.resize(std::max<std::size_t>(fields.size(), 4));
         FileInfo info;
-        if (fields.size() != 4 || !streamIn(fields[2], info.date) || !streamIn(fields[3], info.size))
-            return false;
         info.fileSpec = fields[0];
         info.checkSum = fields[1];
+        // As stream input into a number that fails: zero.
+        if (!streamIn(fields[2], info.date))
+            info.date = 0;
+        if (!streamIn(fields[3], info.size))
+            info.size = 0;
         parsed.push_back(std::move(info));
     }
     value = std::move(parsed);

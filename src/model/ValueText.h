@@ -13,8 +13,10 @@ namespace LibraryBrowser {
 
 // The text forms of manifest values. Numbers are written with the standard
 // streams at their default precision (six significant digits for reals);
-// strings stand as they are, without quoting. Readers reject text that is not
-// wholly a value of the type.
+// strings stand as they are, without quoting. Numbers are read as stream
+// input reads them: the number at the start of the text, the rest unread. A
+// reader returns false, leaving `value` alone, for text that holds no value of
+// the type at all; the file-dependency list is always read, as far as it goes.
 namespace ValueText {
 
 std::string toText(bool value);

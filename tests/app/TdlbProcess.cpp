@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QProcess>
 
+#include <sys/resource.h>
+
 namespace LibraryBrowser::Testing {
 
 QJsonObject TdlbResult::json() const
@@ -42,10 +44,16 @@ QProcessEnvironment TdlbProcess::environment()
     return environment;
 }
 
-TdlbResult TdlbProcess::runRaw(const QStringList& arguments)
+TdlbResult TdlbProcess::runRaw(const QStringList& arguments, int openFileLimit)
 {
     QProcess process;
     process.setProcessEnvironment(environment());
+    if (openFileLimit > 0) {
+        process.setChildProcessModifier([openFileLimit] {
+            const rlimit limit{rlim_t(openFileLimit), rlim_t(openFileLimit)};
+            setrlimit(RLIMIT_NOFILE, &limit);
+        });
+    }
     process.start(TDLB_EXECUTABLE, arguments);
     TdlbResult result;
     if (!process.waitForFinished(120000)) {

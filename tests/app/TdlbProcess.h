@@ -35,8 +35,9 @@ public:
     // --root ROOT --prefdir PREFS arguments...
     QStringList withRoot(const QStringList& arguments) const;
     TdlbResult run(const QStringList& arguments) const { return runRaw(withRoot(arguments)); }
-    // tdlb with exactly these arguments.
-    static TdlbResult runRaw(const QStringList& arguments);
+    // tdlb with exactly these arguments; with a positive openFileLimit, the
+    // child may hold no more files open than that at once.
+    static TdlbResult runRaw(const QStringList& arguments, int openFileLimit = 0);
     // The caller's environment without the host's own variables, so that
     // only the arguments choose root and preferences.
     static QProcessEnvironment environment();

@@ -4,6 +4,8 @@
 
 #include "TdlbProcess.h"
 
+#include "support/Files.h"
+
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -78,6 +80,19 @@ TEST(TdlbUsageTest, AMissingRootIsAUsageError)
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_TRUE(result.err.contains("no-such-root' does not exist")) << qPrintable(result.err);
     EXPECT_TRUE(result.out.isEmpty());
+}
+
+// Without --root, tdlb serves the build's copy of the example root: the
+// sources stay exactly as they were, shipped store or not.
+TEST(TdlbUsageTest, ARunWithoutARootLeavesTheSourcesAlone)
+{
+    QTemporaryDir preferences;
+    const auto before = snapshot(TDLB_EXAMPLE_ROOT);
+    const TdlbResult result = TdlbProcess::runRaw({"--prefdir", preferences.path(), "list"});
+    ASSERT_FALSE(result.crashed);
+    EXPECT_EQ(result.exitCode, 0) << qPrintable(result.err);
+    EXPECT_TRUE(result.out.contains("Arithmetica")) << qPrintable(result.out);
+    EXPECT_TRUE(snapshot(TDLB_EXAMPLE_ROOT) == before);
 }
 
 } // namespace

@@ -76,21 +76,29 @@ TEST_F(TdlbWriteTest, DestroyRemovesTheWritableData)
     EXPECT_EQ(tdlb.run({"show", "kinetics/Continuous"}).exitCode, 0);
 }
 
-TEST_F(TdlbWriteTest, ACorruptArchiveIsReportedWithExitCodeOne)
+// A broken file of one product: the commands that change the store fail
+// with its errors; those that only read answer, exit with 0 and count the
+// errors in one line; a question that can't be answered still fails.
+TEST_F(TdlbWriteTest, ExitCodesTellWhetherTheCommandDidItsWork)
 {
-    // Wherever the run keeps Wavecraft's manifests: the shipped store or the writable one.
-    int damaged = 0;
-    for (const QString& directory : {tdlb.root(), tdlb.preferences()})
-        for (const auto& [file, bytes] : snapshot(directory.toStdString()))
-            if (file.endsWith("lb_wavecraft_manifests_repos.rps")) {
-                writeFile((directory + "/" + file).toStdString(), "this is not a zip archive");
-                ++damaged;
-            }
-    ASSERT_GT(damaged, 0);
-    const TdlbResult tree = tdlb.run({"tree", "wavecraft"});
-    ASSERT_FALSE(tree.crashed);
-    EXPECT_EQ(tree.exitCode, 1) << qPrintable(tree.out) << qPrintable(tree.err);
-    EXPECT_TRUE(tree.err.contains("??? **Error**")) << qPrintable(tree.err);
+    writeFile((tdlb.root() + "/toolbox/wavecraft/tdblocks.json").toStdString(), "{ not json");
+    const TdlbResult update = tdlb.run({"update"});
+    EXPECT_EQ(update.exitCode, 1);
+    EXPECT_TRUE(update.err.contains("??? **Error**")) << qPrintable(update.err);
+    EXPECT_TRUE(update.err.contains("wavecraft/tdblocks.json")) << qPrintable(update.err);
+
+    const QString note = "the repository's report holds 1 error; 'tdlb report' shows it\n";
+    for (const QStringList& reading : {QStringList{"list"}, QStringList{"search", "gain"},
+                                       QStringList{"tree", "kinetics"}, QStringList{"show", "kinetics/Continuous"}}) {
+        SCOPED_TRACE(qPrintable(reading.join(' ')));
+        const TdlbResult result = tdlb.run(reading);
+        EXPECT_EQ(result.exitCode, 0) << qPrintable(result.err);
+        EXPECT_FALSE(result.out.isEmpty());
+        EXPECT_TRUE(result.err.endsWith("tdlb " + reading.first() + ": " + note)) << qPrintable(result.err);
+        EXPECT_FALSE(result.err.contains("??? **Error**")) << qPrintable(result.err);
+    }
+    EXPECT_EQ(tdlb.run({"show", "kinetics/NoSuchBlock"}).exitCode, 1);
+    EXPECT_EQ(tdlb.run({"generate", "Kinetics"}).exitCode, 1);
 }
 
 } // namespace

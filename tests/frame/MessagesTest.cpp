@@ -11,18 +11,6 @@ protected:
     static void SetUpTestSuite() { MessageService::instance().addPrimaryTable(MessageCatalogue::table()); }
 };
 
-TEST_F(MessagesTest, EveryRowButTheReservedOneHasAText)
-{
-    const MessageTable& table = MessageCatalogue::table();
-    ASSERT_EQ(table.count, 128u);
-    for (std::uint32_t row = 1; row <= table.count; ++row) {
-        EXPECT_EQ(table.numbers[row - 1], 0x5E0000u + row);
-        EXPECT_EQ(table.texts[row - 1] == nullptr, row == 4) << "row " << row;
-    }
-    EXPECT_STREQ(table.names[3], "");
-    EXPECT_STREQ(table.names[127], "TDLB_CycleInPalette");
-}
-
 TEST_F(MessagesTest, LooksUpAndFormatsByFullNumber)
 {
     EXPECT_EQ(Messages::xlatedMessageFromId(0x5E0002), "Tandril Library Browser");

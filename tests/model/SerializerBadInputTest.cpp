@@ -1,3 +1,4 @@
+#include "model/MetaModel.h"
 #include "model/Model.h"
 #include "platform/ErrorHolder.h"
 
@@ -30,7 +31,7 @@ std::string load(const std::string& body, Model& model)
 
 } // namespace
 
-TEST(SerializerBadInput, EveryFaultEndsInTheErrorHolder)
+TEST(SerializerBadInput, EveryStructuralFaultEndsInTheErrorHolder)
 {
     const BadDocument cases[] = {
         {"truncated", "<BlockImpl id=\"1\" name=\"Ga", "Premature end of document"},
@@ -41,18 +42,6 @@ TEST(SerializerBadInput, EveryFaultEndsInTheErrorHolder)
         {"missing id", "<BlockImpl name=\"Gain\"/></tdlb-manifest>", "without an id"},
         {"repeated id", "<BlockImpl id=\"1\"/><BlockImpl id=\"1\"/></tdlb-manifest>", "repeated node id"},
         {"non-numeric id", "<BlockImpl id=\"one\"/></tdlb-manifest>", "node id 'one'"},
-        {"non-numeric bool", "<BlockImpl id=\"1\" isInvalid=\"yes\"/></tdlb-manifest>", "'isInvalid'"},
-        {"bool out of range", "<SubSystemImpl id=\"1\" isFlat=\"2\"/></tdlb-manifest>", "'isFlat'"},
-        {"non-numeric size", "<LibraryImpl id=\"1\" modelFileSize=\"12abc\"/></tdlb-manifest>", "'modelFileSize'"},
-        {"date beyond 32 bits", "<LibraryImpl id=\"1\" modelFileDate=\"99999999999\"/></tdlb-manifest>",
-         "'modelFileDate'"},
-        {"short rect", "<BlockImpl id=\"1\" position=\"1,2,3\"/></tdlb-manifest>", "'position'"},
-        {"bad file record", "<LibraryImpl id=\"1\" fileDependencies=\"[a|b|c|d]\"/></tdlb-manifest>",
-         "'fileDependencies'"},
-        {"bad reference", "<LibraryImpl id=\"1\" product=\"first\"/></tdlb-manifest>", "'product'"},
-        {"dangling reference", "<LibraryImpl id=\"1\" product=\"7\"/></tdlb-manifest>", "unknown node id 7"},
-        {"dangling list element", "<LibraryImpl id=\"1\" dependencies=\"[1,9]\"/></tdlb-manifest>",
-         "unknown node id 9"},
     };
     for (const BadDocument& c : cases) {
         SCOPED_TRACE(c.what);
@@ -62,10 +51,80 @@ TEST(SerializerBadInput, EveryFaultEndsInTheErrorHolder)
     }
 }
 
-TEST(SerializerBadInput, DanglingOrMistypedReferencesBindToNull)
+TEST(SerializerBadInput, AFaultKeepsTheNodesReadBeforeIt)
 {
     ModelPtr model = Model::createModel();
-    load(std::string(header) + "<LibraryImpl id=\"4\" product=\"7\" dependencies=\"[4,9]\"/></tdlb-manifest>", *model);
+    EXPECT_FALSE(load(std::string(header) + "<BlockImpl id=\"1\" name=\"Gain\"/><BlockImpl id=\"2\" name=\"Sum\"/>"
+                      "<WidgetImpl id=\"3\"/><BlockImpl id=\"4\" name=\"Lost\"/></tdlb-manifest>",
+                      *model)
+                     .empty());
+    ASSERT_EQ(model->nodeCount(), 2);
+    EXPECT_EQ(static_cast<BlockImpl*>(model->getNodes().get(0))->getName(), "Gain");
+    EXPECT_EQ(static_cast<BlockImpl*>(model->getNodes().get(1))->getName(), "Sum");
+}
+
+// A value that holds nothing of its type costs that value only: the property
+// keeps its default, one warning names it, and the rest of the node and of
+// the document loads.
+TEST(SerializerBadInput, AnUnreadableValueKeepsItsDefaultWithOneWarning)
+{
+    const BadDocument cases[] = {
+        {"non-numeric bool", "<BlockImpl id=\"1\" isInvalid=\"yes\"", "'isInvalid'"},
+        {"bool out of range", "<SubSystemImpl id=\"1\" isFlat=\"2\"", "'isFlat'"},
+        {"non-numeric size", "<LibraryImpl id=\"1\" modelFileSize=\"abc\"", "'modelFileSize'"},
+        {"date beyond 32 bits", "<LibraryImpl id=\"1\" modelFileDate=\"99999999999\"", "'modelFileDate'"},
+        {"short rect", "<BlockImpl id=\"1\" position=\"1,2,3\"", "'position'"},
+        {"reference that is no id", "<LibraryImpl id=\"1\" product=\"first\"", "'product'"},
+        {"list of no ids", "<LibraryImpl id=\"1\" dependencies=\"[1,x]\"", "'dependencies'"},
+    };
+    for (const BadDocument& c : cases) {
+        SCOPED_TRACE(c.what);
+        ModelPtr model = Model::createModel();
+        ErrorHolder errors;
+        EXPECT_TRUE(model->loadFromBytes(
+            QByteArray::fromStdString(std::string(header) + c.xml
+                                      + " name=\"Kept\"/><BlockImpl id=\"2\" name=\"Next\"/></tdlb-manifest>"),
+            errors));
+        EXPECT_FALSE(errors.hasError());
+        ASSERT_EQ(errors.warnings().size(), 1u);
+        EXPECT_NE(errors.warnings().front().find(c.expectedInMessage), std::string::npos) << errors.warnings().front();
+        ASSERT_EQ(model->nodeCount(), 2);
+        const auto* node = static_cast<const TandrilObjectImpl*>(model->getNodes().get(0));
+        EXPECT_EQ(static_cast<const BlockImpl*>(node)->getName(), "Kept");
+        const MetaNode& meta = node->metaNode();
+        for (const auto& property : meta.properties()) {
+            if (property->name() != StringId("name")) {
+                EXPECT_TRUE(property->hasDefaultValue(*node)) << property->name().str();
+            }
+        }
+    }
+}
+
+// Numbers are read as stream input reads them, and a file record as far as it goes.
+TEST(SerializerBadInput, ValuesAreReadAsFarAsTheyGo)
+{
+    ModelPtr model = Model::createModel();
+    ErrorHolder errors;
+    ASSERT_TRUE(model->loadFromBytes(
+        QByteArray::fromStdString(std::string(header)
+                                  + "<LibraryImpl id=\"1\" modelFileSize=\" 12abc\" position=\"1;2;3;4 and more\""
+                                    " fileDependencies=\"[a|b|c|d,short,x|y|z|1|2,notes, v2.txt|7|8|9]\"/>"
+                                    "</tdlb-manifest>"),
+        errors));
+    EXPECT_TRUE(errors.warnings().empty());
+    const auto* library = static_cast<const LibraryImpl*>(model->getNodes().get(0));
+    EXPECT_EQ(library->getModelFileSize(), 12);
+    EXPECT_EQ(library->getPosition(), QRectF(1, 2, 3, 4));
+    const FileInfoVector expected{{"a", "b", 0, 0}, {"short,x", "y", 0, 1}, {"notes, v2.txt", "7", 8, 9}};
+    EXPECT_EQ(library->getFileDependencies(), expected);
+}
+
+TEST(SerializerBadInput, DanglingOrMistypedReferencesBindToNullSilently)
+{
+    ModelPtr model = Model::createModel();
+    EXPECT_EQ(load(std::string(header) + "<LibraryImpl id=\"4\" product=\"7\" dependencies=\"[4,9]\"/></tdlb-manifest>",
+                   *model),
+              "");
     auto* library = dynamic_cast<LibraryImpl*>(model->getNodes().get(0));
     ASSERT_NE(library, nullptr);
     EXPECT_EQ(library->getProduct(), nullptr);

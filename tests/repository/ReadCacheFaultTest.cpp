@@ -72,12 +72,35 @@ TEST_F(ReadCacheFaultTest, AZipWithoutTheEntryGivesAWarning)
 
 TEST_F(ReadCacheFaultTest, ACorruptManifestEntryGivesAnErrorAndKeepsWhatWasRead)
 {
-    const QByteArray whole = betaManifests.at("Beta/lbBetamanifest.xml");
-    replaceManifest("Beta", "Beta/lbBetamanifest.xml", whole.left(whole.indexOf("<BlockImpl") + 30));
+    auto children = Model::createModel();
+    for (const char* name : {"B1", "B2"}) {
+        BlockImpl* block = children->createBlockImpl();
+        block->setName(name);
+        block->setProductName("Beta");
+    }
+    const QByteArray whole = children->saveToBytes();
+    // Cut inside the second block: the first is whole and stays.
+    replaceManifest("Beta", "Beta/lbBetamanifest.xml", whole.left(whole.lastIndexOf("<BlockImpl") + 20));
     breakStore();
-    EXPECT_LE(betaChildren(), 1);
+    EXPECT_EQ(betaChildren(), 1);
     EXPECT_EQ(errorMessages(*report), (Messages{"Unexpected error occurred while loading the manifest file"}));
-    EXPECT_FALSE(reader->getTandrilObject("Beta/B1").isValid());
+    EXPECT_TRUE(reader->getTandrilObject("Beta/B1").isValid());
+    EXPECT_FALSE(reader->getTandrilObject("Beta/B2").isValid());
+}
+
+TEST_F(ReadCacheFaultTest, AnUnreadableValueCostsOnlyThatValue)
+{
+    auto children = Model::createModel();
+    children->createBlockImpl()->setName("B1");
+    QByteArray bytes = children->saveToBytes();
+    bytes.replace("name=\"B1\"", "name=\"B1\" position=\"wide\"");
+    replaceManifest("Beta", "Beta/lbBetamanifest.xml", bytes);
+    breakStore();
+    EXPECT_EQ(betaChildren(), 1);
+    EXPECT_TRUE(reader->getTandrilObject("Beta/B1").isValid());
+    EXPECT_FALSE(report->hasError());
+    ASSERT_EQ(report->getWarnings().size(), 1u);
+    EXPECT_NE(report->getWarnings().front().message.find("'position'"), std::string::npos);
 }
 
 TEST_F(ReadCacheFaultTest, ACorruptTopLevelManifestReadsAsAnEmptyStore)
@@ -111,8 +134,7 @@ TEST_F(ReadCacheFaultTest, ACorruptIconOrAnUnresolvableReferenceGivesEmptyResult
     const BlockIconPtr icon = reader->getTandrilObject("Alpha/Gain").getIcon();
     ASSERT_NE(icon, nullptr);
     EXPECT_TRUE(icon->isEmpty());
-    EXPECT_EQ(errorMessages(*report),
-              (Messages{"Unexpected error occurred while loading the icon file icons/Gain.svg"}));
+    EXPECT_EQ(errorMessages(*report), (Messages{"Unexpected error occurred while loading the manifest file"}));
 
     EXPECT_TRUE(reader->getChildrenIterator(reader->getTandrilObject("Alpha/Ref1")).isEmpty());
     EXPECT_EQ(reader->getDepthFirstIterator(reader->getTandrilObject("Alpha")).size(), 6);

@@ -4,6 +4,9 @@
 #include "repository/ReaderCacheRegistry.h"
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSvgRenderer>
 
 #include <gtest/gtest.h>
@@ -83,6 +86,34 @@ TEST_F(ReadCacheTest, EachArchiveIsCopiedOncePerProductCacheAndTheCopiesGoWithIt
     EXPECT_EQ(reader->getChildrenIterator(alpha).size(), 5);
     reader.reset();
     EXPECT_TRUE(tempEntries().isEmpty());
+}
+
+// The process's open files that are private archive copies.
+int openArchiveCopies()
+{
+    int count = 0;
+    for (const QFileInfo& fd : QDir("/proc/self/fd").entryInfoList(QDir::Files | QDir::System))
+        if (fd.symLinkTarget().endsWith("cachedArchive.rps"))
+            ++count;
+    return count;
+}
+
+TEST_F(ReadCacheTest, NoArchiveStaysOpenBetweenReadsAndEachReadChecksTheStoresArchive)
+{
+    if (!QFileInfo::exists("/proc/self/fd"))
+        GTEST_SKIP() << "no /proc to count open files";
+    EXPECT_EQ(reader->getChildrenIterator(object("Alpha")).size(), 5);
+    EXPECT_FALSE(reader->getIcon(object("Alpha/Gain"))->isEmpty());
+    EXPECT_EQ(tempEntries().size(), 2) << "the private copies stay";
+    EXPECT_EQ(openArchiveCopies(), 0);
+
+    // The copy would still serve Sub, not read so far, but the store no
+    // longer has the archive: the read answers as for a missing archive.
+    const TandrilObject sub = object("Alpha/Sub");
+    ASSERT_TRUE(sub.isValid());
+    QFile::remove(QString::fromStdString(archive("Alpha", "manifests")));
+    EXPECT_TRUE(reader->getChildrenIterator(sub).isEmpty());
+    EXPECT_FALSE(report->hasError() || report->hasWarning());
 }
 
 TEST_F(ReadCacheTest, TwoReadersOnOneDirectoryBothHearOfChangesHoweverItIsSpelled)

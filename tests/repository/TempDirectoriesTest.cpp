@@ -1,10 +1,14 @@
 #include "repository/xmlrepository/TempDirectories.h"
+#include "repository/xmlrepository/TempDirectoryOwners.h"
 
 #include "ReadOnlyPath.h"
 #include "StoreFixture.h"
 #include "repository/RepositoryReport.h"
 
+#include <QProcess>
 #include <QRegularExpression>
+
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -97,6 +101,45 @@ TEST_F(TempDirectoriesTest, NoUsableSystemTemporaryDirectory)
         GTEST_SKIP() << "cannot make a path read-only here";
     EXPECT_EQ(namedTempDirectory(report, "LBlocked", true), "");
     EXPECT_EQ(errorMessages(report), (Messages{"Unable to create a temporary directory"}));
+}
+
+// Left-overs of ended processes go; those of running ones, our own, other
+// names and directories without an owner file stay.
+TEST_F(TempDirectoriesTest, LeftOversOfEndedProcessesAreRemovedAndNothingElse)
+{
+    QProcess ended, running;
+    ended.start("sleep", {"30"});
+    running.start("sleep", {"30"});
+    ASSERT_TRUE(ended.waitForStarted() && running.waitForStarted());
+    const qint64 endedPid = ended.processId();
+    ended.kill();
+    ended.waitForFinished();
+
+    const std::string mine = namedTempDirectory(report, "LBCache7", true);
+    const QString unique(32, QLatin1Char('a'));
+    const auto makeDirectory = [&](const QString& name, const QString& owner) {
+        const std::string directory = tempRoot() + "/" + name.toStdString();
+        writeFile(directory + "/cachedArchive.rps", "bytes");
+        if (!owner.isNull())
+            writeFile(directory + "/" + TempDirectoryOwners::OwnerFileName, owner.toUtf8());
+        return directory;
+    };
+    const std::string gone = makeDirectory("LBwriter3" + unique, QString::number(endedPid) + " 1234\n");
+    const std::string reused = makeDirectory("LBTop2" + unique, QString::number(getppid()) + " 1\n");
+    const std::string alive = makeDirectory("LBCache9" + unique, QString::number(running.processId()) + " \n");
+    const std::string unowned = makeDirectory("LBCache8" + unique, QString());
+    const std::string foreign = makeDirectory("LBother" + unique, QString::number(endedPid));
+
+    TempDirectoryOwners::removeLeftOvers(report);
+    EXPECT_FALSE(exists(gone));
+    EXPECT_FALSE(exists(reused)) << "a running process of that id that started at another time is another process";
+    EXPECT_TRUE(exists(alive));
+    EXPECT_TRUE(exists(unowned));
+    EXPECT_TRUE(exists(foreign));
+    EXPECT_TRUE(exists(mine));
+    EXPECT_FALSE(report.hasError());
+    running.kill();
+    running.waitForFinished();
 }
 
 } // namespace

@@ -78,6 +78,24 @@ TEST_F(XMLRepositoryProductsTest, MergeTakesTheWritableCopyOnlyWhileTheShippedOn
     EXPECT_EQ(describe(repository->getProductsIterator()), (Messages{"s:Alpha", "w:Beta", "w:Gamma"}));
 }
 
+// Matched by unique path, not by path: a library that another product
+// depends on is listed under the same path as its own product, and must not
+// stand in for it when the two stores are compared.
+TEST_F(XMLRepositoryProductsTest, MergeMatchesProductsByUniquePath)
+{
+    auto shippedModel = Model::createModel();
+    addProduct(*shippedModel, "Alpha", "shipped-1");
+    LibraryImpl* dependency = addProduct(*shippedModel, "Alpha", "shipped-0");
+    dependency->setUniquePath(StringId("Beta-Alpha"));
+    dependency->setIsProduct(false);
+    saveManifest(*shippedModel, topLevelFile(shipped()));
+    ReaderCacheRegistry::unloadTopLevelCaches(shipped());
+    auto model = Model::createModel();
+    addProduct(*model, "Alpha", "writable-2", "shipped-1");
+    writeWritableManifest(*model);
+    EXPECT_EQ(describe(repository->getMergedProducts()), (Messages{"w:Alpha"}));
+}
+
 TEST_F(XMLRepositoryProductsTest, DependenciesAreAddedOneLevelDeep)
 {
     auto shippedModel = Model::createModel();

@@ -145,6 +145,12 @@ bool copyFile(RepositoryReport& report, const std::string& source, const std::st
     return false;
 }
 
+void reportLoadWarnings(RepositoryReport& report, const ErrorHolder& errors)
+{
+    for (const std::string& warning : errors.warnings())
+        report.logWarning(warning);
+}
+
 bool loadManifestFromBytes(RepositoryReport& report, Model& model, const QByteArray& bytes)
 {
     if (bytes.isEmpty())
@@ -153,6 +159,7 @@ bool loadManifestFromBytes(RepositoryReport& report, Model& model, const QByteAr
     model.beginChangeSet();
     const bool loaded = Serializer::loadFromByteArray(model, bytes, errors);
     model.commitChangeSet();
+    reportLoadWarnings(report, errors);
     if (!loaded || errors.hasError()) {
         report.logError("Unexpected error occurred while loading the manifest file");
         return false;

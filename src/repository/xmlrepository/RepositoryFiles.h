@@ -9,6 +9,7 @@
 
 namespace LibraryBrowser {
 
+class ErrorHolder;
 class Model;
 class RepositoryReport;
 
@@ -35,8 +36,11 @@ bool copyFile(RepositoryReport& report, const std::string& source, const std::st
 bool isAutomatedBuildUser();
 // Waits for about count milliseconds.
 void pause(int count);
+// The values a load skipped, one warning each.
+void reportLoadWarnings(RepositoryReport& report, const ErrorHolder& errors);
 // Reads a manifest into the model within one change set. Empty bytes do
-// nothing. False, and an error, if the bytes are not a manifest.
+// nothing. False, and an error, if the bytes are not a manifest; the nodes
+// read before the fault stay in the model.
 bool loadManifestFromBytes(RepositoryReport& report, Model& model, const QByteArray& bytes);
 
 } // namespace LibraryBrowser

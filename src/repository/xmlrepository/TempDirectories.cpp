@@ -4,6 +4,7 @@
 #include "platform/Platform.h"
 #include "repository/RepositoryReport.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/TempDirectoryOwners.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -38,9 +39,12 @@ std::string namedTempDirectory(RepositoryReport& report, const std::string& name
         entry = tempDirectoryNames().insert(key, key + unique);
     }
     const QString path = QDir(base).absolutePath() + QLatin1Char('/') + entry.value();
-    if (create && !QFileInfo::exists(path) && !QDir().mkpath(path)) {
-        report.logError("Unable to create a temporary directory");
-        return std::string();
+    if (create && !QFileInfo::exists(path)) {
+        if (!QDir().mkpath(path)) {
+            report.logError("Unable to create a temporary directory");
+            return std::string();
+        }
+        TempDirectoryOwners::mark(path);
     }
     return path.toStdString();
 }

@@ -7,6 +7,8 @@
 #include "platform/Platform.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/StoredDataCheck.h"
+#include "repository/xmlrepository/TempDirectoryOwners.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -67,6 +69,9 @@ XMLRepository::XMLRepository(const std::string& writableDirectory, const std::st
 void XMLRepository::buildParts()
 {
     m_report->logToConsoleInteractively(false);
+    // What killed processes left in the temporary directory goes at the
+    // first opening of a repository in this process.
+    TempDirectoryOwners::removeLeftOversOnce(*m_report);
     m_shippedReader = std::make_shared<XMLRepositoryReader>(m_shippedDirectory, m_report, this);
     m_writableReader = std::make_shared<XMLRepositoryReader>(m_writableDirectory, m_report, this);
     m_cache = std::make_shared<XMLRepositoryCache>(m_shippedDirectory, m_writableDirectory, m_report, this);
@@ -221,6 +226,18 @@ void XMLRepository::syncTopLevelManifest()
     // A token without a manifest means nothing.
     if (!QFile::exists(qs(writableTop)) && tokenFile.exists())
         tokenFile.remove();
+    // Nor does one beside a manifest that can't be read: the store would list
+    // no product on every run after. The manifest goes, since nothing can be
+    // read from it, and the store is seeded anew from the shipped one.
+    if (tokenFile.exists()) {
+        const std::string problem = StoredDataCheck::manifestFileProblem(writableTop);
+        if (!problem.empty()) {
+            m_report->logWarning("The top level manifest " + writableTop
+                                 + " is damaged and will be made anew: " + problem);
+            QFile::remove(qs(writableTop));
+            tokenFile.remove();
+        }
+    }
 
     if (tokenFile.exists()) {
         QString line;

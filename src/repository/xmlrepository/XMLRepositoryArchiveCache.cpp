@@ -1,11 +1,9 @@
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
 
-#include "platform/ZipArchive.h"
 #include "repository/xmlrepository/TempDirectories.h"
 
 #include <QFile>
 #include <QFileInfo>
-
 
 namespace LibraryBrowser {
 
@@ -47,53 +45,53 @@ std::string XMLRepositoryArchiveCache::directoryName() const
     return "LBCache" + std::to_string(m_number);
 }
 
-bool XMLRepositoryArchiveCache::openLocalCopy()
+std::string XMLRepositoryArchiveCache::indexedLocalCopy()
 {
-    if (m_archive.isOpened())
-        return true;
     if (!QFileInfo::exists(qs(m_archivePath)))
-        return false;
+        return std::string();
     const std::string directory = namedTempDirectory(*m_report, directoryName(), true);
     if (directory.empty())
-        return false;
+        return std::string();
     const std::string localCopy = directory + "/cachedArchive.rps";
     if (!QFileInfo::exists(qs(localCopy))) {
+        m_index.clear();
         if (!QFile::copy(qs(m_archivePath), qs(localCopy))) {
             m_report->logError("Unable to cache archive to " + localCopy);
-            return false;
+            return std::string();
         }
         ++copies;
     }
-    if (!m_archive.open(localCopy, ZipArchive::ReadOnly)) {
+    std::string error;
+    if (!m_index.isLoaded() && !m_index.load(localCopy, error)) {
         m_report->logError("Unable to open archive " + localCopy);
-        m_report->logError("Error returned from zip archiver: " + m_archive.errorString());
-        return false;
+        m_report->logError("Error returned from zip archiver: " + error);
+        return std::string();
     }
-    return true;
+    return localCopy;
 }
 
 QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
 {
-    if (!openLocalCopy())
+    const std::string localCopy = indexedLocalCopy();
+    if (localCopy.empty())
         return QByteArray();
     ++reads;
-    const std::string& localCopy = m_archive.getArchiveFilePath();
-    const ZipArchive::Entry entry = m_archive.find(entryName);
-    if (!entry.isValid()) {
+    if (!m_index.contains(entryName)) {
         m_report->logWarning("Unable to locate file " + entryName + " in archive " + localCopy);
         return QByteArray();
     }
     QByteArray bytes;
-    if (!m_archive.read(entry, bytes)) {
+    std::string error;
+    if (!m_index.read(localCopy, entryName, bytes, error)) {
         m_report->logError("Unable to read file " + entryName + " in archive " + localCopy);
-        m_report->logError("Error returned from zip archiver: " + m_archive.errorString());
+        m_report->logError("Error returned from zip archiver: " + error);
     }
     return bytes;
 }
 
 void XMLRepositoryArchiveCache::close()
 {
-    m_archive.close();
+    m_index.clear();
     removeNamedTempDirectory(*m_report, directoryName());
 }
 

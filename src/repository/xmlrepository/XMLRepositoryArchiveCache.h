@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ZipArchive.h"
+#include "platform/ZipEntryIndex.h"
 #include "repository/RepositoryReport.h"
 
 #include <QByteArray>
@@ -14,9 +14,9 @@ namespace LibraryBrowser {
 // Entries of one archive of a store, read from a private copy of it. The
 // copy is made at the first read and serves every later read until close(),
 // so a reader sees one state of the archive while a writer is free to
-// replace the original. The copy stays open between reads: it is nobody
-// else's, and opening an archive parses its whole directory, which would make
-// a walk over a product cost the square of its number of manifests.
+// replace the original. What is cached is the copy and an index of where its
+// entries lie, not an open file: each read opens the copy, reads one entry and
+// closes it, so a search over any number of products holds no file open.
 class XMLRepositoryArchiveCache {
 public:
     XMLRepositoryArchiveCache(std::string archivePath, RepositoryReportPtr report);
@@ -25,8 +25,9 @@ public:
     XMLRepositoryArchiveCache& operator=(const XMLRepositoryArchiveCache&) = delete;
 
     // The entry's bytes; empty, with the reason in the report, if the copy
-    // can't be made, the archive can't be opened or lacks the entry. A
-    // missing archive gives empty bytes without a word.
+    // can't be made, the archive can't be opened or lacks the entry. An
+    // archive missing from the store gives empty bytes without a word; this
+    // is checked at every read.
     QByteArray readEntry(const std::string& entryName);
     // Removes the private copy; the next read makes a new one.
     void close();
@@ -39,13 +40,14 @@ public:
 private:
     std::string directoryName() const;
 
-    // The private copy, opened on first use; false with the report told.
-    bool openLocalCopy();
+    // The private copy, made if missing, with its index; the empty string,
+    // with the report told, if either can't be had.
+    std::string indexedLocalCopy();
 
     std::uint32_t m_number;
     std::string m_archivePath;
     RepositoryReportPtr m_report;
-    ZipArchive m_archive;
+    ZipEntryIndex m_index;
 };
 
 using XMLRepositoryArchiveCachePtr = std::shared_ptr<XMLRepositoryArchiveCache>;

@@ -158,7 +158,7 @@ BlockIconPtr XMLRepositoryProductCache::getIcon(const Block& block)
         if (BlockIcon::isSvgDocument(bytes))
             icon = std::make_shared<BlockIcon>(std::move(bytes));
         else if (!bytes.isEmpty())
-            m_report->logError("Unexpected error occurred while loading the icon file " + entry);
+            m_report->logError("Unexpected error occurred while loading the manifest file");
     }
     m_icons[block] = icon;
     return icon;

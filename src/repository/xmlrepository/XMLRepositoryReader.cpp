@@ -5,6 +5,7 @@
 #include "repository/xmlrepository/HostOperations.h"
 #include "repository/xmlrepository/LibraryComparison.h"
 #include "repository/xmlrepository/PaletteChildren.h"
+#include "repository/xmlrepository/StoredDataCheck.h"
 
 namespace LibraryBrowser {
 
@@ -56,7 +57,17 @@ bool XMLRepositoryReader::compareLibrary(const LibraryImpl& library, bool ignore
 bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool ignoreTimestamp)
 {
     LibraryImpl* node = storedProduct(product);
-    return node && isLibraryTreeUpToDate(product.toLibrary(), *node, ignoreTimestamp);
+    if (!node || !isLibraryTreeUpToDate(product.toLibrary(), *node, ignoreTimestamp))
+        return false;
+    // A palette has no archives of its own.
+    if (dynamic_cast<const PaletteImpl*>(node))
+        return true;
+    // Damaged data counts as out of date, so that it is generated again.
+    const std::string problem = StoredDataCheck::productProblem(m_directory, *node);
+    if (!problem.empty())
+        m_report->logWarning("The stored data of " + node->getDisplayName() + " in " + m_directory
+                             + " is damaged and will be generated again: " + problem);
+    return problem.empty();
 }
 
 bool XMLRepositoryReader::isLibraryTreeUpToDate(const Library& library, LibraryImpl& node, bool ignoreTimestamp)

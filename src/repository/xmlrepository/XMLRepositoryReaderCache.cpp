@@ -70,6 +70,7 @@ ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
     model->beginChangeSet();
     const bool loaded = Serializer::loadFromByteArray(*model, bytes, errors);
     model->commitChangeSet();
+    reportLoadWarnings(*m_report, errors);
     if (!loaded || errors.hasError()) {
         // The file stays as it is: repair is the writer's business.
         m_report->logError("The top level manifest file looks corrupted. Returning an empty manifest.");
@@ -101,14 +102,10 @@ std::string XMLRepositoryReaderCache::getVersion()
         m_report->log("Loaded an empty manifest while trying to read its version");
         return std::string();
     }
+    // A document without a readable signature gives the null signature's
+    // text, which matches no schema: the callers treat the store as stale.
     ErrorHolder errors;
-    const Signature signature = Serializer::getModelSignatureFromByteArray(bytes, errors);
-    if (signature.isNull()) {
-        m_report->logError("Unable to read the version of the top level manifest in " + m_directory + ": " +
-                           errors.message());
-        return std::string();
-    }
-    return signature.toString();
+    return Serializer::getModelSignatureFromByteArray(bytes, errors).toString();
 }
 
 TandrilObjectIterator XMLRepositoryReaderCache::getAllProductsIterator()

@@ -26,6 +26,11 @@ TEST(SearchPattern, MatchesByTheOptions)
         {"gain", "Gai n", false},
         {"", "anything", true},
         {"\u00e4quator", "\u00c4quator Scope", true},
+        // Names and patterns are read as Unicode, not byte by byte: a letter
+        // beyond ASCII folds its case, and "?" stands for the whole of it.
+        {"r\u00e9sonateur", "R\u00e9sonateur", true},
+        {"r?sonateur", "R\u00e9sonateur", true},
+        {"r??sonateur", "R\u00e9sonateur", false},
         {"gain", "Variable Gain", false, false, false, true},
         {"Gain", "Variable Gain", true, false, false, true},
         // Whole words refuse parts of longer words; the boundaries bind to

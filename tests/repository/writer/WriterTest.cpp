@@ -102,8 +102,14 @@ TEST_F(WriterTest, ADoubledProductNameKeepsTheFirstAndAPaletteListingItselfIsGen
     setAlphaAndBeta(1);
     libraries.setProducts({{"Alpha Library", "Alpha"},
                            {"Alpha Library", "Beta"},
+                           {"Gadgets", "Beta", "Gadget"},
                            {"Tools", "Tools", "Palette", {"Tools", "Alpha", "Tools"}}});
     generate();
+    // A type other than Product or Palette: the entry is skipped, not guessed at.
+    EXPECT_NE(std::find(report->getWarnings().begin(), report->getWarnings().end(),
+                        RepositoryReport::Issue{"InternalWarning",
+                                                "The product Gadgets has the unknown type 'Gadget' and is left out."}),
+              report->getWarnings().end());
     EXPECT_TRUE(logged(*report, "The product name Alpha Library appeared in more than one tdblocks "
                                 "file. The first one that was found on the path will be used."));
     EXPECT_EQ(std::count_if(report->getWarnings().begin(), report->getWarnings().end(),
@@ -113,6 +119,7 @@ TEST_F(WriterTest, ADoubledProductNameKeepsTheFirstAndAPaletteListingItselfIsGen
               2);
     const auto reader = makeReader();
     EXPECT_FALSE(reader->getProduct("Beta").isValid());
+    EXPECT_FALSE(reader->getProduct("Gadgets").isValid());
     const Library tools = reader->getProduct("Tools");
     EXPECT_FALSE(tools.getIsEmpty());
     EXPECT_EQ(reader->getChildrenIterator(tools).size(), 1);

@@ -82,3 +82,25 @@ TEST_F(ProductUpToDateTest, NothingThatIsNoStoredProductIsUpToDate)
     EXPECT_EQ(children.current().getName(), "Gain");
     EXPECT_FALSE(reader->isProductUpToDate(children.current())) << "a block is no product";
 }
+
+// A handle of the merged list may hold the other store's node of a product
+// (both stores' handles share one entry per id). Each reader judges the
+// product by its own top-level record, whatever node the handle holds.
+TEST_F(ProductUpToDateTest, AProductIsJudgedByThisStoresOwnRecord)
+{
+    record("Alpha", "{\"blocks\": 1}");
+    record("Alpha-Shared", "{\"blocks\": 2}");
+    stored("Alpha-Shared")->setProduct(stored("Alpha"));
+    ModelPtr otherStore = Model::createModel();
+    LibraryImpl* foreign = otherStore->createLibraryImpl();
+    foreign->copyNonStructuralPropertiesFromNode(static_cast<const Node*>(stored("Alpha")));
+    foreign->setModelFileSpec("toolbox/NotThere.tdlib.json");
+    const TandrilObject alpha = reader->getTandrilObject("Alpha");
+    alpha.getData()->setNode(foreign);
+    ASSERT_EQ(alpha.getImpl(), foreign);
+    EXPECT_TRUE(reader->isProductUpToDate(alpha)) << "the foreign node's missing model file does not count";
+
+    alpha.getData()->setNode(stored("Alpha"));
+    stored("Alpha")->setModelFileSpec("");
+    EXPECT_FALSE(reader->isProductUpToDate(alpha)) << "a record never generated is not up to date";
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <string>
+
+namespace LibraryBrowser {
+
+class LibraryImpl;
+
+// Whether what a store holds for a product can still be read: both archives
+// open as zip archives, and the product's own manifest is in its archive,
+// of this schema, and loads without error. Damage found here makes the
+// product out of date, so that it is generated again. The check reads the
+// archives' directories and one manifest, and writes nothing.
+class StoredDataCheck {
+public:
+    // Why the product's stored data can't be read; the empty string when it
+    // can, or when an archive is missing (which counts elsewhere).
+    static std::string productProblem(const std::string& storeDirectory, const LibraryImpl& product);
+    // Why a manifest file can't be read, or the empty string.
+    static std::string manifestFileProblem(const std::string& path);
+
+private:
+    // Why manifest bytes can't serve, or the empty string.
+    static std::string manifestProblem(const std::string& name, const QByteArray& bytes);
+};
+
+} // namespace LibraryBrowser

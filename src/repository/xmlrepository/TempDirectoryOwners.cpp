@@ -1,0 +1,93 @@
+#include "repository/xmlrepository/TempDirectoryOwners.h"
+
+#include "repository/xmlrepository/TempDirectories.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <cerrno>
+#include <csignal>
+#include <unistd.h>
+
+namespace LibraryBrowser {
+
+namespace {
+
+// The start time of a process in clock ticks since boot, or the empty
+// string where it can't be read. With the id it names one process, also
+// after the id has been given to another.
+QString startTimeOf(qint64 pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return QString();
+    const QString text = QString::fromLatin1(stat.readAll());
+    // The command name in parentheses may hold blanks; fields count after it.
+    const QStringList fields = text.mid(text.lastIndexOf(QLatin1Char(')')) + 2).split(QLatin1Char(' '));
+    constexpr int startTimeField = 22 - 3;
+    return fields.size() > startTimeField ? fields[startTimeField] : QString();
+}
+
+bool processExists(qint64 pid)
+{
+    return ::kill(pid_t(pid), 0) == 0 || errno == EPERM;
+}
+
+} // namespace
+
+void TempDirectoryOwners::mark(const QString& directory)
+{
+    const qint64 pid = QCoreApplication::applicationPid();
+    QFile owner(directory + QLatin1Char('/') + QLatin1String(OwnerFileName));
+    if (owner.open(QIODevice::WriteOnly))
+        owner.write(QStringLiteral("%1 %2\n").arg(pid).arg(startTimeOf(pid)).toLatin1());
+}
+
+bool TempDirectoryOwners::ownerIsRunning(const QString& ownerText)
+{
+    const QStringList fields = ownerText.trimmed().split(QLatin1Char(' '));
+    bool ok = false;
+    const qint64 pid = fields.value(0).toLongLong(&ok);
+    if (!ok || pid <= 0)
+        return true;
+    if (pid == QCoreApplication::applicationPid())
+        return true;
+    if (!processExists(pid))
+        return false;
+    const QString recorded = fields.value(1);
+    const QString now = startTimeOf(pid);
+    return recorded.isEmpty() || now.isEmpty() || recorded == now;
+}
+
+void TempDirectoryOwners::removeLeftOversOnce(RepositoryReport& report)
+{
+    static bool done = false;
+    if (done)
+        return;
+    done = true;
+    removeLeftOvers(report);
+}
+
+void TempDirectoryOwners::removeLeftOvers(RepositoryReport& report)
+{
+    static const QRegularExpression ours(QStringLiteral("^LB(writer|Cache|Top)[0-9]+[0-9a-f]{32}$"));
+    const QDir base(QDir::tempPath());
+    for (const QString& name : base.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
+        if (!ours.match(name).hasMatch())
+            continue;
+        QFile owner(base.filePath(name) + QLatin1Char('/') + QLatin1String(OwnerFileName));
+        // Without an owner file the directory may be one another process is
+        // making this moment: leave it.
+        if (!owner.open(QIODevice::ReadOnly))
+            continue;
+        const QString text = QString::fromLatin1(owner.readAll());
+        owner.close();
+        if (!ownerIsRunning(text))
+            removeDirectory(report, base.filePath(name).toStdString());
+    }
+}
+
+} // namespace LibraryBrowser

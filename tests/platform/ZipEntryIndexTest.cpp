@@ -1,0 +1,117 @@
+#include "platform/ZipArchive.h"
+#include "platform/ZipEntryIndex.h"
+#include "support/Files.h"
+
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+using namespace LibraryBrowser;
+using Testing::readFile;
+using Testing::writeFile;
+
+namespace {
+
+class ZipEntryIndexTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        QByteArray noise(3000, Qt::Uninitialized);
+        QRandomGenerator generator(7);
+        generator.fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
+        entries = {{"Alpha/lbAlphamanifest.xml", QByteArray("<tdlb-manifest/>").repeated(200)},
+                   {"icons/Gain \u00fc.svg", "<svg/>"},
+                   {"empty", ""},
+                   {"noise.bin", noise}};
+        file = dir.filePath("archive.rps").toStdString();
+        ZipArchive archive;
+        ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew));
+        for (const auto& [name, bytes] : entries)
+            ASSERT_TRUE(archive.add(name, bytes));
+        ASSERT_TRUE(archive.close()) << archive.errorString();
+    }
+
+    QTemporaryDir dir;
+    std::string file;
+    std::map<std::string, QByteArray> entries;
+};
+
+} // namespace
+
+TEST_F(ZipEntryIndexTest, ReadsEveryEntryOfAnArchiveLibzipWrote)
+{
+    ZipEntryIndex index;
+    std::string error;
+    ASSERT_TRUE(index.load(file, error)) << error;
+    EXPECT_EQ(index.size(), entries.size());
+    for (const auto& [name, bytes] : entries) {
+        QByteArray read;
+        EXPECT_TRUE(index.read(file, name, read, error)) << name << ": " << error;
+        EXPECT_EQ(read, bytes) << name;
+    }
+    QByteArray read("left over");
+    EXPECT_FALSE(index.read(file, "Alpha", read, error)) << "names are whole entry names";
+    EXPECT_TRUE(read.isEmpty());
+    index.clear();
+    EXPECT_FALSE(index.isLoaded());
+    EXPECT_FALSE(index.contains("empty"));
+}
+
+TEST_F(ZipEntryIndexTest, FilesThatAreNoArchiveFailToLoadWithAReason)
+{
+    const QByteArray whole = readFile(file);
+    const std::pair<const char*, QByteArray> cases[] = {
+        {"empty file", ""},
+        {"text", "this is no zip archive"},
+        {"cut before the directory's end", whole.left(whole.size() - 10)},
+        {"directory offset beyond the end",
+         whole.left(whole.size() - 6) + QByteArray("\xff\xff\xff\x7f\0\0", 6)},
+    };
+    for (const auto& [what, bytes] : cases) {
+        SCOPED_TRACE(what);
+        writeFile(file, bytes);
+        ZipEntryIndex index;
+        std::string error;
+        EXPECT_FALSE(index.load(file, error));
+        EXPECT_FALSE(error.empty());
+        EXPECT_FALSE(index.isLoaded());
+        EXPECT_EQ(index.size(), 0u);
+    }
+    ZipEntryIndex index;
+    std::string error;
+    EXPECT_FALSE(index.load(dir.filePath("missing.rps").toStdString(), error));
+    EXPECT_NE(error.find("Can't open file"), std::string::npos) << error;
+}
+
+// Each byte of the archive damaged in turn: the index either refuses the
+// file, or every read gives the entry's true bytes or fails with a reason.
+// Never wrong bytes, never a crash.
+TEST_F(ZipEntryIndexTest, ADamagedByteNeverGivesWrongBytes)
+{
+    const QByteArray whole = readFile(file);
+    int refused = 0, failedReads = 0;
+    for (qsizetype at = 0; at < whole.size(); ++at) {
+        QByteArray damaged = whole;
+        damaged[at] = char(damaged[at] ^ 0x5a);
+        writeFile(file, damaged);
+        ZipEntryIndex index;
+        std::string error;
+        if (!index.load(file, error)) {
+            EXPECT_FALSE(error.empty());
+            ++refused;
+            continue;
+        }
+        for (const auto& [name, bytes] : entries) {
+            QByteArray read;
+            if (index.read(file, name, read, error))
+                EXPECT_EQ(read, bytes) << "byte " << at << " entry " << name;
+            else
+                ++failedReads;
+        }
+    }
+    EXPECT_GT(refused, 0);
+    EXPECT_GT(failedReads, 0);
+}
