@@ -28,9 +28,11 @@ void bindIterator(py::module_& repository)
         self.next();
         return object;
     });
-    // Copies walk on independently from where the original stands.
-    iterator.def("__copy__", [](const Iterator& self) { return Iterator(self); });
-    iterator.def("__deepcopy__", [](const Iterator& self, py::dict) { return Iterator(self); });
+    // Copies walk on independently from where the original stands; they read
+    // through the same reader, so they keep the original (and its reader) alive.
+    iterator.def("__copy__", [](const Iterator& self) { return Iterator(self); }, py::keep_alive<0, 1>());
+    iterator.def(
+        "__deepcopy__", [](const Iterator& self, py::dict) { return Iterator(self); }, py::keep_alive<0, 1>());
 }
 
 } // namespace LibraryBrowser::Python
