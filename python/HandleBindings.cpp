@@ -1,5 +1,7 @@
 #include "Bindings.h"
 
+#include "FastAccess.h"
+
 #include "repository/TandrilObject.h"
 
 #include <string>
@@ -47,6 +49,7 @@ py::class_<Kind, Handle> bindKind(py::module_& repository, const char* name)
     });
     cls.def("__copy__", [](const Kind& handle) { return Kind(handle); });
     cls.def("__deepcopy__", [](const Kind& handle, py::dict) { return Kind(handle); });
+    FastAccess::installTextGetters<Kind>(cls);
     return cls;
 }
 

@@ -1,5 +1,7 @@
 #include "Bindings.h"
 
+#include "FastAccess.h"
+
 #include "repository/TandrilObject.h"
 #include "repository/TandrilObjectIterator.h"
 
@@ -28,6 +30,8 @@ void bindIterator(py::module_& repository)
         self.next();
         return object;
     });
+    // What a for loop calls, once per object.
+    FastAccess::installIteratorNext(iterator);
     // Copies walk on independently from where the original stands; they read
     // through the same reader, so they keep the original (and its reader) alive.
     iterator.def("__copy__", [](const Iterator& self) { return Iterator(self); }, py::keep_alive<0, 1>());

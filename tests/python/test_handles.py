@@ -179,3 +179,25 @@ def test_a_handle_outlives_its_reader(shipped_store):
     assert obj.Name == "" and obj.Type == "InvalidBlock" and obj.Icon is None
     assert not obj.isLibrary()
     assert obj == same
+
+
+@pytest.mark.parametrize("path", [BLOCK, SUBSYSTEM, PRODUCT, LIBRARY_REF, PALETTE, "kinetics/No Such Block"])
+def test_the_texts_read_alike_on_every_class(repository, path):
+    obj = repository.getTandrilObject(path)
+    views = [obj] + [getattr(obj, "to" + kind)() for kind in KINDS]
+    for view in views:
+        for name in ("Name", "Path", "DisplayName", "Description", "Type"):
+            assert getattr(view, name) == getattr(Repository.Handle, name).__get__(view), (type(view), name)
+
+
+def test_the_texts_are_read_only_and_documented(repository):
+    obj = repository.getTandrilObject(BLOCK)
+    for name in ("Name", "Path", "DisplayName", "Type"):
+        assert getattr(Repository.TandrilObject, name).__doc__ == getattr(Repository.Handle, name).__doc__
+        assert getattr(Repository.TandrilObject, name).__doc__
+        with pytest.raises(AttributeError):
+            setattr(obj, name, "x")
+
+
+def test_a_name_outside_ascii_comes_through(repository):
+    assert repository.getTandrilObject("switchyard/Logic/Zähler").Name == "Zähler"
