@@ -103,7 +103,18 @@ def milliseconds(seconds):
     return "%.1f ms" % (seconds * 1000.0)
 
 
-def section(args, blocks, cpp, python):
+def build_type(build):
+    try:
+        with open(os.path.join(build, "CMakeCache.txt"), encoding="utf-8") as cache:
+            for line in cache:
+                if line.startswith("CMAKE_BUILD_TYPE:"):
+                    return line.split("=", 1)[1].strip() or "no build type"
+    except OSError:
+        pass
+    return "unknown build type"
+
+
+def section(args, build, blocks, cpp, python):
     cpp_median = statistics.median(cpp["seconds"])
     python_median = statistics.median(python["seconds"])
     ratio = python_median / cpp_median
@@ -121,7 +132,8 @@ def section(args, blocks, cpp, python):
         "floor. Both walk after one walk that read every manifest, in the same run on the same files; each "
         "figure is the median of %d walks." % (blocks, args.products, args.runs),
         "",
-        "Run on %s, %d cores, load average %.1f at the end, with:" % (now, os.cpu_count(), load),
+        "Run on %s, %s build, %d cores, load average %.1f at the end, with:" % (
+            now, build_type(build), os.cpu_count(), load),
         "",
         "```",
         command,
@@ -181,7 +193,7 @@ def main():
     python = python_walk(build, root, prefdir, args.runs)
     if (cpp["objects"], cpp["characters"]) != (python["objects"], python["characters"]):
         sys.exit("the walks disagree: C++ %r, Python %r" % (cpp, python))
-    text = section(args, args.blocks, cpp, python)
+    text = section(args, build, args.blocks, cpp, python)
     print(text)
     write_section(os.path.abspath(args.output), text)
 
