@@ -1,7 +1,11 @@
+// pybind11 before Qt: Qt's "slots" keyword would break the interpreter's headers.
+#include "PythonHostFunctions.h"
+
 #include "PythonSession.h"
 
 #include "EmbeddedHost.h"
 #include "frame/ModuleEntry.h"
+#include "platform/Platform.h"
 
 #include <QApplication>
 #include <QDir>
@@ -16,8 +20,10 @@ namespace LibraryBrowser::Python {
 namespace {
 
 // Never freed: objects of a script (repositories, handles) may be released
-// after the interpreter's exit hooks, and the host must still answer them.
+// after the interpreter's exit hooks, and the host must still answer them;
+// from then on without the script's callables.
 Host::EmbeddedHost* theHost = nullptr;
+PythonHostFunctions* theFunctions = nullptr;
 bool finished = false;
 
 void ensureApplication()
@@ -64,6 +70,9 @@ void PythonSession::start(const Settings& settings)
     ensureApplication();
     theHost = new Host::EmbeddedHost(options);
     theHost->install();
+    // Callables a script registers answer in front of the embedded host.
+    theFunctions = new PythonHostFunctions(*theHost);
+    Platform::setInterpreter(theFunctions);
     NRInitialize_td_lib_browse();
 }
 
@@ -84,6 +93,7 @@ void PythonSession::finish()
         return;
     finished = true;
     NRTerminate_td_lib_browse();
+    PythonHostFunctions::clear();
 }
 
 QString PythonSession::root()

@@ -1,6 +1,11 @@
 #include "Bindings.h"
 
+#include "PythonHostFunctions.h"
 #include "PythonSession.h"
+#include "PythonValues.h"
+
+#include "platform/Platform.h"
+#include "scripting/ScriptingError.h"
 
 #include <pybind11/stl.h>
 
@@ -64,6 +69,38 @@ void bindSession(py::module_& tandril)
     tandril.def(
         "path", [] { return stdTexts(PythonSession::path()); },
         "The directories searched first for tdblocks data.");
+    tandril.def("register_host_function", &PythonHostFunctions::registerFunction, py::arg("name"),
+                py::arg("function"),
+                "Serves the host function or operation of that name by a Python callable instead of the embedded\n"
+                "host: \"tdprivate\" as a whole, one of its operations (\"lb_getTdBlocksData\", \"lb_getBlockData\",\n"
+                "\"lb_getChildrenHandles\", \"lb_getLibraryData\", \"lb_createSubSystemIcons\", \"rmdir\"), or a window\n"
+                "command (\"private_td_add_block\"...). The callable is called as function(nargout, *inputs), an\n"
+                "operation without its name, so that its first input is the report to log to. It returns None or a\n"
+                "list or tuple of its outputs; an exception is a failed call, which the library browser survives.\n"
+                "None as the function hands the name back to the embedded host.");
+    tandril.def("registered_host_functions", &PythonHostFunctions::registeredNames,
+                "The names served by Python callables.");
+    tandril.def(
+        "call_host",
+        [](const std::string& function, int outputCount, const py::args& inputs) {
+            PythonSession::ensureStarted();
+            std::vector<HostValue> values;
+            for (const py::handle input : inputs)
+                values.push_back(PythonValues::toHostValue(input));
+            const HostInterpreter::CallResult result =
+                Platform::interpreter().callWithTrap(function, outputCount, values);
+            if (!result.ok)
+                throw ScriptingError(result.errorId.empty() ? "Tandril:Host:CallFailed" : result.errorId,
+                                     result.errorMessage);
+            py::list outputs;
+            for (const HostValue& output : result.outputs)
+                outputs.append(PythonValues::toPython(output));
+            return outputs;
+        },
+        py::arg("function"), py::arg("nargout"),
+        "Calls a host function as the library browser does, through the registered callables and then the\n"
+        "embedded host, and gives the list of its outputs. A failed call raises tandril.Error with the host's\n"
+        "identifier and message.");
     tandril.def("_finish", &PythonSession::finish);
 }
 
