@@ -26,6 +26,12 @@ std::string Messages::xlatedMessageFromIdAndCharStar(std::uint32_t id, const std
     return formatted(id, text.c_str());
 }
 
+std::string Messages::xlatedMessageFromIdAndTwoCharStars(std::uint32_t id, const std::string& first,
+                                                         const std::string& second)
+{
+    return formatted(id, first.c_str(), second.c_str());
+}
+
 std::string Messages::xlatedMessageFromIdAndCharStarAndTwoInts(std::uint32_t id, const std::string& text,
                                                                 int first, int second)
 {

@@ -13,6 +13,8 @@ public:
 
     static std::string xlatedMessageFromId(std::uint32_t id);
     static std::string xlatedMessageFromIdAndCharStar(std::uint32_t id, const std::string& text);
+    static std::string xlatedMessageFromIdAndTwoCharStars(std::uint32_t id, const std::string& first,
+                                                          const std::string& second);
     static std::string xlatedMessageFromIdAndCharStarAndTwoInts(std::uint32_t id, const std::string& text,
                                                                 int first, int second);
     static std::string xlatedMessageFromIdAndCharStarAndThreeInts(std::uint32_t id, const std::string& text,

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <string>
+
+namespace LibraryBrowser::Python {
+
+// The parts of the extension module; each adds its classes to the module
+// it is given. The package's classes go to the submodule "Repository".
+void bindSession(pybind11::module_& tandril);
+void bindErrors(pybind11::module_& tandril);
+void bindHandles(pybind11::module_& repository);
+void bindIterator(pybind11::module_& repository);
+void bindReport(pybind11::module_& repository);
+void bindRepository(pybind11::module_& repository);
+
+// The docstring of a class of the package: its description, and its
+// detailed description when it has one.
+std::string classDoc(const std::string& className);
+
+} // namespace LibraryBrowser::Python

@@ -1,0 +1,86 @@
+#include "PythonHostFunctions.h"
+
+#include "PythonValues.h"
+
+namespace py = pybind11;
+
+namespace LibraryBrowser::Python {
+
+std::map<std::string, py::object>& PythonHostFunctions::functions()
+{
+    // Never destroyed: the objects must go while the interpreter runs, which
+    // clear() sees to at its exit.
+    static auto* registered = new std::map<std::string, py::object>();
+    return *registered;
+}
+
+void PythonHostFunctions::registerFunction(const std::string& name, py::object function)
+{
+    if (function.is_none())
+        functions().erase(name);
+    else
+        functions()[name] = std::move(function);
+}
+
+std::vector<std::string> PythonHostFunctions::registeredNames()
+{
+    std::vector<std::string> names;
+    for (const auto& entry : functions())
+        names.push_back(entry.first);
+    return names;
+}
+
+void PythonHostFunctions::clear()
+{
+    functions().clear();
+}
+
+HostInterpreter::CallResult PythonHostFunctions::callWithTrap(const std::string& function, int outputCount,
+                                                              const std::vector<HostValue>& inputs)
+{
+    const std::map<std::string, py::object>& registered = functions();
+    if (!registered.empty()) {
+        py::gil_scoped_acquire gil;
+        const auto whole = registered.find(function);
+        if (whole != registered.end())
+            return callPython(whole->second, function, outputCount, inputs, 0);
+        if (function == "tdprivate" && !inputs.empty() && inputs.front().isString()) {
+            const auto operation = registered.find(inputs.front().toString());
+            if (operation != registered.end())
+                return callPython(operation->second, operation->first, outputCount, inputs, 1);
+        }
+    }
+    return m_behind.callWithTrap(function, outputCount, inputs);
+}
+
+HostInterpreter::CallResult PythonHostFunctions::callPython(const py::object& function, const std::string& name,
+                                                            int outputCount, const std::vector<HostValue>& inputs,
+                                                            std::size_t firstInput)
+{
+    CallResult result;
+    try {
+        py::tuple arguments(1 + inputs.size() - firstInput);
+        arguments[0] = py::int_(outputCount);
+        for (std::size_t i = firstInput; i < inputs.size(); ++i)
+            arguments[1 + i - firstInput] = PythonValues::toPython(inputs[i]);
+        const py::object answer = function(*arguments);
+        if (!answer.is_none()) {
+            if (!py::isinstance<py::list>(answer) && !py::isinstance<py::tuple>(answer)) {
+                result.errorId = "Tandril:Host:PythonResult";
+                result.errorMessage = name + ": a host function returns None or a list or tuple of its outputs";
+                return result;
+            }
+            for (const py::handle output : answer)
+                result.outputs.push_back(PythonValues::toHostValue(output));
+        }
+        result.ok = true;
+    } catch (py::error_already_set& error) {
+        result.errorId = "Tandril:Host:PythonError";
+        if (py::hasattr(error.value(), "identifier"))
+            result.errorId = py::str(error.value().attr("identifier"));
+        result.errorMessage = name + ": " + error.what();
+    }
+    return result;
+}
+
+} // namespace LibraryBrowser::Python

@@ -1,0 +1,114 @@
+// pybind11 before Qt: Qt's "slots" keyword would break the interpreter's headers.
+#include "PythonHostFunctions.h"
+
+#include "PythonSession.h"
+
+#include "EmbeddedHost.h"
+#include "frame/ModuleEntry.h"
+#include "platform/Platform.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QProcessEnvironment>
+
+#include <memory>
+#include <stdexcept>
+
+namespace LibraryBrowser::Python {
+
+namespace {
+
+// Never freed: objects of a script (repositories, handles) may be released
+// after the interpreter's exit hooks, and the host must still answer them;
+// from then on without the script's callables.
+Host::EmbeddedHost* theHost = nullptr;
+PythonHostFunctions* theFunctions = nullptr;
+bool finished = false;
+
+void ensureApplication()
+{
+    if (QCoreApplication::instance())
+        return;
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (!environment.contains("QT_QPA_PLATFORM") && environment.value("DISPLAY").isEmpty() &&
+        environment.value("WAYLAND_DISPLAY").isEmpty())
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // QApplication keeps references to both for its whole life.
+    static int argc = 1;
+    static char name[] = "tandril";
+    static char* argv[] = {name, nullptr};
+    new QApplication(argc, argv);
+}
+
+QString absolute(const QString& directory)
+{
+    return QDir::cleanPath(QDir(directory).absolutePath());
+}
+
+} // namespace
+
+void PythonSession::start(const Settings& settings)
+{
+    if (theHost || finished)
+        throw std::logic_error("the tandril session has already started; start() must come before the first "
+                               "repository call");
+    Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment::systemEnvironment());
+    if (settings.root)
+        options.root = absolute(*settings.root);
+    if (settings.preferencesDirectory)
+        options.preferencesDirectory = absolute(*settings.preferencesDirectory);
+    if (settings.path) {
+        options.path.clear();
+        for (const QString& directory : *settings.path)
+            options.path << absolute(directory);
+    }
+    // A mistyped root would look like a root without products.
+    if (!QFileInfo(options.root).isDir())
+        throw std::invalid_argument("the root directory '" + options.root.toStdString() + "' does not exist");
+
+    ensureApplication();
+    theHost = new Host::EmbeddedHost(options);
+    theHost->install();
+    // Callables a script registers answer in front of the embedded host.
+    theFunctions = new PythonHostFunctions(*theHost);
+    Platform::setInterpreter(theFunctions);
+    NRInitialize_td_lib_browse();
+}
+
+void PythonSession::ensureStarted()
+{
+    if (!theHost && !finished)
+        start(Settings());
+}
+
+bool PythonSession::isStarted()
+{
+    return theHost != nullptr && !finished;
+}
+
+void PythonSession::finish()
+{
+    if (!isStarted())
+        return;
+    finished = true;
+    NRTerminate_td_lib_browse();
+    PythonHostFunctions::clear();
+}
+
+QString PythonSession::root()
+{
+    return theHost ? theHost->options().root : QString();
+}
+
+QString PythonSession::preferencesDirectory()
+{
+    return theHost ? theHost->options().preferencesDirectory : QString();
+}
+
+QStringList PythonSession::path()
+{
+    return theHost ? theHost->options().path : QStringList();
+}
+
+} // namespace LibraryBrowser::Python

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace LibraryBrowser::Python {
+
+// The module and its embedded host inside a Python process, brought up
+// once: a Qt application if the process has none (offscreen without a
+// display), the host on the given or environment's directories, and the
+// module's start. The module moves one way only, so a session cannot be
+// started twice; ending it is left to the process's exit.
+class PythonSession {
+public:
+    struct Settings {
+        std::optional<QString> root;
+        std::optional<QString> preferencesDirectory;
+        std::optional<QStringList> path;
+    };
+
+    // Starts with the settings, the environment filling in the rest
+    // (NUMORA_ROOT, NUMORA_PREFDIR, NUMORA_PATH, else the defaults). Throws
+    // std::logic_error if a session is already running, and
+    // std::invalid_argument for a root that is no directory.
+    static void start(const Settings& settings);
+    // Starts with the environment's settings unless a session runs.
+    static void ensureStarted();
+    static bool isStarted();
+    // Ends the module, at the interpreter's exit. The host stays installed:
+    // objects released after this still reach it.
+    static void finish();
+
+    static QString root();
+    static QString preferencesDirectory();
+    static QStringList path();
+};
+
+} // namespace LibraryBrowser::Python

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include "platform/HostValue.h"
+
+namespace LibraryBrowser::Python {
+
+// Python objects and the host values the module exchanges, both ways:
+//
+// | Python | host value |
+// |---|---|
+// | str | string |
+// | bool | logical scalar |
+// | int, float | double scalar |
+// | non-empty list or tuple of numbers (no bools) | 1-by-n double matrix |
+// | non-empty list or tuple of bools | 1-by-n logical matrix |
+// | non-empty list of equally long non-empty lists of numbers | m-by-n double matrix, a list per row |
+// | any other list or tuple | 1-by-n cell array of converted elements |
+// | None, and anything else | empty value |
+//
+// Back to Python, a 1-by-1 matrix is a scalar, a row a list, a matrix of
+// several rows a list of rows (cells alike), and an object the report it is
+// (a Repository.RepositoryReport) or None.
+class PythonValues {
+public:
+    static HostValue toHostValue(pybind11::handle object);
+    static pybind11::object toPython(const HostValue& value);
+};
+
+} // namespace LibraryBrowser::Python

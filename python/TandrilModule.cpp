@@ -1,0 +1,32 @@
+// The extension module behind the Python package "tandril".
+
+#include "Bindings.h"
+
+#include "scripting/RepositoryPackage.h"
+
+namespace py = pybind11;
+
+namespace LibraryBrowser::Python {
+
+std::string classDoc(const std::string& className)
+{
+    const ScriptedClassInfo& info = RepositoryPackage::classInfo(className);
+    return info.detailedDescription.empty() ? info.description
+                                            : info.description + "\n\n" + info.detailedDescription;
+}
+
+} // namespace LibraryBrowser::Python
+
+PYBIND11_MODULE(_tandril, tandril)
+{
+    using namespace LibraryBrowser::Python;
+    tandril.doc() = "The Tandril library browser: its repository, for scripts.";
+    bindSession(tandril);
+    bindErrors(tandril);
+    py::module_ repository = tandril.def_submodule("Repository", "The library browser's repository package.");
+    // Bases before the classes that derive from them.
+    bindHandles(repository);
+    bindIterator(repository);
+    bindReport(repository);
+    bindRepository(repository);
+}

@@ -1,0 +1,52 @@
+"""The Tandril library browser for scripts.
+
+``tandril.Repository`` holds the repository's classes::
+
+    from tandril import Repository
+    repository = Repository.Repository.open()
+    for product in repository.getProductsIterator():
+        print(product.DisplayName)
+
+The first repository call starts the library browser and its embedded host
+with the settings of the environment (NUMORA_ROOT, NUMORA_PREFDIR,
+NUMORA_PATH); call :func:`start` before it to choose them yourself.
+Errors of scripted calls raise :class:`Error`, whose ``identifier`` names
+them; everything else that goes wrong is in the repository's report.
+
+A script can stand in for the host, wholly or in part, by registering Python
+callables for host functions and operations with :func:`host_function`.
+"""
+
+import atexit
+import sys
+
+from ._tandril import Error, Repository, is_started, path, preferences_directory, root, start
+from ._tandril import call_host, register_host_function, registered_host_functions
+from ._tandril import _finish
+
+__all__ = ["Error", "Repository", "start", "is_started", "root", "preferences_directory", "path",
+           "register_host_function", "registered_host_functions", "host_function", "call_host"]
+
+
+def host_function(name):
+    """Registers the decorated callable for the host function or operation name
+    (see :func:`register_host_function`) and leaves it as it is."""
+
+    def register(function):
+        register_host_function(name, function)
+        return function
+
+    return register
+
+# "import tandril.Repository" and "from tandril.Repository import Block".
+sys.modules[__name__ + ".Repository"] = Repository
+
+atexit.register(_finish)
+
+# The classes say where scripts find them.
+for _name in dir(Repository):
+    _value = getattr(Repository, _name)
+    if isinstance(_value, type):
+        _value.__module__ = __name__ + ".Repository"
+Error.__module__ = __name__
+del _name, _value

@@ -1,0 +1,61 @@
+"""Fixtures of the package's suites.
+
+A process starts the package once, so each test file runs in a process of
+its own (ctest does that) on a fresh copy of the example root with its
+shipped store, and an empty preferences directory.
+"""
+
+import os
+import shutil
+
+import pytest
+
+import tandril
+from tandril import Repository
+
+
+def built_root():
+    root = os.environ.get("TDLB_BUILT_ROOT")
+    if not root or not os.path.isdir(root):
+        pytest.exit("TDLB_BUILT_ROOT must name the build's copy of the example root (build/examples/root)", 2)
+    return root
+
+
+@pytest.fixture(scope="session")
+def root_dir(tmp_path_factory):
+    root = tmp_path_factory.mktemp("host") / "root"
+    shutil.copytree(built_root(), root)
+    return root
+
+
+@pytest.fixture(scope="session")
+def shipped_store(root_dir):
+    return root_dir / "toolbox" / "tandril" / "tandril" / "private" / "td_library_browser_repos"
+
+
+@pytest.fixture(scope="session")
+def prefs_dir(tmp_path_factory):
+    return tmp_path_factory.mktemp("prefs")
+
+
+@pytest.fixture(scope="session", autouse=True)
+def session(root_dir, prefs_dir):
+    tandril.start(root=str(root_dir), prefdir=str(prefs_dir))
+
+
+@pytest.fixture(scope="session")
+def repository(session):
+    return Repository.Repository.open()
+
+
+def walk(iterator):
+    """The objects of an iterator, by its own current/next, from where it stands."""
+    objects = []
+    while iterator.isValidIterator():
+        objects.append(iterator.current())
+        iterator.next()
+    return objects
+
+
+def paths(objects):
+    return [o.Path for o in objects]

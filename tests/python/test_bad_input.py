@@ -1,0 +1,130 @@
+"""Bad input at the boundary: a clear Python exception or the documented empty result."""
+
+import os
+import shutil
+import subprocess
+import sys
+
+import pytest
+
+from tandril import Repository
+
+BLOCK = "kinetics/Continuous/Integrator"
+
+
+@pytest.mark.parametrize(
+    "call",
+    [
+        lambda r, o: r.getTandrilObject(None),
+        lambda r, o: r.getTandrilObject(5),
+        lambda r, o: r.getChildrenIterator(None),
+        lambda r, o: r.getChildrenIterator("kinetics"),
+        lambda r, o: r.getDepthFirstIterator(None),
+        lambda r, o: r.getIcon(None),
+        lambda r, o: r.isProductUpToDate(None),
+        lambda r, o: r.isProductUpToDate(o, "yes"),
+        lambda r, o: r.findBlocks(None),
+        lambda r, o: r.findBlocks("gain", None),
+        lambda r, o: r.findBlocks("gain", "RegExp"),
+        lambda r, o: r.findBlocks("gain", ("RegExp", "on")),
+        lambda r, o: r.findBlocks("gain", o, {"RegExp": "on"}),
+        lambda r, o: r.generateProduct(None),
+        lambda r, o: r.generateProduct(o, None),
+        lambda r, o: r.generateProduct(o, 2),
+        lambda r, o: r.destroyProduct("kinetics"),
+        lambda r, o: r.getRepositoryReport().log(None),
+        lambda r, o: Repository.Util.computeCheckSum("file", None),
+        lambda r, o: Repository.Reader.open(None),
+        lambda r, o: Repository.Writer.open("dir", "not a list"),
+        lambda r, o: Repository.TandrilObject("kinetics"),
+        lambda r, o: Repository.Block(None),
+        lambda r, o: o.eq(None),
+    ],
+)
+def test_wrong_types_raise_type_error(repository, call):
+    obj = repository.getTandrilObject(BLOCK)
+    with pytest.raises(TypeError):
+        call(repository, obj)
+
+
+def test_empty_and_unknown_names_give_empty_results(repository):
+    for name in ["", "/", "nosuchproduct", "nosuchproduct/Gain", "\n", "ü" * 300]:
+        obj = repository.getTandrilObject(name)
+        assert not obj.isValid(), name
+        assert repository.getChildrenIterator(obj).isEmpty()
+        assert repository.getDepthFirstIterator(obj).size() == 0
+        assert repository.getIcon(obj) is None
+        assert not repository.isProductUpToDate(name)
+        assert not repository.getProduct(name).isValid()
+    missing = repository.getTandrilObject("kinetics/Continuous/Nothing")
+    assert not missing.isValid() and repository.getChildrenIterator(missing).isEmpty()
+
+
+def test_patterns_that_match_nothing_or_are_no_expression(repository):
+    assert repository.findBlocks("(", ["RegExp", "on"]).isEmpty()
+    assert repository.findBlocks("[", []).size() == 0
+    assert list(repository.findBlocks("gain", repository.getTandrilObject(""))) == []
+    assert repository.findBlocks("").size() == repository.getDepthFirstIterator().size()
+
+
+def test_a_reader_on_no_store(tmp_path):
+    for directory in ["", str(tmp_path / "missing"), str(tmp_path)]:
+        reader = Repository.Reader.open(directory)
+        assert not reader.exists()
+        assert reader.getProductsIterator().isEmpty()
+        assert reader.getDepthFirstIterator().size() == 0
+        assert not reader.getTandrilObject("kinetics").isValid()
+        assert reader.findBlocks("gain").isEmpty()
+
+
+def test_a_store_removed_under_an_open_reader(tmp_path, shipped_store):
+    store = tmp_path / "store"
+    shutil.copytree(shipped_store, store)
+    reader = Repository.Reader.open(str(store))
+    kinetics = reader.getTandrilObject("kinetics")
+    assert kinetics.isValid()
+    walk = reader.getDepthFirstIterator()
+    shutil.rmtree(store)
+    # What was never loaded is gone: the walk and the lookups find nothing of it.
+    names = [o.Path for o in walk]
+    assert "switchyard/Routing/Mux" not in names
+    assert reader.getChildrenIterator(reader.getTandrilObject("switchyard")).isEmpty()
+    assert not reader.getTandrilObject("switchyard/Routing/Mux").isValid()
+
+
+def test_a_writer_on_a_directory_it_cannot_make(tmp_path):
+    blocker = tmp_path / "file"
+    blocker.write_text("not a directory")
+    writer = Repository.Writer.open(str(blocker / "store"))
+    writer.generateRepository()
+    writer.destroyRepository()
+    report = writer.getRepositoryReport()
+    assert report.hasError() or report.hasWarning()
+    assert blocker.read_text() == "not a directory"
+
+
+def run_python(code, **environment):
+    env = dict(os.environ, **environment)
+    return subprocess.run([sys.executable, "-c", code], env=env, capture_output=True, text=True, timeout=120)
+
+
+def test_a_root_that_is_no_directory_is_refused_at_the_start(tmp_path):
+    result = run_python(
+        "import tandril\n"
+        "try:\n"
+        "    tandril.start(root=%r)\n"
+        "except ValueError as error:\n"
+        "    print('refused:', error)\n" % str(tmp_path / "missing"))
+    assert result.returncode == 0, result.stderr
+    assert "refused: the root directory '%s' does not exist" % (tmp_path / "missing") in result.stdout
+
+
+def test_the_first_call_starts_with_the_environments_settings(tmp_path, root_dir):
+    result = run_python(
+        "import tandril\n"
+        "from tandril import Repository\n"
+        "r = Repository.Repository.open()\n"
+        "print(tandril.root(), r.getTandrilObject('kinetics').DisplayName)\n",
+        NUMORA_ROOT=str(root_dir), NUMORA_PREFDIR=str(tmp_path / "prefs"))
+    assert result.returncode == 0, result.stderr
+    assert result.stdout.split() == [str(root_dir), "Kinetics"]
