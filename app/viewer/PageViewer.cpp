@@ -1,10 +1,12 @@
 #include "PageViewer.h"
 
 #include "frame/MessageCatalogue.h"
+#include "gui/BlockContextMenu.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
 
+#include <QMenu>
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -45,6 +47,12 @@ Block PageViewer::getTreeNodeBlock(int uid) const { return uid == NodeUID ? m_ob
 QRect PageViewer::getBlocksGeometry() const
 {
     return BrowserPreferences::defaultOf(PrefKey::LBGeometry4Blocks).toRect();
+}
+
+void PageViewer::internalShowBlockContextMenu(GuiBlock* tile, const QPoint& globalPosition)
+{
+    QMenu menu(this);
+    BlockContextMenu::exec(menu, *tile, *this, globalPosition);
 }
 
 BlocksPage* PageViewer::internalGetCurrentBlocksPage() { return m_page.get(); }

@@ -53,7 +53,8 @@ public:
     void internalLoadRootLibrary(const std::string&, const std::string&) override {}
     void internalOpenSubsystemInTree(const std::string&) override {}
     void goToParent() override {}
-    void internalShowBlockContextMenu(GuiBlock*, const QPoint&) override {}
+    void internalShowBlockContextMenu(GuiBlock* tile, const QPoint& globalPosition) override;
+    void internalSelectInLibraryView(GuiBlock*) override {}
 
 private:
     static constexpr int NodeUID = 1;

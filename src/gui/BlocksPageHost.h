@@ -58,6 +58,8 @@ public:
     virtual void goToParent() = 0;
     // The tile's menu at a point on the screen.
     virtual void internalShowBlockContextMenu(GuiBlock* tile, const QPoint& globalPosition) = 0;
+    // The tile of a search result shown and selected in its library.
+    virtual void internalSelectInLibraryView(GuiBlock* tile) = 0;
 };
 
 } // namespace LibraryBrowser

@@ -1,0 +1,88 @@
+// What a tile's menu and the Edit menu offer, for each kind of tile, page
+// and system in front.
+
+#include "PageTestSupport.h"
+
+#include "gui/BlockContextMenu.h"
+#include "gui/GuiSubsystem.h"
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser::Testing {
+namespace {
+
+using Action = BlockContextMenu::Action;
+
+class BlockContextMenuTest : public ::testing::Test {
+protected:
+    static std::vector<std::string> labels(const std::vector<BlockContextMenu::Entry>& entries)
+    {
+        std::vector<std::string> texts;
+        for (const auto& entry : entries)
+            texts.push_back((entry.separatorBefore ? "-- " : "") + entry.label +
+                            (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]"));
+        return texts;
+    }
+    ExampleRootSession session;
+    FakePageHost host{session.repository()};
+    GuiBlock gain{&host, session.object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
+    GuiSubsystem routing{&host, session.object("switchyard/Routing").toBlock(), nullptr};
+};
+
+TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
+{
+    const OpenSystemState none;
+    const OpenSystemState model{"untitled", ModelType::Model, false};
+    const OpenSystemState lockedLibrary{"arithmetica", ModelType::Library, true};
+    const OpenSystemState library{"mylib", ModelType::Library, false};
+
+    EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, false, true, none)),
+              (std::vector<std::string>{"Add to a new model [Ctrl+I]", "Help for the Gain block", "Go to parent",
+                                        "-- Block parameters"}));
+    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, model).front().label, "Add to untitled");
+    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, lockedLibrary).front().label, "Add to a new model");
+    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, library).front().label, "Add to Library: mylib");
+    // On the results page the way back to the library replaces the parent.
+    EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, true, true, model)),
+              (std::vector<std::string>{"Add to untitled [Ctrl+I]", "Help for the Gain block",
+                                        "Select in library view [Ctrl+R]", "-- Block parameters"}));
+}
+
+TEST_F(BlockContextMenuTest, ASubsystemsMenuOpensItsLibrary)
+{
+    EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, false, true, {})),
+              (std::vector<std::string>{"Go to parent", "-- Open Routing library"}));
+    EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, false, false, {})),
+              (std::vector<std::string>{"Open Routing library"}));
+    EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, true, true, {})),
+              (std::vector<std::string>{"Select in library view [Ctrl+R]", "-- Open Routing library"}));
+}
+
+TEST_F(BlockContextMenuTest, TheEditMenuOffersAddingWhereTheBlockCanGo)
+{
+    EXPECT_EQ(BlockContextMenu::addEntryLabel({}), "Add Selected &Block to a New Model");
+    EXPECT_EQ(BlockContextMenu::addEntryLabel({"arithmetica", ModelType::Library, true}),
+              "Add Selected &Block to a New Model");
+    EXPECT_EQ(BlockContextMenu::addEntryLabel({"untitled", ModelType::Model, false}), "Add Selected &Block to untitled");
+    EXPECT_EQ(BlockContextMenu::addEntryLabel({"mylib", ModelType::Library, false}),
+              "Add Selected &Block to Library: mylib");
+    EXPECT_FALSE(BlockContextMenu::canAddToCurrentOpenSystem(nullptr, ModelType::Model));
+    EXPECT_TRUE(BlockContextMenu::canAddToCurrentOpenSystem(&gain, ModelType::Unknown));
+    EXPECT_FALSE(BlockContextMenu::canAddToCurrentOpenSystem(&routing, ModelType::Model));
+    EXPECT_TRUE(BlockContextMenu::canAddToCurrentOpenSystem(&routing, ModelType::Library));
+}
+
+TEST_F(BlockContextMenuTest, TheSystemInFrontComesFromTheHost)
+{
+    EXPECT_TRUE(OpenSystemState::current().name.empty());
+    gain.addToCurrentOpenSystem(); // no system: a new model takes the block
+    const OpenSystemState state = OpenSystemState::current();
+    EXPECT_EQ(state.type, ModelType::Model);
+    ASSERT_FALSE(state.name.empty());
+    const auto* system = session.host().systems().find(state.name);
+    ASSERT_EQ(system->document.blocks.size(), 1u);
+    EXPECT_EQ(system->document.blocks[0].name, "Gain");
+}
+
+} // namespace
+} // namespace LibraryBrowser::Testing
