@@ -11,7 +11,8 @@ namespace {
 bool isNumber(py::handle object)
 {
     // A Python bool is an int too.
-    return !py::isinstance<py::bool_>(object) && (py::isinstance<py::int_>(object) || py::isinstance<py::float_>(object));
+    return !py::isinstance<py::bool_>(object) &&
+           (py::isinstance<py::int_>(object) || py::isinstance<py::float_>(object));
 }
 
 bool isSequence(py::handle object)

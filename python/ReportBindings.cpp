@@ -56,7 +56,8 @@ void bindReport(py::module_& repository)
                py::arg("identifier"), py::arg("message"), "Logs a warning with its identifier.");
     // Reading what was logged, for scripts that show or check it.
     report.def(
-        "getLog", [](const Report& self) { return std::vector<std::string>(self.getLog().begin(), self.getLog().end()); },
+        "getLog",
+        [](const Report& self) { return std::vector<std::string>(self.getLog().begin(), self.getLog().end()); },
         "The log's lines, oldest first, each ending in a line feed.");
     report.def(
         "getErrors", [](const Report& self) { return tuples(self.getErrors()); },

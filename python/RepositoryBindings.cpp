@@ -104,8 +104,9 @@ void bindWriter(py::module_& repository)
     writer.def_static(
         "open",
         [](const std::string& directory, const py::list& hostPath) {
-            const std::vector<std::string> directories = StringCells::read(PythonValues::toHostValue(hostPath));
+            // Started first: the message of a refused list comes from the module's catalogue.
             PythonSession::ensureStarted();
+            const std::vector<std::string> directories = StringCells::read(PythonValues::toHostValue(hostPath));
             return Writer::open(directory, directories);
         },
         py::arg("directory"), py::arg("hostPath"),
@@ -121,7 +122,8 @@ void bindWriter(py::module_& repository)
         "Generates every product in the mode: \"Minimal\", \"IgnoreTimestamp\" or \"Regenerate\"; any other "
         "word is \"Minimal\".");
     writer.def(
-        "generateProduct", [](Writer& self, const TandrilObject& product) { self.generateProduct(product.toLibrary()); },
+        "generateProduct",
+        [](Writer& self, const TandrilObject& product) { self.generateProduct(product.toLibrary()); },
         py::arg("product"), "Generates what changed of the product.");
     writer.def(
         "generateProduct",

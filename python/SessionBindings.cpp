@@ -72,11 +72,12 @@ void bindSession(py::module_& tandril)
     tandril.def("register_host_function", &PythonHostFunctions::registerFunction, py::arg("name"),
                 py::arg("function"),
                 "Serves the host function or operation of that name by a Python callable instead of the embedded\n"
-                "host: \"tdprivate\" as a whole, one of its operations (\"lb_getTdBlocksData\", \"lb_getBlockData\",\n"
-                "\"lb_getChildrenHandles\", \"lb_getLibraryData\", \"lb_createSubSystemIcons\", \"rmdir\"), or a window\n"
-                "command (\"private_td_add_block\"...). The callable is called as function(nargout, *inputs), an\n"
-                "operation without its name, so that its first input is the report to log to. It returns None or a\n"
-                "list or tuple of its outputs; an exception is a failed call, which the library browser survives.\n"
+                "host: \"tdprivate\" as a whole, one of its operations (\"lb_getTdBlocksData\",\n"
+                "\"lb_getBlockData\", \"lb_getChildrenHandles\", \"lb_getLibraryData\", \"lb_createSubSystemIcons\",\n"
+                "\"rmdir\"), or a window command (\"private_td_add_block\"...). The callable is called as\n"
+                "function(nargout, *inputs), an operation without its name, so that its first input is the report to\n"
+                "log to. It returns None or a list or tuple of its outputs; an exception is a failed call, which the\n"
+                "library browser survives.\n"
                 "None as the function hands the name back to the embedded host.");
     tandril.def("registered_host_functions", &PythonHostFunctions::registeredNames,
                 "The names served by Python callables.");

@@ -119,6 +119,19 @@ def test_a_root_that_is_no_directory_is_refused_at_the_start(tmp_path):
     assert "refused: the root directory '%s' does not exist" % (tmp_path / "missing") in result.stdout
 
 
+def test_a_refused_list_as_the_first_call_still_has_its_message(tmp_path, root_dir):
+    result = run_python(
+        "import tandril\n"
+        "from tandril import Repository\n"
+        "try:\n"
+        "    Repository.Writer.open('store', ['ok', 3])\n"
+        "except tandril.Error as error:\n"
+        "    print(error.identifier, error)\n",
+        NUMORA_ROOT=str(root_dir), NUMORA_PREFDIR=str(tmp_path / "prefs"))
+    assert result.returncode == 0, result.stderr
+    assert result.stdout == "Tandril:Repository:StringTypeExpected Expected a string argument.\n"
+
+
 def test_the_first_call_starts_with_the_environments_settings(tmp_path, root_dir):
     result = run_python(
         "import tandril\n"
