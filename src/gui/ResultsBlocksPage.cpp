@@ -139,8 +139,9 @@ void ResultsBlocksPage::postComputeContentsSize()
         m_contentsWidth = std::max(m_contentsWidth, section->minWidth);
     }
     preComputeEffectiveViewSize();
-    if (m_sections.empty())
-        m_contentsWidth = std::max(m_contentsWidth, m_effectiveViewWidth);
+    // The headers span the view, and the bodies give their tiles the view's
+    // width to wrap in: the panel is never narrower, with sections or not.
+    m_contentsWidth = std::max(m_contentsWidth, m_effectiveViewWidth);
 }
 
 int ResultsBlocksPage::postComputeNumIconColsShown()
@@ -344,6 +345,8 @@ QFrame* ResultsBlocksPage::createFrame4BlocksetHeader(int minW, int minH, int ma
     palette.setColor(QPalette::Window, m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarTop));
     palette.setColor(QPalette::WindowText, m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarFrame));
     frame->setPalette(palette);
+    // Widgets in the scroll view take its role otherwise, the page's colour.
+    frame->setBackgroundRole(QPalette::Window);
     frame->setAutoFillBackground(true);
     auto* grid = new QGridLayout(frame);
     const int margin = getHeaderPanelMargin();
