@@ -42,7 +42,8 @@ void ResultsWindow::search(const std::string& text, bool regExp, bool wholeWord,
 {
     const SearchResults previous = results;
     results = SearchResults();
-    for (TandrilObjectIterator it = m_repository.getTopLevelIterator(); it.isValidIterator(); it.next())
+    for (TandrilObjectIterator it = m_repository.getTopLevelIterator();
+         it.isValidIterator() && int(results.libraries.size()) != walkedLibraries; it.next())
         results.libraries.push_back(it.current().toLibrary());
     for (const Library& library : results.libraries) {
         SingleLibrarySearchResults_tag hits;
@@ -108,6 +109,12 @@ std::string ResultsWindow::getCurrentStatusBarMessage() const
 
 void ResultsPageFixture::SetUpTestSuite()
 {
+    startApplication();
+    open(Host::HostOptions::bundledRoot());
+}
+
+void ResultsPageFixture::startApplication()
+{
     static int argc = 1;
     static char name[] = "td_gui_tests";
     static char* argv[] = {name, nullptr};
@@ -115,11 +122,11 @@ void ResultsPageFixture::SetUpTestSuite()
         new QApplication(argc, argv);
     if (!MessageService::instance().hasTableFor(MessageCatalogue::Facility))
         MessageService::instance().addPrimaryTable(MessageCatalogue::table());
-    open(Host::HostOptions::bundledRoot());
 }
 
-void ResultsPageFixture::useSyntheticRoot(int products, int blocksPerProduct)
+void ResultsPageFixture::openSyntheticRoot(int products, int blocksPerProduct)
 {
+    startApplication();
     Host::SyntheticRootGenerator::Settings settings;
     settings.products = products;
     settings.blocksPerProduct = blocksPerProduct;
@@ -128,8 +135,8 @@ void ResultsPageFixture::useSyntheticRoot(int products, int blocksPerProduct)
     settings.referenceShare = 0;
     QTemporaryDir source;
     QString error;
-    ASSERT_TRUE(Host::SyntheticRootGenerator(settings).write(source.path(), error)) << error.toStdString();
-    TearDownTestSuite();
+    if (!Host::SyntheticRootGenerator(settings).write(source.path(), error))
+        FAIL() << error.toStdString();
     open(source.path());
 }
 

@@ -32,6 +32,8 @@ public:
     QWidget& widget() { return m_window; }
     SearchResults results;
     bool remember = true;
+    // The libraries a search walks, from the first; all when negative.
+    int walkedLibraries = -1;
     std::vector<std::string> statusMessages;
     std::vector<std::string> openedInTree;
     std::string describedPath;
@@ -81,10 +83,13 @@ private:
 // or a synthetic one when a suite asks for it.
 class ResultsPageFixture : public ::testing::Test {
 protected:
+    // On the example root.
     static void SetUpTestSuite();
     static void TearDownTestSuite();
-    // Makes a root of synthetic products of plain blocks named "Block 0" on.
-    static void useSyntheticRoot(int products, int blocksPerProduct);
+    // The application and the message texts, once per process.
+    static void startApplication();
+    // On a root of synthetic products of plain blocks named "Block 0" on.
+    static void openSyntheticRoot(int products, int blocksPerProduct);
 
     void SetUp() override;
     std::unique_ptr<ResultsWindow> makeWindow(LayoutType layout = LayoutType::Grid, QSize size = QSize(640, 480));
