@@ -6,15 +6,11 @@
 #include <string>
 #include <vector>
 
-class QFrame;
-class QLabel;
-
 namespace LibraryBrowser {
 
 class BlocksPanel;
 class GuiBlock;
-class LBImageLink;
-class SectionTitleLink;
+class SectionHeader;
 
 // One library's part of the results page: a header bar and a body of tiles.
 // The widgets belong to the page's panel; the record to the page.
@@ -23,11 +19,8 @@ struct PageSection {
     std::vector<std::shared_ptr<GuiBlock>> blocks;
     // The library's display path: the section's key.
     std::string name;
-    QFrame* header = nullptr;
+    SectionHeader* header = nullptr;
     BlocksPanel* body = nullptr;
-    SectionTitleLink* titleLink = nullptr;
-    QLabel* count = nullptr;
-    LBImageLink* imageLink = nullptr;
     Library library;
     int numBlocks = 0;
     int numSubsystems = 0;
@@ -35,7 +28,6 @@ struct PageSection {
     int numTiles = 0;
     int minWidth = 0;
     int height = 0;
-    int countWidth = 0;
     bool expanded = false;
 
     int hits() const { return numBlocks + numSubsystems; }

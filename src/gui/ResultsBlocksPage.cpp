@@ -4,12 +4,11 @@
 #include "gui/BlocksPanel.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
-#include "gui/LBImageLink.h"
+#include "gui/NoResultsMessage.h"
 #include "gui/ResultsPageHost.h"
+#include "gui/SectionHeader.h"
 #include "gui/SectionOpening.h"
-#include "gui/SectionTitleLink.h"
 
-#include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
 #include <QScrollArea>
@@ -70,11 +69,6 @@ void ResultsBlocksPage::getViewSize()
     }
     m_effectiveViewWidth = m_viewWidth;
     m_effectiveViewHeight = m_viewHeight;
-}
-
-int ResultsBlocksPage::computeHeaderTitleWidth(int width, int countWidth) const
-{
-    return width - countWidth - getHeaderIconSize() - 2 * (getHeaderPanelMargin() + getHeaderPanelSpacing());
 }
 
 void ResultsBlocksPage::preComputeEffectiveViewSize()
@@ -290,38 +284,21 @@ void ResultsBlocksPage::createSection(const Library& library, const SingleLibrar
     }
 
     m_contentsHeight += m_headerHeight;
-    section.header = createFrame4BlocksetHeader(sectionsWidth, m_headerHeight, sectionsWidth, m_headerHeight);
-    const QString countText = QString::number(section.hits());
-    section.count = new QLabel(countText, section.header);
-    section.count->setObjectName("sectionCount");
-    section.count->setFont(m_font);
-    section.count->setToolTip(
-        QString::fromStdString(xlatedMessageFromId(MessageId::TDLB_GuiBlocksPageHeaderNumFoundToolTip)));
-    section.countWidth = getFontInfoStringWidth(m_font, countText.toStdString());
-
-    section.titleLink = new SectionTitleLink(section.name, m_font,
-                                             computeHeaderTitleWidth(sectionsWidth, section.countWidth),
-                                             section.header);
-    section.titleLink->setObjectName("sectionTitle");
-    section.titleLink->setToolTip(
-        QString::fromStdString(xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiLibraryLinkToolTip, section.name)));
+    const SectionHeader::Look look{m_font,
+                                   m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarTop),
+                                   m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarFrame),
+                                   m_metrics.panelMargin,
+                                   m_expandImage,
+                                   m_collapseImage};
+    section.header = new SectionHeader(section.name, section.hits(), look, sectionsWidth, m_headerHeight, m_mainPanel);
+    section.header->setExpanded(open);
     const std::string name = section.name;
-    connect(section.titleLink, &SectionTitleLink::activated, this,
+    connect(section.header, &SectionHeader::titleActivated, this,
             [this, name] { m_browser.internalOpenSubsystemInTree(name); });
-
-    section.imageLink = new LBImageLink(getHeaderIconSize(), section.header);
-    section.imageLink->setObjectName("sectionToggle");
-    connect(section.imageLink, &LBImageLink::clicked, this, [this, name] {
+    connect(section.header, &SectionHeader::toggleClicked, this, [this, name] {
         if (PageSection* clicked = getSectionByName(name))
             effectHyperLinkToHideOrShowBlocks(*clicked);
     });
-    updateHyperLinkToHideOrShowBlocks(section);
-
-    auto* headerGrid = static_cast<QGridLayout*>(section.header->layout());
-    headerGrid->addItem(new QSpacerItem(std::max(0, m_metrics.panelMargin - getHeaderPanelMargin()), 0), 0, 0);
-    headerGrid->addWidget(section.titleLink, 0, 1);
-    headerGrid->addWidget(section.count, 0, 2);
-    headerGrid->addWidget(section.imageLink, 0, 3);
     setPanelPosition();
 
     grid->addWidget(section.header, 2 * index, 0, 1, 2);
@@ -334,30 +311,6 @@ void ResultsBlocksPage::createSection(const Library& library, const SingleLibrar
     m_sections.push_back(std::move(owned));
 }
 
-QFrame* ResultsBlocksPage::createFrame4BlocksetHeader(int minW, int minH, int maxW, int maxH)
-{
-    auto* frame = new QFrame(m_mainPanel);
-    frame->setObjectName("sectionHeader");
-    frame->setFocusPolicy(Qt::NoFocus);
-    frame->setFrameStyle(QFrame::Box | QFrame::Plain);
-    frame->setLineWidth(1);
-    QPalette palette = frame->palette();
-    palette.setColor(QPalette::Window, m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarTop));
-    palette.setColor(QPalette::WindowText, m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarFrame));
-    frame->setPalette(palette);
-    // Widgets in the scroll view take its role otherwise, the page's colour.
-    frame->setBackgroundRole(QPalette::Window);
-    frame->setAutoFillBackground(true);
-    auto* grid = new QGridLayout(frame);
-    const int margin = getHeaderPanelMargin();
-    grid->setContentsMargins(margin, margin, margin, margin);
-    grid->setSpacing(getHeaderPanelSpacing());
-    grid->setColumnStretch(1, 1);
-    frame->setMinimumSize(std::max(0, minW), std::max(0, minH));
-    frame->setMaximumSize(std::max(0, maxW), std::max(0, maxH));
-    return frame;
-}
-
 BlocksPanel* ResultsBlocksPage::createSubPanel4BlocksetBody(int minW, int minH, int maxW, int maxH)
 {
     auto* body = new BlocksPanel(this, m_mainPanel);
@@ -366,15 +319,6 @@ BlocksPanel* ResultsBlocksPage::createSubPanel4BlocksetBody(int minW, int minH, 
     body->setMaximumSize(std::max(0, maxW), std::max(0, maxH));
     body->hide();
     return body;
-}
-
-void ResultsBlocksPage::updateHyperLinkToHideOrShowBlocks(PageSection& section)
-{
-    const bool expanded = section.expanded;
-    section.imageLink->setImage(expanded ? m_collapseImage : m_expandImage, !expanded);
-    section.imageLink->setToolTip(QString::fromStdString(xlatedMessageFromId(
-        expanded ? MessageId::TDLB_GuiBlocksPageHeaderHideBlocksToolTip
-                 : MessageId::TDLB_GuiBlocksPageHeaderShowBlocksToolTip)));
 }
 
 int ResultsBlocksPage::expandSection(PageSection& section)
@@ -452,7 +396,7 @@ void ResultsBlocksPage::effectHyperLinkToHideOrShowBlocks(PageSection& section)
         shrinkSectionFromUserInput(section);
     else
         expandSectionFromUserInput(section);
-    updateHyperLinkToHideOrShowBlocks(section);
+    section.header->setExpanded(section.expanded);
     adjustPageSizes();
 }
 
@@ -530,22 +474,11 @@ void ResultsBlocksPage::clearSections()
 
 void ResultsBlocksPage::updateNoResultsFound()
 {
-    std::string message;
-    if (!m_results.searchString.empty()) {
-        m_statusMessage = xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarNoMatchesForString,
-                                                         m_results.searchString);
-        message = xlatedMessageFromIdAndCharStar(MessageId::TDLB_WarningNoSearchResultsFoundForString,
-                                                 m_results.searchString);
-    } else {
-        m_statusMessage = message = xlatedMessageFromId(MessageId::TDLB_GuiStatusBarNoSearchResults);
-    }
+    m_statusMessage = NoResultsMessage::status(m_results);
     m_browser.internalSetStatusBarMessage(m_statusMessage);
-    // The searched text is the user's: it must show as typed, not as markup.
-    std::string text = "<font color=red>" + QString::fromStdString(message).toHtmlEscaped().toStdString() + "</font>";
+    const std::string text = NoResultsMessage::text(m_results);
     m_browser.internalUpdateDescription(nullptr);
     clearSections();
-    if (m_results.useRegExp || m_results.matchWholeWord || m_results.matchCase)
-        text += "\n \n" + createSearchOptionString();
 
     const int m = getHeaderPanelMargin();
     std::string word;
@@ -566,21 +499,6 @@ void ResultsBlocksPage::updateNoResultsFound()
     getGridLayout()->addWidget(m_noResultsText, 0, 0, 1, 2);
     showPageBlocks();
     m_scrollView->ensureVisible(0, 0, 0, 0);
-}
-
-std::string ResultsBlocksPage::createSearchOptionString() const
-{
-    std::vector<std::string> set;
-    if (m_results.matchWholeWord)
-        set.push_back(xlatedMessageFromId(MessageId::TDLB_GuiBlocksPageText_MatchWholeWord));
-    if (m_results.matchCase)
-        set.push_back(xlatedMessageFromId(MessageId::TDLB_GuiBlocksPageText_MatchCase));
-    if (m_results.useRegExp)
-        set.push_back(xlatedMessageFromId(MessageId::TDLB_GuiBlocksPageText_RegularExpression));
-    std::string text = xlatedMessageFromId(MessageId::TDLB_GuiBlocksPageText_SearchOptions) + " ";
-    for (std::size_t i = 0; i < set.size(); ++i)
-        text += (i ? ", " : "") + set[i];
-    return text;
 }
 
 void ResultsBlocksPage::setDefaultSelectedBlock() { selectByMove(Move::First); }

@@ -11,7 +11,6 @@
 #include <unordered_map>
 #include <vector>
 
-class QFrame;
 class QGridLayout;
 class QLabel;
 
@@ -64,15 +63,12 @@ protected:
 
 private:
     QGridLayout* getGridLayout() const;
-    int computeHeaderTitleWidth(int width, int countWidth) const;
     void preComputeEffectiveViewSize();
     void postComputeContentsSize();
     int postComputeNumIconColsShown();
     void createSection(const Library& library, const SingleLibrarySearchResults_tag& hits, int index,
                        bool open, int sectionsWidth);
-    QFrame* createFrame4BlocksetHeader(int minW, int minH, int maxW, int maxH);
     BlocksPanel* createSubPanel4BlocksetBody(int minW, int minH, int maxW, int maxH);
-    void updateHyperLinkToHideOrShowBlocks(PageSection& section);
     void setStatus(std::uint32_t messageId, const std::string& name);
     int expandSection(PageSection& section);
     int shrinkSection(PageSection& section);
@@ -83,7 +79,6 @@ private:
     void adjustSectionSizes();
     void clearSections();
     void updateNoResultsFound();
-    std::string createSearchOptionString() const;
     enum class Move { First, Left, Right, Up, Down };
     void selectByMove(Move move);
 

@@ -5,6 +5,7 @@
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/ResultsBlocksPage.h"
+#include "gui/SectionHeader.h"
 #include "platform/MessageService.h"
 #include "support/Files.h"
 
@@ -187,7 +188,7 @@ std::vector<std::string> ResultsPageFixture::visibleSections(ResultsBlocksPage& 
 std::string ResultsPageFixture::sectionCount(ResultsBlocksPage& page, const std::string& name)
 {
     const PageSection* section = page.getSectionByName(name);
-    return section ? section->count->text().toStdString() : std::string();
+    return section ? section->header->count()->text().toStdString() : std::string();
 }
 
 std::string ResultsPageFixture::selectedPath(ResultsBlocksPage& page)

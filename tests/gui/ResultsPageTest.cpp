@@ -5,6 +5,7 @@
 #include "gui/GuiBlock.h"
 #include "gui/LBImageLink.h"
 #include "gui/ResultsBlocksPage.h"
+#include "gui/SectionHeader.h"
 #include "gui/SectionTitleLink.h"
 
 #include <QLabel>
@@ -29,7 +30,7 @@ protected:
     }
     static void clickToggle(ResultsBlocksPage& page, const std::string& name)
     {
-        QTest::mouseClick(page.getSectionByName(name)->imageLink, Qt::LeftButton);
+        QTest::mouseClick(page.getSectionByName(name)->header->imageLink(), Qt::LeftButton);
         QApplication::processEvents();
     }
 };
@@ -58,10 +59,10 @@ TEST_F(ResultsPageTest, SectionsFollowTheLibrariesWithTheirCountsAndTiles)
     EXPECT_EQ(page.getBlocksDisplayPathNames().size(), 11u);
 
     const PageSection* section = page.getSectionByName("Tandril");
-    EXPECT_EQ(section->titleLink->fullTitle().toStdString(), "Tandril");
-    EXPECT_EQ(section->titleLink->toolTip().toStdString(), "Select Tandril in the tree view");
-    EXPECT_EQ(section->count->toolTip().toStdString(), text(MessageId::TDLB_GuiBlocksPageHeaderNumFoundToolTip));
-    EXPECT_EQ(section->imageLink->toolTip().toStdString(),
+    EXPECT_EQ(section->header->titleLink()->fullTitle().toStdString(), "Tandril");
+    EXPECT_EQ(section->header->titleLink()->toolTip().toStdString(), "Select Tandril in the tree view");
+    EXPECT_EQ(section->header->count()->toolTip().toStdString(), text(MessageId::TDLB_GuiBlocksPageHeaderNumFoundToolTip));
+    EXPECT_EQ(section->header->imageLink()->toolTip().toStdString(),
               text(MessageId::TDLB_GuiBlocksPageHeaderHideBlocksToolTip));
 
     // The first tile is selected and described; the status tells the totals.
@@ -75,7 +76,7 @@ TEST_F(ResultsPageTest, SectionsFollowTheLibrariesWithTheirCountsAndTiles)
               window->statusMessages.end());
 
     // The title opens its library in the tree.
-    emit section->titleLink->linkActivated(QStringLiteral("library"));
+    emit section->header->titleLink()->linkActivated(QStringLiteral("library"));
     EXPECT_EQ(window->openedInTree, (Names{"Tandril"}));
 }
 
@@ -92,8 +93,8 @@ TEST_F(ResultsPageTest, AHiddenSectionIsRememberedInTheNextSearch)
 
     clickToggle(page, "Switchyard");
     EXPECT_EQ(visibleSections(page), (Names{"Kinetics", "Tandril", "Signal Workbench"}));
-    EXPECT_TRUE(page.getSectionByName("Switchyard")->imageLink->expandsOnClick());
-    EXPECT_EQ(page.getSectionByName("Switchyard")->imageLink->toolTip().toStdString(),
+    EXPECT_TRUE(page.getSectionByName("Switchyard")->header->imageLink()->expandsOnClick());
+    EXPECT_EQ(page.getSectionByName("Switchyard")->header->imageLink()->toolTip().toStdString(),
               text(MessageId::TDLB_GuiBlocksPageHeaderShowBlocksToolTip));
     EXPECT_EQ(page.getPageSectionBlocksDisplayPathNames("Switchyard").size(), 3u);
     EXPECT_EQ(page.getSectionByName("Switchyard")->header->isHidden(), false);
@@ -110,7 +111,7 @@ TEST_F(ResultsPageTest, AHiddenSectionIsRememberedInTheNextSearch)
     clickToggle(page, "Switchyard");
     EXPECT_EQ(visibleSections(page), (Names{"Switchyard", "Tandril", "Signal Workbench"}));
     EXPECT_EQ(page.getPageSectionBlocksDisplayPathNames("Switchyard").size(), 6u);
-    EXPECT_FALSE(page.getSectionByName("Switchyard")->imageLink->expandsOnClick());
+    EXPECT_FALSE(page.getSectionByName("Switchyard")->header->imageLink()->expandsOnClick());
 }
 
 // Without the preference a new search opens every section again; by name,
@@ -261,4 +262,23 @@ TEST_F(ResultsPageTest, RendersAPageWithOneSectionHidden)
     EXPECT_EQ(visibleSections(window->page()), (Names{"Kinetics", "Tandril"}));
     if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR"))
         EXPECT_TRUE(picture.save(QString::fromLocal8Bit(directory) + "/results-page.png", "PNG"));
+}
+
+// In a narrow window a long title is cut in the middle, the count and the
+// image keep their room, and without the image files a drawn image stands in.
+TEST_F(ResultsPageTest, ANarrowHeaderCutsTheTitleInTheMiddle)
+{
+    auto window = makeWindow(LayoutType::Grid, QSize(150, 300));
+    window->search("wave");
+    window->update();
+    const SectionHeader* header = window->page().getSectionByName("Signal Workbench")->header;
+    const QString shown = header->titleLink()->shownTitle();
+    EXPECT_LT(shown.size(), QString("Signal Workbench").size());
+    EXPECT_TRUE(shown.contains(QChar(0x2026))) << shown.toStdString();
+    EXPECT_TRUE(shown.startsWith("Si")) << shown.toStdString();
+    EXPECT_TRUE(shown.endsWith("h")) << shown.toStdString();
+    EXPECT_TRUE(header->rect().contains(header->count()->geometry()));
+    EXPECT_TRUE(header->rect().contains(header->imageLink()->geometry()));
+    EXPECT_GT(header->imageLink()->geometry().left(), header->count()->geometry().right());
+    EXPECT_FALSE(header->imageLink()->pixmap().isNull());
 }
