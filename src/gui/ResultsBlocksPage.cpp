@@ -33,7 +33,13 @@ ResultsBlocksPage::ResultsBlocksPage(ResultsPageHost& browser, LayoutType layout
     createMainPanel();
 }
 
-ResultsBlocksPage::~ResultsBlocksPage() = default;
+ResultsBlocksPage::~ResultsBlocksPage()
+{
+    // The section bodies paint this page's tiles: they go with the page,
+    // even where the scroll view outlives it in the window.
+    m_sections.clear();
+    delete m_scrollView->takeWidget();
+}
 
 void ResultsBlocksPage::createMainPanel()
 {

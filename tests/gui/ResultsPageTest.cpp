@@ -282,3 +282,27 @@ TEST_F(ResultsPageTest, ANarrowHeaderCutsTheTitleInTheMiddle)
     EXPECT_GT(header->imageLink()->geometry().left(), header->count()->geometry().right());
     EXPECT_FALSE(header->imageLink()->pixmap().isNull());
 }
+
+// In the list layout every section is one column of items as wide as the
+// view, and Down runs through them into the next section.
+TEST_F(ResultsPageTest, TheListLayoutStacksItemsAcrossTheView)
+{
+    auto window = makeWindow(LayoutType::List, QSize(500, 400));
+    window->search("delay");
+    window->update();
+    ResultsBlocksPage& page = window->page();
+    EXPECT_EQ(page.getNumIconCols(), 1);
+    const Names kinetics = page.getPageSectionBlocksDisplayPathNames("Kinetics");
+    ASSERT_EQ(kinetics.size(), 3u);
+    const int viewWidth = page.getScrollView()->viewport()->width();
+    for (const std::string& path : page.getBlocksDisplayPathNames())
+        EXPECT_GT(page.getBlockByPathName(path)->geometry().width(), viewWidth / 2) << path;
+
+    page.setSelectedBlock(page.getBlockByPathName(kinetics[1]));
+    page.selectBlockDown();
+    EXPECT_EQ(selectedPath(page), kinetics[2]);
+    page.selectBlockDown();
+    EXPECT_EQ(selectedPath(page), "Tandril/Frequently Used/Continuous Dynamics/Transport Delay");
+    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR"))
+        window->widget().grab().save(QString::fromLocal8Bit(directory) + "/results-page-list.png", "PNG");
+}
