@@ -1,0 +1,48 @@
+#pragma once
+
+#include "repository/Library.h"
+#include "repository/TandrilObjectIterator.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace LibraryBrowser {
+
+// The hits of one search in one library: an iterator at their start, their
+// counts by kind and the longest display name among them.
+struct SingleLibrarySearchResults_tag {
+    TandrilObjectIterator iterator;
+    int numBlocks = 0;
+    int numSubsystems = 0;
+    std::string longestName;
+
+    int hits() const { return numBlocks + numSubsystems; }
+};
+
+// What the last search found, as the window keeps it and the results page
+// copies it. Iterators rather than block lists: the page walks a library's
+// hits only when it opens that library's section.
+struct SearchResults {
+    // The hits that the results page opens by itself.
+    static constexpr int maxHitsShown = 144;
+
+    std::unordered_map<Library, SingleLibrarySearchResults_tag> searchResults;
+    // The libraries a search walks, in tree order.
+    std::vector<Library> libraries;
+    int numBlocks = 0;
+    int numSubsystems = 0;
+    int numLibraries = 0;
+    int numLibrariesWithHits = 0;
+    int maxHitsPerLibrary = 0;
+    std::string longestBlockName;
+    std::string longestLibraryPath;
+    std::string searchString;
+    bool useRegExp = false;
+    bool matchWholeWord = false;
+    bool matchCase = false;
+    // The results page must take these results at its next update.
+    bool resultsNeedReload = true;
+};
+
+} // namespace LibraryBrowser

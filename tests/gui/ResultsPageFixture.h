@@ -1,0 +1,113 @@
+#pragma once
+
+#include "EmbeddedHost.h"
+#include "gui/ResultsPageHost.h"
+#include "gui/SearchResults.h"
+#include "repository/Repository.h"
+
+#include <QTemporaryDir>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace LibraryBrowser {
+class ResultsBlocksPage;
+}
+
+namespace LibraryBrowser::Testing {
+
+// A window for the results page alone: it keeps the results of a search as
+// the browser does, records what the page tells it, and shows the page in
+// a top-level widget offscreen.
+class ResultsWindow : public ResultsPageHost {
+public:
+    ResultsWindow(Repository& repository, LayoutType layout, const QSize& size);
+    ~ResultsWindow() override;
+
+    ResultsBlocksPage& page() { return *m_page; }
+    QWidget& widget() { return m_window; }
+    SearchResults results;
+    bool remember = true;
+    // The libraries a search walks, from the first; all when negative.
+    int walkedLibraries = -1;
+    std::vector<std::string> statusMessages;
+    std::vector<std::string> openedInTree;
+    std::string describedPath;
+
+    // Walks the libraries as the search does and keeps the hits for the
+    // page's next update.
+    void search(const std::string& text, bool regExp = false, bool wholeWord = false, bool matchCase = false);
+    void update();
+
+    const SearchResults& getSearchResults() const override { return results; }
+    void clearResultsNeedReload() override { results.resultsNeedReload = false; }
+    bool rememberUserHiddenSections() const override { return remember; }
+    bool isTitleElidedMiddle() const override { return true; }
+    LayoutType getLayoutType() const override { return m_layout; }
+    IconSize getIconSize() const override { return IconSize::Compact; }
+    QFont getGuiFont() const override { return m_font; }
+    QColor getColorPref(const char* key) const override;
+    RepositoryReader* getReader() override { return &m_repository; }
+    Block getTreeNodeBlock(int) const override { return Block(); }
+    int getCurrentNodeUID() const override { return 0; }
+    bool nodeHasParent(int) const override { return false; }
+    QRect getBlocksGeometry() const override { return QRect(QPoint(0, 0), m_window.size()); }
+    QRect getPosition() const override { return m_window.geometry(); }
+    BlocksPage* internalGetCurrentBlocksPage() override;
+    void internalSetTabLabel(BlocksPage*, const std::string&) override {}
+    void internalUpdateDescription(GuiBlock* tile) override;
+    void internalWarnAboutEmptyLibrary(const std::string&) override {}
+    std::string getCurrentStatusBarMessage() const override;
+    void internalSetStatusBarMessage(const std::string& text) override { statusMessages.push_back(text); }
+    void internalFocusSearchBox() override {}
+    void internalSetCursor(Qt::CursorShape) override {}
+    void internalUnsetCursor() override {}
+    void internalLoadRootLibrary(const std::string&, const std::string&) override {}
+    void internalOpenSubsystemInTree(const std::string& path) override { openedInTree.push_back(path); }
+    void goToParent() override {}
+    void internalShowBlockContextMenu(GuiBlock*, const QPoint&) override {}
+
+private:
+    Repository& m_repository;
+    LayoutType m_layout;
+    QFont m_font;
+    QWidget m_window;
+    std::unique_ptr<ResultsBlocksPage> m_page;
+};
+
+// A repository on a private root, made once for a suite: the example root,
+// or a synthetic one when a suite asks for it.
+class ResultsPageFixture : public ::testing::Test {
+protected:
+    // On the example root.
+    static void SetUpTestSuite();
+    static void TearDownTestSuite();
+    // The application and the message texts, once per process.
+    static void startApplication();
+    // On a root of synthetic products of plain blocks named "Block 0" on.
+    static void openSyntheticRoot(int products, int blocksPerProduct);
+
+    void SetUp() override;
+    std::unique_ptr<ResultsWindow> makeWindow(LayoutType layout = LayoutType::Grid, QSize size = QSize(640, 480));
+
+    // What a user sees of the page.
+    static std::vector<std::string> visibleSections(ResultsBlocksPage& page);
+    static std::string sectionCount(ResultsBlocksPage& page, const std::string& name);
+    static std::string selectedPath(ResultsBlocksPage& page);
+
+    static Repository& repository() { return *s_repository; }
+
+private:
+    static void open(const QString& root);
+
+    static std::unique_ptr<QTemporaryDir> s_root;
+    static std::unique_ptr<QTemporaryDir> s_prefs;
+    static std::unique_ptr<Host::EmbeddedHost> s_host;
+    static std::shared_ptr<Repository> s_repository;
+};
+
+} // namespace LibraryBrowser::Testing
