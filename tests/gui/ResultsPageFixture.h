@@ -70,6 +70,7 @@ public:
     void internalOpenSubsystemInTree(const std::string& path) override { openedInTree.push_back(path); }
     void goToParent() override {}
     void internalShowBlockContextMenu(GuiBlock*, const QPoint&) override {}
+    void internalSelectInLibraryView(GuiBlock*) override {}
 
 private:
     Repository& m_repository;
