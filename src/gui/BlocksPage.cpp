@@ -56,6 +56,24 @@ void BlocksPage::createMainPanel()
     m_mainPanel = panel;
 }
 
+void BlocksPage::getViewSize()
+{
+    // Before the window is laid out for the first time its scroll view has
+    // no size of its own yet: the stored rectangle of the panel stands in.
+    if (!m_viewMeasured && !m_scrollView->testAttribute(Qt::WA_Resized)) {
+        const QRect stored = m_browser.getBlocksGeometry();
+        m_viewWidth = stored.width();
+        m_viewHeight = stored.height();
+    } else {
+        m_viewMeasured = true;
+        const QSize size = m_scrollView->maximumViewportSize();
+        m_viewWidth = size.width();
+        m_viewHeight = size.height();
+    }
+    m_effectiveViewWidth = m_viewWidth;
+    m_effectiveViewHeight = m_viewHeight;
+}
+
 bool BlocksPage::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {

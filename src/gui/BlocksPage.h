@@ -43,7 +43,8 @@ public:
     QWidget* getMainPanel() const { return m_mainPanel; }
     virtual bool isResultsPage() const = 0;
 
-    virtual void getViewSize() = 0;
+    // The viewport's size, copied to the effective size.
+    virtual void getViewSize();
     virtual void updateBlocks(int nodeId) = 0;
     virtual void preComputeContentsSize() = 0;
     virtual void adjustPageSizes() = 0;
@@ -136,6 +137,7 @@ protected:
     int m_contentsHeight = -1;
     int m_effectiveViewWidth = -1;
     int m_effectiveViewHeight = -1;
+    bool m_viewMeasured = false;
 };
 
 } // namespace LibraryBrowser

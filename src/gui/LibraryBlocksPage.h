@@ -13,7 +13,6 @@ public:
     using BlocksPage::BlocksPage;
 
     bool isResultsPage() const override { return false; }
-    void getViewSize() override;
     void updateBlocks(int nodeId) override;
     void preComputeContentsSize() override;
     void adjustPageSizes() override;
@@ -27,7 +26,6 @@ private:
     void adjustListItemSizes();
 
     int m_shownNodeId = 0;
-    bool m_viewMeasured = false;
 };
 
 } // namespace LibraryBrowser

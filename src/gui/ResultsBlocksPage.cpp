@@ -59,24 +59,6 @@ void ResultsBlocksPage::createMainPanel()
 
 QGridLayout* ResultsBlocksPage::getGridLayout() const { return static_cast<QGridLayout*>(m_mainPanel->layout()); }
 
-void ResultsBlocksPage::getViewSize()
-{
-    // Until the window is first laid out the scroll view has no size of its
-    // own: the stored rectangle of the block panel stands in.
-    if (!m_viewMeasured && !m_scrollView->testAttribute(Qt::WA_Resized)) {
-        const QRect stored = m_browser.getBlocksGeometry();
-        m_viewWidth = stored.width();
-        m_viewHeight = stored.height();
-    } else {
-        m_viewMeasured = true;
-        const QSize size = m_scrollView->maximumViewportSize();
-        m_viewWidth = size.width();
-        m_viewHeight = size.height();
-    }
-    m_effectiveViewWidth = m_viewWidth;
-    m_effectiveViewHeight = m_viewHeight;
-}
-
 void ResultsBlocksPage::preComputeEffectiveViewSize()
 {
     m_effectiveViewWidth = m_viewWidth;

@@ -32,7 +32,6 @@ public:
     ~ResultsBlocksPage() override;
 
     bool isResultsPage() const override { return true; }
-    void getViewSize() override;
     // Takes the window's results when they are new; the argument isn't used.
     void updateBlocks(int nodeId) override;
     void preComputeContentsSize() override;
@@ -94,7 +93,6 @@ private:
     int m_headerHeight = 0;
     int m_numIconColsShown = -1;
     QLabel* m_noResultsText = nullptr;
-    bool m_viewMeasured = false;
 };
 
 } // namespace LibraryBrowser
