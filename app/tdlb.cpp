@@ -4,8 +4,11 @@
 
 #include <QApplication>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -16,10 +19,38 @@ bool opensWindow(int argc, char* argv[])
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--screenshot") == 0 || std::strncmp(argv[i], "--screenshot=", 13) == 0)
             return false;
-        if (std::strcmp(argv[i], "page") == 0)
+        if (std::strcmp(argv[i], "page") == 0 || std::strcmp(argv[i], "browse") == 0)
             window = true;
     }
     return window;
+}
+
+// A desktop session names a private runtime directory; a terminal or a build
+// machine often doesn't, and the toolkit would say so on every run.
+void ensureRuntimeDirectory()
+{
+    if (qEnvironmentVariableIsSet("XDG_RUNTIME_DIR"))
+        return;
+    const QByteArray directory = QByteArray("/tmp/runtime-") + QByteArray::number(getuid());
+    if (mkdir(directory.constData(), 0700) == 0 || errno == EEXIST) {
+        struct stat status;
+        if (stat(directory.constData(), &status) == 0 && status.st_uid == getuid() && (status.st_mode & 077) == 0)
+            qputenv("XDG_RUNTIME_DIR", directory);
+    }
+}
+
+// The offscreen platform that renders screenshots says on every window that
+// it can't raise it or pass size hints on: true, and of no interest here.
+QtMessageHandler previousHandler = nullptr;
+
+void quietOffscreenNotices(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (message.startsWith(QLatin1String("This plugin does not support")))
+        return;
+    if (previousHandler)
+        previousHandler(type, context, message);
+    else
+        std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
 }
 
 bool hasDisplay() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
@@ -41,6 +72,8 @@ int main(int argc, char* argv[])
         if (!window)
             qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    ensureRuntimeDirectory();
+    previousHandler = qInstallMessageHandler(quietOffscreenNotices);
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName("tdlb");
     return LibraryBrowser::Tdlb::CommandLine().run(application.arguments());

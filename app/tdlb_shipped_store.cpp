@@ -1,9 +1,12 @@
 // tdlb_shipped_store: generates the shipped repository store below a host
 // root, as an installation ships it, so that a first run reads a store
-// instead of generating every product on demand. With --update the store
+// instead of generating every product on demand, and the window's
+// tool-bar images where the host keeps them. With --update the store
 // is brought up to date instead of made anew: only what changed is redone.
 
 #include "EmbeddedHost.h"
+#include "gui/BrowserToolBarIcons.h"
+#include "gui/BrowserUtils.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
 
@@ -50,6 +53,12 @@ int main(int argc, char* argv[])
     }
     if (errors > 0 || report->hasError()) {
         std::fprintf(stderr, "tdlb_shipped_store: the store in %s is incomplete\n", store.c_str());
+        return 1;
+    }
+    // The window's tool-bar images, where the host keeps them.
+    if (!BrowserToolBarIcons::writeImages(BrowserUtils::getToolBarIconDir(true))) {
+        std::fprintf(stderr, "tdlb_shipped_store: unable to write the tool-bar images below %s\n",
+                     BrowserUtils::getToolBarIconDir(true).c_str());
         return 1;
     }
     std::printf("tdlb_shipped_store: generated %s\n", store.c_str());

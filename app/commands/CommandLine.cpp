@@ -41,7 +41,7 @@ void print(const QString& text)
 CommandLine::CommandLine()
     : m_commands{updateCommand(),  listCommand(),     searchCommand(), treeCommand(), showCommand(),
                  generateCommand(), destroyCommand(), checksumCommand(), reportCommand(),
-                 pageCommand()}
+                 pageCommand(), browseCommand()}
 {
 }
 

@@ -22,6 +22,7 @@ Command destroyCommand();
 Command checksumCommand();
 // page: one library page of tiles in a window, or rendered to a PNG.
 Command pageCommand();
+Command browseCommand();
 // report: the log of the run that opens the repository.
 Command reportCommand();
 

@@ -96,6 +96,10 @@ bool BlocksPage::eventFilter(QObject* watched, QEvent* event)
 
 void BlocksPage::handleOnResize()
 {
+    // A page behind the other tab is laid out when it is shown again; its
+    // texts mustn't reach the window's status bar meanwhile.
+    if (m_browser.internalGetCurrentBlocksPage() != this)
+        return;
     updateBlocks(m_browser.getCurrentNodeUID());
     adjustPageSizes();
 }

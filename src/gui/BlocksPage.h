@@ -79,6 +79,8 @@ public:
     std::vector<std::string> getBlocksDisplayPathNames() const;
     BlockIconPtr getIconScene4GuiBlock(const GuiBlock* tile) const;
     const std::string& getStatusMessage() const { return m_statusMessage; }
+    // The window's own texts for the page (a search's progress and result).
+    void setStatusMessage(const std::string& text) { m_statusMessage = text; }
 
     // The look the tiles are made for, as last made valid.
     const TileMetrics& getTileMetrics() const { return m_metrics; }

@@ -53,6 +53,7 @@ public:
     bool hideResultsSectionByName(const std::string& name);
     bool isResultsSectionVisibleGui(const std::string& name) const;
     void forgetSectionNames() { m_hiddenSections.clear(); }
+    void clearSections();
 
     PageSection* getSectionFromGuiBlock(const GuiBlock* tile) const;
     PageSection* getSectionByName(const std::string& name) const;
@@ -76,7 +77,6 @@ private:
     void effectHyperLinkToHideOrShowBlocks(PageSection& section);
     void adjustHeaderSizes();
     void adjustSectionSizes();
-    void clearSections();
     void updateNoResultsFound();
     enum class Move { First, Left, Right, Up, Down };
     void selectByMove(Move move);

@@ -45,4 +45,10 @@ struct SearchResults {
     bool resultsNeedReload = true;
 };
 
+// Counts a library's hits by kind and finds the longest display name among
+// them; the display paths of blocks and subsystems go to `listed`, if given,
+// in the order of the walk. Libraries among the hits are only counted.
+SingleLibrarySearchResults_tag countSearchHits(const TandrilObjectIterator& hits, int& libraries,
+                                               std::vector<std::string>* listed);
+
 } // namespace LibraryBrowser

@@ -21,6 +21,8 @@ public:
     ~ExampleRootSession();
 
     Repository& repository() { return *m_repository; }
+    const RepositoryPtr& repositoryPtr() const { return m_repository; }
+    std::string preferencesDirectory() const { return m_prefs.path().toStdString(); }
     std::string root() const { return m_root.path().toStdString(); }
     Host::EmbeddedHost& host() { return *m_host; }
     // The object of a unique path; fails the test when there is none.

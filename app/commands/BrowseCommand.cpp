@@ -1,0 +1,92 @@
+#include "Commands.h"
+
+#include "CommandContext.h"
+
+#include "gui/LibraryBlocksPage.h"
+#include "gui/StandaloneBrowser.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QMainWindow>
+
+namespace LibraryBrowser::Tdlb {
+
+namespace {
+
+void configure(QCommandLineParser& parser)
+{
+    parser.addOption({"select", "Open the tree at a library or subsystem (its display path).", "path"});
+    parser.addOption({"search", "Search for a text once the window is up.", "text"});
+    parser.addOption({"layout", "list or grid: the page's layout for this run.", "layout"});
+    parser.addOption({"icon-size", "compact, small, medium or large, for this run.", "size"});
+    parser.addOption({"size", "The window's width and height in pixels, for this run.", "WxH"});
+    parser.addOption({"screenshot", "Open the window offscreen, write it to a PNG file when the tree and the page "
+                                    "are filled, and exit.",
+                      "file"});
+}
+
+int run(const QCommandLineParser& parser, const QStringList&, CommandContext& context)
+{
+    const QStringList layouts{"list", "grid"};
+    const QStringList sizes{"compact", "small", "medium", "large"};
+    const QString layoutWord = parser.value("layout").toLower();
+    if (parser.isSet("layout") && !layouts.contains(layoutWord))
+        return context.usageError("--layout is list or grid, not '" + parser.value("layout") + "'");
+    const QString sizeWord = parser.value("icon-size").toLower();
+    if (parser.isSet("icon-size") && !sizes.contains(sizeWord))
+        return context.usageError("--icon-size is compact, small, medium or large, not '" +
+                                  parser.value("icon-size") + "'");
+    QSize windowSize;
+    if (parser.isSet("size")) {
+        const QStringList parts = parser.value("size").split('x');
+        windowSize = parts.size() == 2 ? QSize(parts[0].toInt(), parts[1].toInt()) : QSize();
+        if (windowSize.width() < 200 || windowSize.height() < 200 || windowSize.width() > 8192 ||
+            windowSize.height() > 8192)
+            return context.usageError("--size needs WIDTHxHEIGHT from 200 to 8192 pixels, not '" +
+                                      parser.value("size") + "'");
+    }
+    const bool screenshot = parser.isSet("screenshot");
+    if (screenshot)
+        BrowserUtils::setScreenDPIOverride(96);
+
+    StandaloneBrowser* browser = StandaloneBrowser::getInstance();
+    if (parser.isSet("layout"))
+        browser->setLayout(layoutWord == "list" ? LayoutType::List : LayoutType::Grid);
+    if (parser.isSet("icon-size"))
+        browser->setIconSize(IconSize(sizes.indexOf(sizeWord)));
+    if (windowSize.isValid())
+        browser->window()->resize(windowSize);
+    browser->showBrowser();
+    QApplication::processEvents();
+    int status = Success;
+    if (parser.isSet("select")) {
+        const std::string path = parser.value("select").toStdString();
+        browser->internalOpenSubsystemInTree(path);
+        if (browser->getCurrentTreeNode() != path)
+            status = context.fail("no library or subsystem '" + parser.value("select") + "' in the tree");
+    }
+    if (status == Success && parser.isSet("search"))
+        browser->searchForBlock(parser.value("search").toStdString());
+    if (status == Success && !screenshot)
+        status = QApplication::exec() == 0 ? Success : Failure;
+    if (status == Success && screenshot) {
+        QApplication::processEvents();
+        const QString file = parser.value("screenshot");
+        if (!browser->window()->grab().save(file, "PNG"))
+            status = context.fail("unable to write " + file);
+    }
+    // The window goes before the module that its pages read from.
+    StandaloneBrowser::destroyInstance();
+    return status;
+}
+
+} // namespace
+
+Command browseCommand()
+{
+    return {"browse",
+            "Open the library browser on the root's libraries; --screenshot renders it to a PNG without a display.",
+            configure, run, false};
+}
+
+} // namespace LibraryBrowser::Tdlb

@@ -1,0 +1,114 @@
+// The window's rules that need no widget: where a saved window goes on the
+// screens there are, where the description text goes, and the search box's
+// history.
+
+#include "gui/BrowserLayoutRules.h"
+#include "gui/SearchHistory.h"
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser {
+namespace {
+
+using BrowserLayoutRules::fitBrowserOnScreens;
+using BrowserLayoutRules::ScreenLayout;
+
+ScreenLayout oneScreen(int width = 1920, int height = 1080)
+{
+    ScreenLayout screens;
+    screens.primaryAvailable = QRect(0, 0, width, height);
+    screens.desktopAtPoint = screens.primaryAvailable;
+    return screens;
+}
+
+TEST(BrowserLayoutRulesTest, ASavedWindowIsBroughtBackOntoASingleScreen)
+{
+    struct Case {
+        QRect saved;
+        QRect expected;
+    };
+    const Case cases[] = {
+        // Fits: untouched.
+        {{32, 64, 600, 640}, {32, 64, 600, 640}},
+        // Beyond the width less 80: back to x 32, and clipped to what is left.
+        {{1850, 64, 600, 640}, {32, 64, 600, 640}},
+        // Left of and above the screen.
+        {{-300, -50, 600, 640}, {32, 16, 600, 640}},
+        // Too wide: clipped to the screen's right edge.
+        {{1500, 64, 600, 640}, {1500, 64, 420, 640}},
+        // Clipped below the minimum: the minimum.
+        {{1700, 700, 600, 640}, {1700, 700, 390, 404}},
+        // Small to begin with: stays small.
+        {{100, 100, 200, 150}, {100, 100, 200, 150}},
+        // Below the height less 120: back to y 64.
+        {{100, 1000, 600, 640}, {100, 64, 600, 640}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(fitBrowserOnScreens(c.saved, oneScreen()), c.expected) << c.saved.x() << "," << c.saved.y();
+}
+
+TEST(BrowserLayoutRulesTest, ASecondScreenKeepsAWindowThatWasOnIt)
+{
+    ScreenLayout screens = oneScreen();
+    screens.screenCount = 2;
+    screens.screenAtPoint = 1;
+    screens.screen1Available = QRect(1920, 0, 1280, 1024);
+    EXPECT_EQ(fitBrowserOnScreens(QRect(2000, 100, 600, 640), screens), QRect(2000, 100, 600, 640));
+    // Too far right on the second screen: back to its start.
+    EXPECT_EQ(fitBrowserOnScreens(QRect(3190, 100, 600, 640), screens).x(), 1920 + 32);
+    // Three screens with the point on the third of a primary 0: left alone.
+    screens.screenCount = 3;
+    screens.screenAtPoint = 2;
+    EXPECT_EQ(fitBrowserOnScreens(QRect(9000, -40, 600, 640), screens), QRect(9000, -40, 600, 640));
+}
+
+TEST(BrowserLayoutRulesTest, DescriptionTextGoesWhereItHasMoreRoom)
+{
+    // A wide, low panel: beside the icon.
+    EXPECT_FALSE(BrowserLayoutRules::isDescriptionTextBelow(QSize(600, 90), 5, 4, 60, 60));
+    // A narrow, tall panel: below it.
+    EXPECT_TRUE(BrowserLayoutRules::isDescriptionTextBelow(QSize(150, 400), 5, 4, 60, 60));
+    // Equal areas: below.
+    EXPECT_TRUE(BrowserLayoutRules::isDescriptionTextBelow(QSize(100, 100), 0, 0, 50, 50));
+}
+
+TEST(SearchHistoryTest, TextsAreTrimmedAndNeedTwoCharacters)
+{
+    const std::pair<std::string, std::string> valid[] = {{"  ga \t", "ga"}, {"\nGain\n", "Gain"}, {"é2", "é2"}};
+    for (auto [text, expected] : valid) {
+        EXPECT_TRUE(SearchHistory::validateSearchString(text));
+        EXPECT_EQ(text, expected);
+    }
+    for (std::string text : {"", " g ", "\t\n", "é"})
+        EXPECT_FALSE(SearchHistory::validateSearchString(text)) << text;
+}
+
+TEST(SearchHistoryTest, NewTextsGoToTheTopAndTheLimitDropsTheLast)
+{
+    const QString prompt = "Enter search term";
+    QStringList items;
+    for (int i = 0; i < 24; ++i)
+        items.append(QString("text %1").arg(i));
+    const QStringList added = SearchHistory::beforeSearch(items, "gain", QString(), prompt, 24);
+    EXPECT_EQ(added.size(), 24);
+    EXPECT_EQ(added.front(), "gain");
+    EXPECT_EQ(added.back(), "text 22");
+    // The last item searched again: nothing dropped, nothing added.
+    EXPECT_EQ(SearchHistory::beforeSearch(items, "text 23", QString(), prompt, 24), items);
+    // An item searched again keeps its place.
+    EXPECT_EQ(SearchHistory::beforeSearch({"a1", "b2"}, "b2", QString(), prompt, 24), (QStringList{"a1", "b2"}));
+}
+
+TEST(SearchHistoryTest, ATextThatFoundNothingLeavesAtTheNextSearchAndIsNeverSaved)
+{
+    const QString prompt = "Enter search term";
+    const QStringList items{"zzz", "gain", "sine"};
+    EXPECT_EQ(SearchHistory::toSave(items, "zzz"), (QStringList{"gain", "sine"}));
+    EXPECT_EQ(SearchHistory::beforeSearch(items, "sum", "zzz", prompt, 24), (QStringList{"sum", "gain", "sine"}));
+    // A successful last search leaves everything.
+    EXPECT_EQ(SearchHistory::toSave(items, QString()), items);
+    EXPECT_EQ(SearchHistory::beforeSearch(items, "sum", QString(), prompt, 24).size(), 4);
+}
+
+} // namespace
+} // namespace LibraryBrowser

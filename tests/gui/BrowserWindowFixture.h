@@ -1,0 +1,53 @@
+#pragma once
+
+#include "PageTestSupport.h"
+
+#include "gui/StandaloneBrowser.h"
+
+#include <gtest/gtest.h>
+
+#include <QStringList>
+
+#include <memory>
+#include <string>
+
+class QDockWidget;
+
+namespace LibraryBrowser::Testing {
+
+// The whole browser window on a private copy of the example root, offscreen,
+// with a preferences file that each test starts from empty. The root and its
+// store are made once per suite; each test gets a new window.
+class BrowserWindowFixture : public ::testing::Test {
+protected:
+    static void SetUpTestSuite();
+    static void TearDownTestSuite();
+    void SetUp() override;
+    void TearDown() override;
+
+    // A window on the suite's repository, shown; the preferences file holds
+    // what the test wrote before.
+    StandaloneBrowser& open();
+    void closeWindow() { m_browser.reset(); }
+    StandaloneBrowser& browser() { return *m_browser; }
+
+    // The preferences file as the browser reads and writes it.
+    static QString preferencesFile();
+
+    // What the user saw in the status bar since the window opened.
+    QStringList statusTexts() const { return *m_statusTexts; }
+    QDockWidget* dock(const char* name) const;
+    // Top-level labels of the tree, as shown.
+    QStringList treeTopLevel() const;
+    // Lets timers and queued events run for a while.
+    static void settle(int milliseconds = 0);
+
+    static ExampleRootSession& session() { return *s_session; }
+
+private:
+    static ExampleRootSession* s_session;
+    std::unique_ptr<StandaloneBrowser> m_browser;
+    std::shared_ptr<QStringList> m_statusTexts = std::make_shared<QStringList>();
+};
+
+} // namespace LibraryBrowser::Testing

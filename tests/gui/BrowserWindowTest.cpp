@@ -1,0 +1,270 @@
+// The browser window as a user meets it: start, tree, selection by keyboard
+// and mouse, preferences across a restart, docks, close and show, refresh.
+
+#include "BrowserWindowFixture.h"
+
+#include "gui/BrowserPreferences.h"
+#include "gui/LibraryBlocksPage.h"
+#include "gui/LibraryTreeView.h"
+#include "support/Files.h"
+
+#include <QAction>
+#include <QDateTime>
+#include <QDockWidget>
+#include <QFile>
+#include <QLabel>
+#include <QMainWindow>
+#include <QTabWidget>
+#include <QTest>
+
+#include <algorithm>
+
+namespace LibraryBrowser::Testing {
+namespace {
+
+using BrowserWindowTest = BrowserWindowFixture;
+
+QStringList showing(const QStringList& texts)
+{
+    QStringList shown;
+    for (const QString& text : texts)
+        if (text.startsWith("Showing: "))
+            shown.append(text.mid(9));
+    return shown;
+}
+
+TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstAndTheRestSorted)
+{
+    StandaloneBrowser& window = open();
+    const std::vector<std::string> names = window.getSortedLibraryNames();
+    ASSERT_GE(names.size(), 3u);
+    EXPECT_EQ(names.front(), "Tandril");
+    EXPECT_TRUE(std::is_sorted(names.begin() + 1, names.end()));
+    QStringList labels;
+    for (const std::string& name : names)
+        labels.append(" " + QString::fromStdString(name));
+    EXPECT_EQ(treeTopLevel(), labels);
+
+    // The first product is open and shown, its blocks on the page, the tree
+    // node selected; the window has its title, tabs and docks.
+    EXPECT_FALSE(window.getCurrentTreeNode().empty());
+    EXPECT_TRUE(window.isTreeNodeExpanded(window.getCurrentTreeNode()));
+    EXPECT_EQ(window.getTitle(), "Tandril Library Browser");
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Showing: " + window.getCurrentTreeNode());
+    EXPECT_FALSE(window.libraryPage()->getBlocksDisplayPathNames().empty());
+    EXPECT_EQ(window.tree()->currentItem()->text(0).trimmed().toStdString(), window.getCurrentTreeNode());
+    EXPECT_NE(dock("LBTreeDockWidget"), nullptr);
+    EXPECT_FALSE(dock("LBSearchDockWidget")->isVisible());
+    EXPECT_TRUE(dock("LBDescDockWidget")->isVisible());
+    auto* tabs = window.window()->findChild<QTabWidget*>("LBTabContainer");
+    EXPECT_EQ(tabs->tabText(1), "Search Results: (none)");
+    EXPECT_EQ(window.getCurrentTabIndex(), 0);
+}
+
+TEST_F(BrowserWindowTest, ExpandingANodeListsItsSubsystemsOnly)
+{
+    StandaloneBrowser& window = open();
+    window.expandTreeNodeByName("wavecraft");
+    const std::vector<std::string> children = window.getChildren("wavecraft");
+    ASSERT_FALSE(children.empty());
+    EXPECT_EQ(children.front(), "wavecraft/Sources");
+    // Plain blocks never enter the tree.
+    EXPECT_EQ(std::count(children.begin(), children.end(), "wavecraft/Sources/Sine Wave"), 0);
+    EXPECT_TRUE(window.isTreeNodeExpanded("wavecraft"));
+
+    window.selectTreeNodeByName("wavecraft/Sources");
+    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft/Sources");
+    window.collapseTreeNodeByName("wavecraft");
+    // The selection moves up before the node closes.
+    EXPECT_FALSE(window.isTreeNodeExpanded("wavecraft"));
+    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft");
+    EXPECT_TRUE(window.getChildren("wavecraft").empty());
+
+    // A path not yet in the tree is found by opening its way down.
+    window.selectTreeNodeByName("wavecraft/Sources");
+    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft");
+    window.internalOpenSubsystemInTree("wavecraft/Sources");
+    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft/Sources");
+    window.goToParent();
+    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft");
+    EXPECT_FALSE(window.nodeHasParent());
+}
+
+TEST_F(BrowserWindowTest, KeyboardMovesWaitForTheTimerAndShowOnlyWhereTheUserStops)
+{
+    StandaloneBrowser& window = open();
+    LibraryTreeView* tree = window.tree();
+    window.selectTreeNodeByName("arithmetica");
+    tree->setFocus();
+    const QStringList before = showing(statusTexts());
+    QTest::keyClick(tree, Qt::Key_Down);
+    QTest::keyClick(tree, Qt::Key_Down);
+    // Nothing was built yet: the timer waits for the user to stop.
+    EXPECT_EQ(showing(statusTexts()), before);
+    EXPECT_FALSE(window.isSelectedTreeNodeCurrent());
+    settle(400);
+    const QStringList shown = showing(statusTexts()).mid(int(before.size()));
+    ASSERT_EQ(shown.size(), 1) << shown.join(", ").toStdString();
+    EXPECT_EQ(shown.front().toStdString(), window.getCurrentTreeNode());
+    EXPECT_EQ(tree->currentItem()->text(0).trimmed(), shown.front().section('/', -1));
+    EXPECT_TRUE(window.isSelectedTreeNodeCurrent());
+}
+
+TEST_F(BrowserWindowTest, AClickWithinTheTimeoutCancelsThePendingMove)
+{
+    StandaloneBrowser& window = open();
+    LibraryTreeView* tree = window.tree();
+    window.selectTreeNodeByName("arithmetica");
+    tree->setFocus();
+    const int before = int(showing(statusTexts()).size());
+    QTest::keyClick(tree, Qt::Key_Down);
+    QTreeWidgetItem* last = tree->topLevelItem(tree->topLevelItemCount() - 1);
+    const QRect target = tree->visualItemRect(last);
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, target.center());
+    // The click shows its node at once.
+    EXPECT_EQ(window.getCurrentTreeNode(), last->text(0).trimmed().toStdString());
+    settle(400);
+    EXPECT_EQ(showing(statusTexts()).mid(before), QStringList{last->text(0).trimmed()});
+}
+
+TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwaysHadThem)
+{
+    {
+        BrowserPreferences stored(preferencesFile());
+        stored.setString(PrefKey::LBLayout, "Model");
+        stored.setString(PrefKey::LBIconSize, "Large");
+        stored.setInt(PrefKey::LBFontSize, 25);
+        stored.setColor(PrefKey::LBColorSearchResultsBackgroundBot, QColor(10, 20, 30));
+        stored.setColor(PrefKey::LBColorLibraryBlocksBackgroundBot, QColor(200, 0, 0));
+        stored.setBool(PrefKey::LBSearch_MatchCase, true);
+        stored.setRect(PrefKey::LBGeometry4Window, QRect(50, 70, 700, 500));
+        ASSERT_TRUE(stored.save());
+    }
+    StandaloneBrowser& window = open();
+    EXPECT_EQ(window.getLayoutType(), LayoutType::Grid);
+    EXPECT_EQ(window.getIconSize(), IconSize::Large);
+    EXPECT_EQ(window.getFontPointSize(), BrowserPreferences::defaultFontSize());
+    EXPECT_EQ(window.getSearchOptions(), (std::vector<bool>{false, true, false}));
+    EXPECT_TRUE(window.action(BrowserAction::GridLayout)->isChecked());
+    EXPECT_FALSE(window.action(BrowserAction::ListLayout)->isChecked());
+    EXPECT_TRUE(window.action(BrowserAction::LargeIcons)->isChecked());
+    EXPECT_EQ(window.getPosition().size(), QSize(700, 500));
+    window.setIconSize(IconSize::Small);
+    EXPECT_TRUE(window.closeBrowser());
+    EXPECT_FALSE(window.closeBrowser());
+
+    BrowserPreferences stored(preferencesFile());
+    EXPECT_EQ(stored.getString(PrefKey::LBLayout), "Grid");
+    EXPECT_EQ(stored.getString(PrefKey::LBIconSize), "Small");
+    EXPECT_EQ(stored.getInt(PrefKey::LBFontSize), BrowserPreferences::defaultFontSize());
+    EXPECT_TRUE(stored.getBool(PrefKey::LBSearch_MatchCase));
+    EXPECT_FALSE(stored.contains(PrefKey::LBColorSearchResultsDividerBarFrame));
+    EXPECT_EQ(stored.getColor(PrefKey::LBColorLibraryBlocksBackgroundBot), QColor(10, 20, 30));
+    EXPECT_EQ(stored.getRect(PrefKey::LBGeometry4Window).size(), QSize(700, 500));
+    EXPECT_FALSE(stored.getString(PrefKey::LBWindowState).isEmpty());
+
+    // Seven points is as wrong as twenty-five; eight is fine.
+    for (const auto& [size, expected] : {std::pair{7, BrowserPreferences::defaultFontSize()}, std::pair{8, 8}}) {
+        closeWindow();
+        BrowserPreferences edited(preferencesFile());
+        edited.setInt(PrefKey::LBFontSize, size);
+        ASSERT_TRUE(edited.save());
+        EXPECT_EQ(open().getFontPointSize(), expected) << size;
+    }
+}
+
+TEST_F(BrowserWindowTest, FontStepsStopAtTheEnds)
+{
+    BrowserPreferences stored(preferencesFile());
+    stored.setInt(PrefKey::LBFontSize, 23);
+    ASSERT_TRUE(stored.save());
+    StandaloneBrowser& window = open();
+    window.increaseFontSize();
+    EXPECT_EQ(window.getFontPointSize(), 23);
+    window.decreaseFontSize();
+    EXPECT_EQ(window.getFontPointSize(), 21);
+    EXPECT_EQ(window.getGUIFont(), 21);
+    for (int i = 0; i < 10; ++i)
+        window.decreaseFontSize();
+    EXPECT_EQ(window.getFontPointSize(), 9);
+}
+
+TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
+{
+    StandaloneBrowser& window = open();
+    const long long tiles = GuiBlock::instancesCreated();
+    window.setIconSize(window.getIconSize());
+    window.setLayout(window.getLayoutType());
+    EXPECT_EQ(GuiBlock::instancesCreated(), tiles);
+    window.action(BrowserAction::ListLayout)->trigger();
+    EXPECT_EQ(window.getLayoutType(), LayoutType::List);
+    EXPECT_GT(GuiBlock::instancesCreated(), tiles);
+    EXPECT_FALSE(window.action(BrowserAction::GridLayout)->isChecked());
+    QTest::keyClick(window.window(), Qt::Key_4, Qt::ControlModifier);
+    EXPECT_EQ(window.getIconSize(), IconSize::Large);
+    EXPECT_TRUE(window.action(BrowserAction::LargeIcons)->isChecked());
+    EXPECT_FALSE(window.action(BrowserAction::SmallIcons)->isChecked());
+}
+
+TEST_F(BrowserWindowTest, ClosingTheDescriptionWithItsCrossUnchecksTheMenuAndIsSaved)
+{
+    StandaloneBrowser& window = open();
+    window.selectTreeNodeByName("arithmetica");
+    window.internalOpenSubsystemInTree("arithmetica/Basic Operations");
+    window.selectBlockByName("arithmetica/Basic Operations/Gain");
+    EXPECT_TRUE(window.descriptionText()->text().contains("arithmetica/Basic Operations/Gain"));
+
+    dock("LBDescDockWidget")->close();
+    EXPECT_FALSE(window.action(BrowserAction::ShowDescription)->isChecked());
+    EXPECT_FALSE(window.isBlockDescriptionVisible());
+    window.showBlockDescription(true);
+    EXPECT_TRUE(window.isBlockDescriptionVisible());
+    dock("LBDescDockWidget")->close();
+    window.closeBrowser();
+    EXPECT_FALSE(BrowserPreferences(preferencesFile()).getBool(PrefKey::LBShowBlockDesc));
+    closeWindow();
+    EXPECT_FALSE(open().isBlockDescriptionVisible());
+}
+
+TEST_F(BrowserWindowTest, ShowAfterCloseChecksTheProductsAgainWithoutTheProgressDialog)
+{
+    StandaloneBrowser& window = open();
+    window.window()->close();
+    EXPECT_FALSE(window.isOpen());
+    const int busy = int(statusTexts().count("Busy"));
+    const int dialogs = window.progressShownCount();
+    window.showBrowser();
+    EXPECT_TRUE(window.isOpen());
+    EXPECT_EQ(statusTexts().count("Busy"), busy + 1);
+    EXPECT_EQ(window.progressShownCount(), dialogs);
+    EXPECT_FALSE(window.getCurrentTreeNode().empty());
+    window.showBrowser();
+    EXPECT_EQ(statusTexts().count("Busy"), busy + 1);
+}
+
+TEST_F(BrowserWindowTest, RefreshRegeneratesAChangedLibraryWithTheProgressDialog)
+{
+    StandaloneBrowser& window = open();
+    const std::string file = session().root() + "/toolbox/kinetics/kinetics.tdlib.json";
+    std::string text = readFile(file).toStdString();
+    const std::string marker = "\"blocks\": [";
+    const std::size_t at = text.find(marker);
+    ASSERT_NE(at, std::string::npos);
+    text.insert(at + marker.size(),
+                "\n{\"name\": \"Fresh Block\", \"type\": \"Block\", \"position\": [0, 0, 40, 40],"
+                " \"icon\": {\"shape\": \"rect\", \"inputs\": 1, \"outputs\": 1}},");
+    writeFile(file, QByteArray::fromStdString(text));
+    setModified(file, QDateTime::currentDateTime().addSecs(60));
+
+    const int dialogs = window.progressShownCount();
+    window.action(BrowserAction::Refresh)->trigger();
+    EXPECT_GT(window.progressShownCount(), dialogs);
+    EXPECT_FALSE(window.isProgressShown());
+    EXPECT_TRUE(window.isEnabled());
+    window.selectTreeNodeByName("kinetics");
+    const std::vector<std::string> blocks = window.libraryPage()->getBlocksDisplayPathNames();
+    EXPECT_NE(std::find(blocks.begin(), blocks.end(), "kinetics/Fresh Block"), blocks.end());
+}
+
+} // namespace
+} // namespace LibraryBrowser::Testing
