@@ -3,6 +3,7 @@
 
 #include "BrowserWindowFixture.h"
 
+#include "frame/TDLibBrowseShutDownObject.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
@@ -298,6 +299,18 @@ TEST_F(BrowserWindowTest, ALibraryThatFailsToGenerateKeepsItsNodeAndTheWindowGoe
 
     writeFile(file, good);
     setModified(file, QDateTime::currentDateTime().addSecs(240));
+}
+
+TEST_F(BrowserWindowTest, TheHostsExitClosesTheWindowOfTheProcess)
+{
+    StandaloneBrowser* window = StandaloneBrowser::getInstance();
+    ASSERT_TRUE(StandaloneBrowser::hasInstance());
+    EXPECT_EQ(StandaloneBrowser::getInstance(), window);
+    window->showBrowser();
+    EXPECT_TRUE(TDLibBrowseShutDownObject().prepareToExit());
+    EXPECT_FALSE(StandaloneBrowser::hasInstance());
+    // The preferences were saved on the way out.
+    EXPECT_TRUE(BrowserPreferences(preferencesFile()).contains(PrefKey::LBWindowState));
 }
 
 } // namespace
