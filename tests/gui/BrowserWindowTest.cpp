@@ -93,6 +93,8 @@ TEST_F(BrowserWindowTest, ExpandingANodeListsItsSubsystemsOnly)
     window.internalOpenSubsystemInTree(nested);
     EXPECT_EQ(window.getCurrentTreeNode(), nested);
     EXPECT_EQ(window.tree()->currentItem()->text(0), "Conditional Container");
+    // The page of the node that was opened has its first block selected.
+    EXPECT_EQ(window.getSelectedBlockName(), nested + "/Condition Logic");
     window.collapseTreeNodeByName("Tandril/Ports & Subsystems");
     EXPECT_EQ(window.getCurrentTreeNode(), "Tandril");
     window.internalOpenSubsystemInTree(nested);
