@@ -210,6 +210,7 @@ void StandaloneBrowser::internalSelectTab(int index, bool force)
     m_currentTabIndex = index;
     if (index == 0) {
         if (m_libraryPage->isValid()) {
+            m_libraryPage->layOutIfResizedWhileHidden();
             internalSetStatusBarMessage(m_libraryPage->getStatusMessage());
             internalUpdateDescription(m_libraryPage->getSelectedBlock());
             m_libraryPage->ensureSelectedBlockVisible();
@@ -219,6 +220,7 @@ void StandaloneBrowser::internalSelectTab(int index, bool force)
         }
     } else if (index == 1) {
         if (m_resultsPage->isValid() && !m_searchResults.resultsNeedReload) {
+            m_resultsPage->layOutIfResizedWhileHidden();
             internalSetStatusBarMessage(m_resultsPage->getStatusMessage());
             m_resultsPage->ensureSelectedBlockVisible();
             internalUpdateDescription(m_resultsPage->getSelectedBlock());

@@ -218,6 +218,26 @@ TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
     EXPECT_FALSE(window.action(BrowserAction::SmallIcons)->isChecked());
 }
 
+TEST_F(BrowserWindowTest, APageResizedBehindTheOtherTabIsLaidOutWhenShown)
+{
+    StandaloneBrowser& window = open();
+    window.setIconSize(IconSize::Small);
+    window.selectTreeNodeByName("Tandril");
+    window.window()->resize(520, 600);
+    settle();
+    const int columns = window.libraryPage()->getNumIconCols();
+    window.selectTabByIndex(1);
+    const std::string status = window.getCurrentStatusBarMessage();
+    window.window()->resize(1200, 600);
+    settle();
+    // The hidden page said nothing meanwhile.
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), status);
+    window.selectTabByIndex(0);
+    settle();
+    EXPECT_GT(window.libraryPage()->getNumIconCols(), columns);
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Showing: Tandril");
+}
+
 TEST_F(BrowserWindowTest, ClosingTheDescriptionWithItsCrossUnchecksTheMenuAndIsSaved)
 {
     StandaloneBrowser& window = open();
