@@ -56,7 +56,7 @@ TdlbResult TdlbProcess::runRaw(const QStringList& arguments, int openFileLimit)
     }
     process.start(TDLB_EXECUTABLE, arguments);
     TdlbResult result;
-    if (!process.waitForFinished(120000)) {
+    if (!process.waitForFinished(300000)) {
         process.kill();
         process.waitForFinished();
         result.crashed = true;

@@ -47,24 +47,14 @@ void ResultsWindow::search(const std::string& text, bool regExp, bool wholeWord,
          it.isValidIterator() && int(results.libraries.size()) != walkedLibraries; it.next())
         results.libraries.push_back(it.current().toLibrary());
     for (const Library& library : results.libraries) {
-        SingleLibrarySearchResults_tag hits;
-        hits.iterator = m_repository.findBlocks(
+        const TandrilObjectIterator found = m_repository.findBlocks(
             text, TandrilObject(library), regExp ? SearchOptions::RegExpOn : SearchOptions::RegExpOff,
             wholeWord ? SearchOptions::WholeWordOn : SearchOptions::WholeWordOff,
             matchCase ? SearchOptions::MatchCaseOn : SearchOptions::MatchCaseOff);
-        if (hits.iterator.isEmpty())
+        if (TandrilObjectIterator(found).isEmpty())
             continue;
-        for (TandrilObjectIterator it = hits.iterator; it.isValidIterator(); it.next()) {
-            const TandrilObject object = it.current();
-            if (object.isSubSystem())
-                ++hits.numSubsystems;
-            else if (object.isBlock())
-                ++hits.numBlocks;
-            else
-                continue;
-            if (object.getDisplayName().size() > hits.longestName.size())
-                hits.longestName = object.getDisplayName();
-        }
+        int libraries = 0;
+        const SingleLibrarySearchResults_tag hits = countSearchHits(found, libraries, nullptr);
         if (hits.hits() > 0) {
             ++results.numLibrariesWithHits;
             results.maxHitsPerLibrary = std::max(results.maxHitsPerLibrary, hits.hits());
