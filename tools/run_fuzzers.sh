@@ -48,6 +48,9 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_COMPILER=
 ninja -C "$build" -j2 $(printf 'fuzz_%s ' "${targets[@]}")
 
 runs="$build/fuzz-runs"
+# The file-based targets write their input once per run: keep that in memory.
+[ -d /dev/shm ] && [ -w /dev/shm ] && export TMPDIR=/dev/shm
+export LSAN_OPTIONS="suppressions=$root/tests/fuzz/lsan.supp${LSAN_OPTIONS:+:$LSAN_OPTIONS}"
 rows=()
 total=0
 for target in "${targets[@]}"; do

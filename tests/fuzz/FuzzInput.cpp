@@ -3,11 +3,25 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QtGlobal>
 
 #include <cstdio>
 #include <cstdlib>
 
 namespace LibraryBrowser::Fuzz {
+
+namespace {
+// Qt's warnings about odd file names and the like are expected on hostile
+// input; printed once per run they would cost more than the run itself.
+void quiet(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtFatalMsg) {
+        std::fprintf(stderr, "%s\n", qPrintable(message));
+        std::abort();
+    }
+}
+const bool installed = (qInstallMessageHandler(quiet), true);
+} // namespace
 
 QString scratchDirectory()
 {
