@@ -222,3 +222,31 @@ TEST_F(FileFaultSweepTest, EveryOperationOfAGenerationOverAStore)
     const int survived = sweep("generation over a store", operations, prepare);
     EXPECT_EQ(survived, int(operations.size()));
 }
+
+TEST_F(FileFaultSweepTest, AnArchiveThatCannotBeWrittenLeavesTheLastOneInPlace)
+{
+    run();
+    const std::map<std::string, std::string> stamps = archiveStamps();
+    const TreeCounts before = declaredCounts("wavecraft");
+    editRootFile(libraryFile("wavecraft").substr(root().size() + 1), "\"Chirp\"", "\"Chirp 2\"");
+
+    const std::string manifests = "lb_wavecraft_manifests_repos.rps";
+    int refused = 0;
+    FileFaults::setHook([&](FileFaults::Operation kind, const std::string& path) {
+        const bool refuse = kind == FileFaults::ArchiveClose && path.find(manifests) != std::string::npos;
+        refused += refuse;
+        return refuse;
+    });
+    EXPECT_GT(run(), 0);
+    FileFaults::setHook({});
+    ASSERT_GT(refused, 0);
+    EXPECT_TRUE(logHas("The archives of product Wavecraft Signals could not be written.")) << logText();
+    EXPECT_EQ(archiveStamps(), stamps) << "neither archive is replaced";
+    auto reader = makeReader();
+    EXPECT_FALSE(reader->isProductUpToDate(reader->getTandrilObject("wavecraft")));
+    EXPECT_EQ(storedCounts(*reader, "wavecraft"), before);
+    EXPECT_TRUE(reader->getTandrilObject("wavecraft/Sources/Chirp").isValid());
+
+    expectComplete();
+    EXPECT_TRUE(makeReader()->getTandrilObject("wavecraft/Sources/Chirp 2").isValid());
+}

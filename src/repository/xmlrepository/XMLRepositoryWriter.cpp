@@ -190,7 +190,9 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
         updateProductDependencies(product, usedLibraries);
         m_manifests.resolveLibraryReferences();
         // A file that could not be written leaves the store's archives as
-        // they were, the last readable ones, and the product out of date.
+        // they were, the last readable ones, and the product out of date
+        // with every record of its libraries, since the store does not hold
+        // what this run made of them.
         const bool published = opened && m_archives.saveManifests() && m_archives.updateArchives()
                                && m_archives.publishArchives(product);
         if (!published) {
