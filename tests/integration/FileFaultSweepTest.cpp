@@ -241,7 +241,9 @@ TEST_F(FileFaultSweepTest, AnArchiveThatCannotBeWrittenLeavesTheLastOneInPlace)
     FileFaults::setHook({});
     ASSERT_GT(refused, 0);
     EXPECT_TRUE(logHas("The archives of product Wavecraft Signals could not be written.")) << logText();
-    EXPECT_EQ(archiveStamps(), stamps) << "neither archive is replaced";
+    for (const char* kind : {"icons", "manifests"})
+        EXPECT_EQ(archiveStamps().at(archiveOf("wavecraft", kind)), stamps.at(archiveOf("wavecraft", kind)))
+            << "the " << kind << " archive is not replaced";
     auto reader = makeReader();
     EXPECT_FALSE(reader->isProductUpToDate(reader->getTandrilObject("wavecraft")));
     EXPECT_EQ(storedCounts(*reader, "wavecraft"), before);
