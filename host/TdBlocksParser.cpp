@@ -51,6 +51,7 @@ QString TdBlocksParser::refusedNameReason(const char* key, const std::string& na
 bool TdBlocksParser::parse(const QString& path, const QString& root, std::vector<TdBlocksEntry>& entries,
                            FileIssue& issue, std::vector<FileIssue>& refused)
 {
+    const std::size_t refusedBefore = refused.size();
     QByteArray bytes;
     QJsonObject top;
     if (!JsonFile::read(path, bytes, top, issue))
@@ -109,6 +110,9 @@ bool TdBlocksParser::parse(const QString& path, const QString& root, std::vector
         read.push_back(std::move(entry));
     }
     if (reader.failed()) {
+        // The whole file is left out: a warning that a name in it was left
+        // out would only mislead.
+        refused.resize(refusedBefore);
         issue = JsonFile::issueAt(path, bytes, reader.errorField(), reader.errorMessage());
         return false;
     }

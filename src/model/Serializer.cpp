@@ -4,6 +4,7 @@
 #include "model/MetaModel.h"
 #include "model/Model.h"
 #include "platform/ErrorHolder.h"
+#include "platform/FileFaults.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -155,13 +156,19 @@ bool Serializer::saveToFile(const Model& model, const std::string& path, ErrorHo
 {
     // Written aside and renamed into place, so a reader never sees half a file.
     QSaveFile file(QString::fromStdString(path));
-    if (!file.open(QIODevice::WriteOnly)) {
-        errors.addError("Unable to write manifest " + path + ": " + file.errorString().toStdString());
+    bool refused = FileFaults::failNow(FileFaults::Create, path);
+    if (refused || !file.open(QIODevice::WriteOnly)) {
+        errors.addError("Unable to write manifest " + path + ": "
+                        + (refused ? FileFaults::message() : file.errorString().toStdString()));
         return false;
     }
     write(model, file, options);
+    refused = FileFaults::failNow(FileFaults::Write, path) || FileFaults::failNow(FileFaults::Rename, path);
+    if (refused)
+        file.cancelWriting();
     if (!file.commit()) {
-        errors.addError("Unable to write manifest " + path + ": " + file.errorString().toStdString());
+        errors.addError("Unable to write manifest " + path + ": "
+                        + (refused ? FileFaults::message() : file.errorString().toStdString()));
         return false;
     }
     return true;

@@ -1,5 +1,7 @@
 #include "platform/ZipArchive.h"
 
+#include "platform/FileFaults.h"
+
 #include <QFile>
 
 #include <zip.h>
@@ -215,6 +217,11 @@ bool ZipArchive::close()
     zip_t* archive = m_state->archive;
     if (!archive)
         return false;
+    if (FileFaults::failNow(FileFaults::ArchiveClose, m_state->path)) {
+        m_state->error = FileFaults::message();
+        m_state->discard();
+        return false;
+    }
     if (zip_close(archive) != 0) {
         m_state->error = zip_strerror(archive);
         m_state->discard();
@@ -266,10 +273,27 @@ bool ZipArchive::read(const Entry& entry, QByteArray& bytes) const
     zip_file_t* file = zip_fopen_index(m_state->archive, zip_uint64_t(entry.index()), 0);
     if (!file)
         return false;
-    QByteArray data(qsizetype(stat.size), Qt::Uninitialized);
-    const zip_int64_t read = zip_fread(file, data.data(), stat.size);
+    // The size in the entry's header is only a claim: the buffer grows with
+    // the bytes that actually come, so a header that claims gigabytes costs
+    // nothing until they arrive, and an entry that holds more or less than
+    // it claims is refused.
+    constexpr zip_uint64_t chunk = 1 << 16;
+    QByteArray data;
+    data.reserve(qsizetype(std::min(stat.size, chunk)));
+    bool ok = true;
+    for (;;) {
+        const zip_uint64_t have = zip_uint64_t(data.size());
+        const zip_uint64_t want = have < stat.size ? std::min(chunk, stat.size - have) : 1;
+        data.resize(qsizetype(have + want));
+        const zip_int64_t read = zip_fread(file, data.data() + have, want);
+        data.resize(qsizetype(have + zip_uint64_t(std::max<zip_int64_t>(read, 0))));
+        if (read <= 0 || zip_uint64_t(data.size()) > stat.size) {
+            ok = read == 0 && zip_uint64_t(data.size()) == stat.size;
+            break;
+        }
+    }
     zip_fclose(file);
-    if (read < 0 || zip_uint64_t(read) != stat.size)
+    if (!ok)
         return false;
     bytes = data;
     return true;

@@ -177,6 +177,17 @@ TEST_F(BadInput, BadTdBlocksFileDropsOnlyItsOwnEntries)
     again.tdprivate("lb_getTdBlocksData", 9, {});
     ASSERT_EQ(again.errors().size(), 1u);
     EXPECT_TRUE(contains(again.errors()[0], "entries[0].children: only a Palette lists children"));
+
+    // A refused file says so once: no warning about a name left out of an
+    // entry that is left out whole.
+    breakFile("toolbox/kinetics/tdblocks.json",
+              "{\"format\": \"tandril-tdblocks\", \"version\": 1, \"entries\": [{\"name\": \"K\", \"library\": "
+              "\"kinetics\", \"type\": \"Product\", \"children\": [\"a,b\"], \"dependencies\": [\"x|y\"]}]}");
+    HostFixture refused(root.path());
+    refused.tdprivate("lb_getTdBlocksData", 9, {});
+    ASSERT_EQ(refused.errors().size(), 1u);
+    EXPECT_TRUE(contains(refused.errors()[0], "only a Palette lists children")) << refused.errors()[0];
+    EXPECT_TRUE(refused.warnings().empty()) << refused.warnings().front();
 }
 
 } // namespace

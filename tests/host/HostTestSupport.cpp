@@ -36,6 +36,14 @@ std::vector<std::string> HostFixture::errors() const
     return messages;
 }
 
+std::vector<std::string> HostFixture::warnings() const
+{
+    std::vector<std::string> messages;
+    for (const RepositoryReport::Issue& issue : m_report->getWarnings())
+        messages.push_back(issue.message);
+    return messages;
+}
+
 std::vector<double> HostFixture::children(const HostValue& of)
 {
     const auto result = tdprivate("lb_getChildrenHandles", 1, {of});

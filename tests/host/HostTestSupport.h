@@ -27,6 +27,7 @@ public:
     EmbeddedHost& host() { return *m_host; }
     // The error messages the report got, oldest first.
     std::vector<std::string> errors() const;
+    std::vector<std::string> warnings() const;
     void clearErrors() { m_report->takeErrors(); }
 
     HostInterpreter::CallResult tdprivate(const std::string& operation, int outputs, std::vector<HostValue> rest);

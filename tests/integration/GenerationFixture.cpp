@@ -58,12 +58,18 @@ void countStored(XMLRepositoryReader& reader, const TandrilObject& parent, TreeC
 void GenerationFixture::SetUp()
 {
     for (const auto& [file, bytes] : snapshot(Host::HostOptions::bundledRoot().toStdString()))
-        writeFile(root() + "/" + file.toStdString(), bytes);
+        if (copiesRootFile(file))
+            writeFile(root() + "/" + file.toStdString(), bytes);
     Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
     options.root = m_root.path();
     options.preferencesDirectory = m_prefs.path();
     m_host = std::make_unique<Host::EmbeddedHost>(options);
     m_host->install();
+}
+
+bool GenerationFixture::copiesRootFile(const QString&) const
+{
+    return true;
 }
 
 std::string GenerationFixture::libraryFile(const std::string& product) const

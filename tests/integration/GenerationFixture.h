@@ -32,6 +32,9 @@ struct TreeCounts {
 class GenerationFixture : public ::testing::Test {
 protected:
     void SetUp() override;
+    // Whether the copy of the example root gets this file (relative to the
+    // root); all do unless a suite wants a smaller root.
+    virtual bool copiesRootFile(const QString& relative) const;
 
     std::string root() const { return m_root.path().toStdString(); }
     std::string store() const { return m_store.path().toStdString(); }

@@ -6,7 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
 
 using namespace LibraryBrowser;
 using Testing::readFile;
@@ -197,4 +201,89 @@ TEST_F(ZipArchiveTest, AFileChangedAfterCloseIsCheckedAgainOnReopen)
     EXPECT_FALSE(archive.open(file, ZipArchive::OpenExisting));
     EXPECT_FALSE(archive.errorString().empty());
     EXPECT_EQ(readFile(file), bytes) << "a failed open leaves the file alone";
+}
+
+namespace {
+
+// Sets the uncompressed size that the local and the central header of the
+// archive's only entry claim.
+void claimSize(QByteArray& zip, quint32 size)
+{
+    const auto put = [&](qsizetype at) {
+        for (int i = 0; i < 4; ++i)
+            zip[at + i] = char((size >> (8 * i)) & 0xff);
+    };
+    const qsizetype local = zip.indexOf("PK\x03\x04");
+    const qsizetype central = zip.indexOf("PK\x01\x02");
+    ASSERT_GE(local, 0);
+    ASSERT_GT(central, local);
+    put(local + 22);
+    put(central + 24);
+}
+
+// Reads the archive's only entry in every way the store does; true if any
+// of them gave bytes.
+bool anyReadSucceeds(const std::string& file)
+{
+    bool read = false;
+    for (ZipArchive::OpenMode mode : {ZipArchive::ReadOnly, ZipArchive::OpenExisting}) {
+        ZipArchive archive;
+        if (!archive.open(file, mode))
+            continue;
+        QByteArray bytes;
+        read = archive.read(archive.find("manifest.xml"), bytes) || read;
+        read = read || !bytes.isEmpty();
+    }
+    return read;
+}
+
+#if !defined(__SANITIZE_ADDRESS__)
+// anyReadSucceeds with the address space held to a gigabyte above what the
+// process uses; for a child process only.
+bool readsWithinAGigabyteMore(const std::string& file)
+{
+    long pages = 0;
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (statm.open(QIODevice::ReadOnly))
+        pages = statm.readAll().split(' ').value(0).toLong();
+    const rlim_t limit = rlim_t(pages) * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(1) << 30);
+    const struct rlimit bound = {limit, limit};
+    setrlimit(RLIMIT_AS, &bound);
+    return anyReadSucceeds(file);
+}
+#endif
+
+} // namespace
+
+// Found by fuzzing: the size an entry's header claims was allocated before
+// a byte was read, so a few kilobytes claiming 4 GiB took 4 GiB.
+TEST_F(ZipArchiveTest, AnEntryIsReadOnlyAsFarAsItsBytesReallyGo)
+{
+    const std::string file = path("claims.rps");
+    {
+        ZipArchive archive;
+        ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew));
+        archive.add("manifest.xml", QByteArray(5000, 'm'));
+        ASSERT_TRUE(archive.close());
+    }
+    const QByteArray honest = readFile(file);
+    QByteArray zip = honest;
+    claimSize(zip, 0xfffffff0u);
+    Testing::writeFile(file, zip);
+    EXPECT_FALSE(anyReadSucceeds(file)) << "an entry shorter than it claims is refused";
+
+    // Where an allocation of the claimed size fails, it ends the process.
+    // Sanitizers reserve their shadow memory up front and cannot run so.
+#if !defined(__SANITIZE_ADDRESS__)
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::exit(readsWithinAGigabyteMore(file) ? 1 : 0), ::testing::ExitedWithCode(0), "");
+#endif
+
+    zip = honest;
+    claimSize(zip, 10);
+    Testing::writeFile(file, zip);
+    EXPECT_FALSE(anyReadSucceeds(file)) << "an entry longer than it claims is refused";
+
+    Testing::writeFile(file, honest);
+    EXPECT_TRUE(anyReadSucceeds(file));
 }

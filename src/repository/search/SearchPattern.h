@@ -15,7 +15,9 @@ namespace LibraryBrowser {
 // An expression the engine finds invalid matches nothing.
 class SearchPattern {
 public:
-    // The translated text is cut at this many bytes.
+    // The translation stops once its text has reached this many bytes; the
+    // limit is checked after each input byte, so the text may run up to two
+    // bytes past it.
     static constexpr std::size_t MaxTranslatedLength = 2044;
 
     SearchPattern(const std::string& pattern, SearchOptions::RegExp regExp, SearchOptions::WholeWord wholeWord,

@@ -2,6 +2,7 @@
 
 #include "model/Model.h"
 #include "platform/ErrorHolder.h"
+#include "platform/FileFaults.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 #include "repository/xmlrepository/WriterContext.h"
@@ -56,25 +57,31 @@ void ArchiveUpdater::generateIcons(const SubSystemImpl& node, const Model& model
     m_context.host.createSubSystemIcons(node.getPath(), childPaths, files);
 }
 
-void ArchiveUpdater::saveManifests()
+bool ArchiveUpdater::saveManifests()
 {
     const std::string temp = m_context.tempDirectory();
+    bool saved = true;
     for (const auto& [node, model] : m_context.state.subSystemModels()) {
         const std::string path = temp + "/" + node->getManifestFileSpec();
-        saveManifest(*m_context.report, *model, path);
+        saved = saveManifest(*m_context.report, *model, path) && saved;
         m_context.state.manifestFiles.push_back(path);
     }
+    return saved;
 }
 
-void ArchiveUpdater::saveManifest(RepositoryReport& report, const Model& model, const std::string& path)
+bool ArchiveUpdater::saveManifest(RepositoryReport& report, const Model& model, const std::string& path)
 {
     const QString directory = QFileInfo(qs(path)).absolutePath();
-    if (!QFileInfo::exists(directory))
-        QDir().mkpath(directory);
+    if (!QFileInfo::exists(directory)
+        && (FileFaults::failNow(FileFaults::Create, directory.toStdString()) || !QDir().mkpath(directory))) {
+        report.logError("Unable to create directory " + directory.toStdString());
+        return false;
+    }
     ErrorHolder errors;
     model.save(path, errors, Model::Compact);
     if (errors.hasError())
-        report.logError("Unable to save manifest file " + path);
+        report.logError("Unable to save manifest file " + path + ": " + errors.message());
+    return !errors.hasError();
 }
 
 void ArchiveUpdater::openArchives(LibraryImpl& product)
@@ -97,7 +104,8 @@ void ArchiveUpdater::openArchives(LibraryImpl& product)
 ZipArchive ArchiveUpdater::initArchive(LibraryImpl& product, const std::string& path)
 {
     const QString directory = QFileInfo(qs(path)).absolutePath();
-    if (!QFileInfo::exists(directory) && !QDir().mkpath(directory)) {
+    if (!QFileInfo::exists(directory)
+        && (FileFaults::failNow(FileFaults::Create, directory.toStdString()) || !QDir().mkpath(directory))) {
         m_context.report->logError("Unable to create archive parent directory " + directory.toStdString());
         return ZipArchive();
     }
@@ -113,13 +121,22 @@ ZipArchive ArchiveUpdater::initArchive(LibraryImpl& product, const std::string& 
     return archive;
 }
 
-void ArchiveUpdater::updateArchives()
+bool ArchiveUpdater::updateArchives()
 {
-    updateArchive(m_context.state.iconsArchive, m_context.state.iconFiles);
-    updateArchive(m_context.state.manifestsArchive, m_context.state.manifestFiles);
+    const bool icons = updateArchive(m_context.state.iconsArchive, m_context.state.iconFiles);
+    return updateArchive(m_context.state.manifestsArchive, m_context.state.manifestFiles) && icons;
 }
 
-void ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::string>& files)
+bool ArchiveUpdater::closeArchive(ZipArchive& archive)
+{
+    const std::string path = archive.getArchiveFilePath();
+    if (archive.close())
+        return true;
+    m_context.report->logError("Unable to write archive " + path + ": " + archive.errorString());
+    return false;
+}
+
+bool ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::string>& files)
 {
     const std::string path = archive.getArchiveFilePath();
     m_context.report->log("Updating archive " + path);
@@ -132,43 +149,61 @@ void ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::s
         QFile source(qs(file));
         if (!source.open(QIODevice::ReadOnly))
             continue;
-        archive.add(name, source.readAll());
+        if (!archive.add(name, source.readAll())) {
+            m_context.report->logError("Unable to add " + name + " to archive " + path);
+            return false;
+        }
         if (++added == FilesPerReopen) {
-            archive.close();
-            archive.open(path, ZipArchive::OpenExisting);
+            if (!closeArchive(archive))
+                return false;
+            if (!archive.open(path, ZipArchive::OpenExisting)) {
+                m_context.report->logError("Unable to open archive " + path + ": " + archive.errorString());
+                return false;
+            }
             added = 0;
         }
     }
+    return true;
 }
 
-void ArchiveUpdater::publishArchives(LibraryImpl& product)
+bool ArchiveUpdater::publishArchives(LibraryImpl& product)
 {
     GenerationState& state = m_context.state;
-    state.iconsArchive.close();
-    state.manifestsArchive.close();
+    // Both closed before either is put in place: a store never gets half of
+    // what was made.
+    const bool iconsClosed = closeArchive(state.iconsArchive);
+    if (!closeArchive(state.manifestsArchive) || !iconsClosed)
+        return false;
     const std::string& icons = product.getReposIconsArchiveSpec();
     const std::string& manifests = product.getReposManifestsArchiveSpec();
-    if (!state.iconFiles.empty())
-        copyFile(*m_context.report, temporaryPath(icons), storePath(icons));
-    else
-        removeArchive(storePath(icons));
-    if (!state.manifestFiles.empty())
-        copyFile(*m_context.report, temporaryPath(manifests), storePath(manifests));
-    else
-        removeArchive(storePath(manifests));
+    const bool iconsPut = !state.iconFiles.empty()
+                              ? copyFile(*m_context.report, temporaryPath(icons), storePath(icons))
+                              : removeArchive(storePath(icons));
+    const bool manifestsPut = !state.manifestFiles.empty()
+                                  ? copyFile(*m_context.report, temporaryPath(manifests), storePath(manifests))
+                                  : removeArchive(storePath(manifests));
+    return iconsPut && manifestsPut;
 }
 
-void ArchiveUpdater::removeArchive(const std::string& path)
+bool ArchiveUpdater::removeArchive(const std::string& path)
 {
     const QString file = qs(path);
-    if (QFile::exists(file) && !QFile::remove(file))
+    if (QFile::exists(file) && (FileFaults::failNow(FileFaults::Remove, path) || !QFile::remove(file))) {
         m_context.report->logError("Unable to remove archive " + path);
+        return false;
+    }
+    return true;
 }
 
 void ArchiveUpdater::destroyProductData(LibraryImpl& product)
 {
     removeArchive(storePath(product.getReposIconsArchiveSpec()));
     removeArchive(storePath(product.getReposManifestsArchiveSpec()));
+    forgetFileRecords(product);
+}
+
+void ArchiveUpdater::forgetFileRecords(LibraryImpl& product)
+{
     Model* model = product.getModel();
     model->beginChangeSet();
     product.setModelFileSpec(std::string());

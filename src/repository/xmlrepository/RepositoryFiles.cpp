@@ -3,6 +3,7 @@
 #include "model/Model.h"
 #include "model/Serializer.h"
 #include "platform/ErrorHolder.h"
+#include "platform/FileFaults.h"
 #include "platform/HostEnvironment.h"
 #include "platform/Platform.h"
 #include "repository/RepositoryReport.h"
@@ -120,25 +121,28 @@ bool copyFile(RepositoryReport& report, const std::string& source, const std::st
     }
     const QString target = qs(destination);
     const QDir directory = QFileInfo(target).absoluteDir();
-    if (!directory.exists() && !QDir().mkpath(directory.absolutePath()) && !directory.exists()) {
+    if (!directory.exists()
+        && (FileFaults::failNow(FileFaults::Create, directory.absolutePath().toStdString())
+            || (!QDir().mkpath(directory.absolutePath()) && !directory.exists()))) {
         report.logError("Unable to create directory " + directory.absolutePath().toStdString());
         return false;
     }
     if (isAutomatedBuildUser()) {
         // Another process may hold the destination for a moment.
         for (int attempt = 0; attempt < RetryCount; ++attempt) {
-            if (QFile::exists(target))
+            if (QFile::exists(target) && !FileFaults::failNow(FileFaults::Remove, destination))
                 QFile::remove(target);
-            if (QFile::copy(qs(source), target))
+            if (!FileFaults::failNow(FileFaults::Copy, destination) && QFile::copy(qs(source), target))
                 return true;
             pause(RetryPause);
         }
     } else {
-        if (QFile::exists(target) && !QFile::remove(target)) {
+        if (QFile::exists(target)
+            && (FileFaults::failNow(FileFaults::Remove, destination) || !QFile::remove(target))) {
             report.logError("Unable to remove " + destination);
             return false;
         }
-        if (QFile::copy(qs(source), target))
+        if (!FileFaults::failNow(FileFaults::Copy, destination) && QFile::copy(qs(source), target))
             return true;
     }
     report.logError("Unable to copy " + source + " to " + destination);

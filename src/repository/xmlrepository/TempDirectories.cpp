@@ -1,5 +1,6 @@
 #include "repository/xmlrepository/TempDirectories.h"
 
+#include "platform/FileFaults.h"
 #include "platform/HostInterpreter.h"
 #include "platform/Platform.h"
 #include "repository/RepositoryReport.h"
@@ -40,7 +41,7 @@ std::string namedTempDirectory(RepositoryReport& report, const std::string& name
     }
     const QString path = QDir(base).absolutePath() + QLatin1Char('/') + entry.value();
     if (create && !QFileInfo::exists(path)) {
-        if (!QDir().mkpath(path)) {
+        if (FileFaults::failNow(FileFaults::Create, path.toStdString()) || !QDir().mkpath(path)) {
             report.logError("Unable to create a temporary directory");
             return std::string();
         }

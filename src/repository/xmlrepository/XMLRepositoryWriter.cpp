@@ -178,7 +178,8 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
         generateUpToDateProduct(topLevel, product);
     } else {
         m_archives.openArchives(product);
-        if (!m_context.state.iconsArchive.isOpened() || !m_context.state.manifestsArchive.isOpened()) {
+        const bool opened = m_context.state.iconsArchive.isOpened() && m_context.state.manifestsArchive.isOpened();
+        if (!opened) {
             // Not a skip in spite of its words: the phases below run on the
             // closed archives, which do nothing.
             report.logError("Unable to access one or more archives. Skipping product");
@@ -188,9 +189,18 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
         generateLibraries(product, handle, ignoreTimestamp, usedLibraries);
         updateProductDependencies(product, usedLibraries);
         m_manifests.resolveLibraryReferences();
-        m_archives.saveManifests();
-        m_archives.updateArchives();
-        m_archives.publishArchives(product);
+        // A file that could not be written leaves the store's archives as
+        // they were, the last readable ones, and the product out of date
+        // with every record of its libraries, since the store does not hold
+        // what this run made of them.
+        const bool published = opened && m_archives.saveManifests() && m_archives.updateArchives()
+                               && m_archives.publishArchives(product);
+        if (!published) {
+            report.logWarning("The archives of product " + product.getDisplayName()
+                              + " could not be written. It stays out of date and is generated again at the "
+                                "next update.");
+            ArchiveUpdater::forgetFileRecords(product);
+        }
         updateLastModified(product);
         updateTopLevelManifest(*topLevel);
         clearGenerationState();
@@ -342,8 +352,9 @@ void XMLRepositoryWriter::updateTopLevelManifest(const Model& model)
     const std::string path = XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false);
     m_report->log("Updating top level manifest (writing: " + path + ")");
     const std::string copy = XMLRepository::getTopLevelManifestFile(*m_report, m_context.tempDirectory(), false);
-    ArchiveUpdater::saveManifest(*m_report, model, copy);
-    copyFile(*m_report, copy, path);
+    // An older copy left in the temporary directory must not take its place.
+    if (ArchiveUpdater::saveManifest(*m_report, model, copy))
+        copyFile(*m_report, copy, path);
     ReaderCacheRegistry::unloadTopLevelCaches(m_directory);
 }
 

@@ -89,6 +89,10 @@ TEST(SearchPattern, PlainPatternsTranslateToExpressionsCutAfterTheLimit)
     EXPECT_EQ(SearchPattern::translatePlainPattern(longPattern).size(), SearchPattern::MaxTranslatedLength);
     EXPECT_EQ(SearchPattern::translatePlainPattern(std::string(1500, '*')).size(), SearchPattern::MaxTranslatedLength)
         << "checked after each input byte";
+    // Found by fuzzing: the byte that crosses the limit is translated whole.
+    const std::string blankAtTheLimit = SearchPattern::translatePlainPattern(std::string(2043, 'a') + " b");
+    EXPECT_EQ(blankAtTheLimit.size(), SearchPattern::MaxTranslatedLength + 2);
+    EXPECT_EQ(blankAtTheLimit.substr(2043), "\\s+");
     const auto plain = [](const std::string& pattern, const std::string& name) {
         return SearchPattern(pattern, SearchOptions::RegExpOff, SearchOptions::WholeWordOff,
                              SearchOptions::MatchCaseOff)
