@@ -18,8 +18,26 @@ using Testing::ScriptedProduct;
 
 class WriterTest : public Testing::WriterFixture {};
 
-// Enough icons that the archive is filled across reopenings, and names
-// whose path form differs from the shown one.
+// Icons large enough that the archive is closed and opened again while it is
+// filled: what was added before a reopening stays, and so does what follows.
+TEST_F(WriterTest, IconsAddedAcrossAReopeningAllReadBack)
+{
+    // Each icon holds its block's name; four of 3 MiB pass the bound once.
+    std::vector<ScriptedBlock> large;
+    for (char letter : std::string("ABCD"))
+        large.push_back({std::string(3 << 20, letter)});
+    libraries.setProducts({{"Alpha Library", "Alpha"}});
+    libraries.setLibrary("Alpha", large);
+    generate();
+    ASSERT_EQ(entries("Alpha", "icons").size(), 4u);
+    const auto reader = makeReader();
+    for (const ScriptedBlock& block : large) {
+        const QByteArray svg = reader->getIcon(reader->getTandrilObject("Alpha/" + block.name))->svg();
+        EXPECT_TRUE(svg.contains(QByteArray::fromStdString(block.name))) << block.name.front();
+    }
+}
+
+// Names whose path form differs from the shown one.
 TEST_F(WriterTest, EveryBlockReadsBackWithItsIconAndPathForms)
 {
     std::vector<ScriptedBlock> alpha = blocks("A", 250);
