@@ -104,8 +104,10 @@ bool copyToPrivateFile(const std::string& source, const std::string& destination
 {
     QFile in(QString::fromStdString(source));
     QFile out(QString::fromStdString(destination));
-    if (!in.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    if (!in.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        out.remove();
         return false;
+    }
     QByteArray chunk;
     bool copied = true;
     while (copied && !(chunk = in.read(CopyChunkSize)).isEmpty())

@@ -28,16 +28,6 @@ void discardErrors(RepositoryReport& report)
     report.takeErrors();
 }
 
-// Whether two files hold the same bytes; false if either can't be read.
-bool sameContents(const std::string& first, const std::string& second)
-{
-    QFile a(QString::fromStdString(first));
-    QFile b(QString::fromStdString(second));
-    if (!a.open(QIODevice::ReadOnly) || !b.open(QIODevice::ReadOnly) || a.size() != b.size())
-        return false;
-    return a.readAll() == b.readAll() && a.error() == QFileDevice::NoError && b.error() == QFileDevice::NoError;
-}
-
 } // namespace
 
 XMLRepositoryWriter::XMLRepositoryWriter(std::string directory, RepositoryReportPtr report,
@@ -353,11 +343,7 @@ void XMLRepositoryWriter::updateTopLevelManifest(const Model& model)
     m_report->log("Updating top level manifest (writing: " + path + ")");
     const std::string copy = XMLRepository::getTopLevelManifestFile(*m_report, m_context.tempDirectory(), false);
     ArchiveUpdater::saveManifest(*m_report, model, copy);
-    // A generation writes the top level after every product, and most
-    // products of an update leave it as it was: the store's file is then not
-    // written and synced to the disk again.
-    if (!sameContents(copy, path))
-        copyFile(*m_report, copy, path);
+    copyFile(*m_report, copy, path);
     ReaderCacheRegistry::unloadTopLevelCaches(m_directory);
 }
 
