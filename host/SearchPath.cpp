@@ -20,6 +20,7 @@ void SearchPath::refresh()
     while (it.hasNext())
         below << QFileInfo(it.next()).absolutePath();
     below.sort();
+    m_found.clear();
     m_directories.clear();
     for (const QString& directory : m_given + below)
         if (!m_directories.contains(directory))
@@ -28,11 +29,19 @@ void SearchPath::refresh()
 
 QString SearchPath::findLibraryFile(const std::string& library) const
 {
+    const auto found = m_found.find(library);
+    if (found != m_found.end()) {
+        if (QFileInfo::exists(found->second))
+            return found->second;
+        m_found.erase(found);
+    }
     const QString name = libraryFileName(library);
     for (const QString& directory : m_directories) {
         const QString candidate = directory + QLatin1Char('/') + name;
-        if (QFileInfo::exists(candidate))
+        if (QFileInfo::exists(candidate)) {
+            m_found.emplace(library, candidate);
             return candidate;
+        }
     }
     return QString();
 }

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <string>
+#include <unordered_map>
 
 namespace LibraryBrowser::Host {
 
@@ -20,7 +21,12 @@ public:
     const QStringList& directories() const { return m_directories; }
     // Scans the root again, for directories added since.
     void refresh();
-    // The first file for the library on the path, or empty.
+    // The first file for the library on the path, or empty. A file once
+    // found is given again while it exists: a generation asks for each
+    // library thousands of times, and walking the path each time costs a
+    // failed look-up per directory before it. So a file of the same name
+    // added later to a directory earlier on the path is only seen after that
+    // one is gone or refresh() has run.
     QString findLibraryFile(const std::string& library) const;
 
     static QString libraryFileName(const std::string& library);
@@ -32,6 +38,7 @@ private:
     QString m_root;
     QStringList m_given;
     QStringList m_directories;
+    mutable std::unordered_map<std::string, QString> m_found;
 };
 
 } // namespace LibraryBrowser::Host

@@ -5,8 +5,10 @@
 #include "StoreFixture.h"
 #include "repository/RepositoryReport.h"
 
+#include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QStorageInfo>
 
 #include <unistd.h>
 
@@ -85,6 +87,31 @@ TEST_F(TempDirectoriesTest, HostFailuresAreErrors)
               (Messages{"Failed to call 'rmdir' on the temporary directory " + directory,
                         "Unable to remove temporary directory. The following error occurred:",
                         "Permission denied"}));
+}
+
+// A TMPDIR given is where the directories go. Without one they go to a memory
+// file system where the machine has one, and never below the disk's /tmp
+// then; copies made there are whole.
+TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystem)
+{
+    EXPECT_EQ(privateTempBase().toStdString(), tempRoot());
+    const std::string copy = namedTempDirectory(report, "LBCopy", true) + "/copy.rps";
+    writeFile(path("original.rps"), QByteArray(3 << 20, 'z') + "end");
+    ASSERT_TRUE(copyToPrivateFile(path("original.rps"), copy));
+    EXPECT_EQ(readFile(copy), readFile(path("original.rps")));
+    EXPECT_FALSE(copyToPrivateFile(path("missing.rps"), copy));
+    EXPECT_FALSE(exists(copy)) << "a failed copy leaves no file";
+
+    qunsetenv("TMPDIR");
+    const QString base = privateTempBase();
+    const QStorageInfo shm(QStringLiteral("/dev/shm"));
+    if (!QFileInfo(QStringLiteral("/dev/shm")).isWritable() || shm.bytesAvailable() < (qint64(1) << 30))
+        GTEST_SKIP() << "no memory file system with room here";
+    EXPECT_EQ(QStorageInfo(base).fileSystemType(), QByteArray("tmpfs")) << base.toStdString();
+    const std::string made = namedTempDirectory(report, "LBMemory", true);
+    EXPECT_EQ(made.rfind(base.toStdString() + "/LBMemory", 0), 0u) << made;
+    removeNamedTempDirectory(report, "LBMemory");
+    EXPECT_FALSE(exists(made));
 }
 
 TEST_F(TempDirectoriesTest, NoUsableSystemTemporaryDirectory)

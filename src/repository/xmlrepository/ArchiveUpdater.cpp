@@ -17,9 +17,12 @@ namespace LibraryBrowser {
 
 namespace {
 
-// The archive is closed and opened again after this many additions, which
-// bounds what it keeps pending in memory.
-constexpr int FilesPerReopen = 100;
+// The archive is closed and opened again once this many bytes have been
+// added since it was opened, which bounds what it keeps pending in memory.
+// Counted in bytes and not in files: each reopening reads the archive's whole
+// directory again, so reopening after a fixed number of small files made the
+// work grow with the square of the files of a product.
+constexpr qint64 BytesPerReopen = qint64(8) << 20;
 
 QString qs(const std::string& text)
 {
@@ -141,7 +144,7 @@ bool ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::s
     const std::string path = archive.getArchiveFilePath();
     m_context.report->log("Updating archive " + path);
     const std::string prefix = m_context.tempDirectory() + "/";
-    int added = 0;
+    qint64 pending = 0;
     for (const std::string& file : files) {
         const std::string name = file.compare(0, prefix.size(), prefix) == 0 ? file.substr(prefix.size()) : file;
         // A file the host did not write is passed over: the reader then
@@ -153,14 +156,14 @@ bool ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::s
             m_context.report->logError("Unable to add " + name + " to archive " + path);
             return false;
         }
-        if (++added == FilesPerReopen) {
+        if ((pending += source.size()) >= BytesPerReopen) {
             if (!closeArchive(archive))
                 return false;
             if (!archive.open(path, ZipArchive::OpenExisting)) {
                 m_context.report->logError("Unable to open archive " + path + ": " + archive.errorString());
                 return false;
             }
-            added = 0;
+            pending = 0;
         }
     }
     return true;

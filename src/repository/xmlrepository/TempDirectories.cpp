@@ -8,8 +8,10 @@
 #include "repository/xmlrepository/TempDirectoryOwners.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QStorageInfo>
 #include <QUuid>
 
 namespace LibraryBrowser {
@@ -23,11 +25,40 @@ QHash<QString, QString>& tempDirectoryNames()
     return names;
 }
 
+// Below this much free space a memory file system is passed over: a large
+// generation holds a file per block there until it ends.
+constexpr qint64 MemoryBaseMinimumFree = qint64(1) << 30;
+constexpr qint64 CopyChunkSize = 1 << 20;
+
+// The memory file system to use, or empty; looked for once per process.
+const QString& memoryTempBase()
+{
+    static const QString base = [] {
+        for (const QString& candidate : {qEnvironmentVariable("XDG_RUNTIME_DIR"), QStringLiteral("/dev/shm")}) {
+            const QFileInfo info(candidate);
+            if (candidate.isEmpty() || !info.isDir() || !info.isWritable())
+                continue;
+            const QStorageInfo storage(candidate);
+            if (storage.isValid() && storage.bytesAvailable() >= MemoryBaseMinimumFree)
+                return info.absoluteFilePath();
+        }
+        return QString();
+    }();
+    return base;
+}
+
 } // namespace
+
+QString privateTempBase()
+{
+    if (qEnvironmentVariableIsSet("TMPDIR") || memoryTempBase().isEmpty())
+        return QDir::tempPath();
+    return memoryTempBase();
+}
 
 std::string namedTempDirectory(RepositoryReport& report, const std::string& name, bool create)
 {
-    const QString base = QDir::tempPath();
+    const QString base = privateTempBase();
     if (!QFileInfo(base).isDir()) {
         report.logError("Unable to find the operating system temporary directory");
         return std::string();
@@ -68,6 +99,25 @@ std::string topLevelTempDirectory(RepositoryReport& report, int number)
 void removeTempDirectory(RepositoryReport& report, int number)
 {
     removeNamedTempDirectory(report, "LBwriter" + std::to_string(number));
+}
+
+bool copyToPrivateFile(const std::string& source, const std::string& destination)
+{
+    QFile in(QString::fromStdString(source));
+    QFile out(QString::fromStdString(destination));
+    if (!in.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        out.remove();
+        return false;
+    }
+    QByteArray chunk;
+    bool copied = true;
+    while (copied && !(chunk = in.read(CopyChunkSize)).isEmpty())
+        copied = out.write(chunk) == chunk.size();
+    copied = copied && in.error() == QFileDevice::NoError && out.flush();
+    out.close();
+    if (!copied)
+        out.remove();
+    return copied;
 }
 
 void removeNamedTempDirectory(RepositoryReport& report, const std::string& name)

@@ -74,7 +74,7 @@ void TempDirectoryOwners::removeLeftOversOnce(RepositoryReport& report)
 void TempDirectoryOwners::removeLeftOvers(RepositoryReport& report)
 {
     static const QRegularExpression ours(QStringLiteral("^LB(writer|Cache|Top)[0-9]+[0-9a-f]{32}$"));
-    const QDir base(QDir::tempPath());
+    const QDir base(privateTempBase());
     for (const QString& name : base.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
         if (!ours.match(name).hasMatch())
             continue;

@@ -18,8 +18,8 @@ public:
 
     // Writes the owner file of a directory this process has just made.
     static void mark(const QString& directory);
-    // Removes the left-over directories of ended processes below the
-    // temporary directory; the first call of a process does the work, later
+    // Removes the left-over directories of ended processes below the base of
+    // the private working directories; the first call of a process does the work, later
     // ones nothing.
     static void removeLeftOversOnce(RepositoryReport& report);
     // The same, every time it is called.

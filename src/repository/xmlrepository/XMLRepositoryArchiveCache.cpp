@@ -2,7 +2,6 @@
 
 #include "repository/xmlrepository/TempDirectories.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 namespace LibraryBrowser {
@@ -55,7 +54,7 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
     const std::string localCopy = directory + "/cachedArchive.rps";
     if (!QFileInfo::exists(qs(localCopy))) {
         m_index.clear();
-        if (!QFile::copy(qs(m_archivePath), qs(localCopy))) {
+        if (!copyToPrivateFile(m_archivePath, localCopy)) {
             m_report->logError("Unable to cache archive to " + localCopy);
             return std::string();
         }

@@ -85,12 +85,16 @@ ScriptedLibraries::ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::
         return answer({HostValue::cellOfStrings({"toolbox/" + library + ".lib"}), HostValue::doubleScalar(double(file.size())),
                        HostValue::doubleScalar(0)});
     });
-    interpreter.on("tdprivate:lb_createSubSystemIcons", [](int, const std::vector<HostValue>& inputs) {
+    interpreter.on("tdprivate:lb_createSubSystemIcons", [this](int, const std::vector<HostValue>& inputs) {
         const std::vector<std::string> paths = inputs.at(3).toStringList();
         const std::vector<std::string> files = inputs.at(4).toStringList();
-        for (std::size_t i = 0; i < files.size() && i < paths.size(); ++i)
+        for (std::size_t i = 0; i < files.size() && i < paths.size(); ++i) {
+            const auto found = m_nodes.find(handleOfPath(paths[i]));
+            const int padding = found != m_nodes.end() && found->second.block ? found->second.block->iconPadding : 0;
+            const std::string filler = padding > 0 ? "<desc>" + std::string(padding, '.') + "</desc>" : "";
             writeFile(files[i], QByteArray::fromStdString("<svg xmlns=\"http://www.w3.org/2000/svg\"><title>" +
-                                                          paths[i] + "</title></svg>"));
+                                                          paths[i] + "</title>" + filler + "</svg>"));
+        }
         return answer({});
     });
 }

@@ -17,6 +17,8 @@ struct ScriptedBlock {
     std::vector<ScriptedBlock> children{};
     std::string targetLibrary{};
     std::string targetPath{};
+    // Bytes of filler in the block's icon, for icons of a real library's size.
+    int iconPadding = 0;
 };
 
 // One entry of the host's product list.

@@ -18,8 +18,27 @@ using Testing::ScriptedProduct;
 
 class WriterTest : public Testing::WriterFixture {};
 
-// Enough icons that the archive is filled across reopenings, and names
-// whose path form differs from the shown one.
+// Icons large enough that the archive is closed and opened again while it is
+// filled: what was added before a reopening stays, and so does what follows.
+TEST_F(WriterTest, IconsAddedAcrossAReopeningAllReadBack)
+{
+    // Four icons of 3 MiB pass the bound once, after the third.
+    std::vector<ScriptedBlock> large;
+    for (const char* name : {"A", "B", "C", "D"})
+        large.push_back({name, "Block", "", {}, "", "", 3 << 20});
+    libraries.setProducts({{"Alpha Library", "Alpha"}});
+    libraries.setLibrary("Alpha", large);
+    generate();
+    ASSERT_EQ(entries("Alpha", "icons").size(), 4u);
+    const auto reader = makeReader();
+    for (const ScriptedBlock& block : large) {
+        const QByteArray svg = reader->getIcon(reader->getTandrilObject("Alpha/" + block.name))->svg();
+        EXPECT_TRUE(svg.contains("Alpha/" + QByteArray::fromStdString(block.name))) << block.name;
+        EXPECT_GT(svg.size(), 3 << 20) << block.name;
+    }
+}
+
+// Names whose path form differs from the shown one.
 TEST_F(WriterTest, EveryBlockReadsBackWithItsIconAndPathForms)
 {
     std::vector<ScriptedBlock> alpha = blocks("A", 250);
