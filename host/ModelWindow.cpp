@@ -2,6 +2,7 @@
 
 #include "IconRenderer.h"
 
+#include <QCloseEvent>
 #include <QEvent>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsSimpleTextItem>
@@ -73,6 +74,13 @@ void ModelWindow::changeEvent(QEvent* event)
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         emit activated(m_name);
     QGraphicsView::changeEvent(event);
+}
+
+void ModelWindow::closeEvent(QCloseEvent* event)
+{
+    QGraphicsView::closeEvent(event);
+    if (event->isAccepted())
+        emit closed(m_name);
 }
 
 void ModelWindow::focusInEvent(QFocusEvent* event)

@@ -28,9 +28,12 @@ public:
 
 signals:
     void activated(const std::string& name);
+    // The user closed the window, and with it the system.
+    void closed(const std::string& name);
 
 protected:
     void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
 
 private:

@@ -19,6 +19,7 @@ constexpr const char* badArguments = "Tandril:Host:BadArguments";
 
 const char* commands[] = {"open_system",
                           "save_system",
+                          "close_system",
                           "private_td_is_system_loaded",
                           "private_td_new_system",
                           "private_td_add_block",
@@ -76,6 +77,14 @@ WindowCommands::CallResult WindowCommands::dispatch(const std::string& command, 
         return openSystem(outputCount, args);
     if (command == "save_system")
         return saveSystem(outputCount, args);
+    if (command == "close_system") {
+        std::string name;
+        if (!args.string(0, name))
+            return args.failure(badArguments);
+        if (!m_systems.close(name))
+            return CallArguments::failure(commandFailed, "close_system: no open system \"" + name + "\"");
+        return CallArguments::success(command, outputCount, {});
+    }
     if (command == "private_td_is_system_loaded") {
         std::string name;
         if (!args.string(0, name))

@@ -4,6 +4,7 @@
 #include "BrowserWindowFixture.h"
 
 #include "gui/BrowserPreferences.h"
+#include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
 #include "gui/LibraryTreeView.h"
 #include "support/Files.h"
