@@ -34,9 +34,12 @@ signals:
 protected:
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
 
 private:
+    void fitScene();
+
     std::string m_name;
     QStringList m_blockNames;
 };

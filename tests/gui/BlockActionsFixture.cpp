@@ -116,6 +116,9 @@ QPoint tileCentreInWindow(StandaloneBrowser& browser, const GuiBlock* tile)
 
 void BlockActionsFixture::drag(GuiBlock* tile, Qt::MouseButton button, const QPoint& global)
 {
+    // The user scrolls to the tile first.
+    browser().selectBlockByName(tile->getDisplayPath());
+    settle();
     QWindow* handle = browser().window()->windowHandle();
     const QPoint start = tileCentreInWindow(browser(), tile);
     QCursor::setPos(handle->mapToGlobal(start));

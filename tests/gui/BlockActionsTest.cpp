@@ -6,11 +6,14 @@
 #include "BlockActionsFixture.h"
 
 #include "ModelWindows.h"
+#include "SystemRegistry.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QMainWindow>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -255,6 +258,53 @@ TEST_F(BlockActionsTest, AModelBuiltByDragsHoldsItsBlocksAndPlacesWhenSavedAndOp
         EXPECT_DOUBLE_EQ(after[i].position.top, before[i].position.top);
         EXPECT_EQ(after[i].parameters, before[i].parameters);
     }
+}
+
+// Three blocks dragged into a model, and the picture of the two windows side
+// by side, each under a bar with its title, for the docs; written only where
+// TDLB_SCREENSHOT_DIR names a directory.
+TEST_F(BlockActionsTest, RendersAModelWindowAfterThreeDragsBesideTheBrowser)
+{
+    StandaloneBrowser& window = openOn(continuous);
+    window.setPosition(QRect(20, 20, 700, 500));
+    window.setLayout(LayoutType::Grid);
+    window.setIconSize(IconSize::Medium);
+    settle();
+    const std::string model = newSystem("Model");
+    Host::ModelWindow* target = modelWindow(model);
+    target->resize(500, 420);
+    placeBesideBrowser(target);
+    const std::vector<std::pair<std::string, QPoint>> drops{
+        {integrator, {40, 50}}, {derivative, {200, 50}}, {continuous + "/Transfer Function", {120, 190}}};
+    for (const auto& [path, point] : drops)
+        drag(tile(path), Qt::LeftButton, target->viewport()->mapToGlobal(point));
+    ASSERT_EQ(target->blockNames(), (QStringList{"Integrator", "Derivative", "Transfer Function"}));
+    window.selectBlockByName(continuous + "/Transfer Function");
+    settle();
+
+    const QPixmap browserPicture = window.window()->grab();
+    const QPixmap modelPicture = target->grab();
+    const int bar = 24;
+    const int gap = 24;
+    QPixmap picture(gap * 3 + browserPicture.width() + modelPicture.width(),
+                    gap * 2 + bar + std::max(browserPicture.height(), modelPicture.height()));
+    picture.fill(QColor(0xd8, 0xdc, 0xe2));
+    QPainter painter(&picture);
+    const auto place = [&](const QPixmap& shot, const QString& title, int left) {
+        const QRect titleBar(left, gap, shot.width(), bar);
+        painter.fillRect(titleBar, QColor(0x3c, 0x4a, 0x5c));
+        painter.setPen(Qt::white);
+        painter.drawText(titleBar.adjusted(8, 0, -8, 0), Qt::AlignVCenter | Qt::AlignLeft, title);
+        painter.drawPixmap(left, gap + bar, shot);
+        painter.setPen(QColor(0x3c, 0x4a, 0x5c));
+        painter.drawRect(QRect(left, gap, shot.width(), bar + shot.height()).adjusted(0, 0, -1, -1));
+    };
+    place(browserPicture, window.window()->windowTitle(), gap);
+    place(modelPicture, target->windowTitle(), gap * 2 + browserPicture.width());
+    painter.end();
+    EXPECT_EQ(target->windowTitle().toStdString(), model + " *");
+    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR"))
+        EXPECT_TRUE(picture.save(QString::fromLocal8Bit(directory) + "/model-window-drag.png", "PNG"));
 }
 
 } // namespace
