@@ -7,10 +7,12 @@
 
 #include "ModelWindows.h"
 #include "SystemRegistry.h"
+#include "gui/BlocksPanel.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QMainWindow>
 #include <QPainter>
@@ -180,6 +182,53 @@ TEST_F(BlockActionsTest, ARightDragOntoAModelAddsTheBlockAndOpensNoMenuUntilTheN
     EXPECT_TRUE(menu.contains("Help for the Integrator block"));
     // Closing the menu without a choice adds nothing.
     EXPECT_EQ(blocksOf(model), QStringList{"Integrator"});
+}
+
+// Where the platform sends the menu's event after the release, the right
+// drag's flag is what keeps the menu shut, once.
+TEST_F(BlockActionsTest, AMenuEventAfterARightDragIsSpentOnTheDrag)
+{
+    openOn(continuous);
+    const std::string model = newSystem("Model");
+    Host::ModelWindow* target = modelWindow(model);
+    placeBesideBrowser(target);
+    GuiBlock* integratorTile = tile(integrator);
+    QWidget* panel = integratorTile->getPanel();
+    const QPoint start = integratorTile->geometry().center();
+    const QPoint end = panel->mapFromGlobal(target->viewport()->mapToGlobal(QPoint(60, 70)));
+    QCursor::setPos(panel->mapToGlobal(end));
+    const auto menuEvent = [&] {
+        return menuOpenedBy([&] {
+            QContextMenuEvent event(QContextMenuEvent::Mouse, end, panel->mapToGlobal(end));
+            QApplication::sendEvent(panel, &event);
+        });
+    };
+
+    QTest::mousePress(panel, Qt::RightButton, {}, start);
+    QTest::mouseMove(panel, end);
+    QTest::mouseRelease(panel, Qt::RightButton, {}, end);
+    EXPECT_EQ(blocksOf(model), QStringList{"Integrator"});
+    EXPECT_TRUE(menuEvent().isEmpty());
+    EXPECT_FALSE(menuEvent().isEmpty());
+}
+
+// A host command that fails leaves no trace in the browser.
+TEST_F(BlockActionsTest, ADropThatTheHostRefusesChangesNothing)
+{
+    StandaloneBrowser& window = openOn(continuous);
+    ASSERT_TRUE(call("open_system", {HostValue::string("switchyard")}).ok);
+    Host::ModelWindow* library = modelWindow("switchyard");
+    placeBesideBrowser(library);
+    const QStringList before = blocksOf("switchyard");
+    const std::string status = window.getCurrentStatusBarMessage();
+
+    mark();
+    drag(tile(integrator), Qt::LeftButton, library->viewport()->mapToGlobal(QPoint(300, 300)));
+    EXPECT_TRUE(commandsSinceMark().contains("private_td_drop_block"));
+    EXPECT_EQ(blocksOf("switchyard"), before);
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), status);
+    EXPECT_EQ(session().host().modelWindows()->openDialogCount(), 0);
+    EXPECT_TRUE(window.isEnabled());
 }
 
 TEST_F(BlockActionsTest, ALibraryIsLoadedOnceBeforeItsFirstBlockIsUsed)
