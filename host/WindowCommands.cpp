@@ -174,7 +174,7 @@ WindowCommands::CallResult WindowCommands::addBlock(const std::string& command, 
         // The browser gives a point of the screen; the model's window knows
         // where that is in the model.
         if (m_windows) {
-            const QPoint screen{int(point[0]), int(point[1])};
+            const QPoint screen{qRound(point[0]), qRound(point[1])};
             if (const auto inModel = m_windows->toModel(BlockPath::split(destination).front(), screen))
                 at = SystemRegistry::Point{inModel->x(), inModel->y()};
         }
