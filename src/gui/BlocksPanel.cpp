@@ -3,9 +3,9 @@
 #include "gui/BlocksPage.h"
 #include "gui/GuiBlock.h"
 
-#include <QHelpEvent>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
