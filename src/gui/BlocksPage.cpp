@@ -98,10 +98,19 @@ void BlocksPage::handleOnResize()
 {
     // A page behind the other tab is laid out when it is shown again; its
     // texts mustn't reach the window's status bar meanwhile.
-    if (m_browser.internalGetCurrentBlocksPage() != this)
+    if (m_browser.internalGetCurrentBlocksPage() != this) {
+        m_resizedWhileHidden = true;
         return;
+    }
+    m_resizedWhileHidden = false;
     updateBlocks(m_browser.getCurrentNodeUID());
     adjustPageSizes();
+}
+
+void BlocksPage::layOutIfResizedWhileHidden()
+{
+    if (m_resizedWhileHidden)
+        handleOnResize();
 }
 
 bool BlocksPage::handleOnKeyPressEvent(QKeyEvent* event)

@@ -51,6 +51,8 @@ public:
     virtual void reflowBlocks() = 0;
     virtual void setDefaultSelectedBlock() = 0;
     virtual void handleOnResize();
+    // A page resized while the other one was current is laid out now.
+    void layOutIfResizedWhileHidden();
     // True when the key was the page's.
     virtual bool handleOnKeyPressEvent(QKeyEvent* event);
     virtual void handleShowContextMenuForSelectedBlock();
@@ -140,6 +142,7 @@ protected:
     int m_effectiveViewWidth = -1;
     int m_effectiveViewHeight = -1;
     bool m_viewMeasured = false;
+    bool m_resizedWhileHidden = false;
 };
 
 } // namespace LibraryBrowser

@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDockWidget>
+#include <QElapsedTimer>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QTabWidget>
@@ -124,6 +125,7 @@ void StandaloneBrowser::internalSearchForString(std::string text)
         int maxHits = 0;
         int libraries = 0;
         std::vector<std::string> listed;
+        QElapsedTimer sinceEvents;
         for (const Library& library : results.libraries) {
             if (m_searchCancelled)
                 break;
@@ -135,8 +137,12 @@ void StandaloneBrowser::internalSearchForString(std::string text)
                 path);
             m_resultsPage->setStatusMessage(running);
             internalSetStatusBarMessage(running);
-            // The running text is painted, and Escape heard, between libraries.
-            QApplication::processEvents();
+            // The running text is painted, and Escape heard, between libraries;
+            // a few times a second is enough to look alive and costs little.
+            if (!sinceEvents.isValid() || sinceEvents.elapsed() >= 40) {
+                QApplication::processEvents();
+                sinceEvents.start();
+            }
             TandrilObjectIterator found = m_repository->findBlocks(
                 text, TandrilObject(library), regExp ? SearchOptions::RegExpOn : SearchOptions::RegExpOff,
                 wholeWord ? SearchOptions::WholeWordOn : SearchOptions::WholeWordOff,
@@ -145,8 +151,11 @@ void StandaloneBrowser::internalSearchForString(std::string text)
                 continue;
             listed.clear();
             SingleLibrarySearchResults_tag hits = countSearchHits(found, libraries, &listed);
+            QStringList items;
+            items.reserve(int(listed.size()));
             for (const std::string& item : listed)
-                m_searchListBox->addItem(QString::fromStdString(item));
+                items.append(QString::fromStdString(item));
+            m_searchListBox->addItems(items);
             if (hits.longestName.size() > longestName.size())
                 longestName = hits.longestName;
             if (hits.hits() > 0) {
@@ -164,8 +173,9 @@ void StandaloneBrowser::internalSearchForString(std::string text)
         results.maxHitsPerLibrary = maxHits;
         results.longestBlockName = longestName;
         results.longestLibraryPath = longestPath;
-        // A cancelled walk is new results even for the same text.
-        results.resultsNeedReload = m_searchCancelled || results.searchString != text ||
+        // A cancelled walk, and the one after it, are new results even for
+        // the same text.
+        results.resultsNeedReload = m_searchCancelled || lastCancelled || results.searchString != text ||
                                     results.useRegExp != regExp || results.matchWholeWord != wholeWord ||
                                     results.matchCase != matchCase || results.resultsNeedReload;
         results.searchString = text;
