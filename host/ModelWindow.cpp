@@ -2,6 +2,7 @@
 
 #include "IconRenderer.h"
 
+#include <QCloseEvent>
 #include <QEvent>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsSimpleTextItem>
@@ -52,16 +53,30 @@ void ModelWindow::showSystem(const OpenSystem& system)
         label->setPos(rect.center().x() - label->boundingRect().width() / 2, rect.bottom() + 4);
         m_blockNames.append(QString::fromStdString(block.name));
     }
-    // The model's origin stays at the window's corner, so that points map
-    // one to one; the drawing grows to the right and down.
-    const QRectF used = drawing->itemsBoundingRect();
-    drawing->setSceneRect(QRectF(0, 0, std::max(600.0, used.right() + 40), std::max(380.0, used.bottom() + 40)));
+    fitScene();
     QString title = QString::fromStdString(system.name);
     if (system.dirty)
         title += " *";
     if (system.type == SystemType::Library && system.locked)
         title += " (locked library)";
     setWindowTitle(title);
+}
+
+void ModelWindow::fitScene()
+{
+    // The model's origin stays at the window's corner, so that points map
+    // one to one; the drawing grows to the right and down, and scrolls only
+    // once it is larger than the window.
+    const QRectF used = scene()->itemsBoundingRect();
+    const QSize view = maximumViewportSize();
+    scene()->setSceneRect(QRectF(0, 0, std::max(qreal(view.width()), used.right() + 40),
+                                 std::max(qreal(view.height()), used.bottom() + 40)));
+}
+
+void ModelWindow::resizeEvent(QResizeEvent* event)
+{
+    QGraphicsView::resizeEvent(event);
+    fitScene();
 }
 
 QPointF ModelWindow::toModel(const QPoint& global) const { return mapToScene(viewport()->mapFromGlobal(global)); }
@@ -73,6 +88,13 @@ void ModelWindow::changeEvent(QEvent* event)
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         emit activated(m_name);
     QGraphicsView::changeEvent(event);
+}
+
+void ModelWindow::closeEvent(QCloseEvent* event)
+{
+    QGraphicsView::closeEvent(event);
+    if (event->isAccepted())
+        emit closed(m_name);
 }
 
 void ModelWindow::focusInEvent(QFocusEvent* event)

@@ -28,12 +28,18 @@ public:
 
 signals:
     void activated(const std::string& name);
+    // The user closed the window, and with it the system.
+    void closed(const std::string& name);
 
 protected:
     void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
 
 private:
+    void fitScene();
+
     std::string m_name;
     QStringList m_blockNames;
 };

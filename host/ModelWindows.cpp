@@ -15,6 +15,10 @@ ModelWindows::~ModelWindows() { closeDialogs(); }
 
 void ModelWindows::sync()
 {
+    for (auto it = m_windows.begin(); it != m_windows.end();) {
+        const OpenSystem* system = m_systems.find(it->first);
+        it = system && system->shown ? std::next(it) : m_windows.erase(it);
+    }
     for (const OpenSystem& system : m_systems.systems()) {
         if (!system.shown)
             continue;
@@ -24,6 +28,13 @@ void ModelWindows::sync()
             window = std::make_unique<ModelWindow>(system.name);
             connect(window.get(), &ModelWindow::activated, this,
                     [this](const std::string& name) { m_systems.setCurrent(name); });
+            connect(window.get(), &ModelWindow::closed, this, [this](const std::string& name) {
+                // The window is inside its close event: it goes when the event is done.
+                m_systems.close(name);
+                const auto found = m_windows.find(name);
+                found->second.release()->deleteLater();
+                m_windows.erase(found);
+            });
         }
         window->showSystem(system);
         if (isNew || !window->isVisible())

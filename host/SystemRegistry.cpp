@@ -98,6 +98,21 @@ void SystemRegistry::setCurrent(const std::string& name)
         m_current = name;
 }
 
+bool SystemRegistry::close(const std::string& name)
+{
+    const auto it = std::find_if(m_systems.begin(), m_systems.end(),
+                                 [&](const OpenSystem& system) { return system.name == name; });
+    if (it == m_systems.end())
+        return false;
+    m_systems.erase(it);
+    if (m_current == name) {
+        const auto shown = std::find_if(m_systems.rbegin(), m_systems.rend(),
+                                        [](const OpenSystem& system) { return system.shown; });
+        m_current = shown == m_systems.rend() ? std::string() : shown->name;
+    }
+    return true;
+}
+
 bool SystemRegistry::openFile(const QString& file, std::string& error)
 {
     FileIssue issue;

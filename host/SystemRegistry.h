@@ -53,6 +53,9 @@ public:
     bool findBlock(const std::string& path, BlockRecord& out, std::string& error) { return sourceBlock(path, out, error); }
     // Puts a shown system in front, as activating its window does.
     void setCurrent(const std::string& name);
+    // Drops the system, saved or not; the last shown one that stays comes to
+    // the front. False when no such system is open.
+    bool close(const std::string& name);
     // Opens a model saved as a library file, unlocked and shown.
     bool openFile(const QString& file, std::string& error);
     // Copies the block at source into the destination system or subsystem

@@ -19,6 +19,7 @@ constexpr const char* badArguments = "Tandril:Host:BadArguments";
 
 const char* commands[] = {"open_system",
                           "save_system",
+                          "close_system",
                           "private_td_is_system_loaded",
                           "private_td_new_system",
                           "private_td_add_block",
@@ -76,6 +77,14 @@ WindowCommands::CallResult WindowCommands::dispatch(const std::string& command, 
         return openSystem(outputCount, args);
     if (command == "save_system")
         return saveSystem(outputCount, args);
+    if (command == "close_system") {
+        std::string name;
+        if (!args.string(0, name))
+            return args.failure(badArguments);
+        if (!m_systems.close(name))
+            return CallArguments::failure(commandFailed, "close_system: no open system \"" + name + "\"");
+        return CallArguments::success(command, outputCount, {});
+    }
     if (command == "private_td_is_system_loaded") {
         std::string name;
         if (!args.string(0, name))
@@ -165,7 +174,7 @@ WindowCommands::CallResult WindowCommands::addBlock(const std::string& command, 
         // The browser gives a point of the screen; the model's window knows
         // where that is in the model.
         if (m_windows) {
-            const QPoint screen{int(point[0]), int(point[1])};
+            const QPoint screen{qRound(point[0]), qRound(point[1])};
             if (const auto inModel = m_windows->toModel(BlockPath::split(destination).front(), screen))
                 at = SystemRegistry::Point{inModel->x(), inModel->y()};
         }

@@ -3,6 +3,8 @@
 #include "gui/BlocksPage.h"
 #include "gui/GuiBlock.h"
 
+#include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -126,6 +128,20 @@ void BlocksPanel::mouseDoubleClickEvent(QMouseEvent* event)
 {
     if (GuiBlock* tile = tileAt(event->position().toPoint()))
         tile->mouseDoubleClickEvent(event);
+}
+
+void BlocksPanel::contextMenuEvent(QContextMenuEvent* event)
+{
+    // Where the platform asks for the menu at the press, the press may yet
+    // become a right drag, which opens no menu: the tile decides at the
+    // release. Elsewhere the page shows the menu.
+    if (event->reason() == QContextMenuEvent::Mouse && m_pressed &&
+        (QGuiApplication::mouseButtons() & Qt::RightButton)) {
+        m_pressed->deferContextMenuToRelease();
+        event->accept();
+        return;
+    }
+    event->ignore();
 }
 
 void BlocksPanel::leaveEvent(QEvent* event)

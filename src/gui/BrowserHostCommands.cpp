@@ -60,10 +60,10 @@ void displayHTMLBlockHelp(const char* path)
         mutedCall("tdhelp", 0, {});
 }
 
-void dropBlock(const std::string& block, const std::string& target, int x, int y)
+void dropBlock(const std::string& block, const std::string& target, double x, double y)
 {
     mutedCall("private_td_drop_block", 0,
-              {HostValue::string(block), HostValue::string(target), HostValue::doubleMatrix(1, 2, {double(x), double(y)})});
+              {HostValue::string(block), HostValue::string(target), HostValue::doubleMatrix(1, 2, {x, y})});
 }
 
 void closeBlockDialogsOpenedByBrowser() { mutedCall("private_td_close_block_dialogs", 0, {}); }

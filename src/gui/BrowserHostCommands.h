@@ -14,7 +14,7 @@ namespace LibraryBrowser::BrowserUtils {
 void showPrefsDialog();
 // A null path asks for the general help.
 void displayHTMLBlockHelp(const char* path);
-void dropBlock(const std::string& block, const std::string& target, int x, int y);
+void dropBlock(const std::string& block, const std::string& target, double x, double y);
 void closeBlockDialogsOpenedByBrowser();
 void openBlockDialog(const std::string& path, BlockDialogType type);
 bool isSystemLoaded(const std::string& name);

@@ -200,31 +200,40 @@ void GuiBlock::mouseReleaseEvent(QMouseEvent* event)
         m_panel->unsetCursor();
     if (getPath().empty()) {
         m_leftPressed = m_leftDragged = m_rightPressed = m_rightDragged = false;
-        return;
-    }
-    const QPoint global = event->globalPosition().toPoint();
-    if (event->button() == Qt::LeftButton) {
+    } else if (event->button() == Qt::LeftButton) {
         if (m_leftDragged)
-            drop(global);
+            drop(event->globalPosition());
         m_leftPressed = false;
         m_leftDragged = false;
     } else if (event->button() == Qt::RightButton) {
         // The flag of the right drag stays set: the context-menu event that
         // follows the release finds it and shows no menu.
         if (m_rightDragged)
-            drop(global);
+            drop(event->globalPosition());
         m_rightPressed = false;
+    }
+    if (event->button() == Qt::RightButton && m_menuAtRelease) {
+        m_menuAtRelease = false;
+        // Once the release is done, as where the platform sends the menu's
+        // event then: a choice in the menu may rebuild the page and its tiles.
+        QMetaObject::invokeMethod(
+            m_page, [page = m_page] { page->handleShowContextMenuForSelectedBlock(); }, Qt::QueuedConnection);
     }
 }
 
-void GuiBlock::drop(const QPoint& globalPosition)
+void GuiBlock::drop(const QPointF& globalPosition)
 {
-    if (m_browser->getPosition().contains(globalPosition))
+    // The window's own rectangle, edges included, takes no drop; the host
+    // gets the point as it came and maps it into the model.
+    const QPoint rounded(int(globalPosition.x() + 0.5), int(globalPosition.y() + 0.5));
+    const QRect window = m_browser->getPosition();
+    if (rounded.x() >= window.left() && rounded.x() <= window.left() + window.width() &&
+        rounded.y() >= window.top() && rounded.y() <= window.top() + window.height())
         return;
     const std::string system = BrowserUtils::tdSysNameUnderMouse();
     if (system.empty())
         return;
-    m_browser->internalSetCursor(Qt::BusyCursor);
+    m_browser->internalSetCursor(Qt::WaitCursor);
     loadRootLibrary();
     BrowserUtils::dropBlock(getPath(), system, globalPosition.x(), globalPosition.y());
     m_browser->internalUnsetCursor();

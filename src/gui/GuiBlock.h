@@ -11,6 +11,7 @@
 class QMouseEvent;
 class QPainter;
 class QPoint;
+class QPointF;
 
 namespace LibraryBrowser {
 
@@ -69,6 +70,9 @@ public:
     void mouseDoubleClickEvent(QMouseEvent* event);
     // The right-drag flag that makes the following context-menu event a no-op.
     bool takeContextMenuFlag();
+    // The menu asked for at a right press waits for the release, which
+    // shows it unless the press became a drag.
+    void deferContextMenuToRelease() { m_menuAtRelease = true; }
     void clearContextMenuFlag() { m_rightDragged = false; }
 
     virtual void respondToMouseDoubleClick();
@@ -83,7 +87,7 @@ protected:
 
 private:
     bool actsOnEvents() const;
-    void drop(const QPoint& globalPosition);
+    void drop(const QPointF& globalPosition);
 
     BlocksPageHost* m_browser;
     Block m_block;
@@ -97,6 +101,7 @@ private:
     bool m_leftDragged = false;
     bool m_rightPressed = false;
     bool m_rightDragged = false;
+    bool m_menuAtRelease = false;
 };
 
 } // namespace LibraryBrowser

@@ -63,6 +63,30 @@ TEST_F(WindowCommandsTest, OpeningLoadsLockedLibrariesAndShowsOnlyWhenAsked)
     EXPECT_FALSE(run("open_system", {s("kinetics"), s("loadEverything")}).ok);
 }
 
+TEST_F(WindowCommandsTest, ClosingPutsTheLastShownSystemInFrontAndFreesTheName)
+{
+    auto current = [&] { return run("private_td_get_current_open_mdl", {}, 1).outputs.at(0).toString(); };
+    run("private_td_new_system", {s("Model")}, 1);
+    run("private_td_new_system", {s("Library")}, 1);
+    ASSERT_TRUE(run("open_system", {s("kinetics"), s("loadOnly")}).ok);
+    ASSERT_EQ(current(), "untitled1");
+
+    // A library only loaded has no window to come to the front.
+    EXPECT_TRUE(run("close_system", {s("untitled1")}).ok);
+    EXPECT_EQ(current(), "untitled");
+    EXPECT_TRUE(run("close_system", {s("kinetics")}).ok);
+    EXPECT_EQ(run("private_td_is_system_loaded", {s("kinetics")}, 1).outputs.at(0).scalar(), 0.0);
+    EXPECT_EQ(current(), "untitled");
+    EXPECT_TRUE(run("close_system", {s("untitled")}).ok);
+    EXPECT_EQ(current(), "");
+
+    const auto again = run("close_system", {s("untitled")});
+    EXPECT_FALSE(again.ok);
+    EXPECT_NE(again.errorMessage.find("no open system \"untitled\""), std::string::npos) << again.errorMessage;
+    EXPECT_FALSE(run("close_system", {}).ok);
+    EXPECT_EQ(run("private_td_new_system", {s("Model")}, 1).outputs.at(0).toString(), "untitled");
+}
+
 TEST_F(WindowCommandsTest, AddedBlocksAreCopiesWithUniqueNames)
 {
     run("private_td_new_system", {s("Model")}, 1);

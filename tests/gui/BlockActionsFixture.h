@@ -1,0 +1,78 @@
+#pragma once
+
+#include "BrowserWindowFixture.h"
+
+#include "ModelWindow.h"
+#include "platform/HostInterpreter.h"
+
+#include <QPoint>
+#include <QStringList>
+
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace LibraryBrowser {
+class GuiBlock;
+}
+
+// Texts in a failed check read as texts.
+inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
+
+namespace LibraryBrowser::Testing {
+
+// The browser window with the host's model windows beside it: the targets
+// of the block actions. Every test starts with no system open and the
+// browser at the top left of the screen.
+class BlockActionsFixture : public BrowserWindowFixture {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    HostInterpreter::CallResult call(const std::string& command, std::vector<HostValue> inputs = {},
+                                     int outputs = 0);
+    // A new untitled system of the type ("Model" or "Library"); its name.
+    std::string newSystem(const char* type);
+    Host::ModelWindow* modelWindow(const std::string& name);
+    // The blocks of an open system as the host holds them.
+    QStringList blocksOf(const std::string& system);
+    // Places the model window to the right of the browser, clear of it.
+    void placeBesideBrowser(Host::ModelWindow* window);
+
+    // The browser on the tree node; the tile of the block on its page.
+    StandaloneBrowser& openOn(const std::string& node);
+    GuiBlock* tile(const std::string& displayPath);
+
+    // Press on the tile, move, and release at the point of the screen, the
+    // cursor following, as the window system delivers a drag: the events
+    // enter through the browser's window and go to the tile that was pressed.
+    void drag(GuiBlock* tile, Qt::MouseButton button, const QPoint& global);
+    // A right click on the tile through the window system; the entries of
+    // the menu it opened, which is closed again, or none.
+    QStringList rightClick(GuiBlock* tile);
+
+    // The Edit menu opened and closed again: the add entry's label and
+    // whether it was enabled while open.
+    struct MenuEntry {
+        QString label;
+        bool enabled = false;
+    };
+    MenuEntry editMenuAddEntry();
+
+    // The entries of any popup menu that opens while the action runs; the
+    // menu is closed without a choice.
+    static QStringList menuOpenedBy(const std::function<void()>& action);
+
+    // What the user saw in the status bar, and what the host was asked,
+    // since the mark.
+    void mark();
+    QStringList statusSinceMark() const { return statusTexts().mid(m_statusMark); }
+    QStringList commandsSinceMark();
+
+private:
+    int m_statusMark = 0;
+    std::size_t m_commandMark = 0;
+};
+
+} // namespace LibraryBrowser::Testing
