@@ -501,6 +501,14 @@ void StandaloneBrowser::showBlockDescription(bool show)
 
 bool StandaloneBrowser::isBlockDescriptionVisible() const { return m_descDock->isVisible(); }
 
+void StandaloneBrowser::showSearchResults(bool show)
+{
+    action(BrowserAction::SearchList)->setChecked(show);
+    internalToggleSearchResultsListBoxDisplay(show);
+}
+
+bool StandaloneBrowser::isSearchResultsVisible() const { return m_searchDock->isVisible(); }
+
 bool StandaloneBrowser::isEnabled() const { return m_window->isEnabled(); }
 
 void StandaloneBrowser::internalToggleDescVisibility(bool on)
