@@ -29,7 +29,7 @@ import sys
 
 from ._tandril import Error, Repository, StandaloneBrowser, is_started, path, preferences_directory, root, start
 from ._tandril import call_host, register_host_function, registered_host_functions
-from ._tandril import _finish
+from ._tandril import _finish, _tiles_created
 from ._browser_enums import BlocksPageType, IconSize, LayoutType
 
 __all__ = ["Error", "Repository", "StandaloneBrowser", "LayoutType", "IconSize", "BlocksPageType", "start",

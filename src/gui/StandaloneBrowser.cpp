@@ -507,7 +507,8 @@ void StandaloneBrowser::showSearchResults(bool show)
     internalToggleSearchResultsListBoxDisplay(show);
 }
 
-bool StandaloneBrowser::isSearchResultsVisible() const { return m_searchDock->isVisible(); }
+// As the window would show it: a hidden window hides its docks too.
+bool StandaloneBrowser::isSearchResultsVisible() const { return m_searchDock->isVisibleTo(m_window); }
 
 bool StandaloneBrowser::isEnabled() const { return m_window->isEnabled(); }
 
