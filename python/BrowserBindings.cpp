@@ -101,13 +101,17 @@ void bindWindowMethods(Class& cls)
     cls.def(
         "enableLogging",
         [](const BrowserHandle& self) {
-            onWindow(self, [](StandaloneBrowser& w) { w.repository().getRepositoryReport()->logToConsoleInteractively(true); });
+            onWindow(self, [](StandaloneBrowser& w) {
+                w.repository().getRepositoryReport()->logToConsoleInteractively(true);
+            });
         },
         "Echoes the repository's log to the console as it is written.");
     cls.def(
         "disableLogging",
         [](const BrowserHandle& self) {
-            onWindow(self, [](StandaloneBrowser& w) { w.repository().getRepositoryReport()->logToConsoleInteractively(false); });
+            onWindow(self, [](StandaloneBrowser& w) {
+                w.repository().getRepositoryReport()->logToConsoleInteractively(false);
+            });
         },
         "Stops echoing the repository's log.");
     method(cls, "show", &StandaloneBrowser::showBrowser,
@@ -224,13 +228,15 @@ void bindViewMethods(Class& cls)
     cls.def(
         "getLayoutType",
         [](const BrowserHandle& self) {
-            return enumMember("LayoutType", int(onWindow(self, [](StandaloneBrowser& w) { return w.getLayoutType(); })));
+            const LayoutType layout = onWindow(self, [](StandaloneBrowser& w) { return w.getLayoutType(); });
+            return enumMember("LayoutType", int(layout));
         },
         "The pages' layout, a LayoutType.");
     cls.def(
         "getIconSize",
         [](const BrowserHandle& self) {
-            return enumMember("IconSize", int(onWindow(self, [](StandaloneBrowser& w) { return w.getIconSize(); })));
+            const IconSize size = onWindow(self, [](StandaloneBrowser& w) { return w.getIconSize(); });
+            return enumMember("IconSize", int(size));
         },
         "The icon size, an IconSize.");
     method(cls, "getFontSize", &StandaloneBrowser::getFontPointSize, "The window's font size in points.");
@@ -281,7 +287,8 @@ void bindArrayMethods(Class& cls)
     cls.def(
         "getSearchOptions",
         [](const BrowserHandle& self) {
-            const std::vector<bool> options = onWindow(self, [](StandaloneBrowser& w) { return w.getSearchOptions(); });
+            const std::vector<bool> options =
+                onWindow(self, [](StandaloneBrowser& w) { return w.getSearchOptions(); });
             return PythonValues::toPython(BrowserArrays::fromSearchOptions(options));
         },
         "[regular expression, match case, whole word] as bools.");
@@ -329,7 +336,8 @@ void bindExtras(Class& cls)
         if (!self.isAlive())
             return std::string("<tandril.StandaloneBrowser (destroyed)>");
         StandaloneBrowser& window = self.window();
-        return "<tandril.StandaloneBrowser '" + window.getTitle() + "' (" + (window.isOpen() ? "open" : "hidden") + ")>";
+        return "<tandril.StandaloneBrowser '" + window.getTitle() + "' (" + (window.isOpen() ? "open" : "hidden") +
+               ")>";
     });
 }
 
