@@ -17,6 +17,7 @@ void configure(QCommandLineParser& parser)
 {
     parser.addOption({"select", "Open the tree at a library or subsystem (its display path).", "path"});
     parser.addOption({"search", "Search for a text once the window is up.", "text"});
+    parser.addOption({"hide-section", "After --search, hide that library's section of the results.", "library"});
     parser.addOption({"layout", "list or grid: the page's layout for this run.", "layout"});
     parser.addOption({"icon-size", "compact, small, medium or large, for this run.", "size"});
     parser.addOption({"size", "The window's width and height in pixels, for this run.", "WxH"});
@@ -65,8 +66,12 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
         if (browser->getCurrentTreeNode() != path)
             status = context.fail("no library or subsystem '" + parser.value("select") + "' in the tree");
     }
-    if (status == Success && parser.isSet("search"))
+    if (status == Success && parser.isSet("search")) {
         browser->searchForBlock(parser.value("search").toStdString());
+        for (const QString& section : parser.values("hide-section"))
+            if (!browser->hideResultsSectionByName(section.toStdString()))
+                status = context.fail("no section '" + section + "' in the results");
+    }
     if (status == Success && !screenshot)
         status = QApplication::exec() == 0 ? Success : Failure;
     if (status == Success && screenshot) {

@@ -99,9 +99,10 @@ void LibraryBlocksPage::updateBlocks(int nodeId)
     if (!m_savedBlockSelectionName.empty()) {
         selection = getBlockByPathName(m_savedBlockSelectionName);
         m_savedBlockSelectionName.clear();
-    } else if (!m_blocks.empty()) {
-        selection = m_blocks.front().get();
     }
+    // A selection kept from another node isn't on this one: the first block.
+    if (!selection && !m_blocks.empty())
+        selection = m_blocks.front().get();
     showPageBlocks();
     if (selection)
         setSelectedBlock(selection);

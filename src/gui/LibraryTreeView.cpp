@@ -160,6 +160,8 @@ void LibraryTreeView::setItemIcon(int uid, const std::string& iconFile)
 
 void LibraryTreeView::ensureItemVisible(int uid)
 {
+    // Scrolling to a node opens its closed parents; their children are there.
+    QuietScope quiet(m_quiet);
     if (QTreeWidgetItem* item = m_items.value(uid))
         scrollToItem(item);
 }

@@ -165,8 +165,9 @@ void StandaloneBrowser::internalSearchForString(std::string text)
         results.maxHitsPerLibrary = maxHits;
         results.longestBlockName = longestName;
         results.longestLibraryPath = longestPath;
-        // A cancelled walk is new results even for the same text.
-        results.resultsNeedReload = m_searchCancelled || results.searchString != text ||
+        // A cancelled walk, and the one after it, are new results even for
+        // the same text.
+        results.resultsNeedReload = m_searchCancelled || lastCancelled || results.searchString != text ||
                                     results.useRegExp != regExp || results.matchWholeWord != wholeWord ||
                                     results.matchCase != matchCase || results.resultsNeedReload;
         results.searchString = text;

@@ -146,8 +146,10 @@ void StandaloneBrowser::internalExpandTreeNode(int uid)
 
 void StandaloneBrowser::internalCollapseTreeNode(int uid)
 {
-    // The selection moves up before the node closes over it.
-    internalSelectTreeNode(m_tree->getItemParent(uid));
+    // The selection moves up before the node closes over it; a top-level
+    // node has no parent and takes the selection itself.
+    const int parent = m_tree->getItemParent(uid);
+    internalSelectTreeNode(parent > 0 ? parent : uid);
     m_tree->setItemExpanded(uid, false);
 }
 
@@ -441,9 +443,15 @@ void StandaloneBrowser::internalUpdateProducts()
     for (const auto& [identifier, message] : m_repository->getRepositoryReport()->takeUniqueWarnings())
         if (identifier != "InternalWarning")
             text += message + "\n";
-    if (!text.empty())
-        QMessageBox::warning(m_window, QString::fromStdString(xlatedMessageFromId(MessageId::TDLB_WarningDialogTitle)),
-                             QString::fromStdString(text));
+    if (text.empty())
+        return;
+    // One dialog for all of them, and the window goes on working behind it.
+    auto* dialog = new QMessageBox(QMessageBox::Warning,
+                                   QString::fromStdString(xlatedMessageFromId(MessageId::TDLB_WarningDialogTitle)),
+                                   QString::fromStdString(text), QMessageBox::Ok, m_window);
+    dialog->setObjectName(QStringLiteral("LBWarningDialog"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 void StandaloneBrowser::internalShowProgress(const std::string& label)

@@ -3,7 +3,9 @@
 
 #include "BrowserWindowFixture.h"
 
+#include "frame/TDLibBrowseShutDownObject.h"
 #include "gui/BrowserPreferences.h"
+#include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
 #include "gui/LibraryTreeView.h"
 #include "support/Files.h"
@@ -14,6 +16,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QTabWidget>
 #include <QTest>
 
@@ -64,37 +67,46 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstAndTheRestSorted)
 TEST_F(BrowserWindowTest, ExpandingANodeListsItsSubsystemsOnly)
 {
     StandaloneBrowser& window = open();
-    window.expandTreeNodeByName("wavecraft");
-    const std::vector<std::string> children = window.getChildren("wavecraft");
+    window.expandTreeNodeByName("Tandril");
+    const std::vector<std::string> children = window.getChildren("Tandril");
     ASSERT_FALSE(children.empty());
-    EXPECT_EQ(children.front(), "wavecraft/Sources");
-    // Plain blocks never enter the tree.
-    EXPECT_EQ(std::count(children.begin(), children.end(), "wavecraft/Sources/Sine Wave"), 0);
-    EXPECT_TRUE(window.isTreeNodeExpanded("wavecraft"));
+    EXPECT_EQ(children.front(), "Tandril/Ports & Subsystems");
+    // Only one level is entered, and plain blocks never are.
+    for (const std::string& child : children)
+        EXPECT_EQ(child.find('/', 8), std::string::npos) << child;
+    EXPECT_TRUE(window.isTreeNodeExpanded("Tandril"));
 
-    window.selectTreeNodeByName("wavecraft/Sources");
-    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft/Sources");
-    window.collapseTreeNodeByName("wavecraft");
-    // The selection moves up before the node closes.
-    EXPECT_FALSE(window.isTreeNodeExpanded("wavecraft"));
-    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft");
-    EXPECT_TRUE(window.getChildren("wavecraft").empty());
+    window.selectTreeNodeByName("Tandril/Ports & Subsystems");
+    EXPECT_EQ(window.getCurrentTreeNode(), "Tandril/Ports & Subsystems");
+    EXPECT_TRUE(window.nodeHasParent());
+    window.collapseTreeNodeByName("Tandril");
+    // The selection moves up before the node closes; a top-level node takes
+    // it itself.
+    EXPECT_FALSE(window.isTreeNodeExpanded("Tandril"));
+    EXPECT_EQ(window.getCurrentTreeNode(), "Tandril");
+    EXPECT_TRUE(window.getChildren("Tandril").empty());
 
     // A path not yet in the tree is found by opening its way down.
-    window.selectTreeNodeByName("wavecraft/Sources");
-    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft");
-    window.internalOpenSubsystemInTree("wavecraft/Sources");
-    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft/Sources");
+    const std::string nested = "Tandril/Ports & Subsystems/Conditional Container";
+    window.selectTreeNodeByName(nested);
+    EXPECT_EQ(window.getCurrentTreeNode(), "Tandril");
+    window.internalOpenSubsystemInTree(nested);
+    EXPECT_EQ(window.getCurrentTreeNode(), nested);
+    EXPECT_EQ(window.tree()->currentItem()->text(0), "Conditional Container");
+    // The page of the node that was opened has its first block selected.
+    EXPECT_EQ(window.getSelectedBlockName(), nested + "/Condition Logic");
+    window.collapseTreeNodeByName("Tandril/Ports & Subsystems");
+    EXPECT_EQ(window.getCurrentTreeNode(), "Tandril");
+    window.internalOpenSubsystemInTree(nested);
     window.goToParent();
-    EXPECT_EQ(window.getCurrentTreeNode(), "wavecraft");
-    EXPECT_FALSE(window.nodeHasParent());
+    EXPECT_EQ(window.getCurrentTreeNode(), "Tandril/Ports & Subsystems");
 }
 
 TEST_F(BrowserWindowTest, KeyboardMovesWaitForTheTimerAndShowOnlyWhereTheUserStops)
 {
     StandaloneBrowser& window = open();
     LibraryTreeView* tree = window.tree();
-    window.selectTreeNodeByName("arithmetica");
+    window.selectTreeNodeByName("Kinetics");
     tree->setFocus();
     const QStringList before = showing(statusTexts());
     QTest::keyClick(tree, Qt::Key_Down);
@@ -114,7 +126,7 @@ TEST_F(BrowserWindowTest, AClickWithinTheTimeoutCancelsThePendingMove)
 {
     StandaloneBrowser& window = open();
     LibraryTreeView* tree = window.tree();
-    window.selectTreeNodeByName("arithmetica");
+    window.selectTreeNodeByName("Kinetics");
     tree->setFocus();
     const int before = int(showing(statusTexts()).size());
     QTest::keyClick(tree, Qt::Key_Down);
@@ -159,7 +171,7 @@ TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwa
     EXPECT_EQ(stored.getInt(PrefKey::LBFontSize), BrowserPreferences::defaultFontSize());
     EXPECT_TRUE(stored.getBool(PrefKey::LBSearch_MatchCase));
     EXPECT_FALSE(stored.contains(PrefKey::LBColorSearchResultsDividerBarFrame));
-    EXPECT_EQ(stored.getColor(PrefKey::LBColorLibraryBlocksBackgroundBot), QColor(10, 20, 30));
+    EXPECT_EQ(stored.getColor(PrefKey::LBColorLibraryBlocksBackgroundBot).name(), QColor(10, 20, 30).name());
     EXPECT_EQ(stored.getRect(PrefKey::LBGeometry4Window).size(), QSize(700, 500));
     EXPECT_FALSE(stored.getString(PrefKey::LBWindowState).isEmpty());
 
@@ -209,10 +221,10 @@ TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
 TEST_F(BrowserWindowTest, ClosingTheDescriptionWithItsCrossUnchecksTheMenuAndIsSaved)
 {
     StandaloneBrowser& window = open();
-    window.selectTreeNodeByName("arithmetica");
-    window.internalOpenSubsystemInTree("arithmetica/Basic Operations");
-    window.selectBlockByName("arithmetica/Basic Operations/Gain");
-    EXPECT_TRUE(window.descriptionText()->text().contains("arithmetica/Basic Operations/Gain"));
+    window.internalOpenSubsystemInTree("Tandril/Signal Attributes");
+    window.selectBlockByName("Tandril/Signal Attributes/Ground");
+    EXPECT_EQ(window.getSelectedBlockName(), "Tandril/Signal Attributes/Ground");
+    EXPECT_TRUE(window.descriptionText()->text().startsWith("<b>Tandril/Signal Attributes/Ground</b>: "));
 
     dock("LBDescDockWidget")->close();
     EXPECT_FALSE(window.action(BrowserAction::ShowDescription)->isChecked());
@@ -252,7 +264,7 @@ TEST_F(BrowserWindowTest, RefreshRegeneratesAChangedLibraryWithTheProgressDialog
     ASSERT_NE(at, std::string::npos);
     text.insert(at + marker.size(),
                 "\n{\"name\": \"Fresh Block\", \"type\": \"Block\", \"position\": [0, 0, 40, 40],"
-                " \"icon\": {\"shape\": \"rect\", \"inputs\": 1, \"outputs\": 1}},");
+                " \"icon\": {\"shape\": \"rectangle\", \"inputs\": 1, \"outputs\": 1}},");
     writeFile(file, QByteArray::fromStdString(text));
     setModified(file, QDateTime::currentDateTime().addSecs(60));
 
@@ -261,9 +273,46 @@ TEST_F(BrowserWindowTest, RefreshRegeneratesAChangedLibraryWithTheProgressDialog
     EXPECT_GT(window.progressShownCount(), dialogs);
     EXPECT_FALSE(window.isProgressShown());
     EXPECT_TRUE(window.isEnabled());
-    window.selectTreeNodeByName("kinetics");
+    window.selectTreeNodeByName("Kinetics");
     const std::vector<std::string> blocks = window.libraryPage()->getBlocksDisplayPathNames();
-    EXPECT_NE(std::find(blocks.begin(), blocks.end(), "kinetics/Fresh Block"), blocks.end());
+    EXPECT_NE(std::find(blocks.begin(), blocks.end(), "Kinetics/Fresh Block"), blocks.end());
+}
+
+TEST_F(BrowserWindowTest, ALibraryThatFailsToGenerateKeepsItsNodeAndTheWindowGoesOn)
+{
+    StandaloneBrowser& window = open();
+    const std::string file = session().root() + "/toolbox/switchyard/switchyard.tdlib.json";
+    const QByteArray good = readFile(file);
+    std::string text = good.toStdString();
+    const std::size_t at = text.find("\"shape\": \"");
+    ASSERT_NE(at, std::string::npos);
+    text.insert(at + 10, "no such ");
+    writeFile(file, QByteArray::fromStdString(text));
+    setModified(file, QDateTime::currentDateTime().addSecs(120));
+
+    window.refreshLibraryBrowser();
+    EXPECT_TRUE(window.isEnabled());
+    const std::vector<std::string> names = window.getSortedLibraryNames();
+    EXPECT_NE(std::find(names.begin(), names.end(), "Switchyard"), names.end());
+    // The generation's own notes are for the report, not for a dialog.
+    EXPECT_TRUE(window.window()->findChildren<QMessageBox*>("LBWarningDialog").isEmpty());
+    window.selectTreeNodeByName("Switchyard");
+    EXPECT_EQ(window.getCurrentTreeNode(), "Switchyard");
+
+    writeFile(file, good);
+    setModified(file, QDateTime::currentDateTime().addSecs(240));
+}
+
+TEST_F(BrowserWindowTest, TheHostsExitClosesTheWindowOfTheProcess)
+{
+    StandaloneBrowser* window = StandaloneBrowser::getInstance();
+    ASSERT_TRUE(StandaloneBrowser::hasInstance());
+    EXPECT_EQ(StandaloneBrowser::getInstance(), window);
+    window->showBrowser();
+    EXPECT_TRUE(TDLibBrowseShutDownObject().prepareToExit());
+    EXPECT_FALSE(StandaloneBrowser::hasInstance());
+    // The preferences were saved on the way out.
+    EXPECT_TRUE(BrowserPreferences(preferencesFile()).contains(PrefKey::LBWindowState));
 }
 
 } // namespace

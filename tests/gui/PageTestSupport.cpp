@@ -9,10 +9,12 @@
 
 namespace LibraryBrowser::Testing {
 
-ExampleRootSession::ExampleRootSession()
+ExampleRootSession::ExampleRootSession() : ExampleRootSession(Host::HostOptions::bundledRoot()) {}
+
+ExampleRootSession::ExampleRootSession(const QString& sourceRoot)
 {
     MessageService::instance().addPrimaryTable(MessageCatalogue::table());
-    for (const auto& [file, bytes] : snapshot(Host::HostOptions::bundledRoot().toStdString()))
+    for (const auto& [file, bytes] : snapshot(sourceRoot.toStdString()))
         writeFile(root() + "/" + file.toStdString(), bytes);
     Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
     options.root = m_root.path();

@@ -18,6 +18,8 @@ namespace LibraryBrowser::Testing {
 class ExampleRootSession {
 public:
     ExampleRootSession();
+    // On a copy of another root.
+    explicit ExampleRootSession(const QString& sourceRoot);
     ~ExampleRootSession();
 
     Repository& repository() { return *m_repository; }
