@@ -36,9 +36,22 @@ void settle()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+// Window calls under way: a host function served from Python may call the
+// class again while the window waits for its answer.
+int runningCalls = 0;
+
+class RunningCall {
+public:
+    RunningCall() { ++runningCalls; }
+    ~RunningCall() { --runningCalls; }
+    RunningCall(const RunningCall&) = delete;
+    RunningCall& operator=(const RunningCall&) = delete;
+};
+
 template <class Operation>
 auto onWindow(const BrowserHandle& handle, Operation operation)
 {
+    const RunningCall running;
     settle();
     StandaloneBrowser& window = handle.window();
     if constexpr (std::is_void_v<std::invoke_result_t<Operation, StandaloneBrowser&>>) {
@@ -170,11 +183,16 @@ void bindWindowMethods(Class& cls)
     cls.def(
         "destroyInstance",
         [](const BrowserHandle&) {
+            // The window may be the one whose call is waiting for the host.
+            if (runningCalls > 0)
+                throw ScriptingError(BrowserHandle::Busy,
+                                     "The browser window can't be destroyed from within one of its own calls.");
             StandaloneBrowser::destroyInstance();
             settle();
         },
-        "Destroys the process's window, whichever handle it is called on. Handles on it are stale then: their "
-        "calls raise tandril.Error.");
+        "Destroys the process's window, whichever handle it is called on. Handles on it are stale then: their\n"
+        "calls raise tandril.Error. A host function served from Python can't destroy it while a call of the\n"
+        "window waits for its answer.");
     method(cls, "selectBlockInLibraryView", &StandaloneBrowser::selectBlockInLibraryView, path,
            "Shows the hit of that display path among its library's blocks on the library page.");
     cls.def(

@@ -16,6 +16,7 @@ namespace LibraryBrowser::Python {
 class BrowserHandle {
 public:
     static constexpr const char* Destroyed = "Tandril:StandaloneBrowser:Destroyed";
+    static constexpr const char* Busy = "Tandril:StandaloneBrowser:Busy";
 
     // The process's window, made on first demand.
     static std::unique_ptr<BrowserHandle> instance();

@@ -75,3 +75,27 @@ def test_a_failing_callable_leaves_the_window_working(python_host):
         assert browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
     finally:
         tandril.register_host_function("private_td_open_block_dialog", commands.open_dialog)
+
+
+def test_a_callable_cannot_destroy_the_window_that_waits_for_it(python_host):
+    host, commands = python_host
+    refusals = []
+
+    def destroy(nargout, path, kind):
+        try:
+            StandaloneBrowser().destroyInstance()
+        except tandril.Error as error:
+            refusals.append(error.identifier)
+            raise
+
+    tandril.register_host_function("private_td_open_block_dialog", destroy)
+    try:
+        browser = StandaloneBrowser()
+        browser.selectTreeNodeByName("Duo")
+        browser.doubleClickBlock("Duo/Alpha")
+        assert refusals == ["Tandril:StandaloneBrowser:Busy"]
+        assert browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
+    finally:
+        tandril.register_host_function("private_td_open_block_dialog", commands.open_dialog)
+    browser.destroyInstance()
+    assert "destroyed" in repr(browser)
