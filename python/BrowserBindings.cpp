@@ -13,8 +13,8 @@
 #include <pybind11/stl.h>
 
 #include <QCoreApplication>
-#include <QPixmap>
 #include <QMainWindow>
+#include <QPixmap>
 
 #include <string>
 #include <type_traits>
