@@ -1,11 +1,14 @@
 // pybind11 before Qt: Qt's "slots" keyword would break the interpreter's headers.
 #include "PythonHostFunctions.h"
 
+#include "BrowserHandle.h"
 #include "PythonSession.h"
 
 #include "EmbeddedHost.h"
 #include "frame/ModuleEntry.h"
+#include "platform/HostFramework.h"
 #include "platform/Platform.h"
+#include "platform/ShutdownRegistry.h"
 
 #include <QApplication>
 #include <QDir>
@@ -92,6 +95,10 @@ void PythonSession::finish()
     if (!isStarted())
         return;
     finished = true;
+    // The windows go before the module that their pages read from: the
+    // script's own first, then the process's one by the host's exit sequence.
+    BrowserHandle::destroyCreatedWindows();
+    Platform::framework().shutdownRegistry().runExitSequence();
     NRTerminate_td_lib_browse();
     PythonHostFunctions::clear();
 }

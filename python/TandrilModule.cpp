@@ -20,7 +20,7 @@ std::string classDoc(const std::string& className)
 PYBIND11_MODULE(_tandril, tandril)
 {
     using namespace LibraryBrowser::Python;
-    tandril.doc() = "The Tandril library browser: its repository, for scripts.";
+    tandril.doc() = "The Tandril library browser: its repository and its window, for scripts.";
     bindSession(tandril);
     bindErrors(tandril);
     py::module_ repository = tandril.def_submodule("Repository", "The library browser's repository package.");
@@ -29,4 +29,5 @@ PYBIND11_MODULE(_tandril, tandril)
     bindIterator(repository);
     bindReport(repository);
     bindRepository(repository);
+    bindBrowser(tandril);
 }

@@ -13,6 +13,13 @@ NUMORA_PATH); call :func:`start` before it to choose them yourself.
 Errors of scripted calls raise :class:`Error`, whose ``identifier`` names
 them; everything else that goes wrong is in the repository's report.
 
+``tandril.StandaloneBrowser`` steers the browser window::
+
+    browser = tandril.StandaloneBrowser()
+    browser.show()
+    browser.searchForBlock("gain")
+    print(browser.getResultsPageSectionNames())
+
 A script can stand in for the host, wholly or in part, by registering Python
 callables for host functions and operations with :func:`host_function`.
 """
@@ -20,12 +27,14 @@ callables for host functions and operations with :func:`host_function`.
 import atexit
 import sys
 
-from ._tandril import Error, Repository, is_started, path, preferences_directory, root, start
+from ._tandril import Error, Repository, StandaloneBrowser, is_started, path, preferences_directory, root, start
 from ._tandril import call_host, register_host_function, registered_host_functions
-from ._tandril import _finish
+from ._tandril import _finish, _tiles_created
+from ._browser_enums import BlocksPageType, IconSize, LayoutType
 
-__all__ = ["Error", "Repository", "start", "is_started", "root", "preferences_directory", "path",
-           "register_host_function", "registered_host_functions", "host_function", "call_host"]
+__all__ = ["Error", "Repository", "StandaloneBrowser", "LayoutType", "IconSize", "BlocksPageType", "start",
+           "is_started", "root", "preferences_directory", "path", "register_host_function",
+           "registered_host_functions", "host_function", "call_host"]
 
 
 def host_function(name):
@@ -49,4 +58,7 @@ for _name in dir(Repository):
     if isinstance(_value, type):
         _value.__module__ = __name__ + ".Repository"
 Error.__module__ = __name__
+StandaloneBrowser.__module__ = __name__
+for _value in (LayoutType, IconSize, BlocksPageType):
+    _value.__module__ = __name__
 del _name, _value

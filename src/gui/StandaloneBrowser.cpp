@@ -436,6 +436,15 @@ void StandaloneBrowser::internalUpdateAllBlocksPages()
     current->updateBlocks(m_currentNodeUID);
 }
 
+void StandaloneBrowser::showSearchResults(bool show)
+{
+    action(BrowserAction::SearchList)->setChecked(show);
+    internalToggleSearchResultsListBoxDisplay(show);
+}
+
+// As the window would show it: a hidden window hides its docks too.
+bool StandaloneBrowser::isSearchResultsVisible() const { return m_searchDock->isVisibleTo(m_window); }
+
 bool StandaloneBrowser::isEnabled() const { return m_window->isEnabled(); }
 
 void StandaloneBrowser::internalToggleSearchResultsListBoxDisplay(bool on)

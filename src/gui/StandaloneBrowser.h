@@ -95,6 +95,8 @@ public:
     void setIconSize(IconSize size);
     void showBlockDescription(bool show);
     bool isBlockDescriptionVisible() const;
+    void showSearchResults(bool show);
+    bool isSearchResultsVisible() const;
     bool isEnabled() const;
     int getCurrentTabIndex() const { return m_currentTabIndex; }
     void selectTabByIndex(int index);
@@ -132,6 +134,9 @@ public:
     std::vector<std::string> getResultsSectionBlockNames(const std::string& name) const;
     std::vector<std::string> getResultsPageSectionNames() const;
     std::vector<std::string> getResultsPageBlockNames() const;
+    std::vector<std::string> getLibraryPageBlockNames() const;
+    int getLibraryNumIconCols() const;
+    int getResultsNumIconCols() const;
     bool isSearching() const { return m_searching; }
     // Escape during the walk: the search stops after the library at hand.
     void cancelSearch() { m_searchCancelled = true; }

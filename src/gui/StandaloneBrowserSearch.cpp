@@ -5,6 +5,7 @@
 
 #include "frame/MessageCatalogue.h"
 #include "gui/GuiBlock.h"
+#include "gui/LibraryBlocksPage.h"
 #include "gui/ResultsBlocksPage.h"
 #include "gui/SearchHistory.h"
 
@@ -287,5 +288,14 @@ std::vector<std::string> StandaloneBrowser::getResultsPageBlockNames() const
 {
     return m_resultsPage->getBlocksDisplayPathNames();
 }
+
+std::vector<std::string> StandaloneBrowser::getLibraryPageBlockNames() const
+{
+    return m_libraryPage->getBlocksDisplayPathNames();
+}
+
+int StandaloneBrowser::getLibraryNumIconCols() const { return m_libraryPage->getNumIconCols(); }
+
+int StandaloneBrowser::getResultsNumIconCols() const { return m_resultsPage->getNumIconCols(); }
 
 } // namespace LibraryBrowser

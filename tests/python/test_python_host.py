@@ -1,73 +1,15 @@
 """A Python program as the host: callables serve the host's operations, values cross both ways."""
 
-import os
-
 import pytest
 
 import tandril
 from tandril import Repository
-
-SVG = b'<svg xmlns="http://www.w3.org/2000/svg" width="40" height="30"><rect width="40" height="30"/></svg>'
-BLOCKS = {1.0: ("Alpha", "The first of two."), 2.0: ("Beta", "The second of two.")}
+from twoblockhost import OPERATIONS, SVG, TwoBlockHost, make_root
 
 
 @pytest.fixture(scope="session")
 def root_dir(tmp_path_factory):
-    """A root of one library file and no tdblocks data: only Python announces it."""
-    root = tmp_path_factory.mktemp("python-host") / "root"
-    (root / "duo").mkdir(parents=True)
-    (root / "duo" / "duo.lib").write_text("two blocks, served from Python\n")
-    return root
-
-
-class TwoBlockHost:
-    """The five repository operations for one product "Duo" of two blocks."""
-
-    def __init__(self, root):
-        self.root = root
-        self.calls = []
-        self.reports = []
-
-    def register(self):
-        for name, function in [("lb_getTdBlocksData", self.products), ("lb_getLibraryData", self.library),
-                               ("lb_getChildrenHandles", self.children), ("lb_getBlockData", self.block),
-                               ("lb_createSubSystemIcons", self.icons)]:
-            tandril.register_host_function(name, function)
-
-    def note(self, name, report):
-        self.calls.append(name)
-        self.reports.append(report)
-
-    def products(self, nargout, report, path):
-        self.note("lb_getTdBlocksData", report)
-        assert nargout == 9
-        return [["Duo"], ["duo"], ["duo"], [0.0], ["duo/duo.lib"], ["duo/duo.lib"], ["Product"], [[]],
-                [["duo/duo.lib"]]]
-
-    def library(self, nargout, report, path):
-        self.note("lb_getLibraryData", report)
-        info = os.stat(self.root / "duo" / "duo.lib")
-        return (["duo/duo.lib"], float(info.st_size), float(int(info.st_mtime)))
-
-    def children(self, nargout, report, parent):
-        self.note("lb_getChildrenHandles", report)
-        if parent != "duo":
-            raise LookupError("no children below %r" % (parent,))
-        return [sorted(BLOCKS)]
-
-    def block(self, nargout, report, handle):
-        self.note("lb_getBlockData", report)
-        name, description = BLOCKS[handle]
-        report.log("served %s from Python" % name)
-        return [name, description, [0.0, 0.0, 40.0, 30.0], "Block", "", ""]
-
-    def icons(self, nargout, report, parent, children, files):
-        self.note("lb_createSubSystemIcons", report)
-        assert parent == "duo" and children == ["duo/Alpha", "duo/Beta"]
-        for file in files:
-            os.makedirs(os.path.dirname(file), exist_ok=True)
-            with open(file, "wb") as out:
-                out.write(SVG)
+    return make_root(tmp_path_factory.mktemp("python-host"))
 
 
 @pytest.fixture(scope="module")
@@ -75,8 +17,7 @@ def python_host(session, root_dir):
     host = TwoBlockHost(root_dir)
     host.register()
     yield host
-    for name in list(tandril.registered_host_functions()):
-        tandril.register_host_function(name, None)
+    TwoBlockHost.unregister_all()
 
 
 def test_a_two_block_library_served_from_python_is_browsed(python_host):
@@ -91,16 +32,13 @@ def test_a_two_block_library_served_from_python_is_browsed(python_host):
     report = repository.getRepositoryReport()
     assert not report.hasError(), report.getErrors()
     assert any("served Beta from Python" in line for line in report.getLog())
-    assert set(python_host.calls) == {"lb_getTdBlocksData", "lb_getLibraryData", "lb_getChildrenHandles",
-                                      "lb_getBlockData", "lb_createSubSystemIcons"}
+    assert set(python_host.calls) == set(OPERATIONS)
     assert all(isinstance(r, Repository.RepositoryReport) for r in python_host.reports)
     assert repository.isProductUpToDate("duo")
 
 
 def test_registrations_are_listed_and_handed_back(python_host):
-    assert tandril.registered_host_functions() == sorted(
-        ["lb_getTdBlocksData", "lb_getLibraryData", "lb_getChildrenHandles", "lb_getBlockData",
-         "lb_createSubSystemIcons"])
+    assert tandril.registered_host_functions() == sorted(OPERATIONS)
     tandril.register_host_function("echo", lambda nargout, *inputs: inputs)
     assert "echo" in tandril.registered_host_functions()
     tandril.register_host_function("echo", None)
@@ -169,7 +107,7 @@ def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_
         writer = Repository.Writer.open(str(tmp_path / "store"))
         writer.generateRepository()
     finally:
-        tandril.register_host_function("lb_getBlockData", python_host.block)
+        tandril.register_host_function("lb_getBlockData", python_host.lb_getBlockData)
     # The writer clears the error flag after each product; the log keeps the error.
     log = writer.getRepositoryReport().getLog()
     assert any("??? **Error**" in line for line in log), log
