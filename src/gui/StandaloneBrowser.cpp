@@ -273,7 +273,8 @@ void StandaloneBrowser::internalSavePrefs()
     prefs.setBool(PrefKey::LBSearchResultsListBox_isUsedToSelectBlockInLibraryPanel, m_listBoxSelectsInLibraryPanel);
     prefs.setBool(PrefKey::LBSearchResultsListBox_isUsedToSelectBlockInResultsPanel, m_listBoxSelectsInResultsPanel);
     prefs.setBool(PrefKey::LBSearchResultsListBox_isPrimary, m_listBoxPrimary);
-    prefs.setBool(PrefKey::LBShowBlockDesc, m_descDock->isVisible());
+    // As the window shows it, whether or not the window itself is shown now.
+    prefs.setBool(PrefKey::LBShowBlockDesc, m_descDock->isVisibleTo(m_window));
     prefs.setRect(PrefKey::LBGeometry4Window, getPosition());
     prefs.setRect(PrefKey::LBGeometry4Blocks, m_libraryPage->getMainPanel()->geometry());
     prefs.setInt(PrefKey::LBTreeSelectionTimeout, m_treeSelectionTimeout);
@@ -333,10 +334,9 @@ void StandaloneBrowser::internalCloseBrowser()
 
 void StandaloneBrowser::internalDestroyOpenDialogs() { closeBlockDialogsOpenedByBrowser(); }
 
-QRect StandaloneBrowser::getPosition() const
-{
-    return m_window->isVisible() ? m_window->geometry() : QRect(m_window->pos(), m_window->size());
-}
+// The frame's corner and the inside's size, as setPosition takes them, so
+// that what is read can be written back without a move.
+QRect StandaloneBrowser::getPosition() const { return QRect(m_window->pos(), m_window->size()); }
 
 void StandaloneBrowser::setPosition(const QRect& rect)
 {

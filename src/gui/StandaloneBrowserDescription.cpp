@@ -89,7 +89,7 @@ void StandaloneBrowser::showBlockDescription(bool show)
     internalToggleDescVisibility(show);
 }
 
-bool StandaloneBrowser::isBlockDescriptionVisible() const { return m_descDock->isVisible(); }
+bool StandaloneBrowser::isBlockDescriptionVisible() const { return m_descDock->isVisibleTo(m_window); }
 
 void StandaloneBrowser::internalToggleDescVisibility(bool on)
 {

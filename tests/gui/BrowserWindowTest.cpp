@@ -161,6 +161,10 @@ TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwa
     EXPECT_FALSE(window.action(BrowserAction::ListLayout)->isChecked());
     EXPECT_TRUE(window.action(BrowserAction::LargeIcons)->isChecked());
     EXPECT_EQ(window.getPosition().size(), QSize(700, 500));
+    // What is read can be written back without moving the window.
+    const QRect position = window.getPosition();
+    window.setPosition(position);
+    EXPECT_EQ(window.getPosition(), position);
     window.setIconSize(IconSize::Small);
     EXPECT_TRUE(window.closeBrowser());
     EXPECT_FALSE(window.closeBrowser());
@@ -256,6 +260,12 @@ TEST_F(BrowserWindowTest, ClosingTheDescriptionWithItsCrossUnchecksTheMenuAndIsS
     EXPECT_FALSE(BrowserPreferences(preferencesFile()).getBool(PrefKey::LBShowBlockDesc));
     closeWindow();
     EXPECT_FALSE(open().isBlockDescriptionVisible());
+
+    // A window closed while hidden keeps the description as it was shown.
+    browser().showBlockDescription(true);
+    browser().closeBrowser();
+    browser().closeBrowser();
+    EXPECT_TRUE(BrowserPreferences(preferencesFile()).getBool(PrefKey::LBShowBlockDesc));
 }
 
 TEST_F(BrowserWindowTest, ShowAfterCloseChecksTheProductsAgainWithoutTheProgressDialog)
