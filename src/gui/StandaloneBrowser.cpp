@@ -47,6 +47,24 @@ const char* const ColorKeys[] = {
     PrefKey::LBColorSearchResultsDividerBarBot,  PrefKey::LBColorSearchResultsDividerBarFrame,
 };
 
+// One switch of the layout or the icon size: the check marks follow the
+// wanted value (a re-entered call from a mark's own signal does nothing), and
+// true when the value changed and the pages must be made anew.
+template <class Value>
+bool switchTo(bool& changing, Value& current, Value wanted, std::initializer_list<std::pair<QAction*, Value>> marks)
+{
+    if (changing)
+        return false;
+    changing = true;
+    for (const auto& [mark, value] : marks)
+        mark->setChecked(value == wanted);
+    changing = false;
+    if (wanted == current)
+        return false;
+    current = wanted;
+    return true;
+}
+
 } // namespace
 
 std::unique_ptr<StandaloneBrowser>& StandaloneBrowser::slot()
@@ -391,16 +409,10 @@ void StandaloneBrowser::setLayout(LayoutType layout)
 
 void StandaloneBrowser::internalSetLayout(LayoutType layout)
 {
-    if (m_layoutChanging)
-        return;
-    m_layoutChanging = true;
-    action(BrowserAction::ListLayout)->setChecked(layout == LayoutType::List);
-    action(BrowserAction::GridLayout)->setChecked(layout == LayoutType::Grid);
-    m_layoutChanging = false;
-    if (layout == m_layoutType)
-        return;
-    m_layoutType = layout;
-    internalUpdateAllBlocksPages();
+    if (switchTo(m_layoutChanging, m_layoutType, layout,
+                 {{action(BrowserAction::ListLayout), LayoutType::List},
+                  {action(BrowserAction::GridLayout), LayoutType::Grid}}))
+        internalUpdateAllBlocksPages();
 }
 
 void StandaloneBrowser::setIconSize(IconSize size)
@@ -411,18 +423,12 @@ void StandaloneBrowser::setIconSize(IconSize size)
 
 void StandaloneBrowser::internalSetIconSize(IconSize size)
 {
-    if (m_iconSizeChanging)
-        return;
-    m_iconSizeChanging = true;
-    action(BrowserAction::CompactIcons)->setChecked(size == IconSize::Compact);
-    action(BrowserAction::SmallIcons)->setChecked(size == IconSize::Small);
-    action(BrowserAction::MediumIcons)->setChecked(size == IconSize::Medium);
-    action(BrowserAction::LargeIcons)->setChecked(size == IconSize::Large);
-    m_iconSizeChanging = false;
-    if (size == m_iconSize)
-        return;
-    m_iconSize = size;
-    internalUpdateAllBlocksPages();
+    if (switchTo(m_iconSizeChanging, m_iconSize, size,
+                 {{action(BrowserAction::CompactIcons), IconSize::Compact},
+                  {action(BrowserAction::SmallIcons), IconSize::Small},
+                  {action(BrowserAction::MediumIcons), IconSize::Medium},
+                  {action(BrowserAction::LargeIcons), IconSize::Large}}))
+        internalUpdateAllBlocksPages();
 }
 
 void StandaloneBrowser::internalUpdateAllBlocksPages()
