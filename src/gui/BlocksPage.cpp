@@ -269,6 +269,18 @@ void BlocksPage::setSelectedBlock(GuiBlock* tile)
     ensureSelectedBlockVisible();
 }
 
+GuiBlock* BlocksPage::takeSavedOrFirstBlock()
+{
+    GuiBlock* selection = nullptr;
+    if (!m_savedBlockSelectionName.empty()) {
+        selection = getBlockByPathName(m_savedBlockSelectionName);
+        m_savedBlockSelectionName.clear();
+    }
+    if (!selection && !m_blocks.empty())
+        selection = m_blocks.front().get();
+    return selection;
+}
+
 int BlocksPage::selectedIndex() const
 {
     for (std::size_t i = 0; i < m_blocks.size(); ++i)

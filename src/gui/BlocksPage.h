@@ -111,6 +111,10 @@ protected:
     void setPanelPosition();
     int internalGetUsableScrollbarThickness() const;
     void selectIndex(int index);
+    // After a fill: the tile of the kept selection name (which is used up),
+    // else the first tile, as a kept name may belong to another node; null on
+    // an empty page.
+    GuiBlock* takeSavedOrFirstBlock();
     int selectedIndex() const;
 
     BlocksPageHost& m_browser;

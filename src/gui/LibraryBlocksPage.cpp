@@ -95,14 +95,7 @@ void LibraryBlocksPage::updateBlocks(int nodeId)
 
     m_browser.internalSetTabLabel(this, xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiLibraryBlocksTabLabel_Library,
                                                                        escapeAmpersands(node.getDisplayPath())));
-    GuiBlock* selection = nullptr;
-    if (!m_savedBlockSelectionName.empty()) {
-        selection = getBlockByPathName(m_savedBlockSelectionName);
-        m_savedBlockSelectionName.clear();
-    }
-    // A selection kept from another node isn't on this one: the first block.
-    if (!selection && !m_blocks.empty())
-        selection = m_blocks.front().get();
+    GuiBlock* selection = takeSavedOrFirstBlock();
     showPageBlocks();
     if (selection)
         setSelectedBlock(selection);

@@ -230,13 +230,7 @@ void ResultsBlocksPage::updateBlocks(int)
         m_results.numSubsystems, m_results.numBlocks);
     m_browser.internalSetStatusBarMessage(m_statusMessage);
 
-    GuiBlock* selection = nullptr;
-    if (!m_savedBlockSelectionName.empty()) {
-        selection = getBlockByPathName(m_savedBlockSelectionName);
-        m_savedBlockSelectionName.clear();
-    }
-    if (!selection && !m_blocks.empty())
-        selection = m_blocks.front().get();
+    GuiBlock* selection = takeSavedOrFirstBlock();
     showPageBlocks();
     if (selection)
         setSelectedBlock(selection);

@@ -25,7 +25,8 @@ const bool installed = (qInstallMessageHandler(quiet), true);
 
 QString scratchDirectory()
 {
-    static QTemporaryDir directory(QDir::tempPath() + QStringLiteral("/tdlb-fuzz-XXXXXX"));
+    // QTemporaryDir appends its own unique part to the name.
+    static QTemporaryDir directory(QDir::tempPath() + QStringLiteral("/tdlb-fuzz-"));
     if (!directory.isValid()) {
         std::fprintf(stderr, "cannot make a scratch directory: %s\n", qPrintable(directory.errorString()));
         std::abort();

@@ -352,8 +352,9 @@ TEST_F(BlockActionsTest, RendersAModelWindowAfterThreeDragsBesideTheBrowser)
     place(modelPicture, target->windowTitle(), gap * 2 + browserPicture.width());
     painter.end();
     EXPECT_EQ(target->windowTitle().toStdString(), model + " *");
-    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR"))
+    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR")) {
         EXPECT_TRUE(picture.save(QString::fromLocal8Bit(directory) + "/model-window-drag.png", "PNG"));
+    }
 }
 
 } // namespace

@@ -260,8 +260,9 @@ TEST_F(ResultsPageTest, RendersAPageWithOneSectionHidden)
     const QPixmap picture = window->widget().grab();
     ASSERT_FALSE(picture.isNull());
     EXPECT_EQ(visibleSections(window->page()), (Names{"Kinetics", "Tandril"}));
-    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR"))
+    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR")) {
         EXPECT_TRUE(picture.save(QString::fromLocal8Bit(directory) + "/results-page.png", "PNG"));
+    }
 }
 
 // In a narrow window a long title is cut in the middle, the count and the
