@@ -58,8 +58,10 @@ int writeIcon(Repository& repository, const TandrilObject& object, const QString
         QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         QPainter painter(&image);
-        icon->renderer()->render(&painter);
+        const bool drawn = icon->render(painter, QRectF(0, 0, size, size));
         painter.end();
+        if (!drawn)
+            return context.fail("the icon of '" + QString::fromStdString(object.getPath()) + "' can't be drawn");
         if (!image.save(file, "PNG"))
             return context.fail("unable to write " + file);
         return Success;

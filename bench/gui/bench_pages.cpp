@@ -101,7 +101,7 @@ void RenderOneIcon(benchmark::State& state)
     for (auto _ : state) {
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
-        icon->renderer()->render(&painter, QRectF(0, 0, 114, 76));
+        icon->render(painter, QRectF(0, 0, 114, 76));
     }
 }
 BENCHMARK(RenderOneIcon)->Unit(benchmark::kMicrosecond);

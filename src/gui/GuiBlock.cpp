@@ -136,7 +136,7 @@ void GuiBlock::paint(QPainter& painter, const TileMetrics& metrics, bool selecte
         painter.setRenderHint(QPainter::Antialiasing);
     }
     if (m_icon) {
-        const QSizeF natural = IconPixmapCache::naturalSize(*m_icon);
+        const QSizeF natural = m_icon->naturalSize();
         if (!natural.isEmpty()) {
             const auto placement = BrowserUtils::fitBlockIconToBox(natural.width(), natural.height(), m_children,
                                                                    metrics.layout, metrics.size, metrics.points);

@@ -1,7 +1,6 @@
 #include "gui/IconPixmapCache.h"
 
 #include <QPainter>
-#include <QSvgRenderer>
 
 #include <cmath>
 
@@ -15,15 +14,6 @@ IconPixmapCache& IconPixmapCache::instance()
 
 IconPixmapCache::IconPixmapCache(qint64 maxBytes) : m_cache(maxBytes) {}
 
-QSizeF IconPixmapCache::naturalSize(const BlockIcon& icon)
-{
-    QSvgRenderer* renderer = icon.renderer();
-    if (!renderer || !renderer->isValid())
-        return {};
-    const QRectF box = renderer->viewBoxF();
-    return box.isEmpty() ? QSizeF(renderer->defaultSize()) : box.size();
-}
-
 QPixmap IconPixmapCache::pixmap(const BlockIconPtr& icon, const QSize& logicalSize, qreal devicePixelRatio)
 {
     if (!icon || icon->isEmpty() || logicalSize.isEmpty())
@@ -34,17 +24,16 @@ QPixmap IconPixmapCache::pixmap(const BlockIconPtr& icon, const QSize& logicalSi
             return entry->pixmap;
         m_cache.remove(key);
     }
-    QSvgRenderer* renderer = icon->renderer();
-    if (!renderer || !renderer->isValid())
-        return {};
     QPixmap pixmap(logicalSize * devicePixelRatio);
     pixmap.setDevicePixelRatio(devicePixelRatio);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    renderer->render(&painter, QRectF(QPointF(0, 0), QSizeF(logicalSize)));
+    const bool drawn = icon->render(painter, QRectF(QPointF(0, 0), QSizeF(logicalSize)));
     painter.end();
+    if (!drawn)
+        return {};
     const qint64 bytes = qint64(pixmap.width()) * pixmap.height() * 4;
     m_cache.insert(key, new Entry{icon, pixmap}, bytes);
     return pixmap;

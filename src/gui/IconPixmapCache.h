@@ -5,7 +5,6 @@
 #include <QCache>
 #include <QPixmap>
 #include <QSize>
-#include <QSizeF>
 
 #include <memory>
 
@@ -23,8 +22,6 @@ public:
     // The icon drawn into a pixmap of that logical size; null for an icon
     // that paints nothing.
     QPixmap pixmap(const BlockIconPtr& icon, const QSize& logicalSize, qreal devicePixelRatio);
-    // The icon's own size, from its document; empty for an empty icon.
-    static QSizeF naturalSize(const BlockIcon& icon);
 
     int count() const { return m_cache.count(); }
     void clear() { m_cache.clear(); }

@@ -131,7 +131,7 @@ void StandaloneBrowser::internalUpdateDescription(GuiBlock* tile)
     const BlockIconPtr icon = internalGetCurrentBlocksPage()->getIconScene4GuiBlock(tile);
     QPixmap pixmap;
     if (icon) {
-        const QSizeF natural = IconPixmapCache::naturalSize(*icon);
+        const QSizeF natural = icon->naturalSize();
         const QSize box = m_descCanvas->size() - QSize(4, 4);
         if (!natural.isEmpty())
             pixmap = IconPixmapCache::instance().pixmap(icon, natural.scaled(box, Qt::KeepAspectRatio).toSize(),

@@ -9,8 +9,6 @@ BlockIcon::BlockIcon() = default;
 
 BlockIcon::BlockIcon(QByteArray svg) : m_svg(std::move(svg)) {}
 
-BlockIcon::~BlockIcon() = default;
-
 bool BlockIcon::isSvgDocument(const QByteArray& bytes)
 {
     QXmlStreamReader reader(bytes);
@@ -26,11 +24,28 @@ bool BlockIcon::isSvgDocument(const QByteArray& bytes)
     return rootSeen && !reader.hasError();
 }
 
-QSvgRenderer* BlockIcon::renderer() const
+QSizeF BlockIcon::naturalSize() const
 {
-    if (!m_renderer && !m_svg.isEmpty())
-        m_renderer = std::make_unique<QSvgRenderer>(m_svg);
-    return m_renderer.get();
+    if (!m_sized && !m_svg.isEmpty()) {
+        QSvgRenderer renderer(m_svg);
+        if (renderer.isValid()) {
+            const QRectF box = renderer.viewBoxF();
+            m_naturalSize = box.isEmpty() ? QSizeF(renderer.defaultSize()) : box.size();
+        }
+    }
+    m_sized = true;
+    return m_naturalSize;
+}
+
+bool BlockIcon::render(QPainter& painter, const QRectF& target) const
+{
+    if (m_svg.isEmpty())
+        return false;
+    QSvgRenderer renderer(m_svg);
+    if (!renderer.isValid())
+        return false;
+    renderer.render(&painter, target);
+    return true;
 }
 
 } // namespace LibraryBrowser

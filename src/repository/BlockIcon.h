@@ -1,35 +1,39 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSizeF>
 
 #include <memory>
 
-class QSvgRenderer;
+class QPainter;
+class QRectF;
 
 namespace LibraryBrowser {
 
 // The icon of a block: an SVG document, shared by everything that shows it.
-// The renderer is built on first paint only, since most icons that are read
-// are never painted. An empty icon is a valid icon that paints nothing.
+// No parsed form is kept: a window that has shown every product would hold
+// a renderer per block, while what is painted is kept as pixels elsewhere.
+// An empty icon is a valid icon that paints nothing.
 class BlockIcon {
 public:
     BlockIcon();
     explicit BlockIcon(QByteArray svg);
-    ~BlockIcon();
-    BlockIcon(const BlockIcon&) = delete;
-    BlockIcon& operator=(const BlockIcon&) = delete;
 
     // Whether the bytes are a well-formed XML document with an "svg" root.
     static bool isSvgDocument(const QByteArray& bytes);
 
     const QByteArray& svg() const { return m_svg; }
     bool isEmpty() const { return m_svg.isEmpty(); }
-    // Null for an empty icon.
-    QSvgRenderer* renderer() const;
+    // The document's own size (its view box, else its width and height);
+    // empty for an empty icon or one that can't be drawn.
+    QSizeF naturalSize() const;
+    // Draws the document scaled into the target; false if it can't be drawn.
+    bool render(QPainter& painter, const QRectF& target) const;
 
 private:
     QByteArray m_svg;
-    mutable std::unique_ptr<QSvgRenderer> m_renderer;
+    mutable QSizeF m_naturalSize;
+    mutable bool m_sized = false;
 };
 
 using BlockIconPtr = std::shared_ptr<BlockIcon>;

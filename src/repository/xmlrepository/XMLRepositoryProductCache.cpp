@@ -29,8 +29,10 @@ std::string archivePath(const std::string& directory, const std::string& relativ
 } // namespace
 
 XMLRepositoryProductCache::XMLRepositoryProductCache(std::string directory, const Library& product,
-                                                     RepositoryReportPtr report, RepositoryReader* reader)
-    : m_directory(std::move(directory)), m_product(product), m_report(std::move(report)), m_reader(reader)
+                                                     RepositoryReportPtr report, RepositoryReader* reader,
+                                                     RecentIconsPtr recent)
+    : m_directory(std::move(directory)), m_product(product), m_report(std::move(report)), m_reader(reader),
+      m_recentIcons(std::move(recent))
 {
     const auto* node = dynamic_cast<const LibraryImpl*>(m_product.getImpl());
     m_iconsArchive = std::make_shared<XMLRepositoryArchiveCache>(
@@ -148,9 +150,13 @@ ModelPtr XMLRepositoryProductCache::referencedModel(const SubSystem& reference)
 BlockIconPtr XMLRepositoryProductCache::getIcon(const Block& block)
 {
     const auto known = m_icons.find(block);
-    if (known != m_icons.end())
-        return known->second;
-    auto icon = std::make_shared<BlockIcon>();
+    if (known != m_icons.end()) {
+        if (BlockIconPtr icon = known->second.lock()) {
+            m_recentIcons->keep(icon);
+            return icon;
+        }
+    }
+    BlockIconPtr icon = m_noIcon;
     const auto* node = dynamic_cast<const BlockImpl*>(block.getImpl());
     const std::string entry = node ? node->getIconFileSpec() : std::string();
     if (!entry.empty()) {
@@ -161,6 +167,7 @@ BlockIconPtr XMLRepositoryProductCache::getIcon(const Block& block)
             m_report->logError("Unexpected error occurred while loading the manifest file");
     }
     m_icons[block] = icon;
+    m_recentIcons->keep(icon);
     return icon;
 }
 

@@ -4,6 +4,7 @@
 #include "repository/BlockIcon.h"
 #include "repository/RepositoryReport.h"
 #include "repository/TandrilObjectReferenceIterator.h"
+#include "repository/xmlrepository/RecentIcons.h"
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
 
 #include <memory>
@@ -16,13 +17,18 @@ class RepositoryReader;
 
 // What one reader has loaded of one product: a model per subsystem, its
 // children as handles, and icons, all read on first demand from the
-// product's two archives and kept until clear(). Each manifest holds only
+// product's two archives. Models and children are kept until clear(); an
+// icon is kept while something shows it and read again from the private
+// copy after that (or found among the recent icons), since a window that
+// has visited every product would otherwise hold every document of the store. Each manifest holds only
 // what is relative to its place; loading rebases the unique and display
 // paths below the subsystem, so one manifest can serve below two parents.
 class XMLRepositoryProductCache {
 public:
+    // Icons read here are also handed to `recent`, shared by the products
+    // of one reader.
     XMLRepositoryProductCache(std::string directory, const Library& product, RepositoryReportPtr report,
-                              RepositoryReader* reader);
+                              RepositoryReader* reader, RecentIconsPtr recent);
     ~XMLRepositoryProductCache();
     XMLRepositoryProductCache(const XMLRepositoryProductCache&) = delete;
     XMLRepositoryProductCache& operator=(const XMLRepositoryProductCache&) = delete;
@@ -35,8 +41,9 @@ public:
     // children are computed, a reference's are its target's, any other
     // subsystem's are read from the manifests archive.
     ModelPtr getModelUncached(const SubSystem& subsystem);
-    // The block's icon, loaded on first demand; an empty icon if the block
-    // has none or it can't be read.
+    // The block's icon, loaded on demand; an empty icon if the block has
+    // none or it can't be read. A missing or unreadable icon is reported
+    // once: the empty answer is kept for as long as the cache.
     BlockIconPtr getIcon(const Block& block);
     // Drops all that was loaded and the private copies of the archives.
     void clear();
@@ -49,7 +56,9 @@ private:
     Library m_product;
     RepositoryReportPtr m_report;
     RepositoryReader* m_reader;
-    std::unordered_map<Block, BlockIconPtr> m_icons;
+    RecentIconsPtr m_recentIcons;
+    std::unordered_map<Block, std::weak_ptr<BlockIcon>> m_icons;
+    const BlockIconPtr m_noIcon = std::make_shared<BlockIcon>();
     XMLRepositoryArchiveCachePtr m_iconsArchive;
     std::unordered_map<SubSystem, ModelPtr> m_models;
     std::unordered_map<SubSystem, TandrilObjectListPtr> m_children;

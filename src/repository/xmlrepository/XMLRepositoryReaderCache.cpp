@@ -127,7 +127,7 @@ XMLRepositoryProductCachePtr XMLRepositoryReaderCache::productCacheOf(const Tand
         return nullptr;
     XMLRepositoryProductCachePtr& cache = m_productCaches[product];
     if (!cache)
-        cache = std::make_shared<XMLRepositoryProductCache>(m_directory, product, m_report, m_reader);
+        cache = std::make_shared<XMLRepositoryProductCache>(m_directory, product, m_report, m_reader, m_recentIcons);
     return cache;
 }
 

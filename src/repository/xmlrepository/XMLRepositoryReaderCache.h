@@ -57,6 +57,7 @@ private:
     ModelPtr m_topLevelModel;
     TandrilObjectListPtr m_topLevelHandles;
     std::unordered_map<Library, XMLRepositoryProductCachePtr> m_productCaches;
+    const RecentIconsPtr m_recentIcons = std::make_shared<RecentIcons>();
 };
 
 using XMLRepositoryReaderCachePtr = std::shared_ptr<XMLRepositoryReaderCache>;

@@ -1,0 +1,65 @@
+// A product that the store can no longer resolve (its handle stands on the
+// invalid placeholder) keeps its node in the tree, and the search walk
+// passes it by.
+
+#include "PageTestSupport.h"
+
+#include "gui/LibraryTreeView.h"
+#include "gui/StandaloneBrowser.h"
+#include "repository/TandrilObjectReferenceIterator.h"
+#include "repository/xmlrepository/XMLRepository.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QStatusBar>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser::Testing {
+namespace {
+
+// The default stores, with one more product at the top that names nothing
+// the store holds.
+class RepositoryWithUnresolvedProduct : public XMLRepository {
+public:
+    TandrilObjectIterator getTopLevelIterator() override
+    {
+        TandrilObjectList products;
+        for (TandrilObjectIterator it = XMLRepository::getTopLevelIterator(); it.isValidIterator(); it.next())
+            products.push_back(it.current());
+        products.push_back(getTandrilObject("Unresolved"));
+        return TandrilObjectReferenceIterator::overList(getCache(), std::move(products));
+    }
+};
+
+TEST(BrowserInvalidLibraryTest, AnUnresolvedProductHasANodeButIsNotSearched)
+{
+    ExampleRootSession session;
+    auto repository = std::make_shared<RepositoryWithUnresolvedProduct>();
+    repository->updateProducts();
+    ASSERT_FALSE(repository->getTandrilObject("Unresolved").isValid());
+
+    std::unique_ptr<StandaloneBrowser> window = StandaloneBrowser::create(repository);
+    QStringList texts;
+    QObject::connect(window->window()->statusBar(), &QStatusBar::messageChanged, window->window(),
+                     [&texts](const QString& text) { texts.append(text); });
+    window->showBrowser();
+
+    QStringList topLevel;
+    for (int i = 0; i < window->tree()->topLevelItemCount(); ++i)
+        topLevel.append(window->tree()->topLevelItem(i)->text(0).trimmed());
+    EXPECT_TRUE(topLevel.contains("InvalidLibrary")) << topLevel.join(", ").toStdString();
+    EXPECT_TRUE(topLevel.contains("Kinetics"));
+
+    QLineEdit* edit = window->searchComboBox()->lineEdit();
+    edit->setText("Delay");
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(window->getResultsPageSectionNames(), (std::vector<std::string>{"Tandril", "Kinetics"}));
+    EXPECT_TRUE(texts.filter("Searching Kinetics").size() > 0) << texts.join(" | ").toStdString();
+    EXPECT_TRUE(texts.filter("InvalidLibrary").isEmpty()) << texts.join(" | ").toStdString();
+}
+
+} // namespace
+} // namespace LibraryBrowser::Testing
