@@ -1,5 +1,7 @@
 #include "repository/BlockIcon.h"
 
+#include "platform/PlainXmlCheck.h"
+
 #include <QSvgRenderer>
 #include <QXmlStreamReader>
 
@@ -11,6 +13,8 @@ BlockIcon::BlockIcon(QByteArray svg) : m_svg(std::move(svg)) {}
 
 bool BlockIcon::isSvgDocument(const QByteArray& bytes)
 {
+    if (PlainXmlCheck::check(bytes, "svg") == PlainXmlCheck::Verdict::WellFormed)
+        return true;
     QXmlStreamReader reader(bytes);
     bool rootSeen = false;
     while (!reader.atEnd()) {

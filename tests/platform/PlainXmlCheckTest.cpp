@@ -1,0 +1,104 @@
+#include "platform/PlainXmlCheck.h"
+
+#include <QRandomGenerator>
+#include <QXmlStreamReader>
+
+#include <gtest/gtest.h>
+
+namespace LibraryBrowser {
+namespace {
+
+bool quick(const QByteArray& bytes)
+{
+    return PlainXmlCheck::check(bytes, "svg") == PlainXmlCheck::Verdict::WellFormed;
+}
+
+bool fullParserAccepts(const QByteArray& bytes)
+{
+    QXmlStreamReader reader(bytes);
+    QString root;
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isStartElement() && root.isEmpty())
+            root = reader.name().toString();
+    }
+    return !reader.hasError() && root == QLatin1String("svg");
+}
+
+const QByteArray Icon = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 120 80\">\n"
+                        "  <rect x='4' y='4' width=\"112\" height=\"72\" rx=\"6\" fill=\"#f7f8f4\"/>\n"
+                        "  <g stroke=\"#1f5fa8\"><line x1=\"10\" y1=\"40\" x2=\"11.02\" y2=\"46.6\"/></g>\n"
+                        "  <text x=\"60\" y=\"44\" text-anchor=\"middle\">Gain &amp; Offset &lt;1&gt;</text >\n"
+                        "</svg>\n";
+
+TEST(PlainXmlCheckTest, OurWritersOutputIsWellFormedWithoutTheFullParser)
+{
+    EXPECT_TRUE(quick(Icon));
+    EXPECT_TRUE(quick("<svg/>"));
+    EXPECT_TRUE(quick("  \r\n<svg a=\"x > y\"></svg>\t"));
+}
+
+TEST(PlainXmlCheckTest, AnythingBrokenOrOutsideThePlainFormIsLeftToTheFullParser)
+{
+    const QByteArray cases[] = {
+        "",
+        "<svg>",
+        "<svg><g></svg></g>",
+        "<svg></svg><svg/>",
+        "<svg></svg>tail",
+        "lead<svg/>",
+        "<g/>",
+        "<svg a=\"1\" a=\"2\"/>",
+        "<svg a=\"1\"b=\"2\"/>",
+        "<svg a=1/>",
+        "<svg a=\"<\"/>",
+        "<svg>&nbsp;</svg>",
+        "<svg>&amp</svg>",
+        "<svg>]]></svg>",
+        "<svg></ svg>",
+        "<svg/ >",
+        "<?xml version=\"1.0\"?><svg/>",
+        "<!-- c --><svg/>",
+        "<svg><![CDATA[x]]></svg>",
+        "<svg xmlns:x=\"urn:x\"><x:g/></svg>",
+        "<svg>caf\xc3\xa9</svg>",
+        "<svg>\x01</svg>",
+        "<svg><1a/></svg>",
+    };
+    for (const QByteArray& bytes : cases)
+        EXPECT_FALSE(quick(bytes)) << bytes.constData();
+}
+
+// Random damage to an icon: the quick check may leave a case to the full
+// parser, but what it calls well formed the full parser must accept.
+TEST(PlainXmlCheckTest, NeverCallsWellFormedWhatTheFullParserRejects)
+{
+    QRandomGenerator random(20261123);
+    const QByteArray alphabet = "<>/=\"'& ;ampltgquos!?-[]:xa1\n";
+    int agreedWellFormed = 0;
+    int leftToParser = 0;
+    for (int round = 0; round < 20000; ++round) {
+        QByteArray bytes = Icon;
+        const int edits = 1 + random.bounded(3);
+        for (int edit = 0; edit < edits; ++edit) {
+            const int at = random.bounded(bytes.size());
+            const char c = alphabet[random.bounded(alphabet.size())];
+            switch (random.bounded(3)) {
+            case 0: bytes[at] = c; break;
+            case 1: bytes.insert(at, c); break;
+            default: bytes.remove(at, 1 + random.bounded(4)); break;
+            }
+        }
+        if (quick(bytes)) {
+            ASSERT_TRUE(fullParserAccepts(bytes)) << bytes.constData();
+            ++agreedWellFormed;
+        } else {
+            ++leftToParser;
+        }
+    }
+    EXPECT_GT(agreedWellFormed, 1000);
+    EXPECT_GT(leftToParser, 1000);
+}
+
+} // namespace
+} // namespace LibraryBrowser
