@@ -97,7 +97,8 @@ QByteArray IconRenderer::render(const IconSpec& icon, const std::string& name, B
     const double h = std::clamp(std::fabs(position.bottom - position.top), minimumSide, maximumSide);
     const std::string label = icon.label.empty() ? defaultLabel(name) : icon.label;
     const int characters = std::max(1, static_cast<int>(QString::fromStdString(label).size()));
-    const double fontSize = std::max(4.0, std::min(h * 0.3, (w - 8) / (characters * 0.6)));
+    // Formulas (=, +, capitals) in a sans-serif face run up to 0.8 em a glyph.
+    const double fontSize = std::max(4.0, std::min(h * 0.3, (w - 10) / (characters * 0.8)));
     const double radius = icon.shape == IconShape::Rounded ? std::min(w, h) * 0.15 : 0;
 
     std::string svg;
