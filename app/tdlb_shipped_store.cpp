@@ -11,6 +11,7 @@
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 
@@ -30,7 +31,7 @@ int main(int argc, char* argv[])
     // The host's preferences stay out of the user's: nothing is read there.
     QTemporaryDir preferences;
     Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
-    options.root = arguments.at(1);
+    options.root = QDir::cleanPath(QDir(arguments.at(1)).absolutePath());
     options.preferencesDirectory = preferences.path();
     Host::EmbeddedHost host(options);
     host.install();
