@@ -15,7 +15,9 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 seconds=600
 build=build-fuzz
 report=FUZZING.md
-all_targets=(manifest_xml library_file tdblocks_json zip_archive search_pattern)
+# The targets as tests/fuzz/CMakeLists.txt lists them (name:source:part).
+mapfile -t all_targets < <(sed -n '/^set(TDLB_FUZZ_TARGETS/,/)/p' "$root/tests/fuzz/CMakeLists.txt" \
+  | grep -o '[a-z_]*:[A-Za-z]*:[a-z]*' | cut -d: -f1)
 
 while getopts "t:b:o:h" option; do
   case $option in
