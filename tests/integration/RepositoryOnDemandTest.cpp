@@ -5,6 +5,8 @@
 #include "repository/xmlrepository/XMLRepository.h"
 #include "support/Files.h"
 
+#include <algorithm>
+
 using namespace LibraryBrowser;
 using namespace LibraryBrowser::Testing;
 
@@ -111,12 +113,16 @@ TEST_F(RepositoryOnDemandTest, AFailedUpdateKeepsTheWritableArchivesAndSaysWhy)
         archives[kind] = readFile(writable + kind + "_repos.rps");
 
     writeRootFile(relative, "{ \"format\": \"tandril-library\", broken");
+    // Later than the edit, which may have been dated the same second.
+    setModified(root() + "/" + relative, QDateTime::currentDateTime().addSecs(120));
     sent.clear();
     auto repository = open();
     // What the update command does: every product's store chosen now.
     for (TandrilObjectIterator it = repository->getProductsIterator(); it.isValidIterator(); it.next())
         repository->getChildrenIterator(it.current());
-    EXPECT_EQ(sent, (std::vector<std::string>{"pre Wavecraft Signals", "post wavecraft"}));
+    // Tried again, with those that reference it (and fail with it).
+    EXPECT_NE(std::find(sent.begin(), sent.end(), "pre Wavecraft Signals"), sent.end())
+        << testing::PrintToString(sent);
 
     for (const auto& [kind, bytes] : archives)
         EXPECT_EQ(readFile(writable + kind + "_repos.rps"), bytes) << "the " << kind << " archive changed";
@@ -138,5 +144,5 @@ TEST_F(RepositoryOnDemandTest, AFailedUpdateKeepsTheWritableArchivesAndSaysWhy)
     sent.clear();
     auto again = open();
     again->getChildrenIterator(again->getTandrilObject("wavecraft"));
-    EXPECT_EQ(sent.size(), 2u);
+    EXPECT_EQ(sent, (std::vector<std::string>{"pre Wavecraft Signals", "post Wavecraft Signals"}));
 }
