@@ -59,7 +59,7 @@ void Model::removeNode(TandrilObjectImpl* node)
     if (!node || node->getModel() != this || findNode(node->id()) != node)
         return;
     m_nodes.removeOnce(node);
-    m_owned[node->id() - 1].reset();
+    m_removed.push_back(std::move(m_owned[node->id() - 1]));
 }
 
 void Model::removeAllNodes()

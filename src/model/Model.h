@@ -57,7 +57,8 @@ public:
     const TandrilObjectImplList& getNodes() const { return m_nodes; }
     int nodeCount() const { return m_nodes.size(); }
     TandrilObjectImpl* findNode(unsigned id) const;
-    // Gives up the node and destroys it.
+    // Takes the node out of the model; it is destroyed with the model, so
+    // that a pointer still held to it stays safe to read until then.
     void removeNode(TandrilObjectImpl* node);
     void removeAllNodes();
 
@@ -92,6 +93,9 @@ private:
     // Ids are handed out densely from 1, so the owner table is indexed by id - 1;
     // a removed node leaves an empty slot.
     std::vector<std::unique_ptr<TandrilObjectImpl>> m_owned;
+    // Removed nodes live as long as the model: handles of the caches may
+    // still point at them until the caches let go of this model.
+    std::vector<std::unique_ptr<TandrilObjectImpl>> m_removed;
     int m_changeSetDepth = 0;
     int m_changes = 0;
 };

@@ -44,20 +44,24 @@ public:
             if (!ValueText::idsFromText(input, ids) || ids.size() != 1)
                 return invalid(input, error);
             (target.*m_set)(nullptr);
-            context.deferReference(ids, [&target, this](const std::vector<Node*>& nodes) {
-                (target.*m_set)(dynamic_cast<Type>(nodes.front()));
+            // The binders keep the setter itself, not the property: they need
+            // nothing else of it, and GCC's vptr check, for a lambda in a
+            // template that reaches a member through a captured `this`, tests
+            // the closure in place of the property and stops the program.
+            context.deferReference(ids, [&target, set = m_set](const std::vector<Node*>& nodes) {
+                (target.*set)(dynamic_cast<Type>(nodes.front()));
             });
         } else if constexpr (PropertyKinds::IsNodeList<Type>::value) {
             using Element = typename PropertyKinds::IsNodeList<Type>::Element;
             std::vector<unsigned> ids;
             if (!ValueText::idsFromText(input, ids))
                 return invalid(input, error);
-            context.deferReference(ids, [&target, this](const std::vector<Node*>& nodes) {
+            context.deferReference(ids, [&target, set = m_set](const std::vector<Node*>& nodes) {
                 Type list;
                 for (Node* n : nodes)
                     if (auto* element = dynamic_cast<Element*>(n))
                         list.append(element);
-                (target.*m_set)(list);
+                (target.*set)(list);
             });
         } else {
             Type parsed{};

@@ -303,12 +303,16 @@ bool ZipArchive::add(const std::string& name, const QByteArray& bytes)
 {
     if (!m_state->archive || name.empty())
         return false;
-    // libzip reads the data only when the archive is written; give it a copy it owns.
-    void* copy = std::malloc(std::size_t(bytes.size()) + 1);
-    if (!copy)
+    // libzip reads the data only when the archive is written; give it a copy
+    // it owns. An empty entry gets no buffer: libzip keeps no record of an
+    // empty one and would never free it.
+    const std::size_t size = std::size_t(bytes.size());
+    void* copy = size ? std::malloc(size) : nullptr;
+    if (size && !copy)
         return false;
-    std::memcpy(copy, bytes.constData(), std::size_t(bytes.size()));
-    zip_source_t* source = zip_source_buffer(m_state->archive, copy, zip_uint64_t(bytes.size()), 1);
+    if (copy)
+        std::memcpy(copy, bytes.constData(), size);
+    zip_source_t* source = zip_source_buffer(m_state->archive, copy, zip_uint64_t(size), copy ? 1 : 0);
     if (!source) {
         std::free(copy);
         return false;

@@ -5,6 +5,8 @@
 #include "repository/xmlrepository/XMLRepository.h"
 #include "support/Files.h"
 
+#include <algorithm>
+
 using namespace LibraryBrowser;
 using namespace LibraryBrowser::Testing;
 
@@ -90,4 +92,57 @@ TEST_F(RepositoryOnDemandTest, AChangedProductIsGeneratedBetweenTheTwoSignals)
     auto again = open();
     EXPECT_EQ(again->getChildrenIterator(again->getTandrilObject("arithmetica")).size(), 4);
     EXPECT_TRUE(sent.empty());
+}
+
+// A product generated into the writable store, whose library the host can
+// no longer read: an update tries again, keeps what the writable store holds
+// and says why.
+TEST_F(RepositoryOnDemandTest, AFailedUpdateKeepsTheWritableArchivesAndSaysWhy)
+{
+    shipStore();
+    const std::string relative = "toolbox/wavecraft/wavecraft.tdlib.json";
+    editRootFile(relative, "\"Sine Wave\"", "\"Sine Wave 2\"");
+    {
+        auto repository = open();
+        ASSERT_TRUE(child(*repository, repository->getTandrilObject("wavecraft"), "Sources").isValid());
+    }
+    ASSERT_TRUE(writableHas("wavecraft"));
+    const std::string writable = preferences() + "/td_library_browser_repos/wavecraft/lb_wavecraft_";
+    std::map<std::string, QByteArray> archives;
+    for (const char* kind : {"icons", "manifests"})
+        archives[kind] = readFile(writable + kind + "_repos.rps");
+
+    writeRootFile(relative, "{ \"format\": \"tandril-library\", broken");
+    // Later than the edit, which may have been dated the same second.
+    setModified(root() + "/" + relative, QDateTime::currentDateTime().addSecs(120));
+    sent.clear();
+    auto repository = open();
+    // What the update command does: every product's store chosen now.
+    for (TandrilObjectIterator it = repository->getProductsIterator(); it.isValidIterator(); it.next())
+        repository->getChildrenIterator(it.current());
+    // Tried again, with those that reference it (and fail with it).
+    EXPECT_NE(std::find(sent.begin(), sent.end(), "pre Wavecraft Signals"), sent.end())
+        << testing::PrintToString(sent);
+
+    for (const auto& [kind, bytes] : archives)
+        EXPECT_EQ(readFile(writable + kind + "_repos.rps"), bytes) << "the " << kind << " archive changed";
+    // Read from the writable store: the shipped one has no "Sine Wave 2".
+    const TandrilObject sources = child(*repository, repository->getTandrilObject("wavecraft"), "Sources");
+    ASSERT_TRUE(sources.isValid());
+    EXPECT_TRUE(child(*repository, sources, "Sine Wave 2").isValid());
+    EXPECT_FALSE(child(*repository, sources, "Sine Wave").isValid());
+
+    std::vector<std::string> why;
+    for (const RepositoryReport::Issue& warning : repository->getRepositoryReport()->takeUniqueWarnings())
+        if (warning.message.rfind("Product Wavecraft Signals was not generated again (", 0) == 0)
+            why.push_back(warning.message);
+    ASSERT_EQ(why.size(), 1u);
+    EXPECT_NE(why.front().find("wavecraft.tdlib.json"), std::string::npos) << why.front();
+    EXPECT_EQ(why.front().find('\n'), std::string::npos) << why.front();
+
+    // Still out of date: the next update tries again.
+    sent.clear();
+    auto again = open();
+    again->getChildrenIterator(again->getTandrilObject("wavecraft"));
+    EXPECT_EQ(sent, (std::vector<std::string>{"pre Wavecraft Signals", "post Wavecraft Signals"}));
 }

@@ -87,9 +87,14 @@ TEST(NodeClasses, ModelOwnsNodesInCreationOrder)
     EXPECT_NE(a->id(), b->id());
     EXPECT_EQ(c->getModel(), model.get());
 
+    b->setName("gone");
     model->removeNode(b);
     EXPECT_EQ(model->nodeCount(), 2);
     EXPECT_EQ(model->findNode(2), nullptr);
+    // Out of the model but still readable: a cache's handle may point at it
+    // until the cache lets go of the model.
+    EXPECT_EQ(b->getModel(), model.get());
+    EXPECT_EQ(b->getName(), "gone");
     model->removeAllNodes();
     EXPECT_EQ(model->nodeCount(), 0);
 }

@@ -87,7 +87,7 @@ bool ArchiveUpdater::saveManifest(RepositoryReport& report, const Model& model, 
     return !errors.hasError();
 }
 
-void ArchiveUpdater::openArchives(LibraryImpl& product)
+void ArchiveUpdater::openArchives(LibraryImpl& product, bool fresh)
 {
     GenerationState& state = m_context.state;
     const std::string storeIcons = storePath(product.getReposIconsArchiveSpec());
@@ -96,10 +96,19 @@ void ArchiveUpdater::openArchives(LibraryImpl& product)
     const std::string tempManifests = temporaryPath(product.getReposManifestsArchiveSpec());
     state.iconsArchive = ZipArchive();
     state.manifestsArchive = ZipArchive();
-    if (QFile::exists(qs(storeIcons)) && !copyFile(*m_context.report, storeIcons, tempIcons))
-        return;
-    if (QFile::exists(qs(storeManifests)) && !copyFile(*m_context.report, storeManifests, tempManifests))
-        return;
+    if (fresh) {
+        // A copy left by an earlier product of this verb must not seed the new archives.
+        for (const std::string& temp : {tempIcons, tempManifests})
+            if (QFile::exists(qs(temp)) && !QFile::remove(qs(temp))) {
+                m_context.report->logError("Unable to remove temporary archive " + temp);
+                return;
+            }
+    } else {
+        if (QFile::exists(qs(storeIcons)) && !copyFile(*m_context.report, storeIcons, tempIcons))
+            return;
+        if (QFile::exists(qs(storeManifests)) && !copyFile(*m_context.report, storeManifests, tempManifests))
+            return;
+    }
     state.iconsArchive = initArchive(product, tempIcons);
     state.manifestsArchive = initArchive(product, tempManifests);
 }

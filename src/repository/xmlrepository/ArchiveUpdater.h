@@ -28,8 +28,10 @@ public:
     // False, and an error, if one could not be written.
     bool saveManifests();
     // Copies the store's archives of the product to the temporary directory
-    // and opens the copies; both stay closed if a copy fails.
-    void openArchives(LibraryImpl& product);
+    // and opens the copies; both stay closed if a copy fails. `fresh` starts
+    // from empty archives instead and leaves the store's as they are until
+    // the new ones are published.
+    void openArchives(LibraryImpl& product, bool fresh = false);
     // Adds the files made to the open archives. False, and an error, if a
     // file or an archive could not be written.
     bool updateArchives();

@@ -42,9 +42,10 @@ bool ProductDiscovery::discardIncompatibleStore()
     return true;
 }
 
-void ProductDiscovery::removeProduct(Model& model, LibraryImpl* node)
+void ProductDiscovery::removeProduct(Model& model, LibraryImpl* node, bool keepArchives)
 {
-    m_archives.destroyProductData(*node);
+    if (!keepArchives)
+        m_archives.destroyProductData(*node);
     const LibraryImplList dependencies = node->getDependencies();
     for (LibraryImpl* dependency : dependencies)
         if (dependency && dependency != node)
@@ -74,11 +75,11 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
 
     // A product taken out of the model must leave both tables: the walks
     // below go through `order`, and the node is gone.
-    const auto forget = [&](LibraryImpl* node) {
+    const auto forget = [&](LibraryImpl* node, bool keepArchives) {
         for (auto it = stored.begin(); it != stored.end();)
             it = it->second == node ? stored.erase(it) : std::next(it);
         order.erase(std::remove(order.begin(), order.end(), node), order.end());
-        removeProduct(*model, node);
+        removeProduct(*model, node, keepArchives);
     };
 
     if (mode == 2) {
@@ -87,8 +88,10 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
             stored.clear();
             order.clear();
         } else if (const auto found = stored.find(productName); found != stored.end()) {
+            // The product is made anew, but its archives stay until new
+            // ones replace them: the generation may fail.
             model->beginChangeSet();
-            forget(found->second);
+            forget(found->second, true);
             model->commitChangeSet();
         }
     }
@@ -121,7 +124,7 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
         if (const auto found = stored.find(file); found != stored.end()) {
             node = found->second;
             if ((dynamic_cast<PaletteImpl*>(node) != nullptr) != isPalette) {
-                forget(node);
+                forget(node, false);
                 node = nullptr;
             }
         }

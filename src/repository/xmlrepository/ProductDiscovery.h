@@ -29,8 +29,9 @@ public:
 private:
     // False if the store's schema differs and its manifest can't be removed.
     bool discardIncompatibleStore();
-    // The product's data, its dependencies and the node itself go.
-    void removeProduct(Model& model, LibraryImpl* node);
+    // The product's dependencies and the node itself go, and its data
+    // unless `keepArchives`.
+    void removeProduct(Model& model, LibraryImpl* node, bool keepArchives = false);
     void setProperties(LibraryImpl& node, const ProductsData& data, std::size_t entry);
     static void mergeFileDependencies(LibraryImpl& node, const FileInfoVector& wanted);
 

@@ -58,4 +58,11 @@ std::string StoredDataCheck::productProblem(const std::string& storeDirectory, c
     return std::string();
 }
 
+bool StoredDataCheck::holdsReadableArchives(const std::string& storeDirectory, const LibraryImpl& product)
+{
+    const std::string& manifests = product.getReposManifestsArchiveSpec();
+    return !manifests.empty() && QFileInfo::exists(QString::fromStdString(storeDirectory + "/" + manifests))
+           && productProblem(storeDirectory, product).empty();
+}
+
 } // namespace LibraryBrowser

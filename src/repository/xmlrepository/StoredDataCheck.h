@@ -18,6 +18,9 @@ public:
     // Why the product's stored data can't be read; the empty string when it
     // can, or when an archive is missing (which counts elsewhere).
     static std::string productProblem(const std::string& storeDirectory, const LibraryImpl& product);
+    // Whether the store holds the product's manifests archive and all it
+    // holds for the product can be read: what a failed generation keeps.
+    static bool holdsReadableArchives(const std::string& storeDirectory, const LibraryImpl& product);
     // Why a manifest file can't be read, or the empty string.
     static std::string manifestFileProblem(const std::string& path);
 

@@ -279,6 +279,13 @@ XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product
         m_writer->generateProduct(product, GenerationMode::Minimal);
         forgetTopLevelManifests();
         emit postGenerateProduct(displayPath);
+        if (m_writableReader->isProductUpToDate(product))
+            return m_writableReader;
+        // A failed generation leaves the writable store's last readable
+        // archives, which are at least as recent as the shipped ones.
+        const auto* library = dynamic_cast<const LibraryImpl*>(product.getImpl());
+        if (library && StoredDataCheck::holdsReadableArchives(m_writableReader->directory(), *library))
+            return m_writableReader;
     }
     return m_writableReader->isProductUpToDate(product) ? m_writableReader : m_shippedReader;
 }

@@ -4,6 +4,7 @@
 #include "repository/xmlrepository/PaletteChildren.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/StoredDataCheck.h"
 #include "repository/xmlrepository/XMLRepository.h"
 
 #include <QDateTime>
@@ -167,8 +168,11 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
         generatePalette(topLevel, *palette);
         return;
     }
-    if (mode == GenerationMode::Regenerate)
-        m_archives.destroyProductData(product);
+    // Regenerating starts from nothing, but the store's archives stay until
+    // new ones replace them: a run that fails must not cost the last good ones.
+    const bool regenerate = mode == GenerationMode::Regenerate;
+    if (regenerate)
+        ArchiveUpdater::forgetFileRecords(product);
     const bool ignoreTimestamp = mode == GenerationMode::IgnoreTimestamp;
     // Taken while the node is the cache's: it keeps the product's id for the
     // notification at the end, when the cache has let go of the node.
@@ -177,7 +181,8 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
     if (m_reader->isProductUpToDate(handle, ignoreTimestamp)) {
         generateUpToDateProduct(topLevel, product);
     } else {
-        m_archives.openArchives(product);
+        const bool hadReadableArchives = StoredDataCheck::holdsReadableArchives(m_directory, product);
+        m_archives.openArchives(product, regenerate);
         const bool opened = m_context.state.iconsArchive.isOpened() && m_context.state.manifestsArchive.isOpened();
         if (!opened) {
             // Not a skip in spite of its words: the phases below run on the
@@ -187,6 +192,13 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
         }
         LibrarySet usedLibraries;
         generateLibraries(product, handle, ignoreTimestamp, usedLibraries);
+        if (report.hasError() && hadReadableArchives) {
+            keepLastArchives(product);
+            ReaderCacheRegistry::unloadProductCaches(m_directory, handle.toLibrary());
+            --report.indentation;
+            report.log("Finished product");
+            return;
+        }
         updateProductDependencies(product, usedLibraries);
         m_manifests.resolveLibraryReferences();
         // A file that could not be written leaves the store's archives as
@@ -208,6 +220,26 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
     }
     --report.indentation;
     report.log("Finished product");
+}
+
+void XMLRepositoryWriter::keepLastArchives(const LibraryImpl& product)
+{
+    RepositoryReport& report = *m_report;
+    const RepositoryReport::IssueList& errors = report.getErrors();
+    const std::string reason = errors.empty() ? std::string("an error occurred") : errors.front().message;
+    report.logWarning("Product " + product.getDisplayName() + " was not generated again (" + reason
+                      + "). Its last readable archives are kept, and it is generated again at the next update.");
+    const std::string path = product.getPath();
+    clearGenerationState();
+    // What this run changed of the top level belongs to archives that are not
+    // published: the stored top level is taken up again, with the product's
+    // file records cleared so that it stays out of date.
+    ReaderCacheRegistry::unloadTopLevelCaches(m_directory);
+    ModelPtr topLevel;
+    if (LibraryImpl* stored = storedProduct(path, topLevel)) {
+        ArchiveUpdater::forgetFileRecords(*stored);
+        updateTopLevelManifest(*topLevel);
+    }
 }
 
 void XMLRepositoryWriter::generateUpToDateProduct(const ModelPtr& topLevel, LibraryImpl& product)

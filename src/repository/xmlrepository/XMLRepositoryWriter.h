@@ -56,6 +56,9 @@ private:
     void generateLibraries(LibraryImpl& product, const TandrilObject& handle, bool ignoreTimestamp,
                            LibrarySet& usedLibraries);
     void generatePalette(const ModelPtr& topLevel, PaletteImpl& palette);
+    // After a failed run over readable archives: says why, leaves the store's
+    // archives and top level as they were, and marks the product out of date.
+    void keepLastArchives(const LibraryImpl& product);
     // Drops the libraries no longer referenced from the product's tree and
     // their data.
     void updateProductDependencies(LibraryImpl& product, const LibrarySet& usedLibraries);
