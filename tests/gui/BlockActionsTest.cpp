@@ -10,6 +10,7 @@
 #include "gui/BlocksPanel.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
+#include "support/Files.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -290,6 +291,7 @@ TEST_F(BlockActionsTest, AModelBuiltByDragsHoldsItsBlocksAndPlacesWhenSavedAndOp
     QTemporaryDir dir;
     const std::string file = dir.filePath("dragged.tdlib.json").toStdString();
     ASSERT_TRUE(call("save_system", {HostValue::string(model), HostValue::string(file)}).ok);
+    EXPECT_EQ(target->windowTitle().toStdString(), model) << "saved: no unsaved-changes mark";
     // The user closes the model's window, and with it the model.
     target->close();
     settle();
@@ -299,6 +301,7 @@ TEST_F(BlockActionsTest, AModelBuiltByDragsHoldsItsBlocksAndPlacesWhenSavedAndOp
     ASSERT_TRUE(call("open_system", {HostValue::string(file)}).ok);
     ASSERT_NE(modelWindow(model), nullptr);
     EXPECT_EQ(modelWindow(model)->blockNames(), (QStringList{"Integrator", "Integrator1"}));
+    EXPECT_FALSE(session().host().systems().find(model)->locked);
     const auto after = session().host().systems().find(model)->document.blocks;
     ASSERT_EQ(after.size(), before.size());
     for (std::size_t i = 0; i < after.size(); ++i) {
@@ -307,6 +310,13 @@ TEST_F(BlockActionsTest, AModelBuiltByDragsHoldsItsBlocksAndPlacesWhenSavedAndOp
         EXPECT_DOUBLE_EQ(after[i].position.top, before[i].position.top);
         EXPECT_EQ(after[i].parameters, before[i].parameters);
     }
+
+    // A damaged file opens nothing and says why.
+    const std::string bad = dir.filePath("bad.tdlib.json").toStdString();
+    writeFile(bad, "{ not json");
+    const auto failed = call("open_system", {HostValue::string(bad)});
+    EXPECT_FALSE(failed.ok);
+    EXPECT_NE(failed.errorMessage.find("bad.tdlib.json"), std::string::npos) << failed.errorMessage;
 }
 
 // Three blocks dragged into a model, and the picture of the two windows side

@@ -72,17 +72,5 @@ TEST_F(BlockContextMenuTest, TheEditMenuOffersAddingWhereTheBlockCanGo)
     EXPECT_TRUE(BlockContextMenu::canAddToCurrentOpenSystem(&routing, ModelType::Library));
 }
 
-TEST_F(BlockContextMenuTest, TheSystemInFrontComesFromTheHost)
-{
-    EXPECT_TRUE(OpenSystemState::current().name.empty());
-    gain.addToCurrentOpenSystem(); // no system: a new model takes the block
-    const OpenSystemState state = OpenSystemState::current();
-    EXPECT_EQ(state.type, ModelType::Model);
-    ASSERT_FALSE(state.name.empty());
-    const auto* system = session.host().systems().find(state.name);
-    ASSERT_EQ(system->document.blocks.size(), 1u);
-    EXPECT_EQ(system->document.blocks[0].name, "Gain");
-}
-
 } // namespace
 } // namespace LibraryBrowser::Testing

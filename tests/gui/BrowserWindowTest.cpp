@@ -178,15 +178,6 @@ TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwa
     EXPECT_EQ(stored.getColor(PrefKey::LBColorLibraryBlocksBackgroundBot).name(), QColor(10, 20, 30).name());
     EXPECT_EQ(stored.getRect(PrefKey::LBGeometry4Window).size(), QSize(700, 500));
     EXPECT_FALSE(stored.getString(PrefKey::LBWindowState).isEmpty());
-
-    // Seven points is as wrong as twenty-five; eight is fine.
-    for (const auto& [size, expected] : {std::pair{7, BrowserPreferences::defaultFontSize()}, std::pair{8, 8}}) {
-        closeWindow();
-        BrowserPreferences edited(preferencesFile());
-        edited.setInt(PrefKey::LBFontSize, size);
-        ASSERT_TRUE(edited.save());
-        EXPECT_EQ(open().getFontPointSize(), expected) << size;
-    }
 }
 
 TEST_F(BrowserWindowTest, FontStepsStopAtTheEnds)

@@ -4,11 +4,8 @@
 
 #include "PageTestSupport.h"
 
-#include "SyntheticRootGenerator.h"
 #include "gui/LibraryBlocksPage.h"
 #include "gui/StandaloneBrowser.h"
-
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -19,18 +16,10 @@ namespace {
 
 TEST(BrowserWithoutMainLibraryTest, TheTreeIsTheProductsInOrderAndTheWindowWorks)
 {
-    Host::SyntheticRootGenerator::Settings settings;
-    settings.products = 3;
-    settings.blocksPerProduct = 4;
-    settings.depth = 1;
-    settings.crossReferences = false;
-    settings.referenceShare = 0;
-    QTemporaryDir source;
-    QString error;
-    ASSERT_TRUE(Host::SyntheticRootGenerator(settings).write(source.path(), error)) << error.toStdString();
-    ExampleRootSession session(source.path());
+    const std::unique_ptr<ExampleRootSession> session = ExampleRootSession::synthetic(3, 4);
+    ASSERT_NE(session, nullptr);
 
-    std::unique_ptr<StandaloneBrowser> window = StandaloneBrowser::create(session.repositoryPtr());
+    std::unique_ptr<StandaloneBrowser> window = StandaloneBrowser::create(session->repositoryPtr());
     window->showBrowser();
     const std::vector<std::string> names = window->getSortedLibraryNames();
     ASSERT_EQ(names.size(), 3u);

@@ -5,13 +5,10 @@
 #include "PageTestSupport.h"
 
 #include "ModelWindows.h"
-#include "support/Files.h"
 
 #include <QApplication>
-#include <QCursor>
 #include <QDialog>
 #include <QLabel>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -69,31 +66,6 @@ TEST_F(ModelWindowsTest, ANewModelOpensAWindowThatShowsAddedBlocksAndUnsavedChan
     EXPECT_EQ(shown->windowTitle().toStdString(), model + " *");
 }
 
-TEST_F(ModelWindowsTest, ADropLandsAtTheScreenPointMappedIntoTheModel)
-{
-    const std::string model = newModel();
-    Host::ModelWindow* shown = window(model);
-    shown->move(300, 200);
-    QApplication::processEvents();
-    const QPoint screen = shown->viewport()->mapToGlobal(QPoint(150, 90));
-
-    QCursor::setPos(screen);
-    const auto under = call("private_td_sys_name_under_mouse", {}, 1);
-    ASSERT_TRUE(under.ok);
-    EXPECT_EQ(under.outputs.front().toString(), model);
-    QCursor::setPos(shown->frameGeometry().topLeft() - QPoint(50, 50));
-    EXPECT_EQ(call("private_td_sys_name_under_mouse", {}, 1).outputs.front().toString(), "");
-
-    EXPECT_TRUE(call("private_td_drop_block",
-                     {HostValue::string(sum), HostValue::string(model),
-                      HostValue::doubleMatrix(1, 2, {double(screen.x()), double(screen.y())})})
-                    .ok);
-    const auto* system = session.host().systems().find(model);
-    ASSERT_EQ(system->document.blocks.size(), 1u);
-    EXPECT_DOUBLE_EQ(system->document.blocks[0].position.left, 150);
-    EXPECT_DOUBLE_EQ(system->document.blocks[0].position.top, 90);
-}
-
 TEST_F(ModelWindowsTest, TheCurrentSystemIsTheOneWhoseWindowWasActivatedLast)
 {
     const std::string first = newModel();
@@ -135,32 +107,6 @@ TEST_F(ModelWindowsTest, BlockDialogsShowDescriptionAndParametersAndCloseTogethe
     EXPECT_TRUE(call("private_td_close_block_dialogs", {}).ok);
     QApplication::processEvents();
     EXPECT_TRUE(dialogs().empty());
-}
-
-TEST_F(ModelWindowsTest, AModelSavedAndOpenedAgainHoldsTheSameBlocks)
-{
-    const std::string model = newModel();
-    call("private_td_add_block", {HostValue::string(gain), HostValue::string(model)});
-    call("private_td_add_block", {HostValue::string(sum), HostValue::string(model)});
-    QTemporaryDir dir;
-    const std::string file = dir.filePath("saved.tdlib.json").toStdString();
-    ASSERT_TRUE(call("save_system", {HostValue::string(model), HostValue::string(file)}).ok);
-    EXPECT_EQ(window(model)->windowTitle().toStdString(), model);
-
-    ExampleRootSession later;
-    later.host().showWindows();
-    ASSERT_TRUE(later.host().callWithTrap("open_system", 0, {HostValue::string(file)}).ok);
-    Host::ModelWindow* reopened = later.host().modelWindows()->window(model);
-    ASSERT_NE(reopened, nullptr);
-    EXPECT_EQ(reopened->blockNames(), (QStringList{"Gain", "Sum"}));
-    const auto* system = later.host().systems().find(model);
-    EXPECT_FALSE(system->locked);
-    EXPECT_EQ(system->document.blocks[0].parameters, session.host().systems().find(model)->document.blocks[0].parameters);
-    // A damaged file opens nothing and says why.
-    writeFile(dir.filePath("bad.tdlib.json").toStdString(), "{ not json");
-    const auto failed = later.host().callWithTrap("open_system", 0, {HostValue::string(dir.filePath("bad.tdlib.json").toStdString())});
-    EXPECT_FALSE(failed.ok);
-    EXPECT_NE(failed.errorMessage.find("bad.tdlib.json"), std::string::npos);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "PageTestSupport.h"
 
+#include "SyntheticRootGenerator.h"
 #include "frame/MessageCatalogue.h"
 #include "gui/GuiBlock.h"
 #include "platform/MessageService.h"
@@ -22,6 +23,23 @@ ExampleRootSession::ExampleRootSession(const QString& sourceRoot)
     m_host = std::make_unique<Host::EmbeddedHost>(options);
     m_host->install();
     m_repository = Repository::open();
+}
+
+std::unique_ptr<ExampleRootSession> ExampleRootSession::synthetic(int products, int blocksPerProduct)
+{
+    Host::SyntheticRootGenerator::Settings settings;
+    settings.products = products;
+    settings.blocksPerProduct = blocksPerProduct;
+    settings.depth = 1;
+    settings.crossReferences = false;
+    settings.referenceShare = 0;
+    QTemporaryDir source;
+    QString error;
+    if (!Host::SyntheticRootGenerator(settings).write(source.path(), error)) {
+        ADD_FAILURE() << error.toStdString();
+        return nullptr;
+    }
+    return std::make_unique<ExampleRootSession>(source.path());
 }
 
 ExampleRootSession::~ExampleRootSession()

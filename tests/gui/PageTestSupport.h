@@ -21,6 +21,9 @@ public:
     // On a copy of another root.
     explicit ExampleRootSession(const QString& sourceRoot);
     ~ExampleRootSession();
+    // On a root of synthetic products of plain blocks named "Block 0" on;
+    // fails the test and gives none when the root can't be written.
+    static std::unique_ptr<ExampleRootSession> synthetic(int products, int blocksPerProduct);
 
     Repository& repository() { return *m_repository; }
     const RepositoryPtr& repositoryPtr() const { return m_repository; }

@@ -1,26 +1,18 @@
 #include "ResultsPageFixture.h"
 
-#include "SyntheticRootGenerator.h"
-#include "frame/MessageCatalogue.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/ResultsBlocksPage.h"
 #include "gui/SectionHeader.h"
-#include "platform/MessageService.h"
-#include "support/Files.h"
 
 #include <QApplication>
 #include <QLabel>
-#include <QProcessEnvironment>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace LibraryBrowser::Testing {
 
-std::unique_ptr<QTemporaryDir> ResultsPageFixture::s_root;
-std::unique_ptr<QTemporaryDir> ResultsPageFixture::s_prefs;
-std::unique_ptr<Host::EmbeddedHost> ResultsPageFixture::s_host;
-std::shared_ptr<Repository> ResultsPageFixture::s_repository;
+std::unique_ptr<ExampleRootSession> ResultsPageFixture::s_session;
 
 ResultsWindow::ResultsWindow(Repository& repository, LayoutType layout, const QSize& size)
     : m_repository(repository), m_layout(layout)
@@ -98,72 +90,15 @@ std::string ResultsWindow::getCurrentStatusBarMessage() const
     return statusMessages.empty() ? std::string() : statusMessages.back();
 }
 
-void ResultsPageFixture::SetUpTestSuite()
-{
-    startApplication();
-    open(Host::HostOptions::bundledRoot());
-}
-
-void ResultsPageFixture::startApplication()
-{
-    static int argc = 1;
-    static char name[] = "td_gui_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QApplication::instance())
-        new QApplication(argc, argv);
-    if (!MessageService::instance().hasTableFor(MessageCatalogue::Facility))
-        MessageService::instance().addPrimaryTable(MessageCatalogue::table());
-}
-
-void ResultsPageFixture::openSyntheticRoot(int products, int blocksPerProduct)
-{
-    startApplication();
-    Host::SyntheticRootGenerator::Settings settings;
-    settings.products = products;
-    settings.blocksPerProduct = blocksPerProduct;
-    settings.depth = 1;
-    settings.crossReferences = false;
-    settings.referenceShare = 0;
-    QTemporaryDir source;
-    QString error;
-    if (!Host::SyntheticRootGenerator(settings).write(source.path(), error))
-        FAIL() << error.toStdString();
-    open(source.path());
-}
-
-void ResultsPageFixture::open(const QString& root)
-{
-    s_root = std::make_unique<QTemporaryDir>();
-    s_prefs = std::make_unique<QTemporaryDir>();
-    for (const auto& [file, bytes] : snapshot(root.toStdString()))
-        writeFile(s_root->path().toStdString() + "/" + file.toStdString(), bytes);
-    Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
-    options.root = s_root->path();
-    options.preferencesDirectory = s_prefs->path();
-    s_host = std::make_unique<Host::EmbeddedHost>(options);
-    s_host->install();
-    s_repository = Repository::open();
-}
-
-void ResultsPageFixture::TearDownTestSuite()
-{
-    s_repository.reset();
-    if (s_host)
-        s_host->uninstall();
-    s_host.reset();
-    s_prefs.reset();
-    s_root.reset();
-}
-
 void ResultsPageFixture::SetUp()
 {
     BrowserUtils::setScreenDPIOverride(96);
-    ASSERT_TRUE(s_repository && s_repository->exists());
+    ASSERT_TRUE(s_session && s_session->repository().exists());
 }
 
 std::unique_ptr<ResultsWindow> ResultsPageFixture::makeWindow(LayoutType layout, QSize size)
 {
-    return std::make_unique<ResultsWindow>(*s_repository, layout, size);
+    return std::make_unique<ResultsWindow>(s_session->repository(), layout, size);
 }
 
 std::vector<std::string> ResultsPageFixture::visibleSections(ResultsBlocksPage& page)

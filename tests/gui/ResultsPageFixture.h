@@ -1,11 +1,10 @@
 #pragma once
 
-#include "EmbeddedHost.h"
+#include "PageTestSupport.h"
 #include "gui/ResultsPageHost.h"
 #include "gui/SearchResults.h"
 #include "repository/Repository.h"
 
-#include <QTemporaryDir>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -85,12 +84,12 @@ private:
 class ResultsPageFixture : public ::testing::Test {
 protected:
     // On the example root.
-    static void SetUpTestSuite();
-    static void TearDownTestSuite();
-    // The application and the message texts, once per process.
-    static void startApplication();
-    // On a root of synthetic products of plain blocks named "Block 0" on.
-    static void openSyntheticRoot(int products, int blocksPerProduct);
+    static void SetUpTestSuite() { s_session = std::make_unique<ExampleRootSession>(); }
+    static void TearDownTestSuite() { s_session.reset(); }
+    static void openSyntheticRoot(int products, int blocksPerProduct)
+    {
+        s_session = ExampleRootSession::synthetic(products, blocksPerProduct);
+    }
 
     void SetUp() override;
     std::unique_ptr<ResultsWindow> makeWindow(LayoutType layout = LayoutType::Grid, QSize size = QSize(640, 480));
@@ -100,15 +99,8 @@ protected:
     static std::string sectionCount(ResultsBlocksPage& page, const std::string& name);
     static std::string selectedPath(ResultsBlocksPage& page);
 
-    static Repository& repository() { return *s_repository; }
-
 private:
-    static void open(const QString& root);
-
-    static std::unique_ptr<QTemporaryDir> s_root;
-    static std::unique_ptr<QTemporaryDir> s_prefs;
-    static std::unique_ptr<Host::EmbeddedHost> s_host;
-    static std::shared_ptr<Repository> s_repository;
+    static std::unique_ptr<ExampleRootSession> s_session;
 };
 
 } // namespace LibraryBrowser::Testing

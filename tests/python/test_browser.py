@@ -242,18 +242,6 @@ def test_a_hit_is_selected_and_shown_in_its_library(browser):
     assert browser.getCurrentTabIndex() == 1
 
 
-def test_search_options_reach_the_next_search(browser):
-    browser.setSearchOptions([True, False, False])
-    assert browser.getSearchOptions() == [True, False, False]
-    browser.searchForBlock("Ga.n")
-    hits = browser.getResultsPageBlockNames()
-    assert hits and all(path.endswith("/Gain") for path in hits)
-    browser.setSearchOptions([False, False, False])
-    browser.searchForBlock("Ga.n")
-    assert browser.getResultsPageBlockNames() == []
-    assert browser.getSearchResults() == ["No search results found for 'Ga.n'"]
-
-
 @pytest.mark.parametrize(
     "options, read",
     [([0, 1, math.nan], [False, True, True]), ([True, False, True], [True, False, True]),
