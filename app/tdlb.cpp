@@ -12,12 +12,14 @@
 
 namespace {
 
-// Commands that open a window; with --screenshot they render it offscreen.
+// Commands that open a window; with --screenshot they render it offscreen,
+// and asked for help they only print it.
 bool opensWindow(int argc, char* argv[])
 {
     bool window = false;
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--screenshot") == 0 || std::strncmp(argv[i], "--screenshot=", 13) == 0)
+        if (std::strcmp(argv[i], "--screenshot") == 0 || std::strncmp(argv[i], "--screenshot=", 13) == 0
+            || std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0)
             return false;
         if (std::strcmp(argv[i], "page") == 0 || std::strcmp(argv[i], "browse") == 0)
             window = true;

@@ -46,8 +46,14 @@ QProcessEnvironment TdlbProcess::environment()
 
 TdlbResult TdlbProcess::runRaw(const QStringList& arguments, int openFileLimit)
 {
+    return runRaw(arguments, environment(), openFileLimit);
+}
+
+TdlbResult TdlbProcess::runRaw(const QStringList& arguments, const QProcessEnvironment& environment,
+                               int openFileLimit)
+{
     QProcess process;
-    process.setProcessEnvironment(environment());
+    process.setProcessEnvironment(environment);
     if (openFileLimit > 0) {
         process.setChildProcessModifier([openFileLimit] {
             const rlimit limit{rlim_t(openFileLimit), rlim_t(openFileLimit)};

@@ -38,6 +38,8 @@ public:
     // tdlb with exactly these arguments; with a positive openFileLimit, the
     // child may hold no more files open than that at once.
     static TdlbResult runRaw(const QStringList& arguments, int openFileLimit = 0);
+    static TdlbResult runRaw(const QStringList& arguments, const QProcessEnvironment& environment,
+                             int openFileLimit = 0);
     // The caller's environment without the host's own variables, so that
     // only the arguments choose root and preferences.
     static QProcessEnvironment environment();

@@ -36,6 +36,21 @@ TEST(TdlbUsageTest, TheOverviewListsEveryCommandAndEachHasItsHelp)
     EXPECT_TRUE(TdlbProcess::runRaw({"show", "--help"}).out.contains("--icon"));
 }
 
+TEST(TdlbUsageTest, WithoutADisplayTheWindowCommandsSayWhatToDoAndStillGiveTheirHelp)
+{
+    QProcessEnvironment bare = TdlbProcess::environment();
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        bare.remove(name);
+    for (const QString& command : {QString("browse"), QString("page")}) {
+        const TdlbResult refused = TdlbProcess::runRaw({command}, bare);
+        EXPECT_EQ(refused.exitCode, 2) << qPrintable(command);
+        EXPECT_TRUE(refused.err.contains("--screenshot FILE")) << qPrintable(refused.err);
+        const TdlbResult help = TdlbProcess::runRaw({command, "--help"}, bare);
+        EXPECT_EQ(help.exitCode, 0) << qPrintable(command) << qPrintable(help.err);
+        EXPECT_TRUE(help.out.contains("--screenshot")) << qPrintable(help.out);
+    }
+}
+
 TEST(TdlbUsageTest, UsageErrorsExitWithTwoAndSayWhy)
 {
     struct Case {
