@@ -78,6 +78,24 @@ std::string shape(IconShape kind, double w, double h)
     }
     return std::string();
 }
+// The label's width in em of a sans-serif face, from rough glyph classes:
+// enough to keep formulas such as "x=Ax+Bu" inside the box without
+// shrinking plain words more than they need.
+double labelWidthEm(const QString& label)
+{
+    double width = 0;
+    for (const QChar c : label) {
+        if (QStringLiteral("il.,:;'|!1/()[] ").contains(c))
+            width += 0.35;
+        else if (c.isUpper() || QStringLiteral("=+<>~^*#%&@mw").contains(c))
+            width += 0.8;
+        else if (c.category() == QChar::Mark_NonSpacing)
+            continue;
+        else
+            width += 0.6;
+    }
+    return std::max(width, 0.6);
+}
 } // namespace
 
 std::string IconRenderer::defaultLabel(const std::string& name)
@@ -96,9 +114,7 @@ QByteArray IconRenderer::render(const IconSpec& icon, const std::string& name, B
     const double w = std::clamp(std::fabs(position.right - position.left), minimumSide, maximumSide);
     const double h = std::clamp(std::fabs(position.bottom - position.top), minimumSide, maximumSide);
     const std::string label = icon.label.empty() ? defaultLabel(name) : icon.label;
-    const int characters = std::max(1, static_cast<int>(QString::fromStdString(label).size()));
-    // Formulas (=, +, capitals) in a sans-serif face run up to 0.8 em a glyph.
-    const double fontSize = std::max(4.0, std::min(h * 0.3, (w - 10) / (characters * 0.8)));
+    const double fontSize = std::max(4.0, std::min(h * 0.3, (w - 10) / labelWidthEm(QString::fromStdString(label))));
     const double radius = icon.shape == IconShape::Rounded ? std::min(w, h) * 0.15 : 0;
 
     std::string svg;

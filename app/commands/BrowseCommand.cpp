@@ -51,10 +51,15 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
         BrowserUtils::setScreenDPIOverride(96);
 
     StandaloneBrowser* browser = StandaloneBrowser::getInstance();
+    const LayoutType savedLayout = browser->getLayoutType();
+    const IconSize savedIconSize = browser->getIconSize();
+    const QSize savedSize = browser->window()->size();
+    const LayoutType layout = layoutWord == "list" ? LayoutType::List : LayoutType::Grid;
+    const IconSize iconSize = parser.isSet("icon-size") ? IconSize(sizes.indexOf(sizeWord)) : savedIconSize;
     if (parser.isSet("layout"))
-        browser->setLayout(layoutWord == "list" ? LayoutType::List : LayoutType::Grid);
+        browser->setLayout(layout);
     if (parser.isSet("icon-size"))
-        browser->setIconSize(IconSize(sizes.indexOf(sizeWord)));
+        browser->setIconSize(iconSize);
     if (windowSize.isValid())
         browser->window()->resize(windowSize);
     browser->showBrowser();
@@ -80,6 +85,15 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
         if (!browser->window()->grab().save(file, "PNG"))
             status = context.fail("unable to write " + file);
     }
+    // What the options set was for this run only: the user's own choice
+    // comes back before the window writes its preferences, unless the user
+    // changed it in the window meanwhile.
+    if (parser.isSet("layout") && browser->getLayoutType() == layout)
+        browser->setLayout(savedLayout);
+    if (parser.isSet("icon-size") && browser->getIconSize() == iconSize)
+        browser->setIconSize(savedIconSize);
+    if (windowSize.isValid() && browser->window()->size() == windowSize)
+        browser->window()->resize(savedSize);
     // The window goes before the module that its pages read from.
     StandaloneBrowser::destroyInstance();
     return status;
