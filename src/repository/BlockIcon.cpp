@@ -11,6 +11,8 @@ BlockIcon::BlockIcon() = default;
 
 BlockIcon::BlockIcon(QByteArray svg) : m_svg(std::move(svg)) {}
 
+BlockIcon::~BlockIcon() = default;
+
 bool BlockIcon::isSvgDocument(const QByteArray& bytes)
 {
     if (PlainXmlCheck::check(bytes, "svg") == PlainXmlCheck::Verdict::WellFormed)
@@ -31,10 +33,11 @@ bool BlockIcon::isSvgDocument(const QByteArray& bytes)
 QSizeF BlockIcon::naturalSize() const
 {
     if (!m_sized && !m_svg.isEmpty()) {
-        QSvgRenderer renderer(m_svg);
-        if (renderer.isValid()) {
-            const QRectF box = renderer.viewBoxF();
-            m_naturalSize = box.isEmpty() ? QSizeF(renderer.defaultSize()) : box.size();
+        auto renderer = std::make_unique<QSvgRenderer>(m_svg);
+        if (renderer->isValid()) {
+            const QRectF box = renderer->viewBoxF();
+            m_naturalSize = box.isEmpty() ? QSizeF(renderer->defaultSize()) : box.size();
+            m_sizingRenderer = std::move(renderer);
         }
     }
     m_sized = true;
@@ -45,10 +48,11 @@ bool BlockIcon::render(QPainter& painter, const QRectF& target) const
 {
     if (m_svg.isEmpty())
         return false;
-    QSvgRenderer renderer(m_svg);
-    if (!renderer.isValid())
+    const std::unique_ptr<QSvgRenderer> renderer =
+        m_sizingRenderer ? std::move(m_sizingRenderer) : std::make_unique<QSvgRenderer>(m_svg);
+    if (!renderer->isValid())
         return false;
-    renderer.render(&painter, target);
+    renderer->render(&painter, target);
     return true;
 }
 

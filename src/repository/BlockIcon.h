@@ -7,17 +7,22 @@
 
 class QPainter;
 class QRectF;
+class QSvgRenderer;
 
 namespace LibraryBrowser {
 
 // The icon of a block: an SVG document, shared by everything that shows it.
-// No parsed form is kept: a window that has shown every product would hold
-// a renderer per block, while what is painted is kept as pixels elsewhere.
-// An empty icon is a valid icon that paints nothing.
+// No parsed form is kept for long: a window that has shown every product
+// would hold a renderer per block, while what is painted is kept as pixels
+// elsewhere. The one parse that finds the natural size serves the first
+// render after it. An empty icon is a valid icon that paints nothing.
 class BlockIcon {
 public:
     BlockIcon();
     explicit BlockIcon(QByteArray svg);
+    ~BlockIcon();
+    BlockIcon(const BlockIcon&) = delete;
+    BlockIcon& operator=(const BlockIcon&) = delete;
 
     // Whether the bytes are a well-formed XML document with an "svg" root.
     static bool isSvgDocument(const QByteArray& bytes);
@@ -34,6 +39,7 @@ private:
     QByteArray m_svg;
     mutable QSizeF m_naturalSize;
     mutable bool m_sized = false;
+    mutable std::unique_ptr<QSvgRenderer> m_sizingRenderer;
 };
 
 using BlockIconPtr = std::shared_ptr<BlockIcon>;
