@@ -62,7 +62,7 @@ TdlbResult TdlbProcess::runRaw(const QStringList& arguments, const QProcessEnvir
     }
     process.start(TDLB_EXECUTABLE, arguments);
     TdlbResult result;
-    if (!process.waitForFinished(300000)) {
+    if (!process.waitForFinished(TDLB_PROCESS_WAIT_MS)) {
         process.kill();
         process.waitForFinished();
         result.crashed = true;

@@ -191,9 +191,9 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
             clearGenerationState();
         }
         LibrarySet usedLibraries;
-        generateLibraries(product, handle, ignoreTimestamp, usedLibraries);
-        if (report.hasError() && hadReadableArchives) {
-            keepLastArchives(product);
+        const std::string failure = generateLibraries(product, handle, ignoreTimestamp, usedLibraries);
+        if (!failure.empty() && hadReadableArchives) {
+            keepLastArchives(product, failure);
             ReaderCacheRegistry::unloadProductCaches(m_directory, handle.toLibrary());
             --report.indentation;
             report.log("Finished product");
@@ -222,11 +222,9 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
     report.log("Finished product");
 }
 
-void XMLRepositoryWriter::keepLastArchives(const LibraryImpl& product)
+void XMLRepositoryWriter::keepLastArchives(const LibraryImpl& product, const std::string& reason)
 {
     RepositoryReport& report = *m_report;
-    const RepositoryReport::IssueList& errors = report.getErrors();
-    const std::string reason = errors.empty() ? std::string("an error occurred") : errors.front().message;
     report.logWarning("Product " + product.getDisplayName() + " was not generated again (" + reason
                       + "). Its last readable archives are kept, and it is generated again at the next update.");
     const std::string path = product.getPath();
@@ -257,10 +255,11 @@ void XMLRepositoryWriter::generateUpToDateProduct(const ModelPtr& topLevel, Libr
     clearGenerationState();
 }
 
-void XMLRepositoryWriter::generateLibraries(LibraryImpl& product, const TandrilObject& handle, bool ignoreTimestamp,
-                                            LibrarySet& usedLibraries)
+std::string XMLRepositoryWriter::generateLibraries(LibraryImpl& product, const TandrilObject& handle,
+                                                   bool ignoreTimestamp, LibrarySet& usedLibraries)
 {
     RepositoryReport& report = *m_report;
+    std::string failure;
     LibraryWorklist worklist{&product};
     while (!worklist.empty()) {
         LibraryImpl* library = worklist.front();
@@ -279,7 +278,13 @@ void XMLRepositoryWriter::generateLibraries(LibraryImpl& product, const TandrilO
             continue;
         }
         m_archives.removeLibraryFromArchive(*library);
+        // Only what the walk itself logs makes the generation a failure: a
+        // record that can't be refreshed (a model file without a checksum)
+        // leaves the archives whole.
+        const std::size_t errorsBefore = report.getErrors().size();
         m_manifests.generateLibrary(product, *library, *library, worklist, usedLibraries);
+        if (failure.empty() && report.getErrors().size() > errorsBefore)
+            failure = report.getErrors()[errorsBefore].message;
         if (report.hasError()) {
             // The flag stays: every later library of this product takes this way too.
             report.logWarning("The check sum of library '" + library->getDisplayName() +
@@ -291,6 +296,7 @@ void XMLRepositoryWriter::generateLibraries(LibraryImpl& product, const TandrilO
         m_records.updateFileDependencyDates(*library);
         m_records.updateFileDependencyCheckSums(*library);
     }
+    return failure;
 }
 
 void XMLRepositoryWriter::generatePalette(const ModelPtr& topLevel, PaletteImpl& palette)

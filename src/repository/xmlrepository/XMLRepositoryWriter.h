@@ -53,12 +53,13 @@ public:
 private:
     void generateProductInternal(const ModelPtr& topLevel, LibraryImpl& product, GenerationMode mode);
     void generateUpToDateProduct(const ModelPtr& topLevel, LibraryImpl& product);
-    void generateLibraries(LibraryImpl& product, const TandrilObject& handle, bool ignoreTimestamp,
-                           LibrarySet& usedLibraries);
+    // The first error of the walk of a library, or the empty string.
+    std::string generateLibraries(LibraryImpl& product, const TandrilObject& handle, bool ignoreTimestamp,
+                                  LibrarySet& usedLibraries);
     void generatePalette(const ModelPtr& topLevel, PaletteImpl& palette);
     // After a failed run over readable archives: says why, leaves the store's
     // archives and top level as they were, and marks the product out of date.
-    void keepLastArchives(const LibraryImpl& product);
+    void keepLastArchives(const LibraryImpl& product, const std::string& reason);
     // Drops the libraries no longer referenced from the product's tree and
     // their data.
     void updateProductDependencies(LibraryImpl& product, const LibrarySet& usedLibraries);
