@@ -70,6 +70,18 @@ void Model::removeAllNodes()
     m_owned.clear();
 }
 
+void Model::removeNodesCreatedAfter(std::size_t count)
+{
+    while (m_owned.size() > count) {
+        TandrilObjectImpl* node = m_owned.back().get();
+        if (node && !m_nodes.isEmpty() && m_nodes.back() == node)
+            m_nodes.pop_back();
+        else if (node)
+            m_nodes.removeOnce(node);
+        m_owned.pop_back();
+    }
+}
+
 bool Model::load(const std::string& path, ErrorHolder& errors)
 {
     removeAllNodes();

@@ -61,6 +61,11 @@ public:
     // that a pointer still held to it stays safe to read until then.
     void removeNode(TandrilObjectImpl* node);
     void removeAllNodes();
+    // Nodes made so far, removed ones included: the next node's id is this + 1.
+    std::size_t createdCount() const { return m_owned.size(); }
+    // Destroys the nodes made after the first `count`, so that ids number on
+    // from there as if they had never been made.
+    void removeNodesCreatedAfter(std::size_t count);
 
     // Loses the model's nodes first, also when the load then fails.
     bool load(const std::string& path, ErrorHolder& errors);

@@ -1,6 +1,7 @@
 #include "model/Serializer.h"
 
 #include "model/LoadContext.h"
+#include "model/ManifestScanner.h"
 #include "model/MetaModel.h"
 #include "model/Model.h"
 #include "platform/ErrorHolder.h"
@@ -69,14 +70,21 @@ bool Serializer::loadFromFile(Model& model, const std::string& path, ErrorHolder
     }
     // Manifests are small; parsing from memory is markedly faster than from
     // the device in chunks.
+    const QByteArray bytes = file.readAll();
+    if (ManifestScanner::scan(model, bytes))
+        return true;
     QBuffer buffer;
-    buffer.setData(file.readAll());
+    buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
     return load(model, buffer, path, errors);
 }
 
 bool Serializer::loadFromByteArray(Model& model, const QByteArray& bytes, ErrorHolder& errors)
 {
+    // The plain form the writer makes goes the fast way; anything else, and
+    // every document with a fault, through the full reader and its messages.
+    if (ManifestScanner::scan(model, bytes))
+        return true;
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);

@@ -68,6 +68,16 @@ bool inflateRaw(const QByteArray& compressed, std::uint64_t size, QByteArray& by
     return whole;
 }
 
+// Unbuffered: a read takes exactly the bytes asked for. A buffered file
+// reads ahead a block much larger than a manifest's compressed entry.
+bool openUnbuffered(QFile& file, std::string& error)
+{
+    if (file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return true;
+    error = "Can't open file: " + file.errorString().toStdString();
+    return false;
+}
+
 } // namespace
 
 void ZipEntryIndex::clear()
@@ -80,21 +90,27 @@ bool ZipEntryIndex::load(const std::string& path, std::string& error)
 {
     clear();
     QFile file(QString::fromStdString(path));
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = "Can't open file: " + file.errorString().toStdString();
+    if (!openUnbuffered(file, error))
         return false;
-    }
     const qint64 fileSize = file.size();
-    // The end record sits within the last 22 bytes plus a comment of at most 64 KiB.
-    const qint64 tailSize = std::min<qint64>(fileSize, endOfDirectorySize + 0xFFFF);
+    // The end record sits within the last 22 bytes plus a comment of at most
+    // 64 KiB. Archives of ours carry no comment, so the last 22 bytes are
+    // tried first.
     QByteArray tail;
-    if (tailSize < endOfDirectorySize || !readAt(file, std::uint64_t(fileSize - tailSize), tailSize, tail)) {
-        error = "Not a zip archive";
-        return false;
+    qint64 tailSize = std::min<qint64>(fileSize, endOfDirectorySize);
+    qsizetype end = -1;
+    for (const qint64 size : {qint64(endOfDirectorySize), qint64(endOfDirectorySize + 0xFFFF)}) {
+        tailSize = std::min<qint64>(fileSize, size);
+        if (tailSize < endOfDirectorySize || !readAt(file, std::uint64_t(fileSize - tailSize), tailSize, tail)) {
+            error = "Not a zip archive";
+            return false;
+        }
+        end = tail.size() - endOfDirectorySize;
+        while (end >= 0 && field(tail, end, 4) != endOfDirectorySignature)
+            --end;
+        if (end >= 0 || tailSize == fileSize)
+            break;
     }
-    qsizetype end = tail.size() - endOfDirectorySize;
-    while (end >= 0 && field(tail, end, 4) != endOfDirectorySignature)
-        --end;
     if (end < 0) {
         error = "Not a zip archive";
         return false;
@@ -129,6 +145,13 @@ bool ZipEntryIndex::load(const std::string& path, std::string& error)
     }
     m_loaded = true;
     return true;
+}
+
+bool ZipEntryIndex::check(const std::string& path, std::string& error)
+{
+    ZipEntryIndex index;
+    index.m_keepEntries = false;
+    return index.load(path, error);
 }
 
 bool ZipEntryIndex::parseDirectory(const QByteArray& directory, std::uint64_t count, std::string& error)
@@ -175,7 +198,8 @@ bool ZipEntryIndex::parseDirectory(const QByteArray& directory, std::uint64_t co
             }
             extra += 4 + length;
         }
-        m_entries.emplace(directory.mid(nameAt, nameLength).toStdString(), entry);
+        if (m_keepEntries)
+            m_entries.emplace(std::string(directory.constData() + nameAt, std::size_t(nameLength)), entry);
         at = nameAt + nameLength + extraLength + commentLength;
     }
     return true;
@@ -205,10 +229,8 @@ bool ZipEntryIndex::read(const std::string& path, const std::string& name, QByte
         return false;
     }
     QFile file(QString::fromStdString(path));
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = "Can't open file: " + file.errorString().toStdString();
+    if (!openUnbuffered(file, error))
         return false;
-    }
     QByteArray header, data;
     if (!readAt(file, entry.headerOffset, localHeaderSize, header) || field(header, 0, 4) != localHeaderSignature) {
         error = "Damaged local header";

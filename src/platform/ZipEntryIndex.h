@@ -18,6 +18,8 @@ public:
     // Reads the central directory of the file. False, with the index empty and
     // the reason in `error`, for a file that is not a readable zip archive.
     bool load(const std::string& path, std::string& error);
+    // The same test of the file as load, without keeping the entries.
+    static bool check(const std::string& path, std::string& error);
     bool isLoaded() const { return m_loaded; }
     void clear();
 
@@ -43,6 +45,7 @@ private:
 
     std::unordered_map<std::string, Entry> m_entries;
     bool m_loaded = false;
+    bool m_keepEntries = true;
 };
 
 } // namespace LibraryBrowser

@@ -60,6 +60,24 @@ TEST_F(ZipEntryIndexTest, ReadsEveryEntryOfAnArchiveLibzipWrote)
     EXPECT_FALSE(index.contains("empty"));
 }
 
+TEST_F(ZipEntryIndexTest, FindsTheDirectoryBehindAnArchiveComment)
+{
+    QByteArray whole = readFile(file);
+    const QByteArray comment = QByteArray("made by hand ").repeated(300);
+    whole[whole.size() - 2] = char(comment.size() & 0xFF);
+    whole[whole.size() - 1] = char(comment.size() >> 8);
+    writeFile(file, whole + comment);
+    ZipEntryIndex index;
+    std::string error;
+    ASSERT_TRUE(index.load(file, error)) << error;
+    EXPECT_TRUE(ZipEntryIndex::check(file, error)) << error;
+    for (const auto& [name, bytes] : entries) {
+        QByteArray read;
+        EXPECT_TRUE(index.read(file, name, read, error)) << name << ": " << error;
+        EXPECT_EQ(read, bytes) << name;
+    }
+}
+
 TEST_F(ZipEntryIndexTest, FilesThatAreNoArchiveFailToLoadWithAReason)
 {
     const QByteArray whole = readFile(file);
@@ -79,6 +97,9 @@ TEST_F(ZipEntryIndexTest, FilesThatAreNoArchiveFailToLoadWithAReason)
         EXPECT_FALSE(error.empty());
         EXPECT_FALSE(index.isLoaded());
         EXPECT_EQ(index.size(), 0u);
+        std::string checkError;
+        EXPECT_FALSE(ZipEntryIndex::check(file, checkError));
+        EXPECT_EQ(checkError, error);
     }
     ZipEntryIndex index;
     std::string error;

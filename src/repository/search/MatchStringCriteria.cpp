@@ -1,6 +1,8 @@
 #include "repository/search/MatchStringCriteria.h"
 
+#include "model/BlockImpl.h"
 #include "model/MetaNode.h"
+#include "model/NodeCast.h"
 #include "model/TandrilObjectImpl.h"
 
 namespace LibraryBrowser {
@@ -23,6 +25,12 @@ bool MatchStringCriteria::matches(const TandrilObject& object) const
     const TandrilObjectImpl* node = object.getImpl();
     if (!node)
         return false;
+    // The shown name, which every search asks of every object, is read in
+    // place rather than copied out through the property table.
+    if (m_property == displayName()) {
+        const auto* block = nodeCast<const BlockImpl>(node);
+        return block && m_pattern.matches(block->getDisplayName());
+    }
     const PropertyBase* property = node->metaNode().findProperty(m_property);
     return property && m_pattern.matches(property->getPropAsString(*node));
 }

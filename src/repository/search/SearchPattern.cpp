@@ -1,5 +1,7 @@
 #include "repository/search/SearchPattern.h"
 
+#include <QStringDecoder>
+
 #include <cctype>
 
 namespace LibraryBrowser {
@@ -56,7 +58,22 @@ bool SearchPattern::matches(const std::string& text) const
 {
     if (!m_regExp.isValid())
         return false;
-    const QString subject = QString::fromUtf8(text.data(), qsizetype(text.size()));
+    m_subject.resize(text.size());
+    std::size_t length = 0;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+    while (length < text.size() && bytes[length] < 0x80) {
+        m_subject[length] = char16_t(bytes[length]);
+        ++length;
+    }
+    if (length < text.size()) {
+        // Not plain ASCII: the decoder writes the rest, never more code
+        // units than there are bytes.
+        QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
+        QChar* end = decoder.appendToBuffer(reinterpret_cast<QChar*>(m_subject.data()) + length,
+                                            QByteArrayView(text.data() + length, qsizetype(text.size() - length)));
+        length = std::size_t(end - reinterpret_cast<QChar*>(m_subject.data()));
+    }
+    const QString subject = QString::fromRawData(reinterpret_cast<const QChar*>(m_subject.data()), qsizetype(length));
     return m_regExp.indexIn(subject, 0, QRegExp::CaretAtZero) != -1;
 }
 

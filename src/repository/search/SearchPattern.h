@@ -29,10 +29,17 @@ public:
     // True when the expression matches anywhere inside `text` (UTF-8).
     bool matches(const std::string& text) const;
     bool isValid() const { return m_regExp.isValid(); }
+    // The compiled expression, to be copied: the pattern's own matches leave
+    // it pointing at a buffer it doesn't own, so its captured texts are not
+    // for reading.
     const QRegExp& regExp() const { return m_regExp; }
 
 private:
     QRegExp m_regExp;
+    // The subject of the last match in UTF-16, reused: a search matches
+    // every name of the repository, and a string allocated per name was a
+    // large part of a search over read manifests.
+    mutable std::u16string m_subject;
 };
 
 } // namespace LibraryBrowser

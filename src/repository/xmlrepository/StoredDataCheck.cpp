@@ -42,13 +42,17 @@ std::string StoredDataCheck::productProblem(const std::string& storeDirectory, c
         const std::string path = storeDirectory + "/" + archive.spec;
         if (archive.spec.empty() || !QFileInfo::exists(QString::fromStdString(path)))
             continue;
-        ZipEntryIndex index;
+        const std::string& entry = product.getManifestFileSpec();
         std::string error;
+        if (std::string(archive.kind) != "manifests" || entry.empty()) {
+            // Nothing is read from it here: its directory need only be sound.
+            if (!ZipEntryIndex::check(path, error))
+                return std::string("the ") + archive.kind + " archive can't be opened: " + error;
+            continue;
+        }
+        ZipEntryIndex index;
         if (!index.load(path, error))
             return std::string("the ") + archive.kind + " archive can't be opened: " + error;
-        const std::string& entry = product.getManifestFileSpec();
-        if (std::string(archive.kind) != "manifests" || entry.empty())
-            continue;
         QByteArray bytes;
         if (!index.read(path, entry, bytes, error))
             return "the manifest " + entry + " can't be read from its archive: " + error;

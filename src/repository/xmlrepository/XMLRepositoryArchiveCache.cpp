@@ -48,6 +48,12 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
 {
     if (!QFileInfo::exists(qs(m_archivePath)))
         return std::string();
+    // A cold walk reads every manifest of an archive in turn: once the copy
+    // is made and indexed only its presence is checked, not the private
+    // directory's and the temporary base's every time.
+    if (!m_localCopy.empty() && m_index.isLoaded() && QFileInfo::exists(qs(m_localCopy)))
+        return m_localCopy;
+    m_localCopy.clear();
     const std::string directory = namedTempDirectory(*m_report, directoryName(), true);
     if (directory.empty())
         return std::string();
@@ -66,6 +72,7 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
         m_report->logError("Error returned from zip archiver: " + error);
         return std::string();
     }
+    m_localCopy = localCopy;
     return localCopy;
 }
 
@@ -91,6 +98,7 @@ QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
 void XMLRepositoryArchiveCache::close()
 {
     m_index.clear();
+    m_localCopy.clear();
     removeNamedTempDirectory(*m_report, directoryName());
 }
 

@@ -48,6 +48,8 @@ private:
     std::string m_archivePath;
     RepositoryReportPtr m_report;
     ZipEntryIndex m_index;
+    // The private copy once made and indexed, until close().
+    std::string m_localCopy;
 };
 
 using XMLRepositoryArchiveCachePtr = std::shared_ptr<XMLRepositoryArchiveCache>;

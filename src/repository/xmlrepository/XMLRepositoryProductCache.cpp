@@ -1,5 +1,6 @@
 #include "repository/xmlrepository/XMLRepositoryProductCache.h"
 
+#include "model/NodeCast.h"
 #include "repository/HandleData.h"
 #include "repository/ReaderCache.h"
 #include "repository/ReaderCacheRegistry.h"
@@ -99,10 +100,14 @@ ModelPtr XMLRepositoryProductCache::getModelUncached(const SubSystem& subsystem)
     }
 
     model->beginChangeSet();
+    // One buffer for the paths of all children: a manifest has hundreds.
+    std::string path;
     for (TandrilObjectImpl* child : model->getNodes()) {
-        if (auto* block = dynamic_cast<BlockImpl*>(child)) {
-            block->setDisplayPath(displayPath + "/" + block->getDisplayName());
-            block->setUniquePath(StringId(uniquePath + "/" + block->getName()));
+        if (auto* block = nodeCast<BlockImpl>(child)) {
+            path.assign(displayPath).append(1, '/').append(block->getDisplayName());
+            block->setDisplayPath(path);
+            path.assign(uniquePath).append(1, '/').append(block->getName());
+            block->setUniquePath(StringId(path));
         }
     }
     model->commitChangeSet();

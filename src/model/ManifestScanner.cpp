@@ -1,0 +1,487 @@
+#include "model/ManifestScanner.h"
+
+#include "model/LoadContext.h"
+#include "model/MetaModel.h"
+#include "model/Model.h"
+#include "model/Serializer.h"
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace LibraryBrowser {
+
+namespace {
+
+// Text properties are set straight through their generated setter: the
+// property table's way reads the text into a value first, which for text is
+// one more copy of every string of every node.
+using TextSetter = void (*)(Node&, const std::string&);
+
+template <class Setter>
+struct SetterOf;
+template <class Owner, class Type>
+struct SetterOf<void (Owner::*)(const Type&)> {
+    using Class = Owner;
+    using Value = Type;
+};
+
+template <auto Set>
+TextSetter textSetter()
+{
+    using Traits = SetterOf<decltype(Set)>;
+    if constexpr (std::is_same_v<typename Traits::Value, std::string>)
+        return [](Node& node, const std::string& text) { (static_cast<typename Traits::Class&>(node).*Set)(text); };
+    else
+        return nullptr;
+}
+
+// Per node class, in the property table's order: the name and the direct
+// setter (null where the value is not text).
+std::vector<std::pair<std::string, TextSetter>> textSetters(const StringId& typeName)
+{
+    std::vector<std::pair<std::string, TextSetter>> setters;
+#define TDLB_SCANNER_SETTER(name, Name, Type, def, structural) setters.emplace_back(#name, textSetter<&Self::set##Name>());
+#define TDLB_SCANNER_CLASS(Class, Parent)                                                              \
+    if (typeName == Class::staticGetTypeName()) {                                                    \
+        using Self = Class;                                                                            \
+        TDLB_##Class##_ALL(TDLB_SCANNER_SETTER)                                                        \
+    }
+    TDLB_NODE_CLASSES(TDLB_SCANNER_CLASS)
+#undef TDLB_SCANNER_CLASS
+#undef TDLB_SCANNER_SETTER
+    return setters;
+}
+
+// Node classes and their property names as bytes, built once.
+class ByteTables {
+public:
+    struct Class {
+        std::string name;
+        StringId typeName;
+        const MetaNode* meta = nullptr;
+        std::vector<std::string> propertyNames;
+        std::vector<TextSetter> textSetters;
+    };
+
+    static const ByteTables& instance()
+    {
+        static const ByteTables tables;
+        return tables;
+    }
+
+    const Class* findClass(std::string_view name) const
+    {
+        for (const Class& c : m_classes)
+            if (c.name == name)
+                return &c;
+        return nullptr;
+    }
+
+private:
+    ByteTables()
+    {
+        for (const auto& meta : MetaModel::instance().metaNodes()) {
+            Class c;
+            c.name = meta->typeName().str();
+            c.typeName = meta->typeName();
+            c.meta = meta.get();
+            for (const auto& property : meta->properties())
+                c.propertyNames.push_back(property->name().str());
+            // Used only where the schema's list and the property table agree.
+            const auto setters = textSetters(c.typeName);
+            c.textSetters.assign(c.propertyNames.size(), nullptr);
+            for (std::size_t i = 0; i < setters.size() && i < c.propertyNames.size(); ++i)
+                if (setters.size() == c.propertyNames.size() && setters[i].first == c.propertyNames[i])
+                    c.textSetters[i] = setters[i].second;
+            m_classes.push_back(std::move(c));
+        }
+    }
+    std::vector<Class> m_classes;
+};
+
+bool isSpace(char c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+bool isNameByte(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_'
+        || c == '.' || c == ':';
+}
+
+// Names begin with a letter or an underscore; a colon is left to the full
+// reader.
+bool startsName(std::string_view name)
+{
+    if (name.empty() || name.find(':') != std::string_view::npos)
+        return false;
+    const char c = name.front();
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+// A code point that XML allows in a document.
+bool isXmlChar(std::uint32_t c)
+{
+    return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) || (c >= 0xE000 && c <= 0xFFFD)
+        || (c >= 0x10000 && c <= 0x10FFFF);
+}
+
+void appendUtf8(std::string& out, std::uint32_t c)
+{
+    if (c < 0x80) {
+        out += char(c);
+    } else if (c < 0x800) {
+        out += char(0xC0 | (c >> 6));
+        out += char(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        out += char(0xE0 | (c >> 12));
+        out += char(0x80 | ((c >> 6) & 0x3F));
+        out += char(0x80 | (c & 0x3F));
+    } else {
+        out += char(0xF0 | (c >> 18));
+        out += char(0x80 | ((c >> 12) & 0x3F));
+        out += char(0x80 | ((c >> 6) & 0x3F));
+        out += char(0x80 | (c & 0x3F));
+    }
+}
+
+// The length of the well-formed UTF-8 sequence of an XML character at p,
+// or 0. Overlong forms, surrogates and non-characters are refused, so that
+// what is accepted reads the same through the full reader's decoder.
+std::size_t utf8SequenceLength(const char* p, const char* end)
+{
+    const auto b0 = static_cast<unsigned char>(p[0]);
+    std::size_t length;
+    std::uint32_t c;
+    if (b0 >= 0xC2 && b0 <= 0xDF) {
+        length = 2;
+        c = b0 & 0x1F;
+    } else if (b0 >= 0xE0 && b0 <= 0xEF) {
+        length = 3;
+        c = b0 & 0x0F;
+    } else if (b0 >= 0xF0 && b0 <= 0xF4) {
+        length = 4;
+        c = b0 & 0x07;
+    } else {
+        return 0;
+    }
+    if (std::size_t(end - p) < length)
+        return 0;
+    for (std::size_t i = 1; i < length; ++i) {
+        const auto b = static_cast<unsigned char>(p[i]);
+        if ((b & 0xC0) != 0x80)
+            return 0;
+        c = (c << 6) | (b & 0x3F);
+    }
+    static const std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (c < smallest[length] || !isXmlChar(c))
+        return 0;
+    return length;
+}
+
+class Scan {
+public:
+    Scan(const char* begin, const char* end) : m_p(begin), m_end(end) {}
+
+    bool document(Model& model)
+    {
+        if (!declaration())
+            return false;
+        skipSpace();
+        if (!take('<'))
+            return false;
+        if (name() != Serializer::rootElementName())
+            return false;
+        if (!rootAttributes())
+            return false;
+        if (take('/')) {
+            if (!take('>'))
+                return false;
+            return onlySpaceLeft();
+        }
+        if (!take('>'))
+            return false;
+        const ByteTables& tables = ByteTables::instance();
+        LoadContext context;
+        for (;;) {
+            skipSpace();
+            if (!take('<'))
+                return false;
+            if (take('/')) {
+                if (name() != Serializer::rootElementName())
+                    return false;
+                skipSpace();
+                if (!take('>'))
+                    return false;
+                break;
+            }
+            const ByteTables::Class* nodeClass = tables.findClass(name());
+            TandrilObjectImpl* node = nodeClass ? model.createNode(nodeClass->typeName) : nullptr;
+            if (!node || !nodeAttributes(*nodeClass, *node, context))
+                return false;
+        }
+        if (!onlySpaceLeft())
+            return false;
+        context.bindReferences();
+        return true;
+    }
+
+private:
+    bool atEnd() const { return m_p == m_end; }
+
+    bool take(char c)
+    {
+        if (m_p == m_end || *m_p != c)
+            return false;
+        ++m_p;
+        return true;
+    }
+
+    bool takeText(std::string_view text)
+    {
+        if (std::size_t(m_end - m_p) < text.size() || std::memcmp(m_p, text.data(), text.size()) != 0)
+            return false;
+        m_p += text.size();
+        return true;
+    }
+
+    // Whether any blank was skipped.
+    bool skipSpace()
+    {
+        const char* start = m_p;
+        while (m_p != m_end && isSpace(*m_p))
+            ++m_p;
+        return m_p != start;
+    }
+
+    bool onlySpaceLeft()
+    {
+        skipSpace();
+        return atEnd();
+    }
+
+    // An ASCII name; empty if there is none here.
+    std::string_view name()
+    {
+        const char* start = m_p;
+        while (m_p != m_end && isNameByte(*m_p))
+            ++m_p;
+        return std::string_view(start, std::size_t(m_p - start));
+    }
+
+    // `S? = S? "value"`, the value decoded into `out`.
+    bool equalsAndValue(std::string& out)
+    {
+        skipSpace();
+        if (!take('='))
+            return false;
+        skipSpace();
+        return value(out);
+    }
+
+    bool value(std::string& out)
+    {
+        out.clear();
+        if (atEnd() || (*m_p != '"' && *m_p != '\''))
+            return false;
+        const char quote = *m_p++;
+        for (;;) {
+            const char* run = m_p;
+            while (m_p != m_end) {
+                const auto b = static_cast<unsigned char>(*m_p);
+                if (b == static_cast<unsigned char>(quote) || b == '&' || b == '<' || b < 0x20 || b >= 0x80)
+                    break;
+                ++m_p;
+            }
+            out.append(run, std::size_t(m_p - run));
+            if (atEnd())
+                return false;
+            const auto b = static_cast<unsigned char>(*m_p);
+            if (b == static_cast<unsigned char>(quote)) {
+                ++m_p;
+                return true;
+            }
+            if (b >= 0x80) {
+                const std::size_t length = utf8SequenceLength(m_p, m_end);
+                if (!length)
+                    return false;
+                out.append(m_p, length);
+                m_p += length;
+            } else if (b == '&') {
+                if (!reference(out))
+                    return false;
+            } else {
+                // '<', or a literal control character or line break, which
+                // the full reader rejects or folds to a blank.
+                return false;
+            }
+        }
+    }
+
+    bool reference(std::string& out)
+    {
+        ++m_p;
+        static const struct {
+            std::string_view name;
+            char c;
+        } named[] = {{"amp;", '&'}, {"lt;", '<'}, {"gt;", '>'}, {"quot;", '"'}, {"apos;", '\''}};
+        for (const auto& entity : named)
+            if (takeText(entity.name)) {
+                out += entity.c;
+                return true;
+            }
+        if (!take('#'))
+            return false;
+        const bool hex = take('x');
+        std::uint32_t code = 0;
+        int digits = 0;
+        for (; m_p != m_end && *m_p != ';'; ++m_p, ++digits) {
+            const char c = *m_p;
+            int digit;
+            if (c >= '0' && c <= '9')
+                digit = c - '0';
+            else if (hex && c >= 'a' && c <= 'f')
+                digit = c - 'a' + 10;
+            else if (hex && c >= 'A' && c <= 'F')
+                digit = c - 'A' + 10;
+            else
+                return false;
+            if (digits >= 7)
+                return false;
+            code = code * (hex ? 16 : 10) + std::uint32_t(digit);
+        }
+        if (digits == 0 || !take(';') || !isXmlChar(code))
+            return false;
+        appendUtf8(out, code);
+        return true;
+    }
+
+    // `<?xml version="1.0" encoding="UTF-8"?>`; absent is fine too.
+    bool declaration()
+    {
+        if (!takeText("<?xml"))
+            return true;
+        if (!skipSpace())
+            return false;
+        std::string text;
+        bool versionSeen = false;
+        for (;;) {
+            if (takeText("?>"))
+                return versionSeen;
+            const std::string_view key = name();
+            if (!equalsAndValue(text))
+                return false;
+            if (key == "version" && !versionSeen && text == "1.0")
+                versionSeen = true;
+            else if (!(key == "encoding" && versionSeen && (text == "UTF-8" || text == "utf-8")))
+                return false;
+            if (!skipSpace() && !(m_p != m_end && *m_p == '?'))
+                return false;
+        }
+    }
+
+    // The root's attributes say nothing that loading needs; they must only
+    // be well formed and distinct.
+    bool rootAttributes()
+    {
+        std::vector<std::string_view> seen;
+        std::string text;
+        while (skipSpace()) {
+            if (atEnd() || *m_p == '/' || *m_p == '>')
+                return true;
+            const std::string_view key = name();
+            if (!startsName(key))
+                return false;
+            for (const std::string_view& other : seen)
+                if (other == key)
+                    return false;
+            seen.push_back(key);
+            if (!equalsAndValue(text))
+                return false;
+        }
+        return !atEnd() && (*m_p == '/' || *m_p == '>');
+    }
+
+    // Attributes up to the closing "/>" of an empty element.
+    bool nodeAttributes(const ByteTables::Class& nodeClass, TandrilObjectImpl& node, LoadContext& context)
+    {
+        const std::vector<std::string>& names = nodeClass.propertyNames;
+        const auto& properties = nodeClass.meta->properties();
+        const std::size_t count = names.size();
+        if (count > 64)
+            return false;
+        std::uint64_t seen = 0;
+        bool hasId = false;
+        std::size_t hint = 0;
+        std::string reason;
+        for (;;) {
+            const bool spaced = skipSpace();
+            if (take('/'))
+                return take('>') && hasId;
+            if (!spaced)
+                return false;
+            const std::string_view key = name();
+            if (key == "id") {
+                if (hasId || !equalsAndValue(m_value) || !nodeId(m_value, node, context))
+                    return false;
+                hasId = true;
+                continue;
+            }
+            std::size_t index = count;
+            for (std::size_t k = 0; k < count; ++k) {
+                const std::size_t i = (hint + k) % count;
+                if (names[i] == key) {
+                    index = i;
+                    break;
+                }
+            }
+            if (index == count || (seen & (std::uint64_t(1) << index)))
+                return false;
+            seen |= std::uint64_t(1) << index;
+            hint = index + 1;
+            if (!equalsAndValue(m_value))
+                return false;
+            if (const TextSetter set = nodeClass.textSetters[index])
+                set(node, m_value);
+            else if (!properties[index]->setPropFromString(node, m_value, context, reason))
+                return false;
+        }
+    }
+
+    static bool nodeId(const std::string& text, TandrilObjectImpl& node, LoadContext& context)
+    {
+        if (text.empty() || text.size() > 9)
+            return false;
+        unsigned id = 0;
+        for (char c : text) {
+            if (c < '0' || c > '9')
+                return false;
+            id = id * 10 + unsigned(c - '0');
+        }
+        return id != 0 && context.addNode(id, &node);
+    }
+
+    const char* m_p;
+    const char* m_end;
+    std::string m_value;
+};
+
+} // namespace
+
+bool ManifestScanner::scan(Model& model, const QByteArray& bytes)
+{
+    const std::size_t before = model.createdCount();
+    Scan scan(bytes.constData(), bytes.constData() + bytes.size());
+    if (scan.document(model))
+        return true;
+    model.removeNodesCreatedAfter(before);
+    return false;
+}
+
+} // namespace LibraryBrowser
