@@ -9,6 +9,7 @@ packages=(
   qt6-base-dev qt6-5compat-dev qt6-svg-dev libzip-dev
   pybind11-dev python3-dev python3-pytest
   googletest libgtest-dev libgmock-dev libbenchmark-dev
+  libgoogle-perftools-dev
   xvfb xauth zip unzip
   fonts-dejavu-core
 )
