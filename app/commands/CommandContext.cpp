@@ -47,6 +47,12 @@ void CommandContext::print(const QString& text) const
     std::fputc('\n', stdout);
 }
 
+void CommandContext::printUtf8(const std::string& text) const
+{
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fputc('\n', stdout);
+}
+
 void CommandContext::printJson(const QJsonObject& document) const
 {
     std::fputs(QJsonDocument(document).toJson(QJsonDocument::Indented).constData(), stdout);

@@ -30,6 +30,8 @@ public:
     bool interactive() const;
 
     void print(const QString& text) const;
+    // For text already in UTF-8, as the repository gives it.
+    void printUtf8(const std::string& text) const;
     void printJson(const QJsonObject& document) const;
     // Writes "tdlb COMMAND: message" on standard error; gives Failure.
     int fail(const QString& message) const;

@@ -7,6 +7,7 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <functional>
 #include <limits>
 #include <set>
 
@@ -14,22 +15,24 @@ namespace LibraryBrowser::Tdlb {
 
 namespace {
 
-// A pre-order walk that knows each object's depth. Library references are
-// shown with their target and not entered, so that the listing stays finite
-// and shows each library's blocks under the library itself.
+// A pre-order walk that hands each object and its depth to a visitor.
+// Library references are shown with their target and not entered, so that
+// the listing stays finite and shows each library's blocks under the library
+// itself.
 class TreeWalk {
 public:
-    TreeWalk(Repository& repository, int maximumDepth) : m_repository(repository), m_maximumDepth(maximumDepth) {}
+    using Visitor = std::function<void(const TandrilObject&, int depth)>;
+
+    TreeWalk(Repository& repository, int maximumDepth, Visitor visitor)
+        : m_repository(repository), m_maximumDepth(maximumDepth), m_visitor(std::move(visitor))
+    {
+    }
 
     void visit(const TandrilObject& object, int depth)
     {
         if (depth > m_maximumDepth)
             return;
-        QJsonObject entry = ObjectLookup::summary(object);
-        entry["depth"] = depth;
-        if (object.isLibraryRef())
-            entry["target"] = QString::fromStdString(object.getLibraryRefPath());
-        objects.append(entry);
+        m_visitor(object, depth);
         if (object.isLibraryRef() || object.getIsEmpty() || !m_onPath.insert(object.getPath()).second)
             return;
         for (TandrilObjectIterator it = m_repository.getChildrenIterator(object); it.isValidIterator(); it.next())
@@ -37,11 +40,10 @@ public:
         m_onPath.erase(object.getPath());
     }
 
-    QJsonArray objects;
-
 private:
     Repository& m_repository;
     int m_maximumDepth;
+    Visitor m_visitor;
     std::set<std::string> m_onPath;
 };
 
@@ -65,7 +67,27 @@ int run(const QCommandLineParser& parser, const QStringList& arguments, CommandC
     }
 
     Repository& repository = context.repository();
-    TreeWalk walk(repository, maximumDepth);
+    const bool json = parser.isSet("json");
+    const int indentBase = arguments.isEmpty() ? 1 : 0;
+    QJsonArray objects;
+    // The text listing is written as the walk goes: at 100,000 objects,
+    // keeping it first would cost as much memory as the nodes themselves.
+    TreeWalk walk(repository, maximumDepth, [&](const TandrilObject& object, int depth) {
+        const std::string target = object.isLibraryRef() ? object.getLibraryRefPath() : std::string();
+        if (json) {
+            QJsonObject entry = ObjectLookup::summary(object);
+            entry["depth"] = depth;
+            if (object.isLibraryRef())
+                entry["target"] = QString::fromStdString(target);
+            objects.append(entry);
+            return;
+        }
+        std::string line(std::size_t(2 * (depth - indentBase)), ' ');
+        line += object.getDisplayName() + "  [" + object.getType() + "]";
+        if (object.isLibraryRef())
+            line += " -> " + target;
+        context.printUtf8(line);
+    });
     QString start;
     if (arguments.isEmpty()) {
         // The products stand one level below the start, the repository.
@@ -78,19 +100,8 @@ int run(const QCommandLineParser& parser, const QStringList& arguments, CommandC
         start = QString::fromStdString(object.getPath());
         walk.visit(object, 0);
     }
-
-    if (parser.isSet("json")) {
-        context.printJson(QJsonObject{{"start", start}, {"count", walk.objects.size()}, {"objects", walk.objects}});
-        return Success;
-    }
-    const int indentBase = arguments.isEmpty() ? 1 : 0;
-    for (const QJsonValue& entry : walk.objects) {
-        QString line = QString(2 * (entry["depth"].toInt() - indentBase), ' ') + entry["displayName"].toString() +
-                       "  [" + entry["type"].toString() + "]";
-        if (entry.toObject().contains("target"))
-            line += " -> " + entry["target"].toString();
-        context.print(line);
-    }
+    if (json)
+        context.printJson(QJsonObject{{"start", start}, {"count", objects.size()}, {"objects", objects}});
     return Success;
 }
 
