@@ -101,12 +101,14 @@ TandrilObject ReaderCache::placeholder(const StringId& id, TandrilObjectImpl* no
 
 void ReaderCache::clearHandles()
 {
+    ++m_clearCount;
     for (auto& entry : m_handles)
         entry.second->clearNode();
 }
 
 void ReaderCache::clearProductHandles(const std::string& productKey)
 {
+    ++m_clearCount;
     for (HandleData* data : m_invalidHandles)
         data->clearNode();
     const auto product = m_productHandles.find(productKey);
@@ -117,6 +119,7 @@ void ReaderCache::clearProductHandles(const std::string& productKey)
 
 void ReaderCache::clearTopLevelHandles()
 {
+    ++m_clearCount;
     for (HandleData* data : m_libraryHandles)
         data->clearNode();
     for (HandleData* data : m_invalidHandles)
@@ -127,6 +130,7 @@ void ReaderCache::forgetModels(const std::unordered_set<const Model*>& models)
 {
     if (models.empty())
         return;
+    ++m_clearCount;
     for (auto& entry : m_handles) {
         const TandrilObjectImpl* node = entry.second->node();
         if (node && models.count(node->getModel()))

@@ -5,6 +5,7 @@
 #include "repository/Library.h"
 #include "repository/TandrilObjectIterator.h"
 
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -60,6 +61,9 @@ public:
     // Clears every handle whose node lives in one of these models, which are
     // about to go.
     void forgetModels(const std::unordered_set<const Model*>& models);
+    // Goes up by one with each of the four calls above: a list of handles
+    // checked at the same count still has all its nodes.
+    std::uint64_t clearCount() const { return m_clearCount; }
     // The key of the product set for an id: cut at the first "/", then at
     // the first "-".
     static std::string productKey(const std::string& id);
@@ -89,6 +93,7 @@ private:
     // walk's largest cost. The handles follow their ids into a reloaded top
     // level; one whose node has gone, or no longer fits, is looked up anew.
     std::unordered_map<std::string, Library> m_products;
+    std::uint64_t m_clearCount = 0;
 };
 
 } // namespace LibraryBrowser

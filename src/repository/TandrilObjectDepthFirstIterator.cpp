@@ -1,6 +1,6 @@
 #include "repository/TandrilObjectDepthFirstIterator.h"
 
-#include "model/BlockImpl.h"
+#include "model/SubSystemImpl.h"
 #include "model/NodeCast.h"
 #include "repository/RepositoryReader.h"
 
@@ -10,12 +10,13 @@ namespace LibraryBrowser {
 
 namespace {
 
-// The object's text path, read in place: the walk asks it of every object.
-const std::string& pathOf(const TandrilObject& object)
+// A subsystem's text path, read in place; null for any other object. Only
+// subsystems are ever entered, so only theirs is compared: a search reads
+// no more of a plain block than its kind.
+const std::string* subsystemPath(const TandrilObject& object)
 {
-    static const std::string none;
-    const auto* block = nodeCast<const BlockImpl>(object.getImpl());
-    return block ? block->getPath() : none;
+    const auto* subsystem = nodeCast<const SubSystemImpl>(object.getImpl());
+    return subsystem ? &subsystem->getPath() : nullptr;
 }
 
 } // namespace
@@ -55,16 +56,14 @@ bool TandrilObjectDepthFirstIterator::isEntered(const std::string& path) const
     return std::find(m_entered.begin(), m_entered.end(), path) != m_entered.end();
 }
 
-bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object, const std::string& path)
+bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object)
 {
-    if (isEntered(path))
-        return false;
-    const SubSystem subsystem = object.toSubSystem();
-    if (!subsystem.isValid())
+    const std::string* path = subsystemPath(object);
+    if (!path || isEntered(*path))
         return false;
     // Copied first: loading the children may reload the object's own node.
-    std::string entered = path;
-    TandrilObjectIterator children = m_reader->getChildrenIterator(subsystem);
+    std::string entered = *path;
+    TandrilObjectIterator children = m_reader->getChildrenIterator(object.toSubSystem());
     if (children.isEmpty())
         return false;
     m_stack.push_back(std::move(children));
@@ -77,9 +76,8 @@ void TandrilObjectDepthFirstIterator::next()
     if (m_stack.empty())
         return;
     TandrilObject object = current();
-    const std::string* path = &pathOf(object);
     for (;;) {
-        if (!enter(object, *path)) {
+        if (!enter(object)) {
             for (;;) {
                 m_stack.back().next();
                 if (m_stack.back().isValidIterator())
@@ -92,10 +90,10 @@ void TandrilObjectDepthFirstIterator::next()
             }
         }
         object = current();
-        path = &pathOf(object);
         // A subsystem the walk is inside of already, met again through a
         // reference that closes a cycle: stepped over, not returned.
-        if (!isEntered(*path))
+        const std::string* path = subsystemPath(object);
+        if (!path || !isEntered(*path))
             return;
     }
 }

@@ -31,7 +31,7 @@ public:
 private:
     TandrilObjectDepthFirstIterator(const TandrilObjectDepthFirstIterator& other) = default;
     // Enters the object if it is a subsystem with children not entered yet.
-    bool enter(const TandrilObject& object, const std::string& path);
+    bool enter(const TandrilObject& object);
     bool isEntered(const std::string& path) const;
 
     bool m_fromTop;

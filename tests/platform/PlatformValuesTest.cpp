@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <unordered_set>
+#include <vector>
 
 using namespace LibraryBrowser;
 
@@ -23,6 +25,28 @@ TEST(StringId, EqualTextGivesIdenticalIdAndHash)
     EXPECT_TRUE(StringId().isEmpty());
     EXPECT_EQ(StringId(), StringId(""));
     EXPECT_EQ(StringId(static_cast<const char*>(nullptr)), StringId());
+}
+
+TEST(StringId, IdsSurviveTheTableGrowingAndCountEachTextOnce)
+{
+    // Enough new texts to grow the table several times over, with texts
+    // that differ only late and some that differ only in length.
+    const std::size_t before = StringId::internedCount();
+    std::vector<StringId> ids;
+    std::vector<const char*> addresses;
+    for (int i = 0; i < 20000; ++i) {
+        ids.emplace_back("StringIdGrowth/Subsystem/Block " + std::to_string(i));
+        addresses.push_back(ids.back().c_str());
+    }
+    EXPECT_EQ(StringId::internedCount(), before + 20000);
+    for (int i = 0; i < 20000; ++i) {
+        const StringId again("StringIdGrowth/Subsystem/Block " + std::to_string(i));
+        ASSERT_EQ(again, ids[std::size_t(i)]) << i;
+        ASSERT_EQ(again.c_str(), addresses[std::size_t(i)]) << "an id's text never moves";
+        ASSERT_EQ(again.str(), "StringIdGrowth/Subsystem/Block " + std::to_string(i));
+    }
+    EXPECT_EQ(StringId::internedCount(), before + 20000) << "looking up interns nothing new";
+    EXPECT_NE(StringId(std::string("a\0b", 3)), StringId("a")) << "text after a zero byte counts";
 }
 
 TEST(HostValue, MatricesAndCellsKeepTheirShape)

@@ -52,13 +52,19 @@ TandrilObjectListPtr XMLRepositoryProductCache::getChildren(const SubSystem& sub
     ReaderCache* cache = m_reader->getCache();
     const auto known = m_children.find(subsystem);
     if (known != m_children.end()) {
-        // The cache may have cleared nodes that this model still holds.
-        const TandrilObjectImplList& nodes = m_models[subsystem]->getNodes();
-        const TandrilObjectList& children = *known->second;
-        for (std::size_t i = 0; i < children.size(); ++i)
-            if (!children[i].getData()->node())
-                HandleData::acquire(nodes.get(int(i)), cache);
-        return known->second;
+        Children& children = known->second;
+        // The cache may have cleared nodes that this model still holds; a
+        // warm walk asks again for every subsystem, so the list is checked
+        // only after a clearing.
+        if (children.boundAt != cache->clearCount()) {
+            const TandrilObjectImplList& nodes = m_models[subsystem]->getNodes();
+            const TandrilObjectList& list = *children.list;
+            for (std::size_t i = 0; i < list.size(); ++i)
+                if (!list[i].getData()->node())
+                    HandleData::acquire(nodes.get(int(i)), cache);
+            children.boundAt = cache->clearCount();
+        }
+        return children.list;
     }
     const ModelPtr model = getModel(subsystem);
     auto children = std::make_shared<TandrilObjectList>();
@@ -66,7 +72,7 @@ TandrilObjectListPtr XMLRepositoryProductCache::getChildren(const SubSystem& sub
     for (TandrilObjectImpl* node : model->getNodes())
         children->emplace_back(node, cache);
     TandrilObjectListPtr list = std::move(children);
-    m_children[subsystem] = list;
+    m_children[subsystem] = Children{list, cache->clearCount()};
     return list;
 }
 
@@ -107,7 +113,9 @@ ModelPtr XMLRepositoryProductCache::getModelUncached(const SubSystem& subsystem)
             path.assign(displayPath).append(1, '/').append(block->getDisplayName());
             block->setDisplayPath(path);
             path.assign(uniquePath).append(1, '/').append(block->getName());
-            block->setUniquePath(StringId(path));
+            // Mostly the path as stored: compared first, it is not looked up again.
+            if (block->getUniquePath().str() != path)
+                block->setUniquePath(StringId(path));
         }
     }
     model->commitChangeSet();

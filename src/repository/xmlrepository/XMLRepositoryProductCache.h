@@ -61,7 +61,12 @@ private:
     const BlockIconPtr m_noIcon = std::make_shared<BlockIcon>();
     XMLRepositoryArchiveCachePtr m_iconsArchive;
     std::unordered_map<SubSystem, ModelPtr> m_models;
-    std::unordered_map<SubSystem, TandrilObjectListPtr> m_children;
+    struct Children {
+        TandrilObjectListPtr list;
+        // The reader cache's clear count when every handle was last bound.
+        std::uint64_t boundAt = 0;
+    };
+    std::unordered_map<SubSystem, Children> m_children;
     XMLRepositoryArchiveCachePtr m_manifestsArchive;
 };
 
