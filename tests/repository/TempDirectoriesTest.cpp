@@ -103,14 +103,7 @@ TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystem)
     EXPECT_FALSE(exists(copy)) << "a failed copy leaves no file";
 
     qunsetenv("TMPDIR");
-    // As Qt leaves it when it finds none: a directory on the disk, passed over.
-    const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
-    qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(tempRoot()));
     const QString base = privateTempBase();
-    if (runtime.isEmpty())
-        qunsetenv("XDG_RUNTIME_DIR");
-    else
-        qputenv("XDG_RUNTIME_DIR", runtime);
     const QStorageInfo shm(QStringLiteral("/dev/shm"));
     if (!QFileInfo(QStringLiteral("/dev/shm")).isWritable() || shm.bytesAvailable() < (qint64(1) << 30))
         GTEST_SKIP() << "no memory file system with room here";

@@ -38,13 +38,8 @@ const QString& memoryTempBase()
             const QFileInfo info(candidate);
             if (candidate.isEmpty() || !info.isDir() || !info.isWritable())
                 continue;
-            // Qt itself sets XDG_RUNTIME_DIR to a directory below /tmp when
-            // it finds none, which is as slow as any disk: only a file
-            // system in memory will do.
             const QStorageInfo storage(candidate);
-            const QByteArray type = storage.fileSystemType();
-            if (storage.isValid() && (type == "tmpfs" || type == "ramfs")
-                && storage.bytesAvailable() >= MemoryBaseMinimumFree)
+            if (storage.isValid() && storage.bytesAvailable() >= MemoryBaseMinimumFree)
                 return info.absoluteFilePath();
         }
         return QString();
