@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -24,9 +26,11 @@ public:
     // The first file for the library on the path, or empty. A file once
     // found is given again while it exists: a generation asks for each
     // library thousands of times, and walking the path each time costs a
-    // failed look-up per directory before it. So a file of the same name
-    // added later to a directory earlier on the path is only seen after that
-    // one is gone or refresh() has run.
+    // failed look-up per directory before it. For the same reason the
+    // directories below the root are taken as the last refresh() listed
+    // them, and only the others are looked into. So a file of the same name
+    // added later to a directory earlier on the path is only seen after the
+    // one found is gone or refresh() has run.
     QString findLibraryFile(const std::string& library) const;
 
     static QString libraryFileName(const std::string& library);
@@ -39,6 +43,9 @@ private:
     QStringList m_given;
     QStringList m_directories;
     mutable std::unordered_map<std::string, QString> m_found;
+    // The library file names in each directory of the path that the walk
+    // below the root listed.
+    QHash<QString, QSet<QString>> m_listed;
 };
 
 } // namespace LibraryBrowser::Host

@@ -48,6 +48,38 @@ TEST(SearchPathOrder, GivenDirectoriesComeFirstAndDuplicatesAreAllListed)
         << "a path list in the call replaces the host's own";
 }
 
+// Library files are looked for in what the walk below the root listed; files
+// added, moved or removed after it are found or missed as on the disk.
+TEST(SearchPathOrder, LibraryFilesAreFoundWhereTheyAreNow)
+{
+    RootCopy root;
+    const QByteArray empty = libraryJson("any", "[]");
+    root.write("toolbox/wavecraft/late.tdlib.json", empty);
+    root.write("toolbox/kinetics/twice.tdlib.json", empty);
+    root.write("toolbox/wavecraft/twice.tdlib.json", empty);
+    HostFixture fixture(root.path());
+    const auto fileOf = [&](const std::string& library) {
+        const auto result = fixture.tdprivate("lb_getLibraryData", 3, {HostValue::string(library)});
+        return result.ok ? result.outputs.at(0).cell(0).toString() : "failed: " + result.errorMessage;
+    };
+    EXPECT_EQ(fileOf("late"), "toolbox/wavecraft/late.tdlib.json");
+    EXPECT_EQ(fileOf("twice"), "toolbox/kinetics/twice.tdlib.json") << "the first directory on the path wins";
+
+    root.write("toolbox/arithmetica/fresh.tdlib.json", empty);
+    EXPECT_EQ(fileOf("fresh"), "toolbox/arithmetica/fresh.tdlib.json") << "added after the host started";
+
+    ASSERT_TRUE(QFile::rename(root.file("toolbox/wavecraft/late.tdlib.json"),
+                              root.file("toolbox/switchyard/late.tdlib.json")));
+    EXPECT_EQ(fileOf("late"), "toolbox/switchyard/late.tdlib.json") << "moved to another directory of the path";
+
+    ASSERT_TRUE(QFile::remove(root.file("toolbox/kinetics/twice.tdlib.json")));
+    EXPECT_EQ(fileOf("twice"), "toolbox/wavecraft/twice.tdlib.json") << "the next one on the path";
+
+    ASSERT_TRUE(QFile::remove(root.file("toolbox/switchyard/late.tdlib.json")));
+    EXPECT_EQ(fileOf("late"), "failed: lb_getLibraryData: no library \"late\" on the path");
+    EXPECT_EQ(fixture.errors().size(), 1u);
+}
+
 TEST(LibraryReload, ChangedFilesAreReadAgainAndOldHandlesStayValid)
 {
     RootCopy root;

@@ -5,6 +5,7 @@
 #include "StoreFixture.h"
 #include "repository/RepositoryReport.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -112,6 +113,24 @@ TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystem)
     EXPECT_EQ(made.rfind(base.toStdString() + "/LBMemory", 0), 0u) << made;
     removeNamedTempDirectory(report, "LBMemory");
     EXPECT_FALSE(exists(made));
+}
+
+// A runtime directory made below the disk's /tmp (as programs do without a
+// session) is writable and roomy, but is no memory file system.
+TEST_F(TempDirectoriesTest, ADirectoryOnTheDiskIsNoMemoryBase)
+{
+    const QString disk = QString::fromStdString(path("runtime-on-disk"));
+    QDir().mkpath(disk);
+    const QByteArray type = QStorageInfo(disk).fileSystemType();
+    if (type == "tmpfs" || type == "ramfs")
+        GTEST_SKIP() << "the scratch directory is itself in memory here";
+    EXPECT_EQ(memoryFileSystemBase({disk}), QString());
+    EXPECT_EQ(memoryFileSystemBase({QString(), QString::fromStdString(path("missing"))}), QString());
+
+    const QStorageInfo shm(QStringLiteral("/dev/shm"));
+    if (!QFileInfo(QStringLiteral("/dev/shm")).isWritable() || shm.bytesAvailable() < (qint64(1) << 30))
+        GTEST_SKIP() << "no memory file system with room here";
+    EXPECT_EQ(memoryFileSystemBase({disk, QStringLiteral("/dev/shm")}), QStringLiteral("/dev/shm"));
 }
 
 TEST_F(TempDirectoriesTest, NoUsableSystemTemporaryDirectory)

@@ -149,6 +149,15 @@ bool copyFile(RepositoryReport& report, const std::string& source, const std::st
     return false;
 }
 
+bool holdsBytes(const std::string& path, const QByteArray& bytes)
+{
+    QFile file(qs(path));
+    // The size first: a file that differs mostly differs in length too.
+    if (file.size() != bytes.size() || !file.open(QIODevice::ReadOnly))
+        return false;
+    return file.readAll() == bytes;
+}
+
 void reportLoadWarnings(RepositoryReport& report, const ErrorHolder& errors)
 {
     for (const std::string& warning : errors.warnings())

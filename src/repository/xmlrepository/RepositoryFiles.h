@@ -32,6 +32,9 @@ std::string computeCheckSum(RepositoryReport& report, const std::string& path);
 // The checked copy: replaces the destination, making its directory if
 // needed. False, and an error, on any failure.
 bool copyFile(RepositoryReport& report, const std::string& source, const std::string& destination);
+// Whether the file exists and holds exactly these bytes; false when it can't
+// be read.
+bool holdsBytes(const std::string& path, const QByteArray& bytes);
 // Whether the process runs as the automated build account; decided once.
 bool isAutomatedBuildUser();
 // Waits for about count milliseconds.

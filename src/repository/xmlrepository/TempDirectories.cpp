@@ -30,24 +30,32 @@ QHash<QString, QString>& tempDirectoryNames()
 constexpr qint64 MemoryBaseMinimumFree = qint64(1) << 30;
 constexpr qint64 CopyChunkSize = 1 << 20;
 
-// The memory file system to use, or empty; looked for once per process.
+// Looked for once per process.
 const QString& memoryTempBase()
 {
-    static const QString base = [] {
-        for (const QString& candidate : {qEnvironmentVariable("XDG_RUNTIME_DIR"), QStringLiteral("/dev/shm")}) {
-            const QFileInfo info(candidate);
-            if (candidate.isEmpty() || !info.isDir() || !info.isWritable())
-                continue;
-            const QStorageInfo storage(candidate);
-            if (storage.isValid() && storage.bytesAvailable() >= MemoryBaseMinimumFree)
-                return info.absoluteFilePath();
-        }
-        return QString();
-    }();
+    static const QString base =
+        memoryFileSystemBase({qEnvironmentVariable("XDG_RUNTIME_DIR"), QStringLiteral("/dev/shm")});
     return base;
 }
 
 } // namespace
+
+QString memoryFileSystemBase(const QStringList& candidates)
+{
+    for (const QString& candidate : candidates) {
+        const QFileInfo info(candidate);
+        if (candidate.isEmpty() || !info.isDir() || !info.isWritable())
+            continue;
+        // A runtime directory is not always in memory: without a session,
+        // programs make one below the disk's /tmp.
+        const QStorageInfo storage(candidate);
+        const QByteArray type = storage.fileSystemType();
+        if (storage.isValid() && (type == "tmpfs" || type == "ramfs")
+            && storage.bytesAvailable() >= MemoryBaseMinimumFree)
+            return info.absoluteFilePath();
+    }
+    return QString();
+}
 
 QString privateTempBase()
 {

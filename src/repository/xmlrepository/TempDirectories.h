@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <string>
 
@@ -18,6 +19,9 @@ class RepositoryReport;
 // file per block there, and creating files on a disk costs far more; failing
 // that, the system's temporary directory.
 QString privateTempBase();
+// The first of the candidates that is a writable directory on a memory file
+// system with room to spare, or empty.
+QString memoryFileSystemBase(const QStringList& candidates);
 
 // The directory of that name, made if create is set; the empty string, and
 // an error, if it can't be had.

@@ -5,7 +5,10 @@
 #include "platform/ErrorHolder.h"
 #include "repository/TandrilObjectIterator.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -85,6 +88,51 @@ TEST_F(WriterTest, WhatAProductNoLongerHoldsLeavesItsArchives)
     const Library alpha = makeReader()->getProduct("Alpha");
     EXPECT_TRUE(alpha.getIsEmpty());
     EXPECT_TRUE(alpha.getIsFlat());
+}
+
+// The top-level manifest is put in place again only when its bytes change,
+// and it always ends up holding the model as it stands.
+TEST_F(WriterTest, TheTopLevelManifestIsReplacedOnlyWhenItsBytesChange)
+{
+    setAlphaAndBeta(3, 2);
+    generate();
+    const std::string top = topLevelFile(store());
+    const QByteArray generated = readFile(top);
+    const QDateTime old = QDateTime::fromSecsSinceEpoch(946684800);
+    const auto ageFile = [&] {
+        QFile file(QString::fromStdString(top));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.setFileTime(old, QFileDevice::FileModificationTime));
+    };
+    const auto modified = [&] { return QFileInfo(QString::fromStdString(top)).lastModified(); };
+    ageFile();
+    const auto updateProducts = [&] {
+        report = RepositoryReport::create();
+        XMLRepositoryWriter(store(), report).updateProducts();
+    };
+
+    updateProducts();
+    EXPECT_TRUE(logged(*report, "Updating top level manifest (writing: " + top + ")"));
+    EXPECT_EQ(modified(), old) << "the same bytes are not written again";
+    EXPECT_EQ(readFile(top), generated);
+
+    // Same length, other bytes: what the store holds no longer matches.
+    QByteArray tampered = generated;
+    const int at = tampered.indexOf("Alpha Library");
+    ASSERT_GE(at, 0);
+    tampered[at] = 'X';
+    writeFile(top, tampered);
+    ageFile();
+    updateProducts();
+    EXPECT_NE(modified(), old);
+    EXPECT_EQ(readFile(top), generated);
+
+    libraries.setProducts({{"Alpha Renamed", "Alpha"}, {"Beta Library", "Beta"}});
+    ageFile();
+    updateProducts();
+    EXPECT_NE(modified(), old);
+    EXPECT_TRUE(readFile(top).contains("Alpha Renamed"));
+    EXPECT_EQ(makeReader()->getProduct("Alpha").getDisplayName(), "Alpha Renamed");
+    EXPECT_FALSE(report->hasError());
 }
 
 TEST_F(WriterTest, ReferencesToOneLibraryMakeOneDependencyAndAnUnresolvableOneIsWarnedOf)
@@ -171,6 +219,8 @@ TEST_F(WriterTest, AReadOnlyStoreIsReportedAndKeepsWhatItHad)
         GTEST_SKIP() << "cannot make a path read-only here";
 
     setAlphaAndBeta(3, 3);
+    // A new name gives the top level something new to write.
+    libraries.setProducts({{"Alpha Renamed", "Alpha"}, {"Beta Library", "Beta"}});
     generate(GenerationMode::IgnoreTimestamp);
     // Publishing Alpha and the top level fails; the verb goes on to Beta.
     EXPECT_TRUE(logged(*report, "??? **Error**   Unable to remove " + archive("Alpha", "icons")));
