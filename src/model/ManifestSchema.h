@@ -10,6 +10,7 @@
 //   Name        the same with its first letter in upper case (getName/setName)
 //   structural  true for properties that hold node pointers: they mean
 //               nothing in another model, so non-structural copies skip them
+// SharedText is for text that every block of a product holds alike.
 
 #define TDLB_TandrilObjectImpl_OWN(X)                                   \
     X(uniquePath, UniquePath, StringId, StringId(), false)              \
@@ -24,8 +25,8 @@
     X(description, Description, std::string, std::string(), false)      \
     X(position, Position, QRectF, QRectF(), false)                      \
     X(reposDirectorySpec, ReposDirectorySpec, std::string, std::string(), false) \
-    X(reposManifestsArchiveSpec, ReposManifestsArchiveSpec, std::string, std::string(), false) \
-    X(reposIconsArchiveSpec, ReposIconsArchiveSpec, std::string, std::string(), false) \
+    X(reposManifestsArchiveSpec, ReposManifestsArchiveSpec, SharedText, SharedText(), false) \
+    X(reposIconsArchiveSpec, ReposIconsArchiveSpec, SharedText, SharedText(), false) \
     X(productName, ProductName, std::string, std::string(), false)      \
     X(treeIcon, TreeIcon, std::string, std::string(), false)            \
     X(panelIcon, PanelIcon, std::string, std::string(), false)

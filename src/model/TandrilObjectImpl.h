@@ -4,6 +4,7 @@
 #include "model/ManifestSchema.h"
 #include "model/MetaNode.h"
 #include "model/FileInfo.h"
+#include "platform/SharedText.h"
 #include "model/NodeList.h"
 
 #include <QRectF>

@@ -80,6 +80,7 @@ std::string toText(std::int32_t value) { return std::to_string(value); }
 std::string toText(std::int64_t value) { return std::to_string(value); }
 std::string toText(const std::string& value) { return value; }
 std::string toText(const StringId& value) { return value.str(); }
+std::string toText(const SharedText& value) { return value.str(); }
 
 std::string toText(const QRectF& value)
 {
@@ -132,6 +133,12 @@ bool fromText(const std::string& text, std::string& value)
 bool fromText(const std::string& text, StringId& value)
 {
     value = StringId(text);
+    return true;
+}
+
+bool fromText(const std::string& text, SharedText& value)
+{
+    value = SharedText(text);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/FileInfo.h"
+#include "platform/SharedText.h"
 #include "platform/StringId.h"
 
 #include <QRectF>
@@ -24,6 +25,7 @@ std::string toText(std::int32_t value);
 std::string toText(std::int64_t value);
 std::string toText(const std::string& value);
 std::string toText(const StringId& value);
+std::string toText(const SharedText& value);
 // "x,y,width,height"
 std::string toText(const QRectF& value);
 // "[a,b,c]"; the empty vector gives the empty text.
@@ -38,6 +40,7 @@ bool fromText(const std::string& text, std::int32_t& value);
 bool fromText(const std::string& text, std::int64_t& value);
 bool fromText(const std::string& text, std::string& value);
 bool fromText(const std::string& text, StringId& value);
+bool fromText(const std::string& text, SharedText& value);
 bool fromText(const std::string& text, QRectF& value);
 bool fromText(const std::string& text, StringVector& value);
 bool fromText(const std::string& text, FileInfoVector& value);

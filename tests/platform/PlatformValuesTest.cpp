@@ -1,4 +1,5 @@
 #include "platform/HostValue.h"
+#include "platform/SharedText.h"
 #include "platform/ShutdownRegistry.h"
 #include "platform/StringId.h"
 
@@ -47,6 +48,25 @@ TEST(StringId, IdsSurviveTheTableGrowingAndCountEachTextOnce)
     }
     EXPECT_EQ(StringId::internedCount(), before + 20000) << "looking up interns nothing new";
     EXPECT_NE(StringId(std::string("a\0b", 3)), StringId("a")) << "text after a zero byte counts";
+}
+
+TEST(SharedText, HoldersOfEqualTextShareOneCopyAndReadAsText)
+{
+    const std::string name = "toolbox/Signals/lb_Signals_icons_repos.rps";
+    const SharedText a(name);
+    const SharedText b = std::string("toolbox/Signals/") + "lb_Signals_icons_repos.rps";
+    EXPECT_EQ(a, b);
+    EXPECT_EQ(a.c_str(), b.c_str()) << "one copy for every holder";
+    EXPECT_NE(a, SharedText("toolbox/Signals/lb_Signals_manifests_repos.rps"));
+
+    const std::string& asText = a;
+    EXPECT_EQ(asText, name);
+    EXPECT_EQ("/store/" + a, "/store/" + name);
+    EXPECT_EQ(std::string("/store") + "/" + a, "/store/" + name);
+    EXPECT_EQ(a + ".bak", name + ".bak");
+    EXPECT_EQ(a.size(), name.size());
+    EXPECT_TRUE(SharedText().empty());
+    EXPECT_EQ(SharedText(), SharedText(""));
 }
 
 TEST(HostValue, MatricesAndCellsKeepTheirShape)

@@ -37,9 +37,9 @@ XMLRepositoryProductCache::XMLRepositoryProductCache(std::string directory, cons
 {
     const auto* node = dynamic_cast<const LibraryImpl*>(m_product.getImpl());
     m_iconsArchive = std::make_shared<XMLRepositoryArchiveCache>(
-        archivePath(m_directory, node ? node->getReposIconsArchiveSpec() : std::string()), m_report);
+        archivePath(m_directory, node ? node->getReposIconsArchiveSpec().str() : std::string()), m_report);
     m_manifestsArchive = std::make_shared<XMLRepositoryArchiveCache>(
-        archivePath(m_directory, node ? node->getReposManifestsArchiveSpec() : std::string()), m_report);
+        archivePath(m_directory, node ? node->getReposManifestsArchiveSpec().str() : std::string()), m_report);
 }
 
 XMLRepositoryProductCache::~XMLRepositoryProductCache()
