@@ -1,5 +1,6 @@
 #pragma once
 
+#include "repository/ShownName.h"
 #include "repository/TandrilObject.h"
 
 #include <memory>
@@ -21,6 +22,10 @@ public:
     virtual void restart() = 0;
     // An independent copy that stands at the same position.
     virtual std::unique_ptr<TandrilObjectBaseIterator> clone() const = 0;
+    // The shown name and kind of the current object when the engine has them
+    // at hand without reaching its node; null otherwise. Only called while
+    // valid.
+    virtual const ShownName* currentShownName() { return nullptr; }
 };
 
 } // namespace LibraryBrowser

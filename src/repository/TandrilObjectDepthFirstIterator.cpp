@@ -33,6 +33,7 @@ TandrilObjectDepthFirstIterator::TandrilObjectDepthFirstIterator(RepositoryReade
 
 void TandrilObjectDepthFirstIterator::restart()
 {
+    m_atPlainBlock = false;
     m_entered.clear();
     m_stack.clear();
     if (!m_reader)
@@ -71,13 +72,25 @@ bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object)
     return true;
 }
 
+bool TandrilObjectDepthFirstIterator::currentIsPlainBlock()
+{
+    const ShownName* shown = m_stack.back().currentShownName();
+    return shown && !shown->isSubSystem;
+}
+
+const ShownName* TandrilObjectDepthFirstIterator::currentShownName()
+{
+    return m_stack.empty() ? nullptr : m_stack.back().currentShownName();
+}
+
 void TandrilObjectDepthFirstIterator::next()
 {
     if (m_stack.empty())
         return;
-    TandrilObject object = current();
     for (;;) {
-        if (!enter(object)) {
+        // A plain block known by its shown name has nothing to enter: its
+        // node is not reached at all.
+        if (m_atPlainBlock || !enter(current())) {
             for (;;) {
                 m_stack.back().next();
                 if (m_stack.back().isValidIterator())
@@ -89,10 +102,12 @@ void TandrilObjectDepthFirstIterator::next()
                 m_entered.pop_back();
             }
         }
-        object = current();
+        m_atPlainBlock = currentIsPlainBlock();
+        if (m_atPlainBlock)
+            return;
         // A subsystem the walk is inside of already, met again through a
         // reference that closes a cycle: stepped over, not returned.
-        const std::string* path = subsystemPath(object);
+        const std::string* path = subsystemPath(current());
         if (!path || !isEntered(*path))
             return;
     }

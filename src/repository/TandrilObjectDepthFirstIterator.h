@@ -27,12 +27,15 @@ public:
     bool isValid() override { return !m_stack.empty(); }
     void restart() override;
     std::unique_ptr<TandrilObjectBaseIterator> clone() const override;
+    const ShownName* currentShownName() override;
 
 private:
     TandrilObjectDepthFirstIterator(const TandrilObjectDepthFirstIterator& other) = default;
     // Enters the object if it is a subsystem with children not entered yet.
     bool enter(const TandrilObject& object);
     bool isEntered(const std::string& path) const;
+    // The current object is known, by its shown name, to be no subsystem.
+    bool currentIsPlainBlock();
 
     bool m_fromTop;
     TandrilObject m_root;
@@ -45,6 +48,8 @@ private:
     // a descent is a few levels deep, so a scan beats hashing each object's
     // path.
     std::vector<std::string> m_entered;
+    // The current object was found a plain block when the walk came to it.
+    bool m_atPlainBlock = false;
 };
 
 } // namespace LibraryBrowser

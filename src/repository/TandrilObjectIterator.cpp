@@ -31,6 +31,11 @@ TandrilObject TandrilObjectIterator::current()
     return isValidIterator() ? m_engine->current() : TandrilObject();
 }
 
+const ShownName* TandrilObjectIterator::currentShownName()
+{
+    return isValidIterator() ? m_engine->currentShownName() : nullptr;
+}
+
 void TandrilObjectIterator::next()
 {
     if (!isValidIterator())

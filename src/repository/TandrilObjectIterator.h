@@ -23,6 +23,9 @@ public:
     bool isValidIterator();
     // The object at the position, or a null object past the end.
     TandrilObject current();
+    // What the engine has at hand of the current object (see the engine's
+    // own); null past the end.
+    const ShownName* currentShownName();
     // Moves on while valid; past the end it does nothing and doesn't count.
     void next();
     void restart();

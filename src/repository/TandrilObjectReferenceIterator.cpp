@@ -22,6 +22,20 @@ TandrilObjectIterator TandrilObjectReferenceIterator::overList(ReaderCache* cach
     return overList(cache, std::make_shared<const TandrilObjectList>(std::move(list)));
 }
 
+TandrilObjectIterator TandrilObjectReferenceIterator::overList(ReaderCache* cache, TandrilObjectListPtr list,
+                                                             ShownNamesPtr names)
+{
+    auto engine = std::make_unique<TandrilObjectReferenceIterator>(cache, std::move(list));
+    if (names && names->size() == engine->m_list->size())
+        engine->m_names = std::move(names);
+    return TandrilObjectIterator(std::move(engine));
+}
+
+const ShownName* TandrilObjectReferenceIterator::currentShownName()
+{
+    return m_names && !m_wrapping && m_cursor < m_names->size() ? &(*m_names)[m_cursor] : nullptr;
+}
+
 TandrilObject TandrilObjectReferenceIterator::current()
 {
     if (m_wrapping)
@@ -58,6 +72,7 @@ std::unique_ptr<TandrilObjectBaseIterator> TandrilObjectReferenceIterator::clone
     else
         copy = std::make_unique<TandrilObjectReferenceIterator>(m_cache, m_list);
     copy->m_cursor = m_cursor;
+    copy->m_names = m_names;
     return copy;
 }
 

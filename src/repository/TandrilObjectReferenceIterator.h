@@ -24,17 +24,22 @@ public:
     // The list form as a ready iterator.
     static TandrilObjectIterator overList(ReaderCache* cache, TandrilObjectListPtr list);
     static TandrilObjectIterator overList(ReaderCache* cache, TandrilObjectList list);
+    // A list with the shown names of its objects, in its order.
+    static TandrilObjectIterator overList(ReaderCache* cache, TandrilObjectListPtr list, ShownNamesPtr names);
 
     TandrilObject current() override;
     void next() override;
     bool isValid() override;
     void restart() override;
     std::unique_ptr<TandrilObjectBaseIterator> clone() const override;
+    const ShownName* currentShownName() override;
 
 private:
     ReaderCache* m_cache;
     TandrilObjectListPtr m_list;
     std::size_t m_cursor = 0;
+    // Null, or one per element of the list.
+    ShownNamesPtr m_names;
     TandrilObjectIterator m_wrapped;
     bool m_wrapping;
 };

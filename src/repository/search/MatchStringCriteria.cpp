@@ -35,6 +35,13 @@ bool MatchStringCriteria::matches(const TandrilObject& object) const
     return property && m_pattern.matches(property->getPropAsString(*node));
 }
 
+std::optional<bool> MatchStringCriteria::matchesShown(const ShownName& shown) const
+{
+    if (m_property != displayName())
+        return std::nullopt;
+    return shown.isBlock && m_pattern.matches(shown.text);
+}
+
 std::unique_ptr<SearchCriteriaExpr> MatchStringCriteria::clone() const
 {
     return std::make_unique<MatchStringCriteria>(*this);

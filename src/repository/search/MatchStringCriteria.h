@@ -20,6 +20,7 @@ public:
 
     bool matches(const TandrilObject& object) const override;
     std::unique_ptr<SearchCriteriaExpr> clone() const override;
+    std::optional<bool> matchesShown(const ShownName& shown) const override;
 
 private:
     SearchPattern m_pattern;

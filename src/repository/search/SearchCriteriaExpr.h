@@ -1,8 +1,10 @@
 #pragma once
 
+#include "repository/ShownName.h"
 #include "repository/TandrilObject.h"
 
 #include <memory>
+#include <optional>
 
 namespace LibraryBrowser {
 
@@ -14,6 +16,9 @@ public:
 
     virtual bool matches(const TandrilObject& object) const = 0;
     virtual std::unique_ptr<SearchCriteriaExpr> clone() const = 0;
+    // The answer from an object's shown name and kind alone, where this test
+    // can give one; empty where it needs the object itself.
+    virtual std::optional<bool> matchesShown(const ShownName&) const { return std::nullopt; }
 };
 
 } // namespace LibraryBrowser

@@ -73,8 +73,12 @@ bool SearchPattern::matches(const std::string& text) const
                                             QByteArrayView(text.data() + length, qsizetype(text.size() - length)));
         length = std::size_t(end - reinterpret_cast<QChar*>(m_subject.data()));
     }
-    const QString subject = QString::fromRawData(reinterpret_cast<const QChar*>(m_subject.data()), qsizetype(length));
-    return m_regExp.indexIn(subject, 0, QRegExp::CaretAtZero) != -1;
+    return matches(QString::fromRawData(reinterpret_cast<const QChar*>(m_subject.data()), qsizetype(length)));
+}
+
+bool SearchPattern::matches(const QString& text) const
+{
+    return m_regExp.isValid() && m_regExp.indexIn(text, 0, QRegExp::CaretAtZero) != -1;
 }
 
 } // namespace LibraryBrowser

@@ -28,6 +28,8 @@ public:
 
     // True when the expression matches anywhere inside `text` (UTF-8).
     bool matches(const std::string& text) const;
+    bool matches(const char* text) const { return matches(std::string(text)); }
+    bool matches(const QString& text) const;
     bool isValid() const { return m_regExp.isValid(); }
     // The compiled expression, to be copied: the pattern's own matches leave
     // it pointing at a buffer it doesn't own, so its captured texts are not

@@ -17,7 +17,10 @@ TandrilObjectIterator TandrilObjectSearchIterator::filter(TandrilObjectIterator 
 bool TandrilObjectSearchIterator::isValid()
 {
     while (m_inner.isValidIterator()) {
-        if (m_criteria->matches(m_inner.current()))
+        // The packed shown name answers most objects without their node.
+        const ShownName* shown = m_inner.currentShownName();
+        const std::optional<bool> known = shown ? m_criteria->matchesShown(*shown) : std::nullopt;
+        if (known ? *known : m_criteria->matches(m_inner.current()))
             return true;
         m_inner.next();
     }

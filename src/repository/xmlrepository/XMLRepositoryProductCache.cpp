@@ -1,6 +1,7 @@
 #include "repository/xmlrepository/XMLRepositoryProductCache.h"
 
 #include "model/NodeCast.h"
+#include "model/SubSystemImpl.h"
 #include "repository/HandleData.h"
 #include "repository/ReaderCache.h"
 #include "repository/ReaderCacheRegistry.h"
@@ -47,7 +48,7 @@ XMLRepositoryProductCache::~XMLRepositoryProductCache()
     clear();
 }
 
-TandrilObjectListPtr XMLRepositoryProductCache::getChildren(const SubSystem& subsystem)
+TandrilObjectListPtr XMLRepositoryProductCache::getChildren(const SubSystem& subsystem, ShownNamesPtr* names)
 {
     ReaderCache* cache = m_reader->getCache();
     const auto known = m_children.find(subsystem);
@@ -64,17 +65,31 @@ TandrilObjectListPtr XMLRepositoryProductCache::getChildren(const SubSystem& sub
                     HandleData::acquire(nodes.get(int(i)), cache);
             children.boundAt = cache->clearCount();
         }
+        if (names)
+            *names = children.names;
         return children.list;
     }
     const ModelPtr model = getModel(subsystem);
     auto children = std::make_shared<TandrilObjectList>();
+    auto shownNames = std::make_shared<ShownNames>();
     children->reserve(std::size_t(model->nodeCount()));
-    for (TandrilObjectImpl* node : model->getNodes())
+    shownNames->reserve(std::size_t(model->nodeCount()));
+    for (TandrilObjectImpl* node : model->getNodes()) {
         children->emplace_back(node, cache);
+        ShownName& shown = shownNames->emplace_back();
+        if (const auto* block = nodeCast<const BlockImpl>(node)) {
+            shown.text = QString::fromStdString(block->getDisplayName());
+            shown.isBlock = true;
+            shown.isSubSystem = nodeCast<const SubSystemImpl>(node) != nullptr;
+        }
+    }
     TandrilObjectListPtr list = std::move(children);
-    m_children[subsystem] = Children{list, cache->clearCount()};
+    if (names)
+        *names = shownNames;
+    m_children[subsystem] = Children{list, std::move(shownNames), cache->clearCount()};
     return list;
 }
+
 
 ModelPtr XMLRepositoryProductCache::getModel(const SubSystem& subsystem)
 {

@@ -3,6 +3,7 @@
 #include "model/Model.h"
 #include "repository/BlockIcon.h"
 #include "repository/RepositoryReport.h"
+#include "repository/ShownName.h"
 #include "repository/TandrilObjectReferenceIterator.h"
 #include "repository/xmlrepository/RecentIcons.h"
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
@@ -34,7 +35,8 @@ public:
     XMLRepositoryProductCache& operator=(const XMLRepositoryProductCache&) = delete;
 
     // Handles, bound to the outer reader's cache, on the subsystem's children.
-    TandrilObjectListPtr getChildren(const SubSystem& subsystem);
+    // Where `names` is given, it receives their shown names, in the same order.
+    TandrilObjectListPtr getChildren(const SubSystem& subsystem, ShownNamesPtr* names = nullptr);
     // The kept model of the subsystem's children, loaded on first demand.
     ModelPtr getModel(const SubSystem& subsystem);
     // A model of the subsystem's children, loaded anew. A palette's
@@ -63,6 +65,7 @@ private:
     std::unordered_map<SubSystem, ModelPtr> m_models;
     struct Children {
         TandrilObjectListPtr list;
+        ShownNamesPtr names;
         // The reader cache's clear count when every handle was last bound.
         std::uint64_t boundAt = 0;
     };

@@ -140,7 +140,9 @@ TandrilObjectIterator XMLRepositoryReaderCache::getChildrenIterator(const Tandri
     const XMLRepositoryProductCachePtr productCache = productCacheOf(object);
     if (!productCache)
         return TandrilObjectIterator();
-    return TandrilObjectReferenceIterator::overList(m_reader->getCache(), productCache->getChildren(subsystem));
+    ShownNamesPtr names;
+    TandrilObjectListPtr children = productCache->getChildren(subsystem, &names);
+    return TandrilObjectReferenceIterator::overList(m_reader->getCache(), std::move(children), std::move(names));
 }
 
 BlockIconPtr XMLRepositoryReaderCache::getIcon(const TandrilObject& object)
