@@ -49,7 +49,7 @@ BlockTree::Held BlockTree::hold(NodeId id, FileIssue& issue)
         const LibraryCatalog::Loaded loaded = m_catalog.load(library, issue);
         if (loaded.document && loaded.reading != m_readings[index].number) {
             issue = FileIssue();
-            issue.file = m_catalog.fileOf(library);
+            issue.file = m_readings[index].file;
             issue.message = QStringLiteral("the library file changed after the handle of \"%1\" was given; ask for "
                                            "the block again")
                                 .arg(q(pathOf(id)));
@@ -86,7 +86,7 @@ BlockTree::NodeId BlockTree::walk(NodeId from, const std::vector<std::string>& s
         const NodeId child = childNamed(container, segments[i]);
         if (child == none) {
             issue = FileIssue();
-            issue.file = m_catalog.fileOf(libraryOf(container));
+            issue.file = m_readings[node(container).reading].file;
             issue.message = QStringLiteral("no block \"%1\" in \"%2\"").arg(q(segments[i]), q(pathOf(container)));
             return none;
         }
@@ -196,7 +196,7 @@ FileIssue BlockTree::issueAt(NodeId id, const QString& field, const QString& mes
     const Held held = hold(id, unused);
     if (!held) {
         FileIssue issue;
-        issue.file = m_catalog.fileOf(libraryOf(id));
+        issue.file = m_readings[node(id).reading].file;
         issue.message = message;
         return issue;
     }
@@ -213,7 +213,7 @@ BlockTree::NodeId BlockTree::rootOf(const std::string& library, const LibraryCat
         return reading.root;
     }
     m_readingByNumber.emplace(loaded.reading, m_readings.size());
-    m_readings.push_back({library, loaded.reading, none, loaded.document});
+    m_readings.push_back({library, loaded.document->filePath, loaded.reading, none, loaded.document});
     Node root;
     root.reading = m_readings.size() - 1;
     root.name = loaded.document->name;

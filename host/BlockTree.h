@@ -78,6 +78,7 @@ public:
 private:
     struct Reading {
         std::string library;
+        QString file;
         std::uint64_t number = 0;
         NodeId root = none;
         std::weak_ptr<const LibraryDocument> document;
