@@ -51,11 +51,16 @@ LibraryCatalog::Loaded LibraryCatalog::load(const std::string& library, FileIssu
 void LibraryCatalog::keep(const std::shared_ptr<const LibraryDocument>& document)
 {
     const auto found = std::find(m_recent.begin(), m_recent.end(), document);
-    if (found != m_recent.end())
+    if (found != m_recent.end()) {
         m_recent.erase(found);
+        m_recentBytes -= document->source.size();
+    }
     m_recent.push_back(document);
-    if (m_recent.size() > keptDocuments)
+    m_recentBytes += document->source.size();
+    while (m_recentBytes > keptBytes && m_recent.size() > 1) {
+        m_recentBytes -= m_recent.front()->source.size();
         m_recent.pop_front();
+    }
 }
 
 } // namespace LibraryBrowser::Host

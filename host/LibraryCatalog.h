@@ -19,14 +19,18 @@ namespace LibraryBrowser::Host {
 // gets a number; a file that has changed on disk since (date or size) is read
 // again under a new one. A document once given out is never changed.
 //
-// Only the last few documents are kept: a generation walks one library after
-// another, and a large library's parsed form is many megabytes. A document
-// let go is parsed again from its unchanged file under the same reading. A
+// Only the most recently used documents are kept, up to a bound on the size
+// of their files: a generation walks one library after another, and a large
+// library's parsed form is many megabytes. Small libraries all stay, so that
+// references between them don't parse them again and again. A document let
+// go is parsed again from its unchanged file under the same reading. A
 // document still in memory when its file changes is kept for good, so that
 // what was read from it stays as it was.
 class LibraryCatalog {
 public:
-    static constexpr std::size_t keptDocuments = 4;
+    // The bound on the file bytes of the documents kept; the last one used
+    // is kept whatever its size.
+    static constexpr qint64 keptBytes = qint64(32) << 20;
 
     struct Loaded {
         std::shared_ptr<const LibraryDocument> document;
@@ -60,6 +64,7 @@ private:
     std::uint64_t m_readings = 0;
     // The most recently used documents, the newest last.
     std::deque<std::shared_ptr<const LibraryDocument>> m_recent;
+    qint64 m_recentBytes = 0;
     std::vector<std::shared_ptr<const LibraryDocument>> m_superseded;
 };
 

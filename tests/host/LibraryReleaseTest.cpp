@@ -9,19 +9,23 @@ namespace LibraryBrowser::Host::Testing {
 
 namespace {
 
-// One library more than the catalog keeps, each with a block and a subsystem.
+// Libraries of half the bytes the catalog keeps, each with a block, a
+// subsystem and a padding block: loading the third lets the first go.
 class LibraryRelease : public ::testing::Test {
 protected:
-    static constexpr int libraryCount = int(LibraryCatalog::keptDocuments) + 1;
+    static constexpr int libraryCount = 3;
 
     static std::string name(int i) { return "lib" + std::to_string(i); }
     static QString file(int i) { return QStringLiteral("toolbox/kinetics/lib%1.tdlib.json").arg(i); }
 
     void writeLibrary(int i, const std::string& description)
     {
+        static const std::string padding(std::size_t(LibraryCatalog::keptBytes / 2), 'p');
         root.write(file(i), libraryJson(name(i), R"([{"name": "A", "type": "Block", "description": ")" + description
                                                        + R"("}, {"name": "S", "type": "SubSystem", "blocks": [
-                                                       {"name": "Inner", "type": "Block"}]}])"));
+                                                       {"name": "Inner", "type": "Block"}]},
+                                                       {"name": "Pad", "type": "Block", "description": ")"
+                                                       + padding + R"("}])"));
     }
 
     void SetUp() override
@@ -70,10 +74,10 @@ TEST_F(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChange
     HostFixture fixture(root.path());
     const auto releaseFirst = [&] {
         for (int i = 1; i < libraryCount; ++i)
-            ASSERT_EQ(fixture.children(name(i)).size(), 2u);
+            ASSERT_EQ(fixture.children(name(i)).size(), 3u);
     };
     const std::vector<double> handles = fixture.children(name(0));
-    ASSERT_EQ(handles.size(), 2u);
+    ASSERT_EQ(handles.size(), 3u);
     const std::vector<HostValue> block = fixture.blockData(handles[0]);
     ASSERT_EQ(block.size(), 6u);
     EXPECT_EQ(block[1].toString(), "first");
@@ -100,7 +104,7 @@ TEST_F(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChange
     EXPECT_EQ(fixture.children(HostValue::doubleScalar(handles[1])), inner)
         << "children once listed are the node's own and stay";
     const std::vector<double> fresh = fixture.children(name(0));
-    ASSERT_EQ(fresh.size(), 2u);
+    ASSERT_EQ(fresh.size(), 3u);
     EXPECT_NE(fresh, handles);
     EXPECT_EQ(fixture.blockData(fresh[0]).at(1).toString(), "second");
 }
