@@ -163,10 +163,14 @@ RepositoryOperations::CallResult RepositoryOperations::getBlockData(int outputCo
     if (!args.scalar(1, handle))
         return reportFailure(report, badArguments, args.error());
     const BlockTree::NodeId id = m_tree.nodeOfHandle(handle);
-    if (id == BlockTree::none || !m_tree.node(id).record)
+    if (id == BlockTree::none || BlockTree::isLibrary(m_tree.node(id)))
         return reportFailure(report, badArguments,
                              "lb_getBlockData: " + std::to_string(handle) + " is not a block handle of this host");
-    const BlockRecord& block = *m_tree.node(id).record;
+    FileIssue held;
+    const BlockTree::Held record = m_tree.hold(id, held);
+    if (!record)
+        return reportFailure(report, invalidFile, "lb_getBlockData: " + held.toString());
+    const BlockRecord& block = *record.record;
     std::string description = block.description;
     std::string referenceLibrary, referencePath;
     if (block.type == BlockType::LibraryRef) {
@@ -177,8 +181,11 @@ RepositoryOperations::CallResult RepositoryOperations::getBlockData(int outputCo
         referenceLibrary = m_tree.libraryOf(target);
         referencePath = m_tree.pathOf(target);
         if (!block.hasDescription) {
-            const BlockTree::Node& targetNode = m_tree.node(target);
-            description = targetNode.record ? targetNode.record->description : targetNode.document->description;
+            const BlockTree::Held targetRecord = m_tree.hold(target, issue);
+            if (!targetRecord)
+                return reportFailure(report, invalidFile, "lb_getBlockData: " + issue.toString());
+            description =
+                targetRecord.record ? targetRecord.record->description : targetRecord.document->description;
         }
     }
     const BlockPosition& p = block.position;
@@ -227,19 +234,24 @@ BlockTree::NodeId RepositoryOperations::childAtPath(BlockTree::NodeId container,
 
 bool RepositoryOperations::iconOf(BlockTree::NodeId id, QByteArray& svg, FileIssue& issue)
 {
-    const BlockTree::Node& node = m_tree.node(id);
-    if (!node.record) {
-        svg = IconRenderer::render(IconSpec{IconShape::Rounded, {}, 0, 0, {}}, node.document->name,
+    if (BlockTree::isLibrary(m_tree.node(id))) {
+        svg = IconRenderer::render(IconSpec{IconShape::Rounded, {}, 0, 0, {}}, m_tree.node(id).name,
                                    BlockType::SubSystem, BlockPosition{0, 0, 60, 50});
         return true;
     }
-    const BlockRecord& block = *node.record;
+    const BlockTree::Held held = m_tree.hold(id, issue);
+    if (!held)
+        return false;
+    const BlockRecord& block = *held.record;
     IconSpec icon = block.icon;
     if (block.type == BlockType::LibraryRef && !block.hasIcon) {
         const BlockTree::NodeId target = m_tree.resolveReference(id, issue);
         if (target == BlockTree::none)
             return false;
-        if (const BlockRecord* targetRecord = m_tree.node(target).record)
+        const BlockTree::Held targetHeld = m_tree.hold(target, issue);
+        if (!targetHeld)
+            return false;
+        if (const BlockRecord* targetRecord = targetHeld.record)
             icon = targetRecord->icon;
     }
     svg = IconRenderer::render(icon, block.name, block.type, block.position);
@@ -259,8 +271,7 @@ RepositoryOperations::CallResult RepositoryOperations::createSubSystemIcons(int 
                                  + std::to_string(files.size()) + " file names");
     FileIssue issue;
     BlockTree::NodeId container = m_tree.nodeAtPath(parentPath, issue);
-    if (container != BlockTree::none && m_tree.node(container).record
-        && m_tree.node(container).record->type == BlockType::LibraryRef)
+    if (container != BlockTree::none && m_tree.node(container).type == BlockType::LibraryRef)
         container = m_tree.resolveReference(container, issue);
     if (container == BlockTree::none)
         return reportFailure(report, invalidFile, "lb_createSubSystemIcons: " + issue.toString());

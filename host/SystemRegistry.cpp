@@ -50,7 +50,12 @@ bool SystemRegistry::open(const std::string& path, bool loadOnly, std::string& e
         system.name = name;
         system.type = SystemType::Library;
         system.locked = true;
-        system.document = *m_tree.node(root).document;
+        const BlockTree::Held held = m_tree.hold(root, issue);
+        if (!held) {
+            error = "open_system: " + issue.toString();
+            return false;
+        }
+        system.document = *held.document;
         system.file = system.document.filePath;
         m_systems.push_back(std::move(system));
     }
@@ -171,17 +176,21 @@ bool SystemRegistry::sourceBlock(const std::string& path, BlockRecord& out, std:
         error = issue.toString();
         return false;
     }
-    const BlockTree::Node& node = m_tree.node(id);
-    if (node.record) {
-        out = *node.record;
+    const BlockTree::Held held = m_tree.hold(id, issue);
+    if (!held) {
+        error = issue.toString();
+        return false;
+    }
+    if (held.record) {
+        out = *held.record;
     } else {
         out = BlockRecord();
-        out.name = node.document->name;
+        out.name = held.document->name;
         out.type = BlockType::SubSystem;
-        out.description = node.document->description;
+        out.description = held.document->description;
         out.hasDescription = !out.description.empty();
         out.position = {0, 0, 60, 50};
-        out.blocks = node.document->blocks;
+        out.blocks = held.document->blocks;
     }
     return true;
 }

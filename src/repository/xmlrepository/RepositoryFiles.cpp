@@ -16,6 +16,7 @@
 #include <QFileInfo>
 #include <QThread>
 
+#include <algorithm>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -95,9 +96,12 @@ std::string computeCheckSum(RepositoryReport& report, const std::string& path)
         return std::string();
     }
     QCryptographicHash hash(QCryptographicHash::Md5);
-    std::vector<char> buffer(ChecksumChunkSize);
+    // No bigger than the file: a zero-filled megabyte for a small library
+    // file cost more than hashing it.
+    const qint64 chunk = std::clamp<qint64>(file.size(), 1, ChecksumChunkSize);
+    std::vector<char> buffer(static_cast<std::size_t>(chunk));
     for (;;) {
-        const qint64 count = file.read(buffer.data(), ChecksumChunkSize);
+        const qint64 count = file.read(buffer.data(), chunk);
         if (count < 0) {
             report.logError("Unable to read model file " + path + ". Skipping checksum");
             return std::string();
