@@ -33,7 +33,7 @@ TandrilObjectDepthFirstIterator::TandrilObjectDepthFirstIterator(RepositoryReade
 
 void TandrilObjectDepthFirstIterator::restart()
 {
-    m_atPlainBlock = false;
+    m_shown = nullptr;
     m_entered.clear();
     m_stack.clear();
     if (!m_reader)
@@ -43,8 +43,10 @@ void TandrilObjectDepthFirstIterator::restart()
         first = m_reader->getChildrenIterator(m_root);
     else if (m_fromTop)
         first = m_reader->getProductsIterator();
-    if (first.isValidIterator())
+    if (first.isValidIterator()) {
         m_stack.push_back(std::move(first));
+        m_shown = m_stack.back().currentShownName();
+    }
 }
 
 TandrilObject TandrilObjectDepthFirstIterator::current()
@@ -72,15 +74,14 @@ bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object)
     return true;
 }
 
-bool TandrilObjectDepthFirstIterator::currentIsPlainBlock()
+bool TandrilObjectDepthFirstIterator::atPlainBlock() const
 {
-    const ShownName* shown = m_stack.back().currentShownName();
-    return shown && !shown->isSubSystem;
+    return m_shown && !m_shown->isSubSystem;
 }
 
 const ShownName* TandrilObjectDepthFirstIterator::currentShownName()
 {
-    return m_stack.empty() ? nullptr : m_stack.back().currentShownName();
+    return m_stack.empty() ? nullptr : m_shown;
 }
 
 void TandrilObjectDepthFirstIterator::next()
@@ -90,20 +91,22 @@ void TandrilObjectDepthFirstIterator::next()
     for (;;) {
         // A plain block known by its shown name has nothing to enter: its
         // node is not reached at all.
-        if (m_atPlainBlock || !enter(current())) {
+        if (atPlainBlock() || !enter(current())) {
             for (;;) {
                 m_stack.back().next();
                 if (m_stack.back().isValidIterator())
                     break;
                 m_stack.pop_back();
-                if (m_stack.empty())
+                if (m_stack.empty()) {
+                    m_shown = nullptr;
                     return;
+                }
                 // The level left is the subsystem entered last.
                 m_entered.pop_back();
             }
         }
-        m_atPlainBlock = currentIsPlainBlock();
-        if (m_atPlainBlock)
+        m_shown = m_stack.back().currentShownName();
+        if (atPlainBlock())
             return;
         // A subsystem the walk is inside of already, met again through a
         // reference that closes a cycle: stepped over, not returned.

@@ -35,7 +35,7 @@ private:
     bool enter(const TandrilObject& object);
     bool isEntered(const std::string& path) const;
     // The current object is known, by its shown name, to be no subsystem.
-    bool currentIsPlainBlock();
+    bool atPlainBlock() const;
 
     bool m_fromTop;
     TandrilObject m_root;
@@ -48,8 +48,9 @@ private:
     // a descent is a few levels deep, so a scan beats hashing each object's
     // path.
     std::vector<std::string> m_entered;
-    // The current object was found a plain block when the walk came to it.
-    bool m_atPlainBlock = false;
+    // The current object's shown name, taken when the walk came to it; null
+    // where the level has none. It lives in the names its level's iterator holds.
+    const ShownName* m_shown = nullptr;
 };
 
 } // namespace LibraryBrowser
