@@ -61,8 +61,8 @@ QString CommandLine::overview() const
         text += QString("  %1  %2\n").arg(command.name, -9).arg(command.summary);
     text += "\nExit codes: 0 when the command did its work; 1 when it could not, and when update, generate or\n"
             "destroy leave errors in the repository's report; 2 for a usage error. list, tree, search and show\n"
-            "only read: errors in the report about other products leave their answer standing, with one line\n"
-            "on standard error that counts them.\n";
+            "only read: errors in the report about other products leave their answer standing; they go to\n"
+            "standard error with a line that counts them.\n";
     text += "\n'tdlb COMMAND --help' tells more of one command.";
     return text;
 }

@@ -2,6 +2,7 @@
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
+#include "repository/xmlrepository/XMLRepositoryWriter.h"
 
 #include <QCommandLineParser>
 
@@ -20,9 +21,15 @@ int run(const QCommandLineParser&, const QStringList&, CommandContext& context)
         repository.getChildrenIterator(product);
     // One fault met in many places is shown once.
     const RepositoryReport::IssueList warnings = repository.getRepositoryReport()->takeUniqueWarnings();
-    for (const RepositoryReport::Issue& warning : warnings)
+    int repaired = 0;
+    for (const RepositoryReport::Issue& warning : warnings) {
         context.print("Warning: " + QString::fromStdString(warning.message));
-    context.print(QString("Updated: %1 products, %2 warnings").arg(products.size()).arg(warnings.size()));
+        repaired += warning.id == XMLRepositoryWriter::RepairedId ? 1 : 0;
+    }
+    QString summary = QString("Updated: %1 products, %2 warnings").arg(products.size()).arg(warnings.size());
+    if (repaired > 0)
+        summary += QString(", %1 repaired").arg(repaired);
+    context.print(summary);
     return Success;
 }
 

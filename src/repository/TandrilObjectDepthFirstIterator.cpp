@@ -1,5 +1,6 @@
 #include "repository/TandrilObjectDepthFirstIterator.h"
 
+#include "model/LibraryRefImpl.h"
 #include "model/SubSystemImpl.h"
 #include "model/NodeCast.h"
 #include "repository/RepositoryReader.h"
@@ -35,6 +36,7 @@ void TandrilObjectDepthFirstIterator::restart()
 {
     m_shown = nullptr;
     m_entered.clear();
+    m_referencesEntered.clear();
     m_stack.clear();
     if (!m_reader)
         return;
@@ -63,6 +65,8 @@ bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object)
 {
     const std::string* path = subsystemPath(object);
     if (!path || isEntered(*path))
+        return false;
+    if (nodeCast<const LibraryRefImpl>(object.getImpl()) && !m_referencesEntered.insert(*path).second)
         return false;
     // Copied first: loading the children may reload the object's own node.
     std::string entered = *path;

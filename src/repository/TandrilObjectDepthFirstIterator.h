@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -16,8 +17,11 @@ class RepositoryReader;
 // subsystem (the reader answers with their targets' children). The walk
 // remembers the paths of the subsystems it is inside of, and does not enter
 // or return one of them again: that cuts cycles, while a library reached
-// along two branches is walked twice. Products are loaded only as the walk
-// reaches them. The walk holds its reader for as long as it lives.
+// along two branches is walked twice. Each reference, by its path, is entered
+// once per walk and returned without its target's blocks after that: a
+// reference met again along another branch would otherwise double the walk
+// for each level of references above it. Products are loaded only as the
+// walk reaches them. The walk holds its reader for as long as it lives.
 class TandrilObjectDepthFirstIterator : public TandrilObjectBaseIterator {
 public:
     TandrilObjectDepthFirstIterator(RepositoryReader* reader, const TandrilObject& root, bool fromTop);
@@ -51,6 +55,8 @@ private:
     // The current object's shown name, taken when the walk came to it; null
     // where the level has none. It lives in the names its level's iterator holds.
     const ShownName* m_shown = nullptr;
+    // The paths of the references entered in this walk.
+    std::unordered_set<std::string> m_referencesEntered;
 };
 
 } // namespace LibraryBrowser

@@ -95,6 +95,9 @@ public:
                                     XMLRepositoryReader& shippedReader, const Library& product);
 
 private:
+    // Notes as damage an archive missing from the writable store where its
+    // own record of the product says it made one.
+    void noteMissingArchives(const Library& product);
     void buildParts();
     // Makes the shipped store anew in a development tree where it is missing
     // or stale. False if that failed.

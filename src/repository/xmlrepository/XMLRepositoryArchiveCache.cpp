@@ -70,6 +70,7 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
     if (!m_index.isLoaded() && !m_index.load(localCopy, error)) {
         m_report->logError("Unable to open archive " + localCopy);
         m_report->logError("Error returned from zip archiver: " + error);
+        noteDamage("the archive " + m_archivePath + " can't be opened: " + error);
         return std::string();
     }
     m_localCopy = localCopy;
@@ -84,6 +85,7 @@ QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
     ++reads;
     if (!m_index.contains(entryName)) {
         m_report->logWarning("Unable to locate file " + entryName + " in archive " + localCopy);
+        noteDamage("the entry " + entryName + " is missing from " + m_archivePath);
         return QByteArray();
     }
     QByteArray bytes;
@@ -91,12 +93,20 @@ QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
     if (!m_index.read(localCopy, entryName, bytes, error)) {
         m_report->logError("Unable to read file " + entryName + " in archive " + localCopy);
         m_report->logError("Error returned from zip archiver: " + error);
+        noteDamage("the entry " + entryName + " of " + m_archivePath + " can't be read: " + error);
     }
     return bytes;
 }
 
+void XMLRepositoryArchiveCache::noteDamage(const std::string& reason)
+{
+    if (m_damage.empty())
+        m_damage = reason;
+}
+
 void XMLRepositoryArchiveCache::close()
 {
+    m_damage.clear();
     m_index.clear();
     m_localCopy.clear();
     removeNamedTempDirectory(*m_report, directoryName());

@@ -31,6 +31,9 @@ public:
     QByteArray readEntry(const std::string& entryName);
     // Removes the private copy; the next read makes a new one.
     void close();
+    // The first damage a read met since the copy was made: an archive that
+    // can't be opened, an entry missing or failing its checksum; or empty.
+    const std::string& damage() const { return m_damage; }
 
     // Process-wide counts: archives copied to a private place, and entries
     // read out of them.
@@ -38,6 +41,7 @@ public:
     static std::uint64_t readCount();
 
 private:
+    void noteDamage(const std::string& reason);
     std::string directoryName() const;
 
     // The private copy, made if missing, with its index; the empty string,
@@ -47,6 +51,7 @@ private:
     std::uint32_t m_number;
     std::string m_archivePath;
     RepositoryReportPtr m_report;
+    std::string m_damage;
     ZipEntryIndex m_index;
     // The private copy once made and indexed, until close().
     std::string m_localCopy;
