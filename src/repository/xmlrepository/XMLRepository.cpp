@@ -356,8 +356,7 @@ void XMLRepository::copyProductArchives(RepositoryReport& report, XMLRepositoryR
         return;
     // Damaged shipped data would only be carried over: the product is then
     // generated from nothing.
-    if (!StoreDamage::noted(shippedReader.directory(), library->getUniquePath().str()).empty()
-        || !StoredDataCheck::productProblem(shippedReader.directory(), *library).empty())
+    if (!StoreDamage::noted(shippedReader.directory(), library->getUniquePath().str()).empty())
         return;
     if (QFile::exists(qs(shippedIcons)) && QFile::exists(qs(shippedManifests))) {
         copyFile(report, shippedIcons, writableIcons);

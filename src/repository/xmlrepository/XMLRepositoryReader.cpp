@@ -75,9 +75,11 @@ bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool i
         // Damaged data counts as out of date, so that it is generated again.
         problem = StoredDataCheck::productProblem(m_directory, *node);
     }
-    if (!problem.empty())
+    if (!problem.empty()) {
         m_report->logWarning("The stored data of " + node->getDisplayName() + " in " + m_directory
                              + " is damaged and will be generated again: " + problem);
+        StoreDamage::note(m_directory, node->getUniquePath().str(), problem);
+    }
     return problem.empty();
 }
 

@@ -189,18 +189,18 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
     if (m_reader->isProductUpToDate(handle, ignoreTimestamp)) {
         generateUpToDateProduct(topLevel, product);
     } else {
-        // Damage that a read met, or that the store's archives show now, is
-        // repaired by generating the product from nothing: entries the
-        // records call up to date may be the damaged ones.
+        // Damage that a read noted is repaired by generating the product
+        // from nothing: entries the records call up to date may be the
+        // damaged ones. (An archive that can't be opened at all takes the
+        // way of initArchive, which starts the product from nothing too.)
         const std::string uniquePath = product.getUniquePath().str();
         std::string damagedStore = m_directory;
         std::string damage = StoreDamage::noted(m_directory, uniquePath);
-        if (damage.empty())
-            damage = StoredDataCheck::productProblem(m_directory, product);
         // Damage of the shipped store is repaired here, in the writable one,
         // when this store has nothing of the product to work on.
-        if (damage.empty() && !StoredDataCheck::holdsReadableArchives(m_directory, product)) {
-            damage = shippedDamage(handle);
+        if (damage.empty() && !m_shippedDirectory.empty()
+            && !StoredDataCheck::holdsReadableArchives(m_directory, product)) {
+            damage = StoreDamage::noted(m_shippedDirectory, uniquePath);
             damagedStore = m_shippedDirectory;
         }
         const bool repair = !damage.empty();
@@ -249,17 +249,6 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
     }
     --report.indentation;
     report.log("Finished product");
-}
-
-std::string XMLRepositoryWriter::shippedDamage(const TandrilObject& product)
-{
-    if (!m_shippedReader)
-        return std::string();
-    const LibraryImpl* shipped = m_shippedReader->storedProduct(product);
-    if (!shipped)
-        return std::string();
-    const std::string noted = StoreDamage::noted(m_shippedDirectory, shipped->getUniquePath().str());
-    return noted.empty() ? StoredDataCheck::productProblem(m_shippedDirectory, *shipped) : noted;
 }
 
 void XMLRepositoryWriter::keepLastArchives(const LibraryImpl& product, const std::string& reason)

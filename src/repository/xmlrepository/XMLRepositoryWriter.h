@@ -54,8 +54,6 @@ public:
     void updateTopLevelManifest(const Model& model);
 
 private:
-    // Why the shipped store's data of the product is damaged, or empty.
-    std::string shippedDamage(const TandrilObject& product);
     void generateProductInternal(const ModelPtr& topLevel, LibraryImpl& product, GenerationMode mode);
     void generateUpToDateProduct(const ModelPtr& topLevel, LibraryImpl& product);
     // The first error of the walk of a library, or the empty string.
