@@ -5,8 +5,9 @@ Libraries fan0 .. fanK each hold one block and two references to the next,
 so that a walk entering every reference wherever it meets it would visit the
 last library 2^K times. For each K the script copies the build's example
 root, adds the fan-out as a product of its own, and runs in new processes
-`tdlb update` (generation of the writable store) and `tdlb search LevelK`
-(a walk through every reference), each several times. It reports the
+`tdlb update` (generation of the writable store) and `tdlb search Level`
+(a walk through every reference, as deep as a walk enters: 64 nested
+references), each several times. It reports the
 library files' bytes, the medians of wall time and the largest peak resident
 memory, and replaces its section of BENCHMARKS.md (between the markers).
 
@@ -62,15 +63,17 @@ def measure(build, levels, runs, work):
     size = write_fan_out(root, levels)
     tdlb = str(build / "app" / "tdlb")
     rows = {}
-    for name, arguments in (("update", ["update"]), ("search", ["search", f"Level{levels}"])):
+    # A walk enters at most 64 nested references: the deepest level it reaches.
+    deepest = min(levels, 64)
+    for name, arguments in (("update", ["update"]), ("search", ["search", "Level"])):
         times, peaks = [], []
         for run in range(runs):
             prefs = base / f"prefs-{name}-{run}"
             if name == "search":
                 measured([tdlb, "--root", str(root), "--prefdir", str(prefs), "update"])
             seconds, peak, out = measured([tdlb, "--root", str(root), "--prefdir", str(prefs)] + arguments)
-            if name == "search" and f"fan{levels}/Level{levels}" not in out:
-                raise RuntimeError(f"the search did not find Level{levels}: {out}")
+            if name == "search" and f"fan{deepest}/Level{deepest}" not in out:
+                raise RuntimeError(f"the search did not find Level{deepest}: {out[-2000:]}")
             times.append(seconds)
             peaks.append(peak)
         rows[name] = (statistics.median(times), max(peaks))
@@ -89,7 +92,9 @@ def main():
     build = args.build.resolve()
     lines = [BEGIN, "## Fan-out of library references", "",
              "K libraries, each with one block and two references to the next (a walk entering every",
-             "reference at each place it meets it would see the last library 2^K times). Medians of "
+             "reference at each place it meets it would see the last library 2^K times; so it did before",
+             "issue 25, when 18 levels took a search 18 s and 1.6 GB). A walk now enters each reference once",
+             "and at most 64 nested ones, so time and memory grow with the bytes of the files. Medians of "
              f"{args.runs} runs, new processes, peak resident memory the largest of the runs:", "",
              "```sh", f"/usr/bin/python3 bench/hostile/run_fanout_benchmark.py --build {args.build} "
              f"--levels {args.levels} --runs {args.runs}", "```", "",

@@ -36,6 +36,8 @@ void TandrilObjectDepthFirstIterator::restart()
 {
     m_shown = nullptr;
     m_entered.clear();
+    m_enteredReference.clear();
+    m_openReferences = 0;
     m_referencesEntered.clear();
     m_stack.clear();
     if (!m_reader)
@@ -66,7 +68,8 @@ bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object)
     const std::string* path = subsystemPath(object);
     if (!path || isEntered(*path))
         return false;
-    if (nodeCast<const LibraryRefImpl>(object.getImpl()) && !m_referencesEntered.insert(*path).second)
+    const bool reference = nodeCast<const LibraryRefImpl>(object.getImpl()) != nullptr;
+    if (reference && (m_openReferences >= MaximumReferenceDepth || !m_referencesEntered.insert(*path).second))
         return false;
     // Copied first: loading the children may reload the object's own node.
     std::string entered = *path;
@@ -75,6 +78,8 @@ bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object)
         return false;
     m_stack.push_back(std::move(children));
     m_entered.push_back(std::move(entered));
+    m_enteredReference.push_back(reference);
+    m_openReferences += reference ? 1 : 0;
     return true;
 }
 
@@ -107,6 +112,8 @@ void TandrilObjectDepthFirstIterator::next()
                 }
                 // The level left is the subsystem entered last.
                 m_entered.pop_back();
+                m_openReferences -= m_enteredReference.back() ? 1 : 0;
+                m_enteredReference.pop_back();
             }
         }
         m_shown = m_stack.back().currentShownName();

@@ -41,8 +41,9 @@ TEST_F(TdlbRacyTimestampTest, AnEditInTheSecondOfTheRecordIsSeenAndAnOlderRecord
     // A date not older than the generation's start: from the future, so
     // that the test does not race the clock.
     const QDateTime racy = QDateTime::currentDateTime().addSecs(300);
-    edit("sinusoid", racy);
+    edit("Sinusoid", racy);
     ASSERT_EQ(tdlb.run({"update"}).exitCode, 0);
+    ASSERT_TRUE(sineDescription().startsWith("Produces a Sinusoid")) << qPrintable(sineDescription());
     ASSERT_TRUE(wavecraftUpToDate());
     edit("SINUSOID", racy);
     EXPECT_FALSE(wavecraftUpToDate()) << "same size, same date, other content";
@@ -53,12 +54,12 @@ TEST_F(TdlbRacyTimestampTest, AnEditInTheSecondOfTheRecordIsSeenAndAnOlderRecord
     // Recorded with a date older than its generation: the date is trusted
     // and the content not read, as always.
     const QDateTime old = QDateTime::currentDateTime().addSecs(-3600);
-    edit("Sinusoid", old);
-    ASSERT_EQ(tdlb.run({"update"}).exitCode, 0);
-    EXPECT_TRUE(sineDescription().startsWith("Produces a Sinusoid")) << qPrintable(sineDescription());
     edit("sinusoiD", old);
+    ASSERT_EQ(tdlb.run({"update"}).exitCode, 0);
+    EXPECT_TRUE(sineDescription().startsWith("Produces a sinusoiD")) << qPrintable(sineDescription());
+    edit("sinusoID", old);
     EXPECT_TRUE(wavecraftUpToDate());
-    EXPECT_TRUE(sineDescription().startsWith("Produces a Sinusoid")) << qPrintable(sineDescription());
+    EXPECT_TRUE(sineDescription().startsWith("Produces a sinusoiD")) << qPrintable(sineDescription());
 }
 
 } // namespace

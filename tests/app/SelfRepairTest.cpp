@@ -65,6 +65,12 @@ protected:
         EXPECT_EQ(tree.exitCode, 0);
         EXPECT_EQ(tree.out, everything.out);
         EXPECT_FALSE(tree.err.contains("rror")) << qPrintable(tree.err);
+        // The edited text, also where another product references it: never
+        // the shipped store's older copy.
+        for (const char* block : {"wavecraft/Sources/Sine Wave", "kinetics/Test Signals/Sine Wave"}) {
+            const QString text = tdlb.run({"show", "--json", block}).json()["description"].toString();
+            EXPECT_TRUE(text.startsWith("Makes a sinusoid")) << block << ": " << qPrintable(text);
+        }
         const TdlbResult again = tdlb.run({"update"});
         EXPECT_FALSE(again.out.contains("damaged")) << "repaired for good: " << qPrintable(again.out);
     }
@@ -145,6 +151,9 @@ TEST_F(TdlbSelfRepairTest, DamagedDataOfTheWritableStoreIsGeneratedAgainByTheNex
         },
         [this] {
             QFile::remove(QString::fromStdString(storeFile(writableStore(), "lb_wavecraft_manifests_repos.rps")));
+        },
+        [this] {
+            QFile::remove(QString::fromStdString(storeFile(writableStore(), "lb_kinetics_manifests_repos.rps")));
         },
         [this] {
             foreignRootManifest(storeFile(writableStore(), "lb_wavecraft_manifests_repos.rps"),

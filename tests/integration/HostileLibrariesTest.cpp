@@ -19,12 +19,14 @@ namespace LibraryBrowser::Testing {
 namespace {
 
 constexpr int FanOutLevels = 14;
+constexpr int ChainLevels = 100;
 
 class HostileLibrariesTest : public GenerationFixture {
 protected:
     void addRootFiles() override
     {
         writeFanOut(root(), FanOutLevels);
+        writeChain(root(), ChainLevels);
         writePaletteCycle(root(), 3);
         escapeDirectory = writeEscapingProduct(root(), "../escaped");
     }
@@ -59,6 +61,22 @@ TEST_F(HostileLibrariesTest, AFanOutOfReferencesIsWalkedOncePerReference)
         ++hits;
     EXPECT_GE(hits, 1);
     EXPECT_LE(hits, 4);
+}
+
+TEST_F(HostileLibrariesTest, AWalkEntersNoMoreThanSixtyFourNestedReferences)
+{
+    generate();
+    const auto reader = makeReader();
+    std::set<std::string> names;
+    std::size_t longestPath = 0;
+    for (TandrilObjectIterator it = reader->getDepthFirstIterator(reader->getTandrilObject("chain0"));
+         it.isValidIterator(); it.next()) {
+        names.insert(it.current().getName());
+        longestPath = std::max(longestPath, it.current().id().str().size());
+    }
+    EXPECT_TRUE(names.count("Level64"));
+    EXPECT_FALSE(names.count("Level65"));
+    EXPECT_LT(longestPath, 64u * 8u);
 }
 
 TEST_F(HostileLibrariesTest, APaletteCycleOfAnyLengthIsJudgedAndGeneratedOnceWithAWarning)

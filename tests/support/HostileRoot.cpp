@@ -37,23 +37,34 @@ QJsonObject product(const QString& name, const QString& library)
     return QJsonObject{{"name", name}, {"library", library}, {"type", "Product"}};
 }
 
+// Libraries NAME0 .. NAMEK, each with one block "LevelI" and the given
+// references to the next.
+std::string writeReferenceLevels(const std::string& root, const QString& name, const QString& productName,
+                                 const QStringList& references, int levels)
+{
+    const std::string relative = "toolbox/" + name.toStdString();
+    const std::string directory = root + "/" + relative;
+    for (int level = 0; level <= levels; ++level) {
+        QJsonArray blocks{block(QString("Level%1").arg(level))};
+        if (level < levels)
+            for (const QString& side : references)
+                blocks.append(reference(side, name + QString::number(level + 1)));
+        writeLibrary(directory, name + QString::number(level), blocks);
+    }
+    writeTdBlocks(directory, QJsonArray{product(productName, name + "0")});
+    return relative;
+}
+
 } // namespace
 
 std::string writeFanOut(const std::string& root, int levels)
 {
-    const std::string relative = "toolbox/fanout";
-    const std::string directory = root + "/" + relative;
-    for (int level = 0; level <= levels; ++level) {
-        QJsonArray blocks{block(QString("Level%1").arg(level))};
-        if (level < levels) {
-            const QString next = QString("fan%1").arg(level + 1);
-            blocks.append(reference("Left", next));
-            blocks.append(reference("Right", next));
-        }
-        writeLibrary(directory, QString("fan%1").arg(level), blocks);
-    }
-    writeTdBlocks(directory, QJsonArray{product("Fan Out", "fan0")});
-    return relative;
+    return writeReferenceLevels(root, "fan", "Fan Out", {"Left", "Right"}, levels);
+}
+
+std::string writeChain(const std::string& root, int levels)
+{
+    return writeReferenceLevels(root, "chain", "Chain", {"Next"}, levels);
 }
 
 std::string writePaletteCycle(const std::string& root, int length)
@@ -66,10 +77,13 @@ std::string writePaletteCycle(const std::string& root, int length)
         QJsonArray children{QString("Cycle %1").arg(i % length + 1)};
         if (i == 1)
             children.append("Cycle Member");
+        // A dependency, so that a first generation finds each palette out
+        // of date and generates the next from inside it.
         entries.append(QJsonObject{{"name", QString("Cycle %1").arg(i)},
                                    {"library", QString("cycle%1").arg(i)},
                                    {"type", "Palette"},
-                                   {"children", children}});
+                                   {"children", children},
+                                   {"dependencies", QJsonArray{"tdblocks.json"}}});
     }
     writeTdBlocks(directory, entries);
     return relative;
