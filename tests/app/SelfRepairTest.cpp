@@ -177,9 +177,10 @@ TEST_F(TdlbSelfRepairTest, DamagedDataOfTheWritableStoreIsGeneratedAgainByTheNex
     }
 }
 
-// Bytes changed inside an entry, the archive's directory intact: only the
-// read of that entry finds it. The read says so, and the product is
-// repaired, by that process or by the next update, in either store.
+// Bytes changed inside an entry, the archive's directory intact: a read of
+// that entry finds it and says so; the next update, which also reads whole
+// every archive whose size or date changed since it was written or read,
+// repairs the product in the writable store, whichever store was damaged.
 TEST_F(TdlbSelfRepairTest, AnEntryChangedInsideItsArchiveIsToldByTheReadAndRepaired)
 {
     // Each with a read that meets the damage: the product's tree, or an icon.
@@ -194,7 +195,11 @@ TEST_F(TdlbSelfRepairTest, AnEntryChangedInsideItsArchiveIsToldByTheReadAndRepai
         SCOPED_TRACE(qPrintable(damage.archive));
         const bool shipped = damage.store == shippedStore();
         const std::string archive = storeFile(damage.store, damage.archive);
+        // Size and date kept: damage that no stamp shows, which only the
+        // read of the entry meets.
+        const QDateTime modified = QFileInfo(QString::fromStdString(archive)).lastModified();
         changeBytesInsideEntries(archive, shipped ? "lbarithmeticamanifest.xml" : "lbwavecraftmanifest.xml");
+        setModified(archive, modified);
         const auto shippedBefore = snapshot(shippedStore().toStdString());
 
         const TdlbResult read = tdlb.run(damage.read);
@@ -209,6 +214,13 @@ TEST_F(TdlbSelfRepairTest, AnEntryChangedInsideItsArchiveIsToldByTheReadAndRepai
         EXPECT_FALSE(tree.err.contains("rror")) << qPrintable(tree.err);
         EXPECT_TRUE(snapshot(shippedStore().toStdString()) == shippedBefore) << "the shipped store is never written";
     }
+
+    // With no read between, the update itself finds the changed archive.
+    changeBytesInsideEntries(storeFile(writableStore(), "lb_wavecraft_icons_repos.rps"), "lbwavecraftmanifest.xml");
+    const TdlbResult update = tdlb.run({"update"});
+    EXPECT_TRUE(update.out.contains("Repaired product Wavecraft Signals")) << qPrintable(update.out);
+    const TdlbResult show = tdlb.run({"show", "wavecraft/Sources/Sine Wave"});
+    EXPECT_FALSE(show.err.contains("rror")) << qPrintable(show.err);
 }
 
 TEST_F(TdlbSelfRepairTest, ADamagedShippedTopLevelManifestIsNeverWrittenAndTheWritableStoreServes)

@@ -27,6 +27,16 @@ public:
     // Forgets every note kept in a writable store, when it is seeded anew.
     static void forgetAll(const std::string& writableDirectory);
 
+    // Why an archive of a registered store can't be read whole, or the
+    // empty string. Each entry is read once for each size and date the
+    // file has had: the writable store keeps, in "verified", the size and
+    // date of each archive read whole or published, so that only a file
+    // changed since is read again. Bytes changed inside an entry are found
+    // so without a read having to meet them.
+    static std::string archiveDamage(const std::string& storeDirectory, const std::string& archivePath);
+    // Records an archive just published as read whole.
+    static void archiveWritten(const std::string& storeDirectory, const std::string& archivePath);
+
 private:
     static std::string notesDirectory(const std::string& writableDirectory);
     // The note's file, or the empty string for a store not registered.

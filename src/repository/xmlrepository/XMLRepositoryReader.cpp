@@ -74,6 +74,10 @@ bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool i
             return true;
         // Damaged data counts as out of date, so that it is generated again.
         problem = StoredDataCheck::productProblem(m_directory, *node);
+        for (const std::string& spec : {node->getReposIconsArchiveSpec().str(),
+                                        node->getReposManifestsArchiveSpec().str()})
+            if (problem.empty())
+                problem = StoreDamage::archiveDamage(m_directory, m_directory + "/" + spec);
     }
     if (!problem.empty()) {
         m_report->logWarning("The stored data of " + node->getDisplayName() + " in " + m_directory

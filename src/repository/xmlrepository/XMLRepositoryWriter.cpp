@@ -237,7 +237,13 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
                               + " could not be written. It stays out of date and is generated again at the "
                                 "next update.");
             ArchiveUpdater::forgetFileRecords(product);
-        } else if (repair) {
+        } else {
+            // What was just written needs no reading whole to be trusted.
+            for (const std::string& spec : {product.getReposIconsArchiveSpec().str(),
+                                            product.getReposManifestsArchiveSpec().str()})
+                StoreDamage::archiveWritten(m_directory, m_directory + "/" + spec);
+        }
+        if (published && repair) {
             StoreDamage::forget(m_directory, uniquePath);
             report.logWarning(RepairedId, "Repaired product " + product.getDisplayName() + " in " + damagedStore
                                               + ": " + damage + ". It was generated again.");
