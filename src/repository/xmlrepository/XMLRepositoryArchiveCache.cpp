@@ -85,7 +85,6 @@ QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
     ++reads;
     if (!m_index.contains(entryName)) {
         m_report->logWarning("Unable to locate file " + entryName + " in archive " + localCopy);
-        noteDamage("the entry " + entryName + " is missing from " + m_archivePath);
         return QByteArray();
     }
     QByteArray bytes;
@@ -96,6 +95,11 @@ QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
         noteDamage("the entry " + entryName + " of " + m_archivePath + " can't be read: " + error);
     }
     return bytes;
+}
+
+bool XMLRepositoryArchiveCache::lacks(const std::string& entryName)
+{
+    return m_index.isLoaded() && !m_index.contains(entryName);
 }
 
 void XMLRepositoryArchiveCache::noteDamage(const std::string& reason)

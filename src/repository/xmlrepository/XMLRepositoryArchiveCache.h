@@ -31,8 +31,11 @@ public:
     QByteArray readEntry(const std::string& entryName);
     // Removes the private copy; the next read makes a new one.
     void close();
+    // Whether the archive, as the last read found it, is readable but has no
+    // such entry.
+    bool lacks(const std::string& entryName);
     // The first damage a read met since the copy was made: an archive that
-    // can't be opened, an entry missing or failing its checksum; or empty.
+    // can't be opened, or an entry failing its checksum; or empty.
     const std::string& damage() const { return m_damage; }
 
     // Process-wide counts: archives copied to a private place, and entries

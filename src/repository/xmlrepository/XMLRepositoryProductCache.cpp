@@ -122,6 +122,9 @@ ModelPtr XMLRepositoryProductCache::getModelUncached(const SubSystem& subsystem)
         if (!loadManifestFromBytes(*m_report, *model, m_manifestsArchive->readEntry(entry)))
             noteDamage("the manifest " + entry + " can't be loaded");
         noteDamage(m_manifestsArchive->damage());
+        // A subsystem without children has no manifest; one with children must.
+        if (!node->getIsEmpty() && m_manifestsArchive->lacks(entry))
+            noteDamage("the manifest " + entry + " is missing from its archive");
     }
 
     model->beginChangeSet();
