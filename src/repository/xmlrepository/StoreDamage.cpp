@@ -38,6 +38,7 @@ FileStamp stampOf(const QString& path)
 // between are lost, which costs only a read of those archives again.
 struct VerifiedRecords {
     bool loaded = false;
+    bool changed = false;
     std::unordered_map<std::string, FileStamp> stamps;
 };
 
@@ -167,7 +168,7 @@ std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const 
     if (!index.load(archivePath, error) || !index.readsWhole(archivePath, error))
         return "the archive " + archivePath + " can't be read whole: " + error;
     records.stamps[archivePath] = stamp;
-    writeRecords(found->second.verifiedFile, records);
+    records.changed = true;
     return std::string();
 }
 
@@ -182,7 +183,17 @@ void StoreDamage::archiveWritten(const std::string& storeDirectory, const std::s
         records.stamps.erase(archivePath);
     else
         records.stamps[archivePath] = stamp;
-    writeRecords(found->second.verifiedFile, records);
+    records.changed = true;
+}
+
+void StoreDamage::saveRecords()
+{
+    for (auto& [file, records] : verifiedRecords()) {
+        if (!records.changed)
+            continue;
+        writeRecords(file, records);
+        records.changed = false;
+    }
 }
 
 } // namespace LibraryBrowser

@@ -36,6 +36,10 @@ public:
     static std::string archiveDamage(const std::string& storeDirectory, const std::string& archivePath);
     // Records an archive just published as read whole.
     static void archiveWritten(const std::string& storeDirectory, const std::string& archivePath);
+    // Writes the records changed since the last call, once for many
+    // archives: a repository calls it when it closes. Records a process
+    // never wrote only cost those archives a read again.
+    static void saveRecords();
 
 private:
     static std::string notesDirectory(const std::string& writableDirectory);

@@ -83,6 +83,7 @@ void XMLRepository::buildParts()
 
 XMLRepository::~XMLRepository()
 {
+    StoreDamage::saveRecords();
     m_cache->detachRepository();
     m_cache.reset();
     m_writer.reset();
