@@ -48,9 +48,16 @@ TEST_F(WriterTest, EveryBlockReadsBackWithItsIconAndPathForms)
     std::vector<ScriptedBlock> alpha = blocks("A", 250);
     alpha.push_back({"In//Out"});
     alpha.push_back({"Two\nLines"});
-    libraries.setProducts({{"Alpha Library", "Alpha"}});
+    // A manifest can't keep a control character: refused, never stored altered.
+    alpha.push_back({"Bell\a"});
+    libraries.setProducts({{"Alpha Library", "Alpha"}, {"Beta\x01Library", "Beta"}});
     libraries.setLibrary("Alpha", alpha);
+    libraries.setLibrary("Beta", blocks("B", 1));
     generate();
+    EXPECT_TRUE(logged(*report, "??? **Error**   Invalid block name Alpha/Bell\\x07: it holds a control character"));
+    EXPECT_TRUE(logged(*report, "**Warning**   The product Beta\\x01Library of Beta is left out: its name holds a "
+                                "control character."));
+    EXPECT_FALSE(makeReader()->getTandrilObject("Beta").isValid());
     EXPECT_EQ(entries("Alpha", "icons").size(), 252u);
     EXPECT_EQ(entries("Alpha", "manifests").size(), 1u);
     const Names names = childNames("Alpha");
