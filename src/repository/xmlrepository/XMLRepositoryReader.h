@@ -50,7 +50,6 @@ public:
 
 private:
     bool isLibraryTreeUpToDate(const Library& library, LibraryImpl& node, bool ignoreTimestamp);
-
     bool compareLibrary(const LibraryImpl& library, bool ignoreTimestamp);
 
     std::string m_directory;
