@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "CommandContext.h"
+#include "WindowStateLog.h"
 
 #include "gui/LibraryBlocksPage.h"
 #include "gui/StandaloneBrowser.h"
@@ -13,6 +14,17 @@ namespace LibraryBrowser::Tdlb {
 
 namespace {
 
+// A window of the program that a user still has open: one of its own (a
+// model, a help window), not a dialog or tool window of the browser.
+bool anotherWindowIsOpen(const QWidget* browserWindow)
+{
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        if (widget != browserWindow && widget->isVisible() && !widget->parentWidget() &&
+            (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog))
+            return true;
+    return false;
+}
+
 void configure(QCommandLineParser& parser)
 {
     parser.addOption({"select", "Open the tree at a library or subsystem (its display path).", "path"});
@@ -23,6 +35,9 @@ void configure(QCommandLineParser& parser)
     parser.addOption({"size", "The window's width and height in pixels, for this run.", "WxH"});
     parser.addOption({"screenshot", "Open the window offscreen, write it to a PNG file when the tree and the page "
                                     "are filled, and exit.",
+                      "file"});
+    parser.addOption({"state-log", "Write what the window shows to a file, one JSON line per change (for tests that "
+                                   "drive the program from outside).",
                       "file"});
 }
 
@@ -77,8 +92,19 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
             if (!browser->hideResultsSectionByName(section.toStdString()))
                 status = context.fail("no section '" + section + "' in the results");
     }
-    if (status == Success && !screenshot)
+    WindowStateLog stateLog;
+    if (status == Success && parser.isSet("state-log") && !stateLog.open(parser.value("state-log"), *browser))
+        status = context.fail("unable to write " + parser.value("state-log"));
+    if (status == Success && !screenshot) {
+        // The program ends when the user has closed the browser and no other
+        // window of it is open; the last of those closed ends it too.
+        QApplication::setQuitOnLastWindowClosed(true);
+        QObject::connect(browser, &StandaloneBrowser::browserClosed, qApp, [browser] {
+            if (!anotherWindowIsOpen(browser->window()))
+                QCoreApplication::quit();
+        });
         status = QApplication::exec() == 0 ? Success : Failure;
+    }
     if (status == Success && screenshot) {
         QApplication::processEvents();
         const QString file = parser.value("screenshot");

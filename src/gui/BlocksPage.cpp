@@ -9,6 +9,7 @@
 #include "platform/Platform.h"
 
 #include <QKeyEvent>
+#include <QLinearGradient>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyle>
@@ -39,6 +40,18 @@ BlocksPage::BlocksPage(BlocksPageHost& browser, LayoutType layout, IconSize size
     m_nameFont.setPixelSize(std::max(1, int(std::lround(getFontPixelSize(font.pointSizeF())))));
 }
 
+void BlocksPage::setBottomColor(const QColor& bottom)
+{
+    QLinearGradient gradient(0, 0, 0, 1);
+    gradient.setCoordinateMode(QGradient::ObjectMode);
+    gradient.setColorAt(0, m_backgroundColor);
+    gradient.setColorAt(1, bottom);
+    QPalette palette = m_scrollView->palette();
+    palette.setBrush(QPalette::Base, gradient);
+    palette.setBrush(QPalette::Window, gradient);
+    m_scrollView->setPalette(palette);
+}
+
 BlocksPage::~BlocksPage()
 {
     // The scroll view belongs to the widget tree; it goes when its parent goes.
@@ -50,9 +63,10 @@ void BlocksPage::createMainPanel()
 {
     auto* panel = new BlocksPanel(this, nullptr);
     panel->setGrid(getGridSpacing(m_layoutType, m_iconSize), getBlockPanelMargin(m_layoutType, m_iconSize));
-    panel->setAutoFillBackground(false);
     panel->hide();
     m_scrollView->setWidget(panel);
+    // The view's background shows through the tiles' panel.
+    panel->setAutoFillBackground(false);
     m_mainPanel = panel;
 }
 
@@ -87,6 +101,12 @@ bool BlocksPage::eventFilter(QObject* watched, QEvent* event)
     case QEvent::Resize:
         if (watched == m_scrollView)
             handleOnResize();
+        break;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        // The selected tile carries the page's focus mark.
+        if (watched == m_scrollView && m_selectedBlock && m_selectedBlock->getPanel())
+            m_selectedBlock->getPanel()->updateTile(m_selectedBlock);
         break;
     default:
         break;
@@ -128,6 +148,10 @@ bool BlocksPage::handleOnKeyPressEvent(QKeyEvent* event)
     case Qt::Key_Tab:
         m_browser.internalFocusSearchBox();
         return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        openSelectedBlock();
+        return true;
     case Qt::Key_Home:
         selectBlockHome();
         return true;
@@ -159,6 +183,19 @@ bool BlocksPage::handleOnKeyPressEvent(QKeyEvent* event)
         return false;
     }
 }
+
+void BlocksPage::openSelectedBlock()
+{
+    const int index = selectedIndex();
+    if (index < 0)
+        return;
+    // Going into a subsystem makes the page anew: the tile lives until its
+    // own call is done.
+    const GuiBlockPtr tile = m_blocks[std::size_t(index)];
+    tile->respondToMouseDoubleClick();
+}
+
+bool BlocksPage::hasFocusMark() const { return m_scrollView->hasFocus(); }
 
 void BlocksPage::handleShowContextMenuForSelectedBlock() { showContextMenuForSelectedBlock(); }
 

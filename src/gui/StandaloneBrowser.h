@@ -184,6 +184,11 @@ public:
     bool rememberUserHiddenSections() const override { return m_rememberUserHiddenSections; }
     bool isTitleElidedMiddle() const override { return m_titleElidedMiddle; }
 
+signals:
+    // The window was closed or hidden, by the user or by a call; the
+    // preferences are saved by then.
+    void browserClosed();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -217,6 +222,13 @@ private:
     void internalPlaceDescText();
     void internalSetDescription(const QString& html);
     void internalEnableBrowser(bool enable);
+    // The search box takes the focus with its text selected, so that typing
+    // replaces it.
+    void internalFocusSearchBoxSelected();
+    // The tree pane back at the width the user gave it, as far as the
+    // window leaves room: a window made small squeezes it only for a while.
+    void internalRestoreTreeWidth();
+    bool internalFilterSearchBoxEvent(QEvent* event);
     void handleAboutToShowEditMenu();
     void handleOnHideEditMenu();
     void handleAboutToShowViewMenu();
@@ -283,6 +295,9 @@ private:
     int m_treeSelectionTimeout = 111;
     int m_currentTabIndex = -1;
     int m_progressShown = 0;
+    // The tree pane's width as the user last dragged it (or as it was
+    // restored); 0 until known.
+    int m_treeWidth = 0;
     QFont m_guiFont;
     LayoutType m_layoutType = LayoutType::List;
     IconSize m_iconSize = IconSize::Small;

@@ -14,8 +14,10 @@
 #include <QComboBox>
 #include <QDockWidget>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
+#include <QScrollArea>
 #include <QTabWidget>
 
 #include <stdexcept>
@@ -77,7 +79,7 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     if (text == m_searchPrompt) {
         m_searchComboBox->setEditText(prompt);
         m_searchComboBox->setToolTip(QString::fromStdString(xlatedMessageFromId(MessageId::TDLB_GuiSearchEditAreaToolTip)));
-        m_searchComboBox->setFocus();
+        internalFocusSearchBoxSelected();
         return;
     }
 
@@ -186,7 +188,9 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     }
 
     const std::string quoted = escapeAmpersands(text);
-    if (results.numBlocks + results.numSubsystems > 0) {
+    const bool found = results.numBlocks + results.numSubsystems > 0;
+    bool listTakesFocus = false;
+    if (found) {
         m_lastFailedSearch.clear();
         m_searchComboBox->setToolTip(QString());
         const std::string status = xlatedMessageFromIdAndCharStarAndThreeInts(MessageId::TDLB_GuiStatusBarSearchResults,
@@ -195,12 +199,11 @@ void StandaloneBrowser::internalSearchForString(std::string text)
         internalSetStatusBarMessage(status);
         if (m_listBoxShowable && m_listBoxPrimary && m_searchListBox->count() > 0) {
             m_searchListBox->setCurrentRow(0);
-            m_searchListBox->setFocus();
+            listTakesFocus = true;
         }
         m_tabContainer->setTabText(1, QString::fromStdString(xlatedMessageFromIdAndCharStar(
                                           MessageId::TDLB_GuiSearchResultsTabLabel_Found, quoted)));
     } else {
-        m_searchComboBox->setFocus();
         m_lastFailedSearch = text;
         const std::string status = xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarNoMatchesForString, text);
         m_resultsPage->setStatusMessage(status);
@@ -216,8 +219,16 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     internalSelectTab(1, true);
     m_searching = false;
     internalEnableBrowser(true);
+    // Focus goes where a keyboard user goes on, and only now: a disabled
+    // window gives it to nobody. The hits, or the text to mend.
+    if (!found)
+        internalFocusSearchBoxSelected();
+    else if (listTakesFocus)
+        m_searchListBox->setFocus();
+    else
+        m_resultsPage->getScrollView()->setFocus(Qt::OtherFocusReason);
     if (cancelled) {
-        m_statusMessage += "    Search cancelled: showing the matches found before it stopped";
+        m_statusMessage += "    " + xlatedMessageFromId(MessageId::TDLB_GuiStatusBarSearchCancelled);
         internalSetStatusBarMessage(m_statusMessage);
     }
 }

@@ -1,0 +1,115 @@
+#include "WindowStateLog.h"
+
+#include "gui/BrowserPreferences.h"
+#include "gui/GuiBlock.h"
+#include "gui/LibraryBlocksPage.h"
+#include "gui/LibraryTreeView.h"
+#include "gui/ResultsBlocksPage.h"
+#include "gui/StandaloneBrowser.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QTabWidget>
+
+namespace LibraryBrowser::Tdlb {
+
+namespace {
+
+QJsonArray toArray(const std::vector<std::string>& texts)
+{
+    QJsonArray array;
+    for (const std::string& text : texts)
+        array.append(QString::fromStdString(text));
+    return array;
+}
+
+// The part of the window that has the keyboard, in the words a user would use.
+QString focusOf(StandaloneBrowser& browser)
+{
+    const QWidget* focus = QApplication::focusWidget();
+    if (!focus)
+        return QString();
+    const auto within = [focus](const QWidget* widget) { return widget && (focus == widget || widget->isAncestorOf(focus)); };
+    if (within(browser.searchComboBox()))
+        return "search box";
+    if (within(browser.libraryPage()->getScrollView()))
+        return "library page";
+    if (within(browser.resultsPage()->getScrollView()))
+        return "results page";
+    if (within(browser.tree()))
+        return "tree";
+    if (within(browser.searchListBox()))
+        return "results list";
+    return focus->window() == browser.window() ? QString("window") : QString("other window");
+}
+
+} // namespace
+
+bool WindowStateLog::open(const QString& fileName, StandaloneBrowser& browser)
+{
+    m_browser = &browser;
+    m_file.setFileName(fileName);
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
+        return false;
+    // Often enough that a test waits little, seldom enough to cost nothing.
+    connect(&m_timer, &QTimer::timeout, this, &WindowStateLog::write);
+    m_timer.start(50);
+    write();
+    return true;
+}
+
+void WindowStateLog::write()
+{
+    StandaloneBrowser& browser = *m_browser;
+    QMainWindow* window = browser.window();
+    QJsonObject state;
+    state["visible"] = window->isVisible();
+    state["title"] = window->windowTitle();
+    const auto* tabs = window->findChild<QTabWidget*>("LBTabContainer");
+    state["tab"] = tabs->currentIndex();
+    state["tabLabels"] = QJsonArray{tabs->tabText(0), tabs->tabText(1)};
+    state["status"] = window->statusBar()->currentMessage();
+    state["focus"] = focusOf(browser);
+    const QComboBox* box = browser.searchComboBox();
+    state["searchText"] = box->currentText();
+    state["searchSelection"] = box->lineEdit()->selectedText();
+    QJsonArray history;
+    for (int i = 0; i < box->count(); ++i)
+        history.append(box->itemText(i));
+    state["history"] = history;
+    state["treeNode"] = QString::fromStdString(browser.getCurrentTreeNode());
+    BlocksPage* page = browser.getCurrentTabIndex() == 1 ? static_cast<BlocksPage*>(browser.resultsPage())
+                                                         : static_cast<BlocksPage*>(browser.libraryPage());
+    state["tiles"] = toArray(page->getBlocksDisplayPathNames());
+    const GuiBlock* selected = page->getSelectedBlock();
+    state["selected"] = selected ? QString::fromStdString(selected->getDisplayPath()) : QString();
+    state["focusMark"] = page->hasFocusMark();
+    state["layout"] = BrowserPreferences::wordOf(browser.getLayoutType());
+    state["iconSize"] = BrowserPreferences::wordOf(browser.getIconSize());
+    const auto* tree = window->findChild<QDockWidget*>("LBTreeDockWidget");
+    state["treeWidth"] = tree->isVisible() ? tree->width() : 0;
+    state["enabled"] = window->isEnabled();
+    QJsonArray others;
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        if (widget != window && widget->isVisible() && !widget->parentWidget() &&
+            (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog))
+            others.append(widget->windowTitle());
+    state["otherWindows"] = others;
+    const QByteArray line = QJsonDocument(state).toJson(QJsonDocument::Compact);
+    if (line == m_last)
+        return;
+    m_last = line;
+    m_file.write(line + '\n');
+    m_file.flush();
+}
+
+} // namespace LibraryBrowser::Tdlb

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QFile>
+#include <QObject>
+#include <QTimer>
+
+namespace LibraryBrowser {
+class StandaloneBrowser;
+}
+
+namespace LibraryBrowser::Tdlb {
+
+// What the browser window shows, one JSON object per line, written whenever
+// it changes: title, tabs and their labels, the status bar, where the
+// keyboard is, the search box with its selection and list, the tree node,
+// the tiles of the page in front and the selected one, layout, icon size,
+// the tree pane's width, and the titles of the program's other windows. For
+// tests that drive the program from outside, which cannot read the screen.
+class WindowStateLog : public QObject {
+    Q_OBJECT
+
+public:
+    // False when the file can't be opened for writing.
+    bool open(const QString& fileName, StandaloneBrowser& browser);
+
+private:
+    void write();
+
+    StandaloneBrowser* m_browser = nullptr;
+    QFile m_file;
+    QTimer m_timer;
+    QByteArray m_last;
+};
+
+} // namespace LibraryBrowser::Tdlb
