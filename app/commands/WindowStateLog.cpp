@@ -1,5 +1,6 @@
 #include "WindowStateLog.h"
 
+#include "gui/BlocksPanel.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
@@ -31,6 +32,17 @@ QJsonArray toArray(const std::vector<std::string>& texts)
         array.append(QString::fromStdString(text));
     return array;
 }
+
+// Where a widget, or a rectangle in it, is on the screen: x, y, width, height.
+QJsonArray onScreen(const QWidget* widget, QRect rect)
+{
+    if (!widget || !widget->isVisible())
+        return QJsonArray();
+    rect.moveTopLeft(widget->mapToGlobal(rect.topLeft()));
+    return QJsonArray{rect.x(), rect.y(), rect.width(), rect.height()};
+}
+
+QJsonArray onScreen(const QWidget* widget) { return widget ? onScreen(widget, widget->rect()) : QJsonArray(); }
 
 // The part of the window that has the keyboard, in the words a user would use.
 QString focusOf(StandaloneBrowser& browser)
@@ -93,9 +105,16 @@ void WindowStateLog::write()
     const GuiBlock* selected = page->getSelectedBlock();
     state["selected"] = selected ? QString::fromStdString(selected->getDisplayPath()) : QString();
     state["focusMark"] = page->hasFocusMark();
+    const auto* tree = window->findChild<QDockWidget*>("LBTreeDockWidget");
+    QJsonObject rects;
+    rects["searchBox"] = onScreen(box);
+    rects["tree"] = onScreen(tree);
+    rects["page"] = onScreen(page->getScrollView()->viewport());
+    rects["selected"] = selected && selected->getPanel() ? onScreen(selected->getPanel(), selected->geometry())
+                                                         : QJsonArray();
+    state["rects"] = rects;
     state["layout"] = BrowserPreferences::wordOf(browser.getLayoutType());
     state["iconSize"] = BrowserPreferences::wordOf(browser.getIconSize());
-    const auto* tree = window->findChild<QDockWidget*>("LBTreeDockWidget");
     state["treeWidth"] = tree->isVisible() ? tree->width() : 0;
     state["enabled"] = window->isEnabled();
     QJsonArray others;

@@ -14,8 +14,9 @@ namespace LibraryBrowser::Tdlb {
 // it changes: title, tabs and their labels, the status bar, where the
 // keyboard is, the search box with its selection and list, the tree node,
 // the tiles of the page in front and the selected one, layout, icon size,
-// the tree pane's width, and the titles of the program's other windows. For
-// tests that drive the program from outside, which cannot read the screen.
+// the tree pane's width, where the main parts are on the screen, and the
+// titles of the program's other windows. For tests that drive the program
+// from outside, which cannot read the screen.
 class WindowStateLog : public QObject {
     Q_OBJECT
 

@@ -8,6 +8,7 @@
 #include "platform/HostEnvironment.h"
 #include "platform/Platform.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QLinearGradient>
 #include <QScrollArea>
@@ -96,7 +97,10 @@ bool BlocksPage::eventFilter(QObject* watched, QEvent* event)
             return handleOnKeyPressEvent(static_cast<QKeyEvent*>(event));
         break;
     case QEvent::ContextMenu:
-        handleShowContextMenuForSelectedBlock();
+        // The menu key is served by the key handler already; the platform's
+        // own event for it would open the menu a second time over the first.
+        if (static_cast<QContextMenuEvent*>(event)->reason() != QContextMenuEvent::Keyboard)
+            handleShowContextMenuForSelectedBlock();
         return true;
     case QEvent::Resize:
         if (watched == m_scrollView)
