@@ -223,8 +223,7 @@ void StandaloneBrowser::internalCreateGUI()
     m_tabContainer->setObjectName(QStringLiteral("LBTabContainer"));
     m_tabContainer->setFocusPolicy(Qt::StrongFocus);
     // Tab goes from the tree to the page itself, not to the tab bar, where
-    // an arrow key would change the page instead of the selection (the
-    // container hands its focus on to the page in front, internalSelectTab).
+    // an arrow key would change the page instead of the selection.
     m_tabContainer->tabBar()->setFocusPolicy(Qt::NoFocus);
     m_libraryPage = std::make_unique<LibraryBlocksPage>(*this, m_layoutType, m_iconSize, m_guiFont,
                                                         getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
@@ -232,7 +231,6 @@ void StandaloneBrowser::internalCreateGUI()
     m_libraryPage->setBottomColor(getColorPref(PrefKey::LBColorLibraryBlocksBackgroundBot));
     m_tabContainer->addTab(m_libraryPage->getScrollView(), xlated(MessageId::TDLB_GuiLibraryBlocksTabLabel_Empty));
     m_currentTabIndex = 0;
-    m_tabContainer->setFocusProxy(m_libraryPage->getScrollView());
     m_resultsPage = std::make_unique<ResultsBlocksPage>(*this, m_layoutType, m_iconSize, m_guiFont,
                                                         getColorPref(PrefKey::LBColorSearchResultsBackgroundTop),
                                                         m_tabContainer);

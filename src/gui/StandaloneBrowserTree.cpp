@@ -20,7 +20,6 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QProgressDialog>
-#include <QScrollArea>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -234,9 +233,6 @@ void StandaloneBrowser::internalSelectTab(int index, bool force)
         const QSignalBlocker quiet(m_tabContainer);
         m_tabContainer->setCurrentIndex(index);
     }
-    // Focus given to the tab container goes on to the page in front.
-    if (index == 0 || index == 1)
-        m_tabContainer->setFocusProxy(internalGetCurrentBlocksPage()->getScrollView());
 }
 
 int StandaloneBrowser::internalGetUIDForDisplayPath(const std::string& displayPath) const
