@@ -14,17 +14,6 @@ namespace LibraryBrowser::Tdlb {
 
 namespace {
 
-// A window of the program that a user still has open: one of its own (a
-// model, a help window), not a dialog or tool window of the browser.
-bool anotherWindowIsOpen(const QWidget* browserWindow)
-{
-    for (const QWidget* widget : QApplication::topLevelWidgets())
-        if (widget != browserWindow && widget->isVisible() && !widget->parentWidget() &&
-            (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog))
-            return true;
-    return false;
-}
-
 void configure(QCommandLineParser& parser)
 {
     parser.addOption({"select", "Open the tree at a library or subsystem (its display path).", "path"});
@@ -100,7 +89,7 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
         // window of it is open; the last of those closed ends it too.
         QApplication::setQuitOnLastWindowClosed(true);
         QObject::connect(browser, &StandaloneBrowser::browserClosed, qApp, [browser] {
-            if (!anotherWindowIsOpen(browser->window()))
+            if (otherOpenWindows(browser->window()).isEmpty())
                 QCoreApplication::quit();
         });
         status = QApplication::exec() == 0 ? Success : Failure;

@@ -66,6 +66,16 @@ QString focusOf(StandaloneBrowser& browser)
 
 } // namespace
 
+QList<QWidget*> otherOpenWindows(const QWidget* browserWindow)
+{
+    QList<QWidget*> open;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (widget != browserWindow && widget->isVisible() && !widget->parentWidget() &&
+            (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog))
+            open.append(widget);
+    return open;
+}
+
 bool WindowStateLog::open(const QString& fileName, StandaloneBrowser& browser)
 {
     m_browser = &browser;
@@ -118,10 +128,8 @@ void WindowStateLog::write()
     state["treeWidth"] = tree->isVisible() ? tree->width() : 0;
     state["enabled"] = window->isEnabled();
     QJsonArray others;
-    for (const QWidget* widget : QApplication::topLevelWidgets())
-        if (widget != window && widget->isVisible() && !widget->parentWidget() &&
-            (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog))
-            others.append(widget->windowTitle());
+    for (const QWidget* widget : otherOpenWindows(window))
+        others.append(widget->windowTitle());
     state["otherWindows"] = others;
     const QByteArray line = QJsonDocument(state).toJson(QJsonDocument::Compact);
     if (line == m_last)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFile>
+#include <QList>
 #include <QObject>
 #include <QTimer>
 
@@ -8,7 +9,14 @@ namespace LibraryBrowser {
 class StandaloneBrowser;
 }
 
+class QWidget;
+
 namespace LibraryBrowser::Tdlb {
+
+// The program's windows that a user has open besides the browser's own: its
+// other top-level windows and dialogs (a model, a help window), not the
+// browser's dialogs, menus or tool tips.
+QList<QWidget*> otherOpenWindows(const QWidget* browserWindow);
 
 // What the browser window shows, one JSON object per line, written whenever
 // it changes: title, tabs and their labels, the status bar, where the
