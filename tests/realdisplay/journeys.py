@@ -10,6 +10,7 @@ install list (tools/install-packages.sh) has them all.
 
 import argparse
 import configparser
+import glob
 import os
 import shutil
 import sys
@@ -215,17 +216,20 @@ class Journey(unittest.TestCase):
         self.assertIn("Unit Delay", saved)
 
     def save_model(self, browser, model, name):
-        """Saves the model of a window with Ctrl+S into a file typed into
-        the save dialog, and gives the file's text."""
-        path = os.path.join(self.workdir, name + ".tdl")
+        """Saves the model of a window with Ctrl+S into a file named in the
+        save dialog, and gives the file's text (the dialog may add its own
+        extension to the name)."""
+        base = os.path.join(self.workdir, name)
         browser.display.xdotool("windowactivate", "--sync", str(model))
+        before = set(browser.other_windows())
         browser.display.key("ctrl+s")
-        wait_for(lambda: len(browser.other_windows()) > 1, "the save dialog", timeout=15)
-        browser.display.type(path)
+        wait_for(lambda: set(browser.other_windows()) - before, "the save dialog", timeout=15)
+        browser.display.type(base)
         browser.display.key("Return")
-        wait_for(lambda: os.path.exists(path) and os.path.getsize(path) > 0, f"the model saved to {path}")
-        with open(path, encoding="utf-8", errors="replace") as saved:
-            return saved.read()
+        saved = wait_for(lambda: [f for f in glob.glob(base + "*") if os.path.getsize(f) > 0],
+                         f"the model saved as {base}")
+        with open(saved[0], encoding="utf-8", errors="replace") as text:
+            return text.read()
 
 
 def main():
