@@ -89,7 +89,7 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
         // window of it is open; the last of those closed ends it too.
         QApplication::setQuitOnLastWindowClosed(true);
         QObject::connect(browser, &StandaloneBrowser::browserClosed, qApp, [browser] {
-            if (otherOpenWindows(browser->window()).isEmpty())
+            if (otherOpenWindows(browser->window()->windowHandle()).isEmpty())
                 QCoreApplication::quit();
         });
         status = QApplication::exec() == 0 ? Success : Failure;

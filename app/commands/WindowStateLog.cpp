@@ -20,6 +20,7 @@
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QTabWidget>
+#include <QWindow>
 
 namespace LibraryBrowser::Tdlb {
 
@@ -66,13 +67,13 @@ QString focusOf(StandaloneBrowser& browser)
 
 } // namespace
 
-QList<QWidget*> otherOpenWindows(const QWidget* browserWindow)
+QList<QWindow*> otherOpenWindows(const QWindow* browserWindow)
 {
-    QList<QWidget*> open;
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (widget != browserWindow && widget->isVisible() && !widget->parentWidget() &&
-            (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog))
-            open.append(widget);
+    QList<QWindow*> open;
+    for (QWindow* window : QGuiApplication::topLevelWindows())
+        if (window != browserWindow && window->isVisible() && !window->transientParent() &&
+            (window->type() == Qt::Window || window->type() == Qt::Dialog))
+            open.append(window);
     return open;
 }
 
@@ -128,8 +129,8 @@ void WindowStateLog::write()
     state["treeWidth"] = tree->isVisible() ? tree->width() : 0;
     state["enabled"] = window->isEnabled();
     QJsonArray others;
-    for (const QWidget* widget : otherOpenWindows(window))
-        others.append(widget->windowTitle());
+    for (const QWindow* other : otherOpenWindows(window->windowHandle()))
+        others.append(other->title());
     state["otherWindows"] = others;
     const QByteArray line = QJsonDocument(state).toJson(QJsonDocument::Compact);
     if (line == m_last)

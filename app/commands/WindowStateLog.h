@@ -9,14 +9,14 @@ namespace LibraryBrowser {
 class StandaloneBrowser;
 }
 
-class QWidget;
+class QWindow;
 
 namespace LibraryBrowser::Tdlb {
 
-// The program's windows that a user has open besides the browser's own: its
-// other top-level windows and dialogs (a model, a help window), not the
-// browser's dialogs, menus or tool tips.
-QList<QWidget*> otherOpenWindows(const QWidget* browserWindow);
+// The program's windows that a user has open besides the browser: its other
+// top-level windows and dialogs (a model, a help window), whatever made
+// them, but not dialogs that belong to a window, menus or tool tips.
+QList<QWindow*> otherOpenWindows(const QWindow* browserWindow);
 
 // What the browser window shows, one JSON object per line, written whenever
 // it changes: title, tabs and their labels, the status bar, where the
