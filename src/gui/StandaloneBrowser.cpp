@@ -545,11 +545,16 @@ bool StandaloneBrowser::internalFilterSearchBoxEvent(QEvent* event)
     // The box forwards its keys to its line edit without event filters: both
     // are watched, for keys sent to either.
     if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        const auto* press = static_cast<QKeyEvent*>(event);
+        if (press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter) {
             internalSearchForString(m_searchComboBox->currentText().toStdString());
             return true;
         }
+        // Whatever the cursor's place in the prompt, what is typed replaces it.
+        const bool typed = !press->text().isEmpty() && press->text().front().isPrint() &&
+                           !(press->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+        if (typed && m_searchComboBox->currentText().toStdString() == m_searchPrompt)
+            m_searchComboBox->lineEdit()->selectAll();
     } else if (event->type() == QEvent::FocusIn &&
                m_searchComboBox->currentText().toStdString() == m_searchPrompt) {
         // The prompt is no text of the user's: focused in any way, it is

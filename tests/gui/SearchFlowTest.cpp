@@ -215,6 +215,8 @@ TEST_F(SearchFlowTest, TheSearchBoxActsAsAPromptAndFocusGoesWhereTheUserGoesOn)
     QTest::mouseClick(box->lineEdit(), Qt::LeftButton, {}, QPoint(30, 5));
     settle(50);
     EXPECT_EQ(box->lineEdit()->selectedText(), "Enter search term");
+    // A second click places the cursor in the prompt; typing still replaces it.
+    QTest::mouseClick(box->lineEdit(), Qt::LeftButton, {}, QPoint(30, 5));
     QTest::keyClicks(box, "Delay");
     EXPECT_EQ(box->currentText(), "Delay");
     QTest::keyClick(box, Qt::Key_Return);
