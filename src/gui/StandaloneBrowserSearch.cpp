@@ -14,11 +14,13 @@
 #include <QComboBox>
 #include <QDockWidget>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QScrollArea>
 #include <QTabWidget>
+#include <QTimer>
 
 #include <stdexcept>
 
@@ -231,6 +233,42 @@ void StandaloneBrowser::internalSearchForString(std::string text)
         m_statusMessage += "    " + xlatedMessageFromId(MessageId::TDLB_GuiStatusBarSearchCancelled);
         internalSetStatusBarMessage(m_statusMessage);
     }
+}
+
+void StandaloneBrowser::internalFocusSearchBox() { m_searchComboBox->setFocus(Qt::TabFocusReason); }
+
+void StandaloneBrowser::internalFocusSearchBoxSelected()
+{
+    m_searchComboBox->setFocus(Qt::OtherFocusReason);
+    m_searchComboBox->lineEdit()->selectAll();
+}
+
+bool StandaloneBrowser::internalFilterSearchBoxEvent(QEvent* event)
+{
+    // The box forwards its keys to its line edit without event filters: both
+    // are watched, for keys sent to either.
+    if (event->type() == QEvent::KeyPress) {
+        const auto* press = static_cast<QKeyEvent*>(event);
+        if (press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter) {
+            internalSearchForString(m_searchComboBox->currentText().toStdString());
+            return true;
+        }
+        // Whatever the cursor's place in the prompt, what is typed replaces it.
+        const bool typed = !press->text().isEmpty() && press->text().front().isPrint() &&
+                           !(press->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+        if (typed && m_searchComboBox->currentText().toStdString() == m_searchPrompt)
+            m_searchComboBox->lineEdit()->selectAll();
+    } else if (event->type() == QEvent::FocusIn &&
+               m_searchComboBox->currentText().toStdString() == m_searchPrompt) {
+        // The prompt is no text of the user's: focused in any way, it is
+        // selected, so that typing replaces it. After the click that gave the
+        // focus has placed the cursor.
+        QTimer::singleShot(0, m_searchComboBox, [this] {
+            if (m_searchComboBox->hasFocus() && m_searchComboBox->currentText().toStdString() == m_searchPrompt)
+                m_searchComboBox->lineEdit()->selectAll();
+        });
+    }
+    return false;
 }
 
 void StandaloneBrowser::internalSearchResultsListBoxItemChosen(int index)
