@@ -44,6 +44,11 @@ BlockDialog::BlockDialog(const std::string& path, const BlockRecord& block, cons
     auto* heading = new QLabel("<b>" + name.toHtmlEscaped() + "</b>");
     layout->addWidget(heading);
 
+    auto* description = textLabel(QString::fromStdString(block.description));
+    description->setMinimumWidth(320);
+    layout->addWidget(description);
+
+    layout->addSpacing(6);
     auto* form = new QFormLayout();
     form->addRow(QStringLiteral("Path:"), textLabel(QString::fromStdString(path)));
     form->addRow(QStringLiteral("Type:"), textLabel(QString::fromLatin1(blockTypeName(block.type))));
@@ -52,11 +57,8 @@ BlockDialog::BlockDialog(const std::string& path, const BlockRecord& block, cons
         form->addRow(QStringLiteral("Ports:"), textLabel(ports));
     layout->addLayout(form);
 
-    auto* description = textLabel(QString::fromStdString(block.description));
-    description->setMinimumWidth(320);
-    layout->addWidget(description);
-
     if (!block.parameters.empty() || params) {
+        layout->addSpacing(6);
         auto* title = new QLabel(QStringLiteral("<b>Parameters</b>"));
         layout->addWidget(title);
         auto* values = new QFormLayout();

@@ -11,6 +11,7 @@ HelpWindow::HelpWindow() : QWidget(nullptr, Qt::Window)
     layout->setContentsMargins(0, 0, 0, 0);
     m_page = new QTextBrowser(this);
     m_page->setOpenExternalLinks(true);
+    m_page->document()->setDocumentMargin(12);
     layout->addWidget(m_page);
     resize(560, 520);
 }

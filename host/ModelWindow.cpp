@@ -100,6 +100,8 @@ void ModelWindow::showSystem(const OpenSystem& system)
     const bool locked = system.type == SystemType::Library && system.locked;
     if (locked)
         title += " (locked library)";
+    else if (system.type == SystemType::Library)
+        title += " (library)";
     setWindowTitle(title);
     // A locked library is read only: it has nothing to save.
     fileAction(FileCommand::Save)->setEnabled(!locked);

@@ -123,7 +123,8 @@ bool ModelWindows::rename(const std::string& from, const std::string& to)
     return true;
 }
 
-bool ModelWindows::save(const std::string& name, bool chooseFile)
+// The name is a copy: renaming changes the window's own, which callers pass.
+bool ModelWindows::save(std::string name, bool chooseFile)
 {
     const OpenSystem* system = m_systems.find(name);
     if (!system)
@@ -148,7 +149,8 @@ bool ModelWindows::save(const std::string& name, bool chooseFile)
         if (saved != name)
             rename(saved, name);
         m_prompts.failure(window(name), QStringLiteral("Save Model"),
-                          QStringLiteral("The model \"%1\" was not saved: %2").arg(text(name), text(error)));
+                          QStringLiteral("The model \"%1\" was not saved to %2: %3")
+                              .arg(text(name), QDir::toNativeSeparators(file), text(error)));
         sync();
         return false;
     }

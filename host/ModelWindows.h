@@ -42,7 +42,7 @@ public:
     // Saves the system to its file; to one the person chooses when it has
     // none yet or when asked to. A model saved to a new file takes the
     // file's name. False when cancelled or failed; a failure is shown.
-    bool save(const std::string& name, bool chooseFile);
+    bool save(std::string name, bool chooseFile);
     // Asks for a saved model and opens it in a window. False with the reason
     // (shown too) when the file can't be opened; true when opened or when
     // the person cancelled.

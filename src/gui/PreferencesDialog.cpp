@@ -54,6 +54,7 @@ PreferencesDialog::PreferencesDialog(StandaloneBrowser& browser) : QDialog(brows
     auto* lookForm = new QFormLayout(look);
     m_fontFamily = new QFontComboBox;
     m_fontFamily->setObjectName(QStringLiteral("fontFamily"));
+    connect(m_fontFamily, &QFontComboBox::currentFontChanged, this, [this] { m_familyPicked = true; });
     lookForm->addRow(QStringLiteral("Font:"), m_fontFamily);
     m_fontSize = new QSpinBox;
     m_fontSize->setObjectName(QStringLiteral("fontSize"));
@@ -153,7 +154,7 @@ void PreferencesDialog::showColor(const std::string& key) { m_colorButtons.at(ke
 BrowserSettings PreferencesDialog::settings() const
 {
     BrowserSettings settings;
-    settings.fontFamily = m_fontFamily->currentFont().family();
+    settings.fontFamily = m_familyPicked ? m_fontFamily->currentFont().family() : m_shownFamily;
     settings.fontSize = m_fontSize->value();
     settings.layout = BrowserPreferences::layoutFromWord(m_layout->currentText());
     settings.iconSize = BrowserPreferences::iconSizeFromWord(m_iconSize->currentText());
@@ -165,6 +166,8 @@ BrowserSettings PreferencesDialog::settings() const
 void PreferencesDialog::setSettings(const BrowserSettings& settings)
 {
     m_fontFamily->setCurrentFont(QFont(settings.fontFamily));
+    m_shownFamily = settings.fontFamily;
+    m_familyPicked = false;
     m_fontSize->setValue(settings.fontSize);
     m_layout->setCurrentText(BrowserPreferences::wordOf(settings.layout));
     m_iconSize->setCurrentText(BrowserPreferences::wordOf(settings.iconSize));

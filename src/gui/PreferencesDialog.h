@@ -44,6 +44,10 @@ private:
 
     StandaloneBrowser& m_browser;
     QFontComboBox* m_fontFamily = nullptr;
+    // The family as the window holds it: the box may spell it otherwise, so
+    // it counts only once the person picks one.
+    QString m_shownFamily;
+    bool m_familyPicked = false;
     QSpinBox* m_fontSize = nullptr;
     QComboBox* m_layout = nullptr;
     QComboBox* m_iconSize = nullptr;

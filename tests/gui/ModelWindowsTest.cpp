@@ -215,6 +215,18 @@ TEST_F(ModelWindowsTest, UnsavedChangesAskBeforeTheWindowCloses)
     QApplication::processEvents();
     ASSERT_NE(window(model), nullptr);
 
+    // Save, and the file can't be written: the window stays, with its name
+    // and its changes, and the person is told why.
+    saveAnswer = "/proc/no-such-directory/lost.tdlib.json";
+    EXPECT_FALSE(window(model)->close());
+    QApplication::processEvents();
+    ASSERT_NE(window(model), nullptr) << failures.join(" | ").toStdString();
+    EXPECT_EQ(window(model)->windowTitle().toStdString(), model + " *");
+    EXPECT_TRUE(session.host().systems().isLoaded(model));
+    EXPECT_FALSE(session.host().systems().isLoaded("lost"));
+    ASSERT_EQ(failures.size(), 1);
+    EXPECT_TRUE(failures.front().contains("lost.tdlib.json")) << failures.front().toStdString();
+
     // Save to a file: saved, then closed.
     saveAnswer = directory.filePath("kept.tdlib.json");
     EXPECT_TRUE(window(model)->close());
@@ -230,7 +242,7 @@ TEST_F(ModelWindowsTest, UnsavedChangesAskBeforeTheWindowCloses)
     EXPECT_TRUE(window(other)->close());
     QApplication::processEvents();
     EXPECT_FALSE(session.host().systems().isLoaded(other));
-    EXPECT_EQ(askedAboutUnsaved.size(), 4);
+    EXPECT_EQ(askedAboutUnsaved.size(), 5);
 }
 
 TEST_F(ModelWindowsTest, BlockDialogsShowNamePathDescriptionPortsAndParametersAndCloseTogether)
