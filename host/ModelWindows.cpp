@@ -213,16 +213,19 @@ void ModelWindows::showBlockHelp(const std::string& path, const BlockRecord& blo
                     "</td></tr>";
         html += "</table>";
     }
-    if (!m_help)
-        m_help = std::make_unique<HelpWindow>();
-    m_help->showHtml("Help: " + text(block.name), html);
+    help().showHtml("Help: " + text(block.name), html);
 }
 
 void ModelWindows::showHelp(const QString& title, const QString& markdown)
 {
+    help().showMarkdown(title, markdown);
+}
+
+HelpWindow& ModelWindows::help()
+{
     if (!m_help)
         m_help = std::make_unique<HelpWindow>();
-    m_help->showMarkdown(title, markdown);
+    return *m_help;
 }
 
 void ModelWindows::closeDialogs()

@@ -65,6 +65,8 @@ private:
     void onFileCommand(ModelWindow::FileCommand command, const std::string& name);
     void adopt(ModelWindow* window);
     bool rename(const std::string& from, const std::string& to);
+    // Made at the first request for help.
+    HelpWindow& help();
 
     SystemRegistry& m_systems;
     ModelWindowPrompts m_prompts;
