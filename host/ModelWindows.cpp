@@ -56,9 +56,10 @@ void ModelWindows::adopt(ModelWindow* window)
     connect(window, &ModelWindow::closed, this, [this](const std::string& name) {
         // The window is inside its close event: it goes when the event is done.
         m_systems.close(name);
-        const auto found = m_windows.find(name);
-        found->second.release()->deleteLater();
-        m_windows.erase(found);
+        if (const auto found = m_windows.find(name); found != m_windows.end()) {
+            found->second.release()->deleteLater();
+            m_windows.erase(found);
+        }
     });
     connect(window, &ModelWindow::fileCommand, this,
             [this](ModelWindow::FileCommand command, const std::string& name) { onFileCommand(command, name); });
