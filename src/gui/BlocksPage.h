@@ -90,6 +90,8 @@ public:
     // The page's font at the size in pixels that the screen gives its points.
     const QFont& getNameFont() const { return m_nameFont; }
     QColor getBackgroundColor() const { return m_backgroundColor; }
+    // A colour chosen in the preferences: the next paint of the page uses it.
+    void setBackgroundColor(const QColor& color) { m_backgroundColor = color; }
     int getEffectiveListItemWidth() const { return m_effectiveListItemWidth; }
     int getNumIconCols() const { return m_numIconCols; }
     int getContentsWidth() const { return m_contentsWidth; }
