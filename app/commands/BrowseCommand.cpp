@@ -3,7 +3,9 @@
 #include "CommandContext.h"
 #include "WindowStateLog.h"
 
+#include "EmbeddedHost.h"
 #include "gui/LibraryBlocksPage.h"
+#include "gui/PreferencesDialog.h"
 #include "gui/StandaloneBrowser.h"
 
 #include <QApplication>
@@ -66,6 +68,12 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
         browser->setIconSize(iconSize);
     if (windowSize.isValid())
         browser->window()->resize(windowSize);
+    // At a screen the host shows its model windows and dialogs, and its
+    // preferences are the browser's.
+    if (!screenshot) {
+        context.host().showWindows();
+        context.host().windowCommands().setPreferencesPage([browser] { PreferencesDialog::open(*browser); });
+    }
     browser->showBrowser();
     QApplication::processEvents();
     int status = Success;
@@ -110,6 +118,7 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
     if (windowSize.isValid() && browser->window()->size() == windowSize)
         browser->window()->resize(savedSize);
     // The window goes before the module that its pages read from.
+    context.host().windowCommands().setPreferencesPage(nullptr);
     StandaloneBrowser::destroyInstance();
     return status;
 }

@@ -128,6 +128,7 @@ int CommandLine::run(const QStringList& arguments)
 
     Host::EmbeddedHost host(options);
     host.install();
+    context.setHost(&host);
     // The echoed report is a diagnostic: standard output keeps the results.
     host.environment().setConsole([](const std::string& text) {
         std::fputs(text.c_str(), stderr);

@@ -41,16 +41,18 @@ BlocksPage::BlocksPage(BlocksPageHost& browser, LayoutType layout, IconSize size
     m_nameFont.setPixelSize(std::max(1, int(std::lround(getFontPixelSize(font.pointSizeF())))));
 }
 
-void BlocksPage::setBottomColor(const QColor& bottom)
+void BlocksPage::setBackgroundColors(const QColor& top, const QColor& bottom)
 {
+    m_backgroundColor = top;
     QLinearGradient gradient(0, 0, 0, 1);
     gradient.setCoordinateMode(QGradient::ObjectMode);
-    gradient.setColorAt(0, m_backgroundColor);
+    gradient.setColorAt(0, top);
     gradient.setColorAt(1, bottom);
     QPalette palette = m_scrollView->palette();
     palette.setBrush(QPalette::Base, gradient);
     palette.setBrush(QPalette::Window, gradient);
     m_scrollView->setPalette(palette);
+    m_scrollView->viewport()->update();
 }
 
 BlocksPage::~BlocksPage()

@@ -94,9 +94,10 @@ public:
     // The page's font at the size in pixels that the screen gives its points.
     const QFont& getNameFont() const { return m_nameFont; }
     QColor getBackgroundColor() const { return m_backgroundColor; }
-    // The view's background runs from the page's colour at its top to this
-    // one at its bottom, whatever is scrolled.
-    void setBottomColor(const QColor& bottom);
+    // The view's background runs from the first colour at its top to the
+    // second at its bottom, whatever is scrolled; the preferences dialog sets
+    // them again.
+    void setBackgroundColors(const QColor& top, const QColor& bottom);
     int getEffectiveListItemWidth() const { return m_effectiveListItemWidth; }
     int getNumIconCols() const { return m_numIconCols; }
     int getContentsWidth() const { return m_contentsWidth; }

@@ -228,13 +228,15 @@ void StandaloneBrowser::internalCreateGUI()
     m_libraryPage = std::make_unique<LibraryBlocksPage>(*this, m_layoutType, m_iconSize, m_guiFont,
                                                         getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
                                                         m_tabContainer);
-    m_libraryPage->setBottomColor(getColorPref(PrefKey::LBColorLibraryBlocksBackgroundBot));
+    m_libraryPage->setBackgroundColors(getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
+                                       getColorPref(PrefKey::LBColorLibraryBlocksBackgroundBot));
     m_tabContainer->addTab(m_libraryPage->getScrollView(), xlated(MessageId::TDLB_GuiLibraryBlocksTabLabel_Empty));
     m_currentTabIndex = 0;
     m_resultsPage = std::make_unique<ResultsBlocksPage>(*this, m_layoutType, m_iconSize, m_guiFont,
                                                         getColorPref(PrefKey::LBColorSearchResultsBackgroundTop),
                                                         m_tabContainer);
-    m_resultsPage->setBottomColor(getColorPref(PrefKey::LBColorSearchResultsBackgroundBot));
+    m_resultsPage->setBackgroundColors(getColorPref(PrefKey::LBColorSearchResultsBackgroundTop),
+                                       getColorPref(PrefKey::LBColorSearchResultsBackgroundBot));
     m_resultsPage->setStatusMessage(xlatedMessageFromId(MessageId::TDLB_GuiStatusBarNoSearchResults));
     m_tabContainer->addTab(m_resultsPage->getScrollView(), xlated(MessageId::TDLB_GuiSearchResultsTabLabel_Empty));
     connect(m_tabContainer, &QTabWidget::currentChanged, this, [this](int index) { internalSelectTab(index, false); });

@@ -2,6 +2,7 @@
 
 #include "gui/BrowserActionTable.h"
 #include "gui/BrowserPreferences.h"
+#include "gui/BrowserSettings.h"
 #include "gui/ResultsPageHost.h"
 #include "gui/SearchResults.h"
 #include "repository/Repository.h"
@@ -73,6 +74,11 @@ public:
     Repository& repository() { return *m_repository; }
     bool isProgressShown() const;
     int progressShownCount() const { return m_progressShown; }
+
+    // What the preferences dialog shows; applying takes effect in the window
+    // at once and saves the preferences.
+    BrowserSettings getSettings() const;
+    void applySettings(const BrowserSettings& settings);
 
     // The window.
     void showBrowser();

@@ -11,6 +11,7 @@ install list (tools/install-packages.sh) has them all.
 import argparse
 import configparser
 import glob
+import json
 import os
 import shutil
 import sys
@@ -179,18 +180,41 @@ class Journey(unittest.TestCase):
         again.wait_state(lambda s: abs(s["treeWidth"] - width) <= 2, f"the tree pane at {width} pixels again")
         self.assertEqual(again.display.frame_rect(again.window)[2:], frame[2:])
 
-    # 2. Drag a result tile onto a new model window; the saved model holds it.
+    # 5, with a model open: the browser closes, the program goes on until
+    # the last window of it is closed.
+    def test_the_program_ends_with_its_last_window(self):
+        browser = self.open_browser()
+        model = self.model_windows_or_skip(browser)[0]
+        title = browser.display.window_name(model)
+        browser.close_with_window_manager()
+        state = browser.wait_state(lambda s: not s["visible"], "the browser window to close")
+        self.assertEqual(state["otherWindows"], [title])
+        self.assertIsNone(browser.process.poll(), "the program ended with a model window open")
+        browser.display.xdotool("windowactivate", "--sync", str(model))
+        browser.display.key("alt+F4")
+        self.assertEqual(browser.wait_exit(timeout=15), 0, browser.output_text())
+        self.assertTrue(os.path.exists(os.path.join(self.prefdir, "LibraryBrowser.ini")))
+
+    # 2. Drag a result tile onto a new model window; the saved model holds it
+    # at the drop point. Two drops: the model's coordinates have their own
+    # origin, but one pixel is one unit, so the two blocks lie as far apart
+    # as the two points of release.
     def test_a_tile_dragged_onto_a_model_window_lands_in_the_model(self):
         browser = self.open_browser()
         self.search_by_typing(browser, "Transport Delay")
         browser.activate()
         model = self.model_windows_or_skip(browser)[0]
         mx, my, mw, mh = browser.display.frame_rect(model)
-        drop = (mx + mw // 2, my + mh // 2)
-        browser.activate()
-        browser.display.drag(browser.center_of("selected"), drop)
-        saved = self.save_model(browser, model, "dragged")
-        self.assertIn("Transport Delay", saved)
+        drops = [(mx + mw // 3, my + mh // 2), (mx + mw // 3 + 120, my + mh // 2 + 60)]
+        for drop in drops:
+            browser.activate()
+            browser.display.drag(browser.center_of("selected"), drop)
+            wait_for(lambda: browser.display.window_name(model).endswith("*"), "the model to show a change")
+        blocks = self.saved_blocks(self.save_model(browser, model, "dragged"))
+        self.assertEqual(sorted(blocks), ["Transport Delay", "Transport Delay1"])
+        first, second = blocks["Transport Delay"], blocks["Transport Delay1"]
+        self.assertEqual((second[0] - first[0], second[1] - first[1]), (120, 60), blocks)
+        self.assertTrue(0 <= first[0] < mw and 0 <= first[1] < mh, blocks)
 
     # 3. Keyboard only: Tab to the search box, type, Return, an arrow key,
     # the menu key, "Add to a new model": the block is in the new model.
@@ -212,8 +236,13 @@ class Journey(unittest.TestCase):
                              "a new model window", timeout=15)[0]
         except AssertionError:
             self.skipTest("tdlb browse shows no model window: \"Add to a new model\" opened none")
-        saved = self.save_model(browser, model, "keyboard")
-        self.assertIn("Unit Delay", saved)
+        blocks = self.saved_blocks(self.save_model(browser, model, "keyboard"))
+        self.assertEqual(list(blocks), ["Unit Delay"])
+
+    @staticmethod
+    def saved_blocks(text):
+        """The top-level blocks of a saved model file: name to position."""
+        return {block["name"]: block.get("position") for block in json.loads(text).get("blocks", [])}
 
     def save_model(self, browser, model, name):
         """Saves the model of a window with Ctrl+S into a file named in the
