@@ -572,8 +572,8 @@ bool StandaloneBrowser::eventFilter(QObject* watched, QEvent* event)
     } else if (event->type() == QEvent::Show && watched == m_treeDock && m_treeWidth == 0) {
         QTimer::singleShot(0, this, [this] { m_treeWidth = m_treeDock->width(); });
     }
-    if (m_searchComboBox && (watched == m_searchComboBox || watched == m_searchComboBox->lineEdit()) &&
-        internalFilterSearchBoxEvent(event))
+    // Pointers only: the box may be in the middle of its destruction here.
+    if ((watched == m_searchComboBox || watched == m_searchEdit) && internalFilterSearchBoxEvent(event))
         return true;
     return QObject::eventFilter(watched, event);
 }

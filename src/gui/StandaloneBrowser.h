@@ -25,6 +25,7 @@ class QDockWidget;
 class QFrame;
 class QGridLayout;
 class QLabel;
+class QLineEdit;
 class QListWidget;
 class QMainWindow;
 class QMenu;
@@ -346,6 +347,8 @@ private:
     QTimer* m_selectionTimer = nullptr;
     QListWidget* m_searchListBox = nullptr;
     QComboBox* m_searchComboBox = nullptr;
+    // The box's line edit, known before the box goes.
+    QLineEdit* m_searchEdit = nullptr;
     QToolButton* m_searchOptionsButton = nullptr;
     QProgressDialog* m_progressDialog = nullptr;
     QMenu* m_contextMenu = nullptr;

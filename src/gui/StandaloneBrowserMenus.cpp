@@ -164,8 +164,9 @@ void StandaloneBrowser::internalCreateToolBar()
     // The history is offered in the drop-down only: completing what is
     // typed would search another text than the user's ("del" for "delay").
     m_searchComboBox->setCompleter(nullptr);
+    m_searchEdit = m_searchComboBox->lineEdit();
     m_searchComboBox->installEventFilter(this);
-    m_searchComboBox->lineEdit()->installEventFilter(this);
+    m_searchEdit->installEventFilter(this);
 
     auto* searchButton = new QToolButton(m_window);
     searchButton->setObjectName(QStringLiteral("LBSearchButton"));
