@@ -64,7 +64,15 @@ class Display:
         if not number:
             self.stop()
             raise HarnessError("Xvfb did not start (see xvfb.log in " + workdir + ")")
-        self.name = ":" + number.decode()
+        try:
+            self._start_window_manager(number.decode())
+        except BaseException:
+            # Nothing of a display that failed to come up outlives it.
+            self.stop()
+            raise
+
+    def _start_window_manager(self, number):
+        self.name = ":" + number
         # A sanitized tdlb reports leaks at its end: those of libraries that
         # are not ours are suppressed by name.
         suppressions = os.path.join(os.path.dirname(os.path.abspath(__file__)), "lsan.supp")
