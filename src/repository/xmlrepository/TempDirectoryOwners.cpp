@@ -1,10 +1,12 @@
 #include "repository/xmlrepository/TempDirectoryOwners.h"
 
+#include "repository/RepositoryReport.h"
 #include "repository/xmlrepository/TempDirectories.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -85,8 +87,21 @@ void TempDirectoryOwners::removeLeftOvers(RepositoryReport& report)
             continue;
         const QString text = QString::fromLatin1(owner.readAll());
         owner.close();
-        if (!ownerIsRunning(text))
-            removeDirectory(report, base.filePath(name).toStdString());
+        if (ownerIsRunning(text))
+            continue;
+        // Another user's directory, or one that can't be taken away, is
+        // left as it is: it is no fault of this run.
+        const QString path = base.filePath(name);
+        const QFileInfo info(path);
+        if (info.ownerId() != uint(::getuid()) || !QFileInfo(base.absolutePath()).isWritable()) {
+            report.log("Leaving the temporary directory " + path.toStdString() + " of an ended process to its owner");
+            continue;
+        }
+        if (!QDir(path).removeRecursively())
+            report.log("Unable to remove the temporary directory " + path.toStdString()
+                       + " of an ended process; leaving it");
+        else
+            report.log("Removed the temporary directory " + path.toStdString() + " of an ended process");
     }
 }
 

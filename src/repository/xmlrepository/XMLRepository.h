@@ -74,6 +74,11 @@ public:
     // The same, followed by the products' direct dependencies not yet listed.
     std::vector<TandrilObject> getMergedProductsAndDependencies();
 
+    // The warning's id when the writable store can't be written.
+    static constexpr const char* ReadOnlyWarningId = "Tandril:Repository:ReadOnlyPreferences";
+    // The writable store can't be written: both stores are read as they are.
+    bool isReadOnly() const { return m_readOnly; }
+
     const std::string& writableDirectory() const { return m_writableDirectory; }
     const std::string& shippedDirectory() const { return m_shippedDirectory; }
     const std::vector<std::string>& hostPathList() const { return m_hostPathList; }
@@ -96,6 +101,8 @@ public:
 
 private:
     void buildParts();
+    // With the writable store read-only, an error for a verb that writes; true then.
+    bool refuseWriting();
     // Makes the shipped store anew in a development tree where it is missing
     // or stale. False if that failed.
     bool regenerateShippedStore();
@@ -113,6 +120,7 @@ private:
     XMLRepositoryReaderPtr m_writableReader;
     XMLRepositoryCachePtr m_cache;
     XMLRepositoryWriterPtr m_writer;
+    bool m_readOnly = false;
 };
 
 using XMLRepositoryPtr = std::shared_ptr<XMLRepository>;
