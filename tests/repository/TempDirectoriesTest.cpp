@@ -13,6 +13,8 @@
 
 #include <unistd.h>
 
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 namespace LibraryBrowser {
@@ -175,6 +177,9 @@ TEST_F(TempDirectoriesTest, LeftOversOfEndedProcessesAreRemovedAndNothingElse)
     const std::string alive = makeDirectory("LBCache9" + unique, QString::number(running.processId()) + " \n");
     const std::string unowned = makeDirectory("LBCache8" + unique, QString());
     const std::string foreign = makeDirectory("LBother" + unique, QString::number(endedPid));
+    // Another user's, of an ended process: left to its owner, and no error.
+    const std::string othersGone = makeDirectory("LBwriter4" + unique, QString::number(endedPid) + " 1234\n");
+    const bool othersMade = ::chown(othersGone.c_str(), 65534, 65534) == 0;
 
     TempDirectoryOwners::removeLeftOvers(report);
     EXPECT_FALSE(exists(gone));
@@ -183,6 +188,8 @@ TEST_F(TempDirectoriesTest, LeftOversOfEndedProcessesAreRemovedAndNothingElse)
     EXPECT_TRUE(exists(unowned));
     EXPECT_TRUE(exists(foreign));
     EXPECT_TRUE(exists(mine));
+    if (othersMade)
+        EXPECT_TRUE(exists(othersGone));
     EXPECT_FALSE(report.hasError());
     running.kill();
     running.waitForFinished();

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <set>
 #include <string>
 
 #include <fcntl.h>
@@ -25,6 +26,7 @@ namespace {
 struct Hold {
     int descriptor = -1;
     int depth = 0;
+    StoreLock::Purpose purpose = StoreLock::Write;
 };
 
 // Store directory -> this process's hold on it; main thread only.
@@ -87,7 +89,7 @@ bool writeOwner(int descriptor, const std::string& line)
 
 } // namespace
 
-StoreLock::StoreLock(RepositoryReport& report, const std::string& storeDirectory)
+StoreLock::StoreLock(RepositoryReport& report, const std::string& storeDirectory, Purpose purpose)
     : m_key(storeDirectory.empty() ? std::string() : keyOf(storeDirectory))
 {
     if (m_key.empty())
@@ -105,7 +107,9 @@ StoreLock::StoreLock(RepositoryReport& report, const std::string& storeDirectory
     // however it ends: a lock is never left behind by a killed process. The
     // file itself stays, so that every process locks the same file.
     const int descriptor = ::open(QFile::encodeName(QString::fromStdString(path)).constData(),
-                                  O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+                                  purpose == Write ? O_RDWR | O_CREAT | O_CLOEXEC : O_RDONLY | O_CLOEXEC, 0666);
+    if (descriptor < 0 && purpose == Read)
+        return;
     if (descriptor < 0) {
         // No lock file can be made (a full disk, a store made read-only
         // under us): nobody can wait for this one, so work goes on without.
@@ -117,8 +121,12 @@ StoreLock::StoreLock(RepositoryReport& report, const std::string& storeDirectory
         const std::string line =
             "Waiting for the repository store " + m_key + ", locked by " + readOwner(descriptor);
         report.log(line);
-        std::fprintf(stderr, "%s\n", line.c_str());
-        std::fflush(stderr);
+        // Once per store in a process: a reader may wait at every product.
+        static std::set<std::string> told;
+        if (told.insert(m_key).second) {
+            std::fprintf(stderr, "%s\n", line.c_str());
+            std::fflush(stderr);
+        }
         while (::flock(descriptor, LOCK_EX) != 0) {
             if (errno != EINTR) {
                 report.log("Unable to lock the repository store " + m_key + ": " + std::strerror(errno)
@@ -128,8 +136,9 @@ StoreLock::StoreLock(RepositoryReport& report, const std::string& storeDirectory
             }
         }
     }
-    writeOwner(descriptor, ownerLine() + "\n");
-    holds()[m_key] = Hold{descriptor, 1};
+    if (purpose == Write)
+        writeOwner(descriptor, ownerLine() + "\n");
+    holds()[m_key] = Hold{descriptor, 1, purpose};
     m_held = true;
 }
 
@@ -141,8 +150,10 @@ StoreLock::~StoreLock()
     if (found == holds().end() || --found->second.depth > 0)
         return;
     const int descriptor = found->second.descriptor;
+    const bool written = found->second.purpose == Write;
     holds().erase(found);
-    writeOwner(descriptor, std::string());
+    if (written)
+        writeOwner(descriptor, std::string());
     ::close(descriptor);
 }
 

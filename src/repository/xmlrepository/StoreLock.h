@@ -19,7 +19,12 @@ class StoreLock {
 public:
     static constexpr const char* FileName = ".lbstore.lock";
 
-    StoreLock(RepositoryReport& report, const std::string& storeDirectory);
+    // A writer makes the lock file if it is missing; a reader only locks a
+    // store that has one, since no writer has worked on a store without it,
+    // and never writes into a store.
+    enum Purpose { Write, Read };
+
+    StoreLock(RepositoryReport& report, const std::string& storeDirectory, Purpose purpose = Write);
     ~StoreLock();
     StoreLock(const StoreLock&) = delete;
     StoreLock& operator=(const StoreLock&) = delete;

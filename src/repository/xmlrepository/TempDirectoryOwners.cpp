@@ -100,8 +100,6 @@ void TempDirectoryOwners::removeLeftOvers(RepositoryReport& report)
         if (!QDir(path).removeRecursively())
             report.log("Unable to remove the temporary directory " + path.toStdString()
                        + " of an ended process; leaving it");
-        else
-            report.log("Removed the temporary directory " + path.toStdString() + " of an ended process");
     }
 }
 

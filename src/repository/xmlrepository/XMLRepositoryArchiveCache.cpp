@@ -67,9 +67,11 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
     if (m_changed)
         return std::string();
     if (!QFileInfo::exists(qs(m_archivePath))) {
-        // Gone after it was copied, or gone with a new top level: another
-        // process has changed the product.
-        if (!m_localCopy.empty() || topLevelMoved())
+        // Gone with a new top level: another process has changed the
+        // product. A writer removes archives before it writes the top level,
+        // both under the lock: once the lock is had, the top level tells.
+        const StoreLock lock(*m_report, m_origin.storeDirectory, StoreLock::Read);
+        if (topLevelMoved())
             markChanged();
         return std::string();
     }
@@ -88,7 +90,7 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
         // Writers publish archives before the top level, both under the
         // lock: an archive copied under the lock while the top level is
         // unchanged is the one the record describes.
-        const StoreLock lock(*m_report, m_origin.storeDirectory);
+        const StoreLock lock(*m_report, m_origin.storeDirectory, StoreLock::Read);
         if (topLevelMoved()) {
             markChanged();
             return std::string();

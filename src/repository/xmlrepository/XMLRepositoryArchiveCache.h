@@ -39,7 +39,7 @@ public:
     // archive missing from the store gives empty bytes without a word; this
     // is checked at every read. The copy is made under the store's lock, and
     // only while the top-level manifest is still the one of the origin:
-    // otherwise, and when the archive vanished after the copy was made, the
+    // otherwise, and when the archive vanished with a new top level, the
     // bytes are empty and changedUnderIt() is true.
     QByteArray readEntry(const std::string& entryName);
     // Another process changed the archive after the record it is read for

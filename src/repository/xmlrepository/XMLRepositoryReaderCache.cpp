@@ -8,10 +8,13 @@
 #include "repository/search/IsValidProductCriteria.h"
 #include "repository/search/TandrilObjectSearchIterator.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
+#include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/TempDirectories.h"
 #include "repository/xmlrepository/XMLRepository.h"
 
 #include <QFile>
+
+#include <optional>
 
 namespace LibraryBrowser {
 
@@ -180,10 +183,24 @@ auto XMLRepositoryReaderCache::readProduct(const TandrilObject& object, Read rea
     -> decltype(read(XMLRepositoryProductCachePtr()))
 {
     for (int attempt = 0;; ++attempt) {
+        // Read again under the store's lock: no writer can come between the
+        // top level and the archives then. The first read takes it only for
+        // the copies of the archives, since writers may hold it for long.
+        std::optional<StoreLock> lock;
+        if (attempt > 0)
+            lock.emplace(*m_report, m_directory, StoreLock::Read);
         // Held here: loading may drop the product cache from the table.
         const XMLRepositoryProductCachePtr productCache = productCacheOf(object);
-        if (!productCache)
+        if (!productCache) {
+            // The product left the store while it was read. A repository
+            // chooses its store again; a reader of its own says so.
+            if (attempt > 0 && m_reader->getCache() == this) {
+                m_report->logError("The product of " + object.getDisplayPath() + " left the repository store "
+                                   + m_directory + " while it was read");
+                m_report->noteIncompleteRead();
+            }
             return read(nullptr);
+        }
         const std::uint64_t changes = XMLRepositoryArchiveCache::changeCount();
         auto result = read(productCache);
         if (XMLRepositoryArchiveCache::changeCount() == changes)
