@@ -9,8 +9,9 @@ of them holding its repository open across the round), kills some of the
 writers with SIGKILL at random moments and, where asked, damages the store or
 makes library files hostile. Then it checks:
 
-- every search answered exactly the marker blocks of the library files, or
-  failed loudly (a non-zero exit, or an error in the report);
+- every search (the first one after the kills too) answered exactly the
+  marker blocks of the library files, or failed loudly (a non-zero exit, or
+  an error in the report);
 - no process crashed (ended by a signal other than our kills);
 - after one more `tdlb update` a search finds every marker block.
 
@@ -24,6 +25,7 @@ import argparse
 import json
 import os
 import random
+import resource
 import shutil
 import signal
 import subprocess
@@ -282,6 +284,10 @@ class Torture:
         for job in jobs + [held]:
             self.finish(job, expected, round_number)
 
+        # The first read after the kills, before any repair: whole or loud.
+        first = self.start("search", self.tdlb_command("search", "--json", MARKER))
+        self.finish(first, expected, round_number)
+
         # The next update must leave a complete store.
         update = subprocess.run(self.tdlb_command("update"), capture_output=True, text=True, env=self.environment(),
                                 timeout=self.options.timeout)
@@ -383,7 +389,10 @@ def main():
     print("seed %d, %d processes per round x %d rounds, modes: %s" % (
         options.seed, options.processes, counts["rounds"],
         ", ".join(m for m in ("damage", "hostile", "racy") if getattr(options, m)) or "sessions and kills"))
-    print(" ".join("%s=%d" % item for item in counts.items()) + " seconds=%.0f" % (time.time() - started))
+    # The largest resident size of any process the run started (tdlb or Python).
+    peak = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss // 1024
+    print(" ".join("%s=%d" % item for item in counts.items())
+          + " peak_process_mb=%d seconds=%.0f" % (peak, time.time() - started))
     return 1 if problems else 0
 
 

@@ -18,6 +18,7 @@ namespace LibraryBrowser {
 //   toolbox/tandril/blocks/.topLevelManifestToken     writable store only
 //   <reposDirectorySpec>/lb_<tag>_manifests_repos.rps  a product's manifests
 //   <reposDirectorySpec>/lb_<tag>_icons_repos.rps      a product's icons
+//   .lbstore.lock                                      the lock of processes that write
 //
 // The token holds the date of the shipped top-level manifest the writable
 // store descends from; a new shipped store makes it stale, and the writable

@@ -170,6 +170,8 @@ XMLRepositoryProductCachePtr XMLRepositoryReaderCache::productCacheOf(const Tand
         return nullptr;
     XMLRepositoryProductCachePtr& cache = m_productCaches[product];
     if (!cache) {
+        // The stamp of the top level the product's record comes from.
+        getTopLevelModel();
         const XMLRepositoryArchiveCache::Origin origin{
             m_directory, XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false), m_topLevelStamp};
         cache = std::make_shared<XMLRepositoryProductCache>(m_directory, product, m_report, m_reader, m_recentIcons,
