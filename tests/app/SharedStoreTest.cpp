@@ -194,6 +194,7 @@ TEST_F(TdlbSharedStoreTest, PreferencesThatCantBeMadeReadTheShippedStore)
 
     const TdlbResult update = TdlbProcess::runRaw(where + QStringList{"update"});
     EXPECT_EQ(update.exitCode, 0) << qPrintable(update.err);
+    EXPECT_EQ((update.out + update.err).count("can't be written"), 1) << qPrintable(update.out);
     const TdlbResult generate = TdlbProcess::runRaw(where + QStringList{"generate", "--mode", "Regenerate"});
     EXPECT_EQ(generate.exitCode, 1);
     EXPECT_TRUE(generate.err.contains("Nothing can be written")) << qPrintable(generate.err);

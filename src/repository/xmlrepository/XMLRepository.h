@@ -75,8 +75,6 @@ public:
     // The same, followed by the products' direct dependencies not yet listed.
     std::vector<TandrilObject> getMergedProductsAndDependencies();
 
-    // The warning's id when the writable store can't be written.
-    static constexpr const char* ReadOnlyWarningId = "Tandril:Repository:ReadOnlyPreferences";
     // The writable store can't be written: both stores are read as they are.
     bool isReadOnly() const { return m_readOnly; }
 
