@@ -1,5 +1,7 @@
 #include "repository/search/RankingText.h"
 
+#include "platform/Utf8.h"
+
 #include <QChar>
 #include <QList>
 #include <QString>
@@ -7,25 +9,6 @@
 namespace LibraryBrowser::RankingText {
 
 namespace {
-
-void appendUtf8(std::string& out, char32_t c)
-{
-    if (c < 0x80) {
-        out += char(c);
-    } else if (c < 0x800) {
-        out += char(0xC0 | (c >> 6));
-        out += char(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += char(0xE0 | (c >> 12));
-        out += char(0x80 | ((c >> 6) & 0x3F));
-        out += char(0x80 | (c & 0x3F));
-    } else {
-        out += char(0xF0 | (c >> 18));
-        out += char(0x80 | ((c >> 12) & 0x3F));
-        out += char(0x80 | ((c >> 6) & 0x3F));
-        out += char(0x80 | (c & 0x3F));
-    }
-}
 
 // Invalid UTF-8 comes back as replacement characters, as Qt reads it.
 QList<uint> codePoints(std::string_view utf8)
