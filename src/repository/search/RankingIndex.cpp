@@ -135,11 +135,6 @@ const std::uint32_t* RankingIndex::descriptionEnd(std::size_t index) const
     return descriptionBegin(index) + m_entries[index].description.count;
 }
 
-const std::vector<std::uint32_t>& RankingIndex::libraryWords(std::size_t index) const
-{
-    return m_libraries[m_entries[index].library];
-}
-
 std::size_t RankingIndex::findPath(const std::string& path) const
 {
     const std::uint64_t hash = pathHash(path);

@@ -52,8 +52,9 @@ public:
     const std::uint32_t* wordStartsEnd(std::size_t index) const;
     const std::uint32_t* descriptionBegin(std::size_t index) const;
     const std::uint32_t* descriptionEnd(std::size_t index) const;
-    // The distinct words of a library path, by the entry's library.
-    const std::vector<std::uint32_t>& libraryWords(std::size_t index) const;
+    // The library paths, each as its distinct words; an entry names its own
+    // by `Entry::library`.
+    const std::vector<std::vector<std::uint32_t>>& libraries() const { return m_libraries; }
 
     // Every distinct lower-cased word of the descriptions and library paths;
     // the word pools hold positions in it.

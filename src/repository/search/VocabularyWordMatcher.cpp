@@ -18,22 +18,23 @@ VocabularyWordMatcher::VocabularyWordMatcher(const RankingIndex& index, std::str
             m_scores[i] = std::uint16_t(prefix);
         m_ceiling = std::max(m_ceiling, int(m_scores[i]));
     }
+    if (m_field == Field::LibraryPath) {
+        for (const std::vector<std::uint32_t>& words : m_index.libraries()) {
+            std::uint16_t best = 0;
+            for (const std::uint32_t word : words)
+                best = std::max(best, m_scores[word]);
+            m_libraryScores.push_back(best);
+        }
+    }
 }
 
 int VocabularyWordMatcher::score(std::size_t entry, std::vector<NameSpan>*) const
 {
-    const std::uint32_t* begin = nullptr;
-    const std::uint32_t* end = nullptr;
-    if (m_field == Field::Description) {
-        begin = m_index.descriptionBegin(entry);
-        end = m_index.descriptionEnd(entry);
-    } else {
-        const std::vector<std::uint32_t>& words = m_index.libraryWords(entry);
-        begin = words.data();
-        end = begin + words.size();
-    }
+    if (m_field == Field::LibraryPath)
+        return m_libraryScores[m_index.entry(entry).library];
     int best = 0;
-    for (const std::uint32_t* word = begin; word != end && best < m_ceiling; ++word)
+    const std::uint32_t* end = m_index.descriptionEnd(entry);
+    for (const std::uint32_t* word = m_index.descriptionBegin(entry); word != end && best < m_ceiling; ++word)
         best = std::max(best, int(m_scores[*word]));
     return best;
 }

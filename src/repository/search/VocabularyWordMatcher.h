@@ -22,6 +22,8 @@ private:
     Field m_field;
     // The score of each word of the vocabulary: keyword, prefix or 0.
     std::vector<std::uint16_t> m_scores;
+    // For the library path, the score of each library: blocks share few.
+    std::vector<std::uint16_t> m_libraryScores;
     int m_ceiling = 0;
 };
 
