@@ -39,7 +39,7 @@ void print(const QString& text)
 } // namespace
 
 CommandLine::CommandLine()
-    : m_commands{updateCommand(),  listCommand(),     searchCommand(), treeCommand(), showCommand(),
+    : m_commands{updateCommand(),  listCommand(),     searchCommand(), findCommand(), treeCommand(), showCommand(),
                  generateCommand(), destroyCommand(), checksumCommand(), reportCommand(),
                  pageCommand(), browseCommand()}
 {
@@ -60,7 +60,8 @@ QString CommandLine::overview() const
     for (const Command& command : m_commands)
         text += QString("  %1  %2\n").arg(command.name, -9).arg(command.summary);
     text += "\nExit codes: 0 when the command did its work; 1 when it could not, and when update, generate or\n"
-            "destroy leave errors in the repository's report; 2 for a usage error. list, tree, search and show\n"
+            "destroy leave errors in the repository's report, and when find matches nothing; 2 for a usage error.\n"
+            "list, tree, search, find and show "
             "only read: errors in the report about other products leave their answer standing, with one line\n"
             "on standard error that counts them.\n";
     text += "\n'tdlb COMMAND --help' tells more of one command.";

@@ -23,6 +23,7 @@ namespace LibraryBrowser {
     X(LBSearch_UseRegExp, Bool, false) \
     X(LBSearch_MatchWholeWord, Bool, false) \
     X(LBSearch_MatchCase, Bool, false) \
+    X(LBSearch_Descriptions, Bool, false) \
     X(LBGeometry4Window, Rect, QRect(32, 64, 600, 640)) \
     X(LBGeometry4Blocks, Rect, QRect(0, 0, 390, 410)) \
     X(LBTreeSelectionTimeout, Int, 111) \

@@ -30,6 +30,7 @@ ResultsBlocksPage::ResultsBlocksPage(ResultsPageHost& browser, LayoutType layout
     m_results.useRegExp = window.useRegExp;
     m_results.matchWholeWord = window.matchWholeWord;
     m_results.matchCase = window.matchCase;
+    m_results.searchDescriptions = window.searchDescriptions;
     createMainPanel();
 }
 

@@ -142,6 +142,7 @@ void StandaloneBrowser::internalReadPrefs()
     m_useRegExp = prefs.getBool(PrefKey::LBSearch_UseRegExp);
     m_matchWholeWord = prefs.getBool(PrefKey::LBSearch_MatchWholeWord);
     m_matchCase = prefs.getBool(PrefKey::LBSearch_MatchCase);
+    m_searchDescriptions = prefs.getBool(PrefKey::LBSearch_Descriptions);
     m_windowGeometry = prefs.getRect(PrefKey::LBGeometry4Window);
     m_blocksGeometry = prefs.getRect(PrefKey::LBGeometry4Blocks);
     m_treeSelectionTimeout = prefs.getInt(PrefKey::LBTreeSelectionTimeout);
@@ -302,6 +303,7 @@ void StandaloneBrowser::internalSavePrefs()
     prefs.setBool(PrefKey::LBSearch_UseRegExp, m_useRegExp);
     prefs.setBool(PrefKey::LBSearch_MatchCase, m_matchCase);
     prefs.setBool(PrefKey::LBSearch_MatchWholeWord, m_matchWholeWord);
+    prefs.setBool(PrefKey::LBSearch_Descriptions, m_searchDescriptions);
     prefs.setBool(PrefKey::LBSearchResults_rememberUserHiddenSections, m_rememberUserHiddenSections);
     prefs.setBool(PrefKey::LBSearchResults_isTitleElidedMiddle, m_titleElidedMiddle);
     prefs.setBool(PrefKey::LBSearchResultsListBox_isShowable, m_listBoxShowable);

@@ -325,6 +325,7 @@ private:
     bool m_useRegExp = false;
     bool m_matchWholeWord = false;
     bool m_matchCase = false;
+    bool m_searchDescriptions = false;
     bool m_rememberUserHiddenSections = true;
     bool m_titleElidedMiddle = true;
     bool m_descTextBelow = false;

@@ -124,6 +124,14 @@ void StandaloneBrowser::internalCreateMenus()
     connect(menus[BrowserMenu::View], &QMenu::aboutToShow, this, [this] { handleAboutToShowViewMenu(); });
     connect(menus[BrowserMenu::Help], &QMenu::aboutToShow, this, [this] { handleAboutToShowHelpMenu(); });
 
+    // Below the three options of the search: names and descriptions alike.
+    auto* descriptions = new QAction(QStringLiteral("Search descriptions too"), m_window);
+    descriptions->setObjectName(QStringLiteral("searchDescriptionsAction"));
+    descriptions->setCheckable(true);
+    descriptions->setChecked(m_searchDescriptions);
+    connect(descriptions, &QAction::toggled, this, [this](bool checked) { m_searchDescriptions = checked; });
+    menus[BrowserMenu::SearchOptions]->addAction(descriptions);
+
     m_searchOptionsButton = new QToolButton(m_window);
     m_searchOptionsButton->setMenu(menus[BrowserMenu::SearchOptions]);
 }

@@ -99,6 +99,7 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     const bool regExp = m_useRegExp;
     const bool wholeWord = m_matchWholeWord;
     const bool matchCase = m_matchCase;
+    const bool descriptions = m_searchDescriptions;
     internalEnableBrowser(false);
     m_searching = true;
     // Results cut short by Escape are never taken for a finished search.
@@ -123,7 +124,8 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     const bool repeat = !lastCancelled && !results.resultsNeedReload && m_resultsPage->getResults().searchString == text &&
                         m_resultsPage->getResults().useRegExp == regExp &&
                         m_resultsPage->getResults().matchWholeWord == wholeWord &&
-                        m_resultsPage->getResults().matchCase == matchCase;
+                        m_resultsPage->getResults().matchCase == matchCase &&
+                        m_resultsPage->getResults().searchDescriptions == descriptions;
     if (!repeat) {
         std::string longestName;
         std::string longestPath;
@@ -148,10 +150,14 @@ void StandaloneBrowser::internalSearchForString(std::string text)
                 QApplication::processEvents();
                 sinceEvents.start();
             }
-            TandrilObjectIterator found = m_repository->findBlocks(
-                text, TandrilObject(library), regExp ? SearchOptions::RegExpOn : SearchOptions::RegExpOff,
-                wholeWord ? SearchOptions::WholeWordOn : SearchOptions::WholeWordOff,
-                matchCase ? SearchOptions::MatchCaseOn : SearchOptions::MatchCaseOff);
+            const auto regExpOption = regExp ? SearchOptions::RegExpOn : SearchOptions::RegExpOff;
+            const auto wholeWordOption = wholeWord ? SearchOptions::WholeWordOn : SearchOptions::WholeWordOff;
+            const auto matchCaseOption = matchCase ? SearchOptions::MatchCaseOn : SearchOptions::MatchCaseOff;
+            TandrilObjectIterator found =
+                descriptions ? m_repository->findBlocksByNameOrDescription(text, TandrilObject(library), regExpOption,
+                                                                          wholeWordOption, matchCaseOption)
+                             : m_repository->findBlocks(text, TandrilObject(library), regExpOption,
+                                                        wholeWordOption, matchCaseOption);
             if (found.isEmpty())
                 continue;
             listed.clear();
@@ -182,11 +188,13 @@ void StandaloneBrowser::internalSearchForString(std::string text)
         // the same text.
         results.resultsNeedReload = m_searchCancelled || lastCancelled || results.searchString != text ||
                                     results.useRegExp != regExp || results.matchWholeWord != wholeWord ||
+                                    results.searchDescriptions != descriptions ||
                                     results.matchCase != matchCase || results.resultsNeedReload;
         results.searchString = text;
         results.useRegExp = regExp;
         results.matchWholeWord = wholeWord;
         results.matchCase = matchCase;
+        results.searchDescriptions = descriptions;
     }
 
     const std::string quoted = escapeAmpersands(text);
