@@ -1,0 +1,220 @@
+#include "gui/QuickInsertPopup.h"
+
+#include "gui/BlockHistory.h"
+#include "gui/IconPixmapCache.h"
+#include "repository/RepositoryReader.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace LibraryBrowser {
+
+namespace {
+
+constexpr int IconSide = 24;
+constexpr int VisibleRows = 10;
+
+QWidget* rowWidget(const RankedBlock& row, const QPixmap& icon, QWidget* parent)
+{
+    auto* widget = new QWidget(parent);
+    auto* layout = new QHBoxLayout(widget);
+    layout->setContentsMargins(4, 2, 6, 2);
+    layout->setSpacing(8);
+    auto* iconLabel = new QLabel(widget);
+    iconLabel->setFixedSize(IconSide, IconSide);
+    iconLabel->setPixmap(icon);
+    layout->addWidget(iconLabel);
+    const std::string name = row.block.getDisplayName();
+    auto* nameLabel = new QLabel(QuickInsertRows::highlighted(QString::fromStdString(name), row.spans), widget);
+    nameLabel->setTextFormat(Qt::RichText);
+    nameLabel->setObjectName(QStringLiteral("LBQuickInsertName"));
+    layout->addWidget(nameLabel);
+    layout->addStretch(1);
+    QString where = QuickInsertRows::libraryPath(row.block.getDisplayPath(), name).toHtmlEscaped();
+    if (row.favourite)
+        where = QStringLiteral("\u2605 ") + where;
+    auto* pathLabel = new QLabel(where, widget);
+    pathLabel->setTextFormat(Qt::RichText);
+    pathLabel->setStyleSheet(QStringLiteral("color: palette(mid)"));
+    layout->addWidget(pathLabel);
+    return widget;
+}
+
+} // namespace
+
+QuickInsertPopup::QuickInsertPopup(RankingIndexPtr index, RepositoryReader& reader, BlockHistory& history,
+                                   Insert insert, QWidget* parent)
+    : QFrame(parent, Qt::Popup), m_ranker(std::move(index)), m_reader(reader), m_history(history),
+      m_insert(std::move(insert))
+{
+    setObjectName(QStringLiteral("LBQuickInsertPopup"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    setFrameShape(QFrame::StyledPanel);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(4, 4, 4, 4);
+    layout->setSpacing(4);
+    m_query = new QLineEdit(this);
+    m_query->setObjectName(QStringLiteral("LBQuickInsertQuery"));
+    m_query->setPlaceholderText(QStringLiteral("Find a block to insert"));
+    m_query->installEventFilter(this);
+    layout->addWidget(m_query);
+    m_list = new QListWidget(this);
+    m_list->setObjectName(QStringLiteral("LBQuickInsertList"));
+    m_list->setFocusPolicy(Qt::NoFocus);
+    m_list->setUniformItemSizes(true);
+    layout->addWidget(m_list);
+    m_footer = new QLabel(this);
+    m_footer->setObjectName(QStringLiteral("LBQuickInsertFooter"));
+    layout->addWidget(m_footer);
+    connect(m_query, &QLineEdit::textChanged, this, [this] { update(); });
+    connect(m_list, &QListWidget::currentRowChanged, this, [this](int row) {
+        if (row >= 0)
+            m_rows.setCurrent(row);
+    });
+    connect(m_list, &QListWidget::itemDoubleClicked, this, [this] { insertCurrent(false); });
+    resize(460, 0);
+}
+
+void QuickInsertPopup::popUp(const QPoint& global, const QString& typed)
+{
+    m_query->setText(typed);
+    if (typed.isEmpty())
+        update();
+    const int rowHeight = IconSide + 6;
+    m_list->setFixedHeight(rowHeight * VisibleRows + 2 * m_list->frameWidth());
+    adjustSize();
+    QRect placed(global, size());
+    if (const QScreen* screen = QGuiApplication::screenAt(global)) {
+        const QRect area = screen->availableGeometry();
+        placed.moveRight(std::min(placed.right(), area.right()));
+        placed.moveBottom(std::min(placed.bottom(), area.bottom()));
+        placed.moveTopLeft(QPoint(std::max(placed.left(), area.left()), std::max(placed.top(), area.top())));
+    }
+    move(placed.topLeft());
+    show();
+    activateWindow();
+    m_query->setFocus();
+    m_query->end(false);
+}
+
+QString QuickInsertPopup::query() const { return m_query->text(); }
+
+QString QuickInsertPopup::footerText() const { return m_footer->text(); }
+
+void QuickInsertPopup::update()
+{
+    RankingQuery query;
+    query.text = m_query->text().toStdString();
+    query.favourites = m_history.favouriteSet();
+    query.recents = m_history.recentSet();
+    query.limit = RowLimit;
+    RankingResult result = m_ranker.rank(query);
+    m_total = result.total;
+    m_rows.setRows(std::move(result.blocks));
+    fillList();
+    const bool empty = BlockRanker::queryWords(query.text).empty();
+    if (empty && m_rows.rows().empty())
+        m_footer->setText(QStringLiteral("Type a name. Ctrl+D marks a favourite."));
+    else if (empty)
+        m_footer->setText(QStringLiteral("Favorites, then recently used blocks"));
+    else if (m_total == 0)
+        m_footer->setText(QStringLiteral("No block matches \u201c%1\u201d").arg(m_query->text().trimmed()));
+    else if (m_total > m_rows.rows().size())
+        m_footer->setText(QStringLiteral("%1 of %2 matching blocks").arg(m_rows.rows().size()).arg(m_total));
+    else
+        m_footer->setText(QStringLiteral("%1 matching block%2").arg(m_total).arg(m_total == 1 ? "" : "s"));
+}
+
+void QuickInsertPopup::fillList()
+{
+    m_list->clear();
+    const qreal ratio = devicePixelRatioF();
+    for (const RankedBlock& row : m_rows.rows()) {
+        auto* item = new QListWidgetItem(m_list);
+        item->setSizeHint(QSize(0, IconSide + 6));
+        const QPixmap icon =
+            IconPixmapCache::instance().pixmap(m_reader.getIcon(row.block), QSize(IconSide, IconSide), ratio);
+        m_list->setItemWidget(item, rowWidget(row, icon, m_list));
+    }
+    showCurrent();
+}
+
+void QuickInsertPopup::showCurrent()
+{
+    m_list->setCurrentRow(m_rows.current());
+    if (QListWidgetItem* item = m_list->currentItem())
+        m_list->scrollToItem(item);
+}
+
+void QuickInsertPopup::insertCurrent(bool keepOpen)
+{
+    const RankedBlock* row = m_rows.currentBlock();
+    if (!row)
+        return;
+    const TandrilObject block = row->block;
+    // Inserting may show the host's windows: the popup goes first unless it stays.
+    if (!keepOpen)
+        hide();
+    m_insert(block, m_inserted++);
+    if (keepOpen) {
+        activateWindow();
+        m_query->setFocus();
+        update();
+    } else {
+        close();
+    }
+}
+
+void QuickInsertPopup::toggleFavourite()
+{
+    const RankedBlock* row = m_rows.currentBlock();
+    if (!row)
+        return;
+    const std::string path = row->block.getPath();
+    const int current = m_rows.current();
+    m_history.setFavourite(path, !m_history.isFavourite(path));
+    update();
+    m_rows.setCurrent(current);
+    showCurrent();
+}
+
+bool QuickInsertPopup::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != m_query || event->type() != QEvent::KeyPress)
+        return QFrame::eventFilter(watched, event);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    const bool control = key->modifiers() & Qt::ControlModifier;
+    switch (key->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown: {
+        const int step = key->key() == Qt::Key_PageUp || key->key() == Qt::Key_PageDown ? VisibleRows : 1;
+        m_rows.move(key->key() == Qt::Key_Up || key->key() == Qt::Key_PageUp ? -step : step);
+        showCurrent();
+        return true;
+    }
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        insertCurrent(control);
+        return true;
+    case Qt::Key_Escape:
+        close();
+        return true;
+    case Qt::Key_D:
+        if (!control)
+            break;
+        toggleFavourite();
+        return true;
+    default: break;
+    }
+    return QFrame::eventFilter(watched, event);
+}
+
+} // namespace LibraryBrowser
