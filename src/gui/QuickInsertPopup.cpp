@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPointer>
 #include <QScreen>
 #include <QVBoxLayout>
 
@@ -50,7 +51,7 @@ QWidget* rowWidget(const RankedBlock& row, const QPixmap& icon, QWidget* parent)
 
 QuickInsertPopup::QuickInsertPopup(RankingIndexPtr index, RepositoryReader& reader, BlockHistory& history,
                                    Insert insert, QWidget* parent)
-    : QFrame(parent, Qt::Popup), m_ranker(std::move(index)), m_reader(reader), m_history(history),
+    : QFrame(parent, Qt::Popup | Qt::FramelessWindowHint), m_ranker(std::move(index)), m_reader(reader), m_history(history),
       m_insert(std::move(insert))
 {
     setObjectName(QStringLiteral("LBQuickInsertPopup"));
@@ -158,17 +159,23 @@ void QuickInsertPopup::insertCurrent(bool keepOpen)
     if (!row)
         return;
     const TandrilObject block = row->block;
-    // Inserting may show the host's windows: the popup goes first unless it stays.
-    if (!keepOpen)
-        hide();
-    m_insert(block, m_inserted++);
-    if (keepOpen) {
-        activateWindow();
-        m_query->setFocus();
-        update();
-    } else {
+    // The insert may show the host's windows and dialogs, which would close
+    // a popup shown meanwhile: hidden, it waits, and comes back if it stays.
+    // The function is a copy, as whatever the host shows may end the popup.
+    hide();
+    const Insert insert = m_insert;
+    const QPointer<QuickInsertPopup> self(this);
+    insert(block, m_inserted++);
+    if (!self)
+        return;
+    if (!keepOpen) {
         close();
+        return;
     }
+    // The rows stay as they were, so that the next Ctrl+Enter takes the same.
+    show();
+    activateWindow();
+    m_query->setFocus();
 }
 
 void QuickInsertPopup::toggleFavourite()
@@ -177,10 +184,13 @@ void QuickInsertPopup::toggleFavourite()
     if (!row)
         return;
     const std::string path = row->block.getPath();
-    const int current = m_rows.current();
     m_history.setFavourite(path, !m_history.isFavourite(path));
+    // The boost may move the block: the current row follows it.
     update();
-    m_rows.setCurrent(current);
+    const auto& rows = m_rows.rows();
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        if (rows[i].block.getPath() == path)
+            m_rows.setCurrent(int(i));
     showCurrent();
 }
 
