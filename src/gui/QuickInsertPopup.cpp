@@ -14,6 +14,8 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace LibraryBrowser {
 
 namespace {
@@ -50,9 +52,9 @@ QWidget* rowWidget(const RankedBlock& row, const QPixmap& icon, QWidget* parent)
 } // namespace
 
 QuickInsertPopup::QuickInsertPopup(RankingIndexPtr index, RepositoryReader& reader, BlockHistory& history,
-                                   Insert insert, QWidget* parent)
+                                   Insert insert, bool offerSubsystems, QWidget* parent)
     : QFrame(parent, Qt::Popup | Qt::FramelessWindowHint), m_ranker(std::move(index)), m_reader(reader), m_history(history),
-      m_insert(std::move(insert))
+      m_insert(std::move(insert)), m_offerSubsystems(offerSubsystems)
 {
     setObjectName(QStringLiteral("LBQuickInsertPopup"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -79,7 +81,7 @@ QuickInsertPopup::QuickInsertPopup(RankingIndexPtr index, RepositoryReader& read
             m_rows.setCurrent(row);
     });
     connect(m_list, &QListWidget::itemDoubleClicked, this, [this] { insertCurrent(false); });
-    resize(460, 0);
+    setMinimumWidth(480);
 }
 
 void QuickInsertPopup::popUp(const QPoint& global, const QString& typed)
@@ -87,9 +89,6 @@ void QuickInsertPopup::popUp(const QPoint& global, const QString& typed)
     m_query->setText(typed);
     if (typed.isEmpty())
         update();
-    const int rowHeight = IconSide + 6;
-    m_list->setFixedHeight(rowHeight * VisibleRows + 2 * m_list->frameWidth());
-    adjustSize();
     QRect placed(global, size());
     if (const QScreen* screen = QGuiApplication::screenAt(global)) {
         const QRect area = screen->availableGeometry();
@@ -114,9 +113,22 @@ void QuickInsertPopup::update()
     query.text = m_query->text().toStdString();
     query.favourites = m_history.favouriteSet();
     query.recents = m_history.recentSet();
-    query.limit = RowLimit;
+    // Room for the subsystems that are left out; the count of blocks is
+    // exact only when the answer was whole.
+    query.limit = m_offerSubsystems ? RowLimit : 4 * RowLimit;
     RankingResult result = m_ranker.rank(query);
+    m_truncated = result.total > result.blocks.size();
     m_total = result.total;
+    if (!m_offerSubsystems) {
+        const auto gone = std::remove_if(result.blocks.begin(), result.blocks.end(),
+                                         [](const RankedBlock& row) { return row.block.isSubSystem(); });
+        m_total -= std::size_t(result.blocks.end() - gone);
+        result.blocks.erase(gone, result.blocks.end());
+    }
+    if (result.blocks.size() > std::size_t(RowLimit)) {
+        result.blocks.resize(RowLimit);
+        m_truncated = true;
+    }
     m_rows.setRows(std::move(result.blocks));
     fillList();
     const bool empty = BlockRanker::queryWords(query.text).empty();
@@ -126,8 +138,10 @@ void QuickInsertPopup::update()
         m_footer->setText(QStringLiteral("Favorites, then recently used blocks"));
     else if (m_total == 0)
         m_footer->setText(QStringLiteral("No block matches \u201c%1\u201d").arg(m_query->text().trimmed()));
-    else if (m_total > m_rows.rows().size())
+    else if (m_truncated && m_offerSubsystems)
         m_footer->setText(QStringLiteral("%1 of %2 matching blocks").arg(m_rows.rows().size()).arg(m_total));
+    else if (m_truncated)
+        m_footer->setText(QStringLiteral("The first %1 matching blocks").arg(m_rows.rows().size()));
     else
         m_footer->setText(QStringLiteral("%1 matching block%2").arg(m_total).arg(m_total == 1 ? "" : "s"));
 }
@@ -143,6 +157,10 @@ void QuickInsertPopup::fillList()
             IconPixmapCache::instance().pixmap(m_reader.getIcon(row.block), QSize(IconSide, IconSide), ratio);
         m_list->setItemWidget(item, rowWidget(row, icon, m_list));
     }
+    // As tall as its rows, up to ten; one row's room when there are none.
+    const int shown = std::clamp(int(m_rows.rows().size()), 1, VisibleRows);
+    m_list->setFixedHeight((IconSide + 6) * shown + 2 * m_list->frameWidth());
+    adjustSize();
     showCurrent();
 }
 

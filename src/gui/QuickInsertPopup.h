@@ -33,8 +33,10 @@ public:
 
     static constexpr int RowLimit = 50;
 
+    // A subsystem stands for a library and goes only into a library: the
+    // rows have subsystems only when they are offered.
     QuickInsertPopup(RankingIndexPtr index, RepositoryReader& reader, BlockHistory& history, Insert insert,
-                     QWidget* parent = nullptr);
+                     bool offerSubsystems, QWidget* parent = nullptr);
 
     // Shows the popup with its top left corner at the point (kept on the
     // screen) and the text typed so far.
@@ -62,6 +64,9 @@ private:
     Insert m_insert;
     QuickInsertRows m_rows;
     std::size_t m_total = 0;
+    // More matched than the rows show.
+    bool m_truncated = false;
+    bool m_offerSubsystems;
     int m_inserted = 0;
     QLineEdit* m_query = nullptr;
     QListWidget* m_list = nullptr;

@@ -46,7 +46,12 @@ void StandaloneBrowser::openQuickInsert(const std::string& system, std::optional
         internalQuickInsertBlock(block, system, dropPoint, insertedBefore);
     };
     // A child of the window, so that it goes with it; a popup all the same.
-    m_quickInsert = new QuickInsertPopup(index, *m_repository, *m_history, insert, m_window);
+    // The host tells the type of the system in front only; a system typed on
+    // is in front, as its window was activated.
+    const OpenSystemState front = OpenSystemState::current();
+    const bool intoLibrary = front.isUsable() && front.type == ModelType::Library &&
+                             (system.empty() || system == front.name);
+    m_quickInsert = new QuickInsertPopup(index, *m_repository, *m_history, insert, intoLibrary, m_window);
     m_quickInsert->setFont(m_guiFont);
     QPoint at = dropPoint.value_or(QPoint());
     if (!dropPoint) {

@@ -138,6 +138,14 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     EXPECT_TRUE(rows().isEmpty());
     EXPECT_TRUE(stored(PrefKey::LBFavoriteBlocks).isEmpty());
 
+    // Subsystems stand for libraries: a model takes none. "gain" matches
+    // three blocks and three subsystems.
+    keys("gain");
+    const QStringList blocksOfGain{"Arithmetica/Basic Operations/Gain", "Kinetics/Continuous/Zero-Pole",
+                                   "Kinetics/Continuous/\u00dcbertragungsglied PT1"};
+    EXPECT_EQ(rows(), blocksOfGain);
+    EXPECT_EQ(popup()->footerText(), "3 matching blocks");
+    popup()->queryEdit()->clear();
     keys("delay");
     ASSERT_GE(rows().size(), 3);
     key(Qt::Key_Up);

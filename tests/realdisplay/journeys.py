@@ -248,7 +248,8 @@ class Journey(unittest.TestCase):
         browser = self.open_browser()
         model = self.model_windows_or_skip(browser)[0]
         mx, my, mw, mh = browser.display.frame_rect(model)
-        point = (mx + mw // 3, my + mh // 2)
+        # Left in the drawing, so that the popup fits on the screen beside it.
+        point = (mx + 60, my + mh // 3)
         browser.display.click(*point)
         browser.display.type("pid")
         state = browser.wait_state(lambda s: s["quickInsert"].get("query") == "pid" and s["quickInsert"]["rows"],
@@ -270,8 +271,18 @@ class Journey(unittest.TestCase):
         # The drawing starts below the title and menu bars, at the frame's left.
         self.assertLessEqual(abs(left - (point[0] - mx)), 8, blocks)
         self.assertTrue(0 < (point[1] - my) - top < 90, blocks)
+        # A second block, recent only, at another point of the drawing.
+        browser.display.click(mx + 60, my + 2 * mh // 3)
+        browser.display.type("gain")
+        state = browser.wait_state(lambda s: s["quickInsert"].get("query") == "gain" and s["quickInsert"]["rows"],
+                                   "the quick insert with the matches of 'gain'")
+        gain = state["quickInsert"]["rows"][0]
+        browser.display.key("Return")
+        browser.wait_state(lambda s: not s["quickInsert"], "the quick insert to close")
+        wait_for(lambda: "Gain" in self.preferences().get("LBRecentBlocks", ""), "the recent block kept")
         saved = self.preferences()
         self.assertIn("PID Controller", saved.get("LBFavoriteBlocks", ""))
+        self.assertNotIn("Gain", saved.get("LBFavoriteBlocks", ""))
         self.assertIn("PID Controller", saved.get("LBRecentBlocks", ""))
 
         browser.kill()
@@ -281,7 +292,7 @@ class Journey(unittest.TestCase):
         state = again.wait_state(lambda s: s["quickInsert"].get("rows") is not None,
                                  "the quick insert from the Edit menu's shortcut")
         self.assertEqual(state["quickInsert"]["query"], "")
-        self.assertEqual(state["quickInsert"]["rows"], [pid])
+        self.assertEqual(state["quickInsert"]["rows"], [pid, gain])
         self.assertEqual(state["quickInsert"]["footer"], "Favorites, then recently used blocks")
         if OPTIONS.screenshots:
             x, y, w, h = state["quickInsert"]["rect"]
