@@ -126,8 +126,8 @@ void BlockContextMenu::exec(QMenu& menu, GuiBlock& tile, BlocksPageHost& browser
         break;
     case Action::AddFavourite:
     case Action::RemoveFavourite:
-        if (history)
-            history->setFavourite(tile.getPath(), Action(chosen->data().toInt()) == Action::AddFavourite);
+        if (history && !history->setFavourite(tile.getPath(), Action(chosen->data().toInt()) == Action::AddFavourite))
+            browser.internalSetStatusBarMessage(history->saveFailureMessage().toStdString());
         break;
     case Action::OpenLibrary:
         if (tile.isSubsystem())

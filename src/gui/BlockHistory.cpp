@@ -70,8 +70,16 @@ void BlockHistory::keepOnly(const std::function<bool(const std::string& path)>& 
         return paths.size() != before;
     };
     const bool favouritesChanged = prune(m_favourites);
+    // A failure is told when the user next marks or adds a block.
     if (prune(m_recents) || favouritesChanged)
         save();
+}
+
+QString BlockHistory::saveFailureMessage() const
+{
+    return QStringLiteral("The preferences file %1 could not be written: favorites and recently used blocks are "
+                          "kept until the program ends")
+        .arg(m_preferences.fileName());
 }
 
 std::unordered_set<std::string> BlockHistory::favouriteSet() const { return toSet(m_favourites); }

@@ -28,6 +28,9 @@ public:
     bool setFavourite(const std::string& path, bool favourite);
     bool noteAdded(const std::string& path);
 
+    // What the user is told when the file could not be written.
+    QString saveFailureMessage() const;
+
     // Forgets the paths that no longer name a block, without a word.
     void keepOnly(const std::function<bool(const std::string& path)>& exists);
 

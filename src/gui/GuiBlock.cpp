@@ -276,8 +276,9 @@ void GuiBlock::addToCurrentOpenSystem()
 
 void GuiBlock::noteAdded()
 {
-    if (BlockHistory* history = m_browser->internalBlockHistory())
-        history->noteAdded(getPath());
+    BlockHistory* history = m_browser->internalBlockHistory();
+    if (history && !history->noteAdded(getPath()))
+        m_browser->internalSetStatusBarMessage(history->saveFailureMessage().toStdString());
 }
 
 void GuiBlock::goToParent()

@@ -202,9 +202,11 @@ void QuickInsertPopup::toggleFavourite()
     if (!row)
         return;
     const std::string path = row->block.getPath();
-    m_history.setFavourite(path, !m_history.isFavourite(path));
+    const bool saved = m_history.setFavourite(path, !m_history.isFavourite(path));
     // The boost may move the block: the current row follows it.
     update();
+    if (!saved)
+        m_footer->setText(m_history.saveFailureMessage());
     const auto& rows = m_rows.rows();
     for (std::size_t i = 0; i < rows.size(); ++i)
         if (rows[i].block.getPath() == path)

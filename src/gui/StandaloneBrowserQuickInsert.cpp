@@ -82,7 +82,8 @@ void StandaloneBrowser::internalQuickInsertBlock(const TandrilObject& block, con
     } else {
         BrowserUtils::addBlockToModel(path, target);
     }
-    m_history->noteAdded(path);
+    if (!m_history->noteAdded(path))
+        internalSetStatusBarMessage(m_history->saveFailureMessage().toStdString());
 }
 
 } // namespace LibraryBrowser

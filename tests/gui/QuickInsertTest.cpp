@@ -9,6 +9,9 @@
 #include "gui/GuiBlock.h"
 #include "gui/QuickInsertPopup.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGraphicsView>
 #include <QLineEdit>
 #include <QScreen>
@@ -208,6 +211,25 @@ TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty
     EXPECT_EQ(recents[1], "lib/Block 24");
     EXPECT_EQ(recents.back(), "lib/Block 5");
     EXPECT_EQ(again.getStringList(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(path)});
+}
+
+// A preferences file that can't be written: the history works on for the
+// session and says so, and the popup tells the user.
+TEST_F(QuickInsertTest, AnUnwritablePreferencesFileIsToldAndTheSessionGoesOn)
+{
+    const QString blocker = QDir(QFileInfo(preferencesFile()).absolutePath()).filePath("not-a-directory");
+    {
+        QFile file(blocker);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    BrowserPreferences prefs(blocker + "/LibraryBrowser.ini");
+    BlockHistory history(prefs);
+    EXPECT_FALSE(history.noteAdded("lib/Gain"));
+    EXPECT_FALSE(history.setFavourite("lib/Gain", true));
+    EXPECT_TRUE(history.isFavourite("lib/Gain"));
+    EXPECT_EQ(history.recents(), QStringList{"lib/Gain"});
+    EXPECT_TRUE(history.saveFailureMessage().contains(blocker)) << history.saveFailureMessage().toStdString();
+    QFile::remove(blocker);
 }
 
 TEST(QuickInsertRowsTest, BoldRunsCountCharactersAndTheRestIsEscaped)
