@@ -236,6 +236,9 @@ TEST(QuickInsertRowsTest, BoldRunsCountCharactersAndTheRestIsEscaped)
 {
     EXPECT_EQ(QuickInsertRows::highlighted(QString::fromUtf8("R\u00e9sonateur <2>"), {{1, 3}, {12, 1}}),
               QString::fromUtf8("R<b>\u00e9so</b>nateur &lt;<b>2</b>&gt;"));
+    // A character beyond sixteen bits counts once.
+    EXPECT_EQ(QuickInsertRows::highlighted(QString::fromUtf8("\U0001D714 Gain"), {{2, 4}}),
+              QString::fromUtf8("\U0001D714 <b>Gain</b>"));
     EXPECT_EQ(QuickInsertRows::highlighted("Gain", {}), "Gain");
     EXPECT_EQ(QuickInsertRows::libraryPath("Kinetics/Continuous/PID Controller", "PID Controller"),
               "Kinetics/Continuous");
