@@ -2,10 +2,10 @@
 
 #include "gui/BlockHistory.h"
 #include "gui/IconPixmapCache.h"
+#include "gui/QuickInsertRowDelegate.h"
 #include "repository/RepositoryReader.h"
 
 #include <QApplication>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -20,34 +20,8 @@ namespace LibraryBrowser {
 
 namespace {
 
-constexpr int IconSide = 24;
+constexpr int IconSide = QuickInsertRowDelegate::IconSide;
 constexpr int VisibleRows = 10;
-
-QWidget* rowWidget(const RankedBlock& row, const QPixmap& icon, QWidget* parent)
-{
-    auto* widget = new QWidget(parent);
-    auto* layout = new QHBoxLayout(widget);
-    layout->setContentsMargins(4, 2, 6, 2);
-    layout->setSpacing(8);
-    auto* iconLabel = new QLabel(widget);
-    iconLabel->setFixedSize(IconSide, IconSide);
-    iconLabel->setPixmap(icon);
-    layout->addWidget(iconLabel);
-    const std::string name = row.block.getDisplayName();
-    auto* nameLabel = new QLabel(QuickInsertRows::highlighted(QString::fromStdString(name), row.spans), widget);
-    nameLabel->setTextFormat(Qt::RichText);
-    nameLabel->setObjectName(QStringLiteral("LBQuickInsertName"));
-    layout->addWidget(nameLabel);
-    layout->addStretch(1);
-    QString where = QuickInsertRows::libraryPath(row.block.getDisplayPath(), name).toHtmlEscaped();
-    if (row.favourite)
-        where = QStringLiteral("\u2605 ") + where;
-    auto* pathLabel = new QLabel(where, widget);
-    pathLabel->setTextFormat(Qt::RichText);
-    pathLabel->setStyleSheet(QStringLiteral("color: palette(mid)"));
-    layout->addWidget(pathLabel);
-    return widget;
-}
 
 } // namespace
 
@@ -71,6 +45,7 @@ QuickInsertPopup::QuickInsertPopup(RankingIndexPtr index, RepositoryReader& read
     m_list->setObjectName(QStringLiteral("LBQuickInsertList"));
     m_list->setFocusPolicy(Qt::NoFocus);
     m_list->setUniformItemSizes(true);
+    m_list->setItemDelegate(new QuickInsertRowDelegate(m_list));
     layout->addWidget(m_list);
     m_footer = new QLabel(this);
     m_footer->setObjectName(QStringLiteral("LBQuickInsertFooter"));
@@ -152,14 +127,19 @@ void QuickInsertPopup::fillList()
     const qreal ratio = devicePixelRatioF();
     for (const RankedBlock& row : m_rows.rows()) {
         auto* item = new QListWidgetItem(m_list);
-        item->setSizeHint(QSize(0, IconSide + 6));
-        const QPixmap icon =
-            IconPixmapCache::instance().pixmap(m_reader.getIcon(row.block), QSize(IconSide, IconSide), ratio);
-        m_list->setItemWidget(item, rowWidget(row, icon, m_list));
+        const std::string name = row.block.getDisplayName();
+        item->setData(Qt::DecorationRole, IconPixmapCache::instance().pixmap(m_reader.getIcon(row.block),
+                                                                             QSize(IconSide, IconSide), ratio));
+        item->setData(QuickInsertRowDelegate::NameHtml,
+                      QuickInsertRows::highlighted(QString::fromStdString(name), row.spans));
+        QString where = QuickInsertRows::libraryPath(row.block.getDisplayPath(), name);
+        if (row.favourite)
+            where = QStringLiteral("\u2605 ") + where;
+        item->setData(QuickInsertRowDelegate::LibraryPath, where);
     }
     // As tall as its rows, up to ten; one row's room when there are none.
     const int shown = std::clamp(int(m_rows.rows().size()), 1, VisibleRows);
-    m_list->setFixedHeight((IconSide + 6) * shown + 2 * m_list->frameWidth());
+    m_list->setFixedHeight(QuickInsertRowDelegate::RowHeight * shown + 2 * m_list->frameWidth());
     adjustSize();
     showCurrent();
 }
