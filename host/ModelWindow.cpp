@@ -4,10 +4,12 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QCursor>
 #include <QEvent>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsSimpleTextItem>
 #include <QGraphicsView>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -135,7 +137,24 @@ bool ModelWindow::eventFilter(QObject* watched, QEvent* event)
         fitScene();
     else if (watched == m_view && event->type() == QEvent::FocusIn)
         emit activated(m_name);
+    else if (watched == m_view && event->type() == QEvent::KeyPress && forwardTyping(static_cast<QKeyEvent*>(event)))
+        return true;
     return QMainWindow::eventFilter(watched, event);
+}
+
+bool ModelWindow::forwardTyping(const QKeyEvent* key)
+{
+    // Text only: shortcuts, arrows and a lone space keep their meaning.
+    const QString text = key->text();
+    if (text.isEmpty() || !text.at(0).isPrint() || text.at(0).isSpace() ||
+        (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)))
+        return false;
+    QWidget* drawing = m_view->viewport();
+    QPoint global = QCursor::pos();
+    if (!drawing->rect().contains(drawing->mapFromGlobal(global)))
+        global = drawing->mapToGlobal(drawing->rect().center());
+    emit typedOnCanvas(m_name, global, text);
+    return true;
 }
 
 void ModelWindow::changeEvent(QEvent* event)

@@ -9,6 +9,7 @@
 #include <string>
 
 class QAction;
+class QKeyEvent;
 class QGraphicsView;
 
 namespace LibraryBrowser::Host {
@@ -45,6 +46,9 @@ signals:
     // The user closed the window, and with it the system.
     void closed(const std::string& name);
     void fileCommand(FileCommand command, const std::string& name);
+    // The user typed text on the drawing, at a point of the screen: where the
+    // mouse is when it is over the drawing, else the drawing's centre.
+    void typedOnCanvas(const std::string& name, const QPoint& global, const QString& text);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -53,6 +57,8 @@ protected:
 
 private:
     void createFileMenu();
+    // True when the key press was text, now sent on as typedOnCanvas.
+    bool forwardTyping(const QKeyEvent* key);
     void fitScene();
 
     std::string m_name;

@@ -63,6 +63,12 @@ void ModelWindows::adopt(ModelWindow* window)
     });
     connect(window, &ModelWindow::fileCommand, this,
             [this](ModelWindow::FileCommand command, const std::string& name) { onFileCommand(command, name); });
+    connect(window, &ModelWindow::typedOnCanvas, this,
+            [this](const std::string& name, const QPoint& global, const QString& text) {
+                const OpenSystem* system = m_systems.find(name);
+                if (m_typing && system && !(system->type == SystemType::Library && system->locked))
+                    m_typing(name, global, text);
+            });
     window->setCloseGuard([this](const std::string& name) { return mayClose(name); });
 }
 

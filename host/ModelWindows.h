@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -30,6 +31,12 @@ public:
     ~ModelWindows() override;
 
     void setPrompts(ModelWindowPrompts prompts) { m_prompts = std::move(prompts); }
+
+    // Who answers text typed on the drawing of a system that can take
+    // blocks (not a locked library): the program that runs the browser
+    // opens its quick insert there. Null (the default) ignores the typing.
+    using TypingHandler = std::function<void(const std::string& system, const QPoint& global, const QString& text)>;
+    void setTypingHandler(TypingHandler handler) { m_typing = std::move(handler); }
 
     // Opens a window for each shown system that has none and redraws all.
     void sync();
@@ -73,6 +80,7 @@ private:
     std::map<std::string, std::unique_ptr<ModelWindow>> m_windows;
     std::vector<QPointer<QDialog>> m_dialogs;
     std::unique_ptr<HelpWindow> m_help;
+    TypingHandler m_typing;
 };
 
 } // namespace LibraryBrowser::Host

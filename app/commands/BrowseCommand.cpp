@@ -73,6 +73,11 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
     if (!screenshot) {
         context.host().showWindows();
         context.host().windowCommands().setPreferencesPage([browser] { PreferencesDialog::open(*browser); });
+        // Typing on a model's drawing opens the quick insert there.
+        context.host().modelWindows()->setTypingHandler(
+            [browser](const std::string& system, const QPoint& global, const QString& text) {
+                browser->openQuickInsert(system, global, text);
+            });
     }
     browser->showBrowser();
     QApplication::processEvents();
@@ -119,6 +124,8 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
         browser->window()->resize(savedSize);
     // The window goes before the module that its pages read from.
     context.host().windowCommands().setPreferencesPage(nullptr);
+    if (Host::ModelWindows* windows = context.host().modelWindows())
+        windows->setTypingHandler(nullptr);
     StandaloneBrowser::destroyInstance();
     return status;
 }

@@ -5,6 +5,7 @@
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
 #include "gui/LibraryTreeView.h"
+#include "gui/QuickInsertPopup.h"
 #include "gui/ResultsBlocksPage.h"
 #include "gui/StandaloneBrowser.h"
 
@@ -132,6 +133,19 @@ void WindowStateLog::write()
     for (const QWindow* other : otherOpenWindows(window->windowHandle()))
         others.append(other->title());
     state["otherWindows"] = others;
+    QJsonObject quickInsert;
+    if (const QuickInsertPopup* popup = browser.quickInsertPopup(); popup && popup->isVisible()) {
+        quickInsert["query"] = popup->query();
+        QJsonArray rows;
+        for (const RankedBlock& row : popup->rows().rows())
+            rows.append(QString::fromStdString(row.block.getDisplayPath()));
+        quickInsert["rows"] = rows;
+        quickInsert["current"] = popup->rows().current();
+        quickInsert["footer"] = popup->footerText();
+        quickInsert["rect"] = onScreen(popup);
+    }
+    // Empty while no quick insert is open.
+    state["quickInsert"] = quickInsert;
     const QByteArray line = QJsonDocument(state).toJson(QJsonDocument::Compact);
     if (line == m_last)
         return;

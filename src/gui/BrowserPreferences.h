@@ -31,6 +31,8 @@ namespace LibraryBrowser {
     X(LBShowBlockDesc, Bool, true) \
     X(LBWindowState, String, QString()) \
     X(LBSearchHistory, StringList, QStringList()) \
+    X(LBFavoriteBlocks, StringList, QStringList()) \
+    X(LBRecentBlocks, StringList, QStringList()) \
     X(LBSearchResults_rememberUserHiddenSections, Bool, true) \
     X(LBSearchResults_isTitleElidedMiddle, Bool, true) \
     X(LBSearchResultsListBox_isShowable, Bool, false) \

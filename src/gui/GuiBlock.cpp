@@ -1,5 +1,6 @@
 #include "gui/GuiBlock.h"
 
+#include "gui/BlockHistory.h"
 #include "gui/BlocksPage.h"
 #include "gui/BlocksPageHost.h"
 #include "gui/BlocksPanel.h"
@@ -223,6 +224,7 @@ void GuiBlock::drop(const QPointF& globalPosition)
     m_browser->internalSetCursor(Qt::WaitCursor);
     loadRootLibrary();
     BrowserUtils::dropBlock(getPath(), system, globalPosition.x(), globalPosition.y());
+    noteAdded();
     m_browser->internalUnsetCursor();
 }
 
@@ -269,6 +271,14 @@ void GuiBlock::addToCurrentOpenSystem()
     if (system.empty() || locked)
         system = BrowserUtils::openNewSystem(ModelType::Model);
     BrowserUtils::addBlockToModel(getPath(), system);
+    noteAdded();
+}
+
+void GuiBlock::noteAdded()
+{
+    BlockHistory* history = m_browser->internalBlockHistory();
+    if (history && !history->noteAdded(getPath()))
+        m_browser->internalSetStatusBarMessage(history->saveFailureMessage().toStdString());
 }
 
 void GuiBlock::goToParent()

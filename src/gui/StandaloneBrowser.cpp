@@ -98,7 +98,8 @@ void StandaloneBrowser::destroyInstance() { slot().reset(); }
 
 StandaloneBrowser::StandaloneBrowser(RepositoryPtr repository)
     : m_repository(std::move(repository)),
-      m_prefs(std::make_unique<BrowserPreferences>(BrowserPreferences::defaultFileName()))
+      m_prefs(std::make_unique<BrowserPreferences>(BrowserPreferences::defaultFileName())),
+      m_history(std::make_unique<BlockHistory>(*m_prefs))
 {
     setObjectName(QStringLiteral("LibraryBrowser.StandaloneBrowser"));
     m_selectionTimer = new QTimer(this);
@@ -184,7 +185,12 @@ void StandaloneBrowser::internalCreateGUI()
     connect(m_repository.get(), &Repository::preGenerateProduct, this,
             [this](const std::string& product) { internalPreGenerateProduct(product); }, Qt::DirectConnection);
     connect(m_repository.get(), &Repository::postGenerateProduct, this,
-            [this](const std::string& product) { internalPostGenerateProduct(product); }, Qt::DirectConnection);
+            [this](const std::string& product) {
+                // A product made anew: the quick insert's index no longer holds.
+                m_rankingIndex.reset();
+                internalPostGenerateProduct(product);
+            },
+            Qt::DirectConnection);
 
     m_treeDock = new QDockWidget(xlated(MessageId::TDLB_GuiTreeViewWidgetTitle), m_window);
     m_treeDock->setObjectName(QStringLiteral("LBTreeDockWidget"));
@@ -342,6 +348,7 @@ void StandaloneBrowser::showBrowser()
     else
         m_window->show();
     if (m_closedSinceShown) {
+        m_rankingIndex.reset();
         internalRefreshRepository(false);
         m_closedSinceShown = false;
     }

@@ -1,20 +1,24 @@
 #pragma once
 
+#include "gui/BlockHistory.h"
 #include "gui/BrowserActionTable.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/BrowserSettings.h"
 #include "gui/ResultsPageHost.h"
 #include "gui/SearchResults.h"
 #include "repository/Repository.h"
+#include "repository/search/RankingIndex.h"
 
 #include <QColor>
 #include <QFont>
 #include <QIcon>
 #include <QObject>
+#include <QPointer>
 #include <QRect>
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -41,6 +45,7 @@ namespace LibraryBrowser {
 class GuiSubsystem;
 class LibraryBlocksPage;
 class LibraryTreeView;
+class QuickInsertPopup;
 class ResultsBlocksPage;
 
 // The browser window: the library tree, the two pages of tiles, the block
@@ -166,6 +171,18 @@ public:
     std::string getSelectedBlockName() const;
     QRect getSelectedBlockPosition() const;
 
+    // The quick insert: a popup that puts the block chosen into the system.
+    // With a point of the screen (where the user typed on a model's canvas)
+    // the popup opens there and the block is dropped there; without one it
+    // opens over the browser and the block is added where the host puts
+    // added blocks. An empty system name means the system in front, or a new
+    // model when none is usable.
+    void openQuickInsert(const std::string& system, std::optional<QPoint> dropPoint, const QString& typed);
+    // The popup now open, or null.
+    QuickInsertPopup* quickInsertPopup() const;
+    BlockHistory& blockHistory() { return *m_history; }
+    BlockHistory* internalBlockHistory() override { return m_history.get(); }
+
     // What the pages ask of the window.
     QFont getGuiFont() const override { return m_guiFont; }
     QColor getColorPref(const char* key) const override;
@@ -283,8 +300,17 @@ private:
     GuiBlock* internalGetCurrentBlockSelection() const;
     void internalClearContextMenu();
 
+    void internalOpenQuickInsertForSystemInFront();
+    void internalQuickInsertBlock(const TandrilObject& block, const std::string& system,
+                                  std::optional<QPoint> dropPoint, int insertedBefore);
+    // Built at the first quick insert and kept until the repository changes.
+    RankingIndexPtr internalRankingIndex();
+
     RepositoryPtr m_repository;
     std::unique_ptr<BrowserPreferences> m_prefs;
+    std::unique_ptr<BlockHistory> m_history;
+    RankingIndexPtr m_rankingIndex;
+    QPointer<QuickInsertPopup> m_quickInsert;
 
     // Tree nodes: UID to the tile that stands for the node, and back by path.
     std::unordered_map<int, std::shared_ptr<GuiSubsystem>> m_treeNodes;

@@ -132,6 +132,14 @@ void StandaloneBrowser::internalCreateMenus()
     connect(descriptions, &QAction::toggled, this, [this](bool checked) { m_searchDescriptions = checked; });
     menus[BrowserMenu::SearchOptions]->addAction(descriptions);
 
+    // After the Edit menu's own entries: the quick insert for the system in front.
+    auto* quickInsert = new QAction(QStringLiteral("&Quick Insert..."), m_window);
+    quickInsert->setObjectName(QStringLiteral("quickInsertAction"));
+    quickInsert->setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+I")));
+    connect(quickInsert, &QAction::triggered, this, [this] { internalOpenQuickInsertForSystemInFront(); });
+    m_editMenu->addSeparator();
+    m_editMenu->addAction(quickInsert);
+
     m_searchOptionsButton = new QToolButton(m_window);
     m_searchOptionsButton->setMenu(menus[BrowserMenu::SearchOptions]);
 }
@@ -218,7 +226,10 @@ void StandaloneBrowser::onAction(BrowserAction id, bool checked)
     case BrowserAction::IncreaseFont: internalIncFontSize(); break;
     case BrowserAction::DecreaseFont: internalDecFontSize(); break;
     case BrowserAction::BlockParameters: showSelectedBlockParams(); break;
-    case BrowserAction::Refresh: internalRefreshRepository(true); break;
+    case BrowserAction::Refresh:
+        m_rankingIndex.reset();
+        internalRefreshRepository(true);
+        break;
     case BrowserAction::BlockHelp: showSelectedBlockHelp(); break;
     case BrowserAction::LibraryBrowserHelp: showLibBrowseHelp(); break;
     case BrowserAction::TandrilHelp: showTandrilHelp(); break;

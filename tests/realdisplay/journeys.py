@@ -239,6 +239,68 @@ class Journey(unittest.TestCase):
         blocks = self.saved_blocks(self.save_model(browser, model, "keyboard"))
         self.assertEqual(list(blocks), ["Unit Delay"])
 
+    # 6. Type "pid" on a new model's drawing: the quick insert opens at the
+    # mouse with a PID block first; Ctrl+D marks it a favourite, Enter puts it
+    # into the model at the mouse. After a restart the empty quick insert
+    # lists it, and the preferences file holds it as favourite and recent.
+    def test_quick_insert_puts_a_typed_block_at_the_mouse_and_remembers_it(self):
+        pid = "Kinetics/Continuous/PID Controller"
+        browser = self.open_browser()
+        model = self.model_windows_or_skip(browser)[0]
+        mx, my, mw, mh = browser.display.frame_rect(model)
+        # Left in the drawing, so that the popup fits on the screen beside it.
+        point = (mx + 60, my + mh // 3)
+        browser.display.click(*point)
+        browser.display.type("pid")
+        state = browser.wait_state(lambda s: s["quickInsert"].get("query") == "pid" and s["quickInsert"]["rows"],
+                                   "the quick insert with the matches of 'pid'")
+        self.assertEqual(state["quickInsert"]["rows"][0], pid, state["quickInsert"])
+        self.assertEqual(state["quickInsert"]["rect"][:2], list(point))
+        browser.display.key("ctrl+d")
+        browser.wait_settled("the favourite marked")
+        if OPTIONS.screenshots:
+            x, y, w, h = browser.state()["quickInsert"]["rect"]
+            browser.display.screenshot(os.path.join(OPTIONS.screenshots, "quick-insert.png"),
+                                       (x - 60, y - 40, w + 120, h + 80))
+        browser.display.key("Return")
+        browser.wait_state(lambda s: not s["quickInsert"], "the quick insert to close")
+        wait_for(lambda: browser.display.window_name(model).endswith("*"), "the model to show a change")
+        blocks = self.saved_blocks(self.save_model(browser, model, "quick"))
+        self.assertEqual(list(blocks), ["PID Controller"])
+        left, top = blocks["PID Controller"][:2]
+        # The drawing starts below the title and menu bars, at the frame's left.
+        self.assertLessEqual(abs(left - (point[0] - mx)), 8, blocks)
+        self.assertTrue(0 < (point[1] - my) - top < 90, blocks)
+        # A second block, recent only, at another point of the drawing.
+        browser.display.click(mx + 60, my + 2 * mh // 3)
+        browser.display.type("gain")
+        state = browser.wait_state(lambda s: s["quickInsert"].get("query") == "gain" and s["quickInsert"]["rows"],
+                                   "the quick insert with the matches of 'gain'")
+        gain = state["quickInsert"]["rows"][0]
+        browser.display.key("Return")
+        browser.wait_state(lambda s: not s["quickInsert"], "the quick insert to close")
+        wait_for(lambda: "Gain" in self.preferences().get("LBRecentBlocks", ""), "the recent block kept")
+        saved = self.preferences()
+        self.assertIn("PID Controller", saved.get("LBFavoriteBlocks", ""))
+        self.assertNotIn("Gain", saved.get("LBFavoriteBlocks", ""))
+        self.assertIn("PID Controller", saved.get("LBRecentBlocks", ""))
+
+        browser.kill()
+        again = self.open_browser()
+        again.activate()
+        again.display.key("ctrl+shift+i")
+        state = again.wait_state(lambda s: s["quickInsert"].get("rows") is not None,
+                                 "the quick insert from the Edit menu's shortcut")
+        self.assertEqual(state["quickInsert"]["query"], "")
+        self.assertEqual(state["quickInsert"]["rows"], [pid, gain])
+        self.assertEqual(state["quickInsert"]["footer"], "Favorites, then recently used blocks")
+        if OPTIONS.screenshots:
+            x, y, w, h = state["quickInsert"]["rect"]
+            again.display.screenshot(os.path.join(OPTIONS.screenshots, "quick-insert-favourites.png"),
+                                     (x - 40, y - 40, w + 80, h + 80))
+        again.display.key("Escape")
+        again.wait_state(lambda s: not s["quickInsert"], "Escape to close the quick insert")
+
     @staticmethod
     def saved_blocks(text):
         """The top-level blocks of a saved model file: name to position."""
