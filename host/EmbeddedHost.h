@@ -37,8 +37,9 @@ public:
     // (and the destructor) put the standalone defaults back.
     void install();
     void uninstall();
-    // Gives every shown system a window and shows the block dialogs; needs a
-    // QApplication. A host without it only records what it was asked.
+    // Gives every shown system a window and shows the block dialogs, help
+    // and file dialogs; needs a QApplication. A host without it only records
+    // what it was asked.
     void showWindows();
     // Null until showWindows.
     ModelWindows* modelWindows() { return m_modelWindows.get(); }

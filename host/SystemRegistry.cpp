@@ -257,6 +257,33 @@ bool SystemRegistry::addBlock(const std::string& source, const std::string& dest
     return true;
 }
 
+bool SystemRegistry::rename(const std::string& from, const std::string& to, std::string& error)
+{
+    OpenSystem* system = findMutable(from);
+    if (!system) {
+        error = "no open system \"" + from + "\"";
+        return false;
+    }
+    if (!LibraryFileParser::isValidLibraryName(to)) {
+        error = "\"" + to + "\" is not a name for a model: it is empty or holds a slash or a backslash";
+        return false;
+    }
+    if (isLoaded(to)) {
+        error = "a system named \"" + to + "\" is open already";
+        return false;
+    }
+    FileIssue issue;
+    if (m_tree.nodeAtPath(to, issue) != BlockTree::none) {
+        error = "a library named \"" + to + "\" is on the path; choose another file name";
+        return false;
+    }
+    system->name = to;
+    system->document.name = to;
+    if (m_current == from)
+        m_current = to;
+    return true;
+}
+
 bool SystemRegistry::save(const std::string& name, const QString& file, std::string& error)
 {
     OpenSystem* system = findMutable(name);

@@ -62,6 +62,10 @@ public:
     // under a name not yet used there; at the point when one is given.
     bool addBlock(const std::string& source, const std::string& destination, std::optional<Point> at,
                   std::string& addedPath, std::string& error);
+    // Gives an open system another name, as saving it to a file of that name
+    // does. Fails for a name that is not a library name, that an open system
+    // has, or that a library on the path has.
+    bool rename(const std::string& from, const std::string& to, std::string& error);
     // Writes the system as a library file: to the file given, else to the one
     // it came from.
     bool save(const std::string& name, const QString& file, std::string& error);

@@ -1,6 +1,7 @@
 #include "WindowCommands.h"
 
 #include "BlockPath.h"
+#include "HelpText.h"
 #include "ModelWindows.h"
 
 #include <QCursor>
@@ -119,13 +120,24 @@ WindowCommands::CallResult WindowCommands::dispatch(const std::string& command, 
                                       {HostValue::string(QDir(QString::fromStdString(m_root))
                                                              .filePath(QStringLiteral("help"))
                                                              .toStdString())});
-    // uiopen, tdhelp and helpview would show a window; the record is all.
+    if (command == "uiopen" && m_windows) {
+        std::string error;
+        if (!m_windows->open(nullptr, error))
+            return CallArguments::failure(commandFailed, "uiopen: " + error);
+    }
+    if (command == "tdhelp" && m_windows)
+        m_windows->showHelp(QStringLiteral("Tandril Help"), HelpText::generalHelp());
+    if (command == "helpview" && m_windows)
+        m_windows->showHelp(QStringLiteral("Library Browser Help"), HelpText::browserHelp());
+    // Without windows the record is all.
     return CallArguments::success(command, outputCount, {});
 }
 
 WindowCommands::CallResult WindowCommands::showPreferences(int outputCount)
 {
     m_log.record("tdprivate", {"showprefs"});
+    if (m_preferences)
+        m_preferences();
     return CallArguments::success("tdprivate showprefs", outputCount, {});
 }
 
@@ -217,7 +229,7 @@ WindowCommands::CallResult WindowCommands::blockCommand(const std::string& comma
         m_dialogs.push_back({path, kind});
     if (m_windows) {
         if (kind.empty())
-            m_windows->showHelp(path, block);
+            m_windows->showBlockHelp(path, block);
         else
             m_windows->showBlockDialog(path, block, kind);
     }

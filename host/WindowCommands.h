@@ -4,6 +4,7 @@
 #include "CommandLog.h"
 #include "SystemRegistry.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,10 @@ public:
     // host without a screen, which only records. Not owned.
     void setWindows(ModelWindows* windows) { m_windows = windows; }
 
+    // What "tdprivate showprefs" opens: the program that runs the browser
+    // gives the browser's preferences dialog; without one the record is all.
+    void setPreferencesPage(std::function<void()> page) { m_preferences = std::move(page); }
+
     // What private_td_sys_name_under_mouse answers in a host without windows;
     // with windows, the window under the cursor decides.
     void setSystemUnderMouse(std::string name) { m_systemUnderMouse = std::move(name); }
@@ -55,6 +60,7 @@ private:
     std::string m_systemUnderMouse;
     std::vector<BlockDialog> m_dialogs;
     ModelWindows* m_windows = nullptr;
+    std::function<void()> m_preferences;
 };
 
 } // namespace LibraryBrowser::Host

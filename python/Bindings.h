@@ -14,6 +14,7 @@ void bindHandles(pybind11::module_& repository);
 void bindIterator(pybind11::module_& repository);
 void bindReport(pybind11::module_& repository);
 void bindRepository(pybind11::module_& repository);
+void bindRanking(pybind11::module_& repository);
 void bindBrowser(pybind11::module_& tandril);
 
 // The docstring of a class of the package: its description, and its

@@ -29,5 +29,6 @@ PYBIND11_MODULE(_tandril, tandril)
     bindIterator(repository);
     bindReport(repository);
     bindRepository(repository);
+    bindRanking(repository);
     bindBrowser(tandril);
 }

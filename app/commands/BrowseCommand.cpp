@@ -1,8 +1,11 @@
 #include "Commands.h"
 
 #include "CommandContext.h"
+#include "WindowStateLog.h"
 
+#include "EmbeddedHost.h"
 #include "gui/LibraryBlocksPage.h"
+#include "gui/PreferencesDialog.h"
 #include "gui/StandaloneBrowser.h"
 
 #include <QApplication>
@@ -23,6 +26,9 @@ void configure(QCommandLineParser& parser)
     parser.addOption({"size", "The window's width and height in pixels, for this run.", "WxH"});
     parser.addOption({"screenshot", "Open the window offscreen, write it to a PNG file when the tree and the page "
                                     "are filled, and exit.",
+                      "file"});
+    parser.addOption({"state-log", "Write what the window shows to a file, one JSON line per change (for tests that "
+                                   "drive the program from outside).",
                       "file"});
 }
 
@@ -62,6 +68,17 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
         browser->setIconSize(iconSize);
     if (windowSize.isValid())
         browser->window()->resize(windowSize);
+    // At a screen the host shows its model windows and dialogs, and its
+    // preferences are the browser's.
+    if (!screenshot) {
+        context.host().showWindows();
+        context.host().windowCommands().setPreferencesPage([browser] { PreferencesDialog::open(*browser); });
+        // Typing on a model's drawing opens the quick insert there.
+        context.host().modelWindows()->setTypingHandler(
+            [browser](const std::string& system, const QPoint& global, const QString& text) {
+                browser->openQuickInsert(system, global, text);
+            });
+    }
     browser->showBrowser();
     QApplication::processEvents();
     int status = Success;
@@ -77,8 +94,19 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
             if (!browser->hideResultsSectionByName(section.toStdString()))
                 status = context.fail("no section '" + section + "' in the results");
     }
-    if (status == Success && !screenshot)
+    WindowStateLog stateLog;
+    if (status == Success && parser.isSet("state-log") && !stateLog.open(parser.value("state-log"), *browser))
+        status = context.fail("unable to write " + parser.value("state-log"));
+    if (status == Success && !screenshot) {
+        // The program ends when the user has closed the browser and no other
+        // window of it is open; the last of those closed ends it too.
+        QApplication::setQuitOnLastWindowClosed(true);
+        QObject::connect(browser, &StandaloneBrowser::browserClosed, qApp, [browser] {
+            if (otherOpenWindows(browser->window()->windowHandle()).isEmpty())
+                QCoreApplication::quit();
+        });
         status = QApplication::exec() == 0 ? Success : Failure;
+    }
     if (status == Success && screenshot) {
         QApplication::processEvents();
         const QString file = parser.value("screenshot");
@@ -95,6 +123,9 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
     if (windowSize.isValid() && browser->window()->size() == windowSize)
         browser->window()->resize(savedSize);
     // The window goes before the module that its pages read from.
+    context.host().windowCommands().setPreferencesPage(nullptr);
+    if (Host::ModelWindows* windows = context.host().modelWindows())
+        windows->setTypingHandler(nullptr);
     StandaloneBrowser::destroyInstance();
     return status;
 }

@@ -75,6 +75,11 @@ bool CommandContext::reportHasErrors() const
     return m_repository && (m_repository->getRepositoryReport()->hasError() || !reportErrorLines().empty());
 }
 
+bool CommandContext::readWasIncomplete() const
+{
+    return m_repository && m_repository->getRepositoryReport()->hadIncompleteRead();
+}
+
 std::vector<std::string> CommandContext::reportErrorLines() const
 {
     std::vector<std::string> lines;

@@ -9,6 +9,10 @@
 
 class QJsonObject;
 
+namespace LibraryBrowser::Host {
+class EmbeddedHost;
+}
+
 namespace LibraryBrowser::Tdlb {
 
 // What a command works with: the repository, opened on first use so that
@@ -24,6 +28,10 @@ public:
     Repository& repository();
     // Lets the repository go; the module must still be running.
     void closeRepository();
+
+    // The host the module runs in, for the commands that show its windows.
+    Host::EmbeddedHost& host() const { return *m_host; }
+    void setHost(Host::EmbeddedHost* host) { m_host = host; }
 
     bool verbose() const { return m_verbose; }
     // Standard output is a terminal: progress is worth showing.
@@ -41,6 +49,9 @@ public:
     // Whether the repository's report holds an error, now or earlier in the
     // run: the writer clears the flag after each product, the log keeps it.
     bool reportHasErrors() const;
+    // Whether a read found the store changed by another process and could
+    // not read it whole.
+    bool readWasIncomplete() const;
     // Writes the report's errors on standard error, each once.
     void printReportErrors() const;
     // Writes the report's errors on standard error, each once, and a line
@@ -54,6 +65,7 @@ private:
     QString m_commandName;
     bool m_verbose;
     RepositoryPtr m_repository;
+    Host::EmbeddedHost* m_host = nullptr;
 };
 
 } // namespace LibraryBrowser::Tdlb

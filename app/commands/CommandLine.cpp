@@ -39,7 +39,7 @@ void print(const QString& text)
 } // namespace
 
 CommandLine::CommandLine()
-    : m_commands{updateCommand(),  listCommand(),     searchCommand(), treeCommand(), showCommand(),
+    : m_commands{updateCommand(),  listCommand(),     searchCommand(), findCommand(), treeCommand(), showCommand(),
                  generateCommand(), destroyCommand(), checksumCommand(), reportCommand(),
                  pageCommand(), browseCommand()}
 {
@@ -59,10 +59,15 @@ QString CommandLine::overview() const
     QString text = "The block library browser's repository on the command line.\n\nCommands:\n";
     for (const Command& command : m_commands)
         text += QString("  %1  %2\n").arg(command.name, -9).arg(command.summary);
-    text += "\nExit codes: 0 when the command did its work; 1 when it could not, and when update, generate or\n"
-            "destroy leave errors in the repository's report; 2 for a usage error. list, tree, search and show\n"
-            "only read: errors in the report about other products leave their answer standing; they go to\n"
-            "standard error with a line that counts them.\n";
+    text += "
+Exit codes: 0 when the command did its work; 1 when it could not, when update, generate or
+"
+            "destroy leave errors in the repository's report, and when find matches nothing; 2 for a usage
+"
+            "error. list, tree, search, find and show only read: errors in the report about other products
+"
+            "leave their answer standing; they go to standard error with a line that counts them.
+";
     text += "\n'tdlb COMMAND --help' tells more of one command.";
     return text;
 }
@@ -128,6 +133,7 @@ int CommandLine::run(const QStringList& arguments)
 
     Host::EmbeddedHost host(options);
     host.install();
+    context.setHost(&host);
     // The echoed report is a diagnostic: standard output keeps the results.
     host.environment().setConsole([](const std::string& text) {
         std::fputs(text.c_str(), stderr);
@@ -136,7 +142,7 @@ int CommandLine::run(const QStringList& arguments)
     NRInitialize_td_lib_browse();
     int code = command->run(commandParser, commandArguments, context);
     if (code == Success && context.reportHasErrors()) {
-        if (command->readOnly) {
+        if (command->readOnly && !context.readWasIncomplete()) {
             context.noteReportErrors();
         } else {
             context.printReportErrors();

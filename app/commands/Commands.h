@@ -10,6 +10,8 @@ Command updateCommand();
 Command listCommand();
 // search: the objects whose shown name matches, grouped by product.
 Command searchCommand();
+// find: blocks ranked by how well they match the words of a query.
+Command findCommand();
 // tree: the objects below the top level or below one object, indented by depth.
 Command treeCommand();
 // show: every attribute of one object, and its icon written to a file.

@@ -1,6 +1,7 @@
 #include "gui/BlockContextMenu.h"
 
 #include "frame/MessageCatalogue.h"
+#include "gui/BlockHistory.h"
 #include "gui/BlocksPage.h"
 #include "gui/BlocksPageHost.h"
 #include "gui/BrowserHostCommands.h"
@@ -57,6 +58,13 @@ std::vector<BlockContextMenu::Entry> BlockContextMenu::entriesFor(const GuiBlock
     return entries;
 }
 
+BlockContextMenu::Entry BlockContextMenu::favouriteEntry(bool isFavourite)
+{
+    if (isFavourite)
+        return {Action::RemoveFavourite, "Remove from Favorites", {}, true};
+    return {Action::AddFavourite, "Add to Favorites", {}, true};
+}
+
 std::string BlockContextMenu::addEntryLabel(const OpenSystemState& system)
 {
     if (!system.isUsable())
@@ -84,7 +92,12 @@ void BlockContextMenu::exec(QMenu& menu, GuiBlock& tile, BlocksPageHost& browser
     const bool onResults = tile.getPage() && tile.getPage()->isResultsPage();
     const OpenSystemState system = OpenSystemState::current();
     menu.clear();
-    for (const Entry& entry : entriesFor(tile, onResults, browser.nodeHasParent(browser.getCurrentNodeUID()), system)) {
+    std::vector<Entry> entries =
+        entriesFor(tile, onResults, browser.nodeHasParent(browser.getCurrentNodeUID()), system);
+    BlockHistory* history = browser.internalBlockHistory();
+    if (history && !tile.isSubsystem())
+        entries.push_back(favouriteEntry(history->isFavourite(tile.getPath())));
+    for (const Entry& entry : entries) {
         if (entry.separatorBefore)
             menu.addSeparator();
         QAction* action = menu.addAction(QString::fromStdString(entry.label));
@@ -110,6 +123,11 @@ void BlockContextMenu::exec(QMenu& menu, GuiBlock& tile, BlocksPageHost& browser
         break;
     case Action::ShowParams:
         tile.showBlockParams();
+        break;
+    case Action::AddFavourite:
+    case Action::RemoveFavourite:
+        if (history && !history->setFavourite(tile.getPath(), Action(chosen->data().toInt()) == Action::AddFavourite))
+            browser.internalSetStatusBarMessage(history->saveFailureMessage().toStdString());
         break;
     case Action::OpenLibrary:
         if (tile.isSubsystem())

@@ -31,7 +31,16 @@ struct OpenSystemState {
 // a library.
 class BlockContextMenu {
 public:
-    enum class Action { AddToCurrentSystem, ShowHelp, GoToParent, SelectInLibraryView, ShowParams, OpenLibrary };
+    enum class Action {
+        AddToCurrentSystem,
+        ShowHelp,
+        GoToParent,
+        SelectInLibraryView,
+        ShowParams,
+        OpenLibrary,
+        AddFavourite,
+        RemoveFavourite
+    };
 
     struct Entry {
         Action action;
@@ -44,6 +53,8 @@ public:
 
     static std::vector<Entry> entriesFor(const GuiBlock& tile, bool onResultsPage, bool nodeHasParent,
                                          const OpenSystemState& system);
+    // After the design's entries of a block's menu, behind a separator.
+    static Entry favouriteEntry(bool isFavourite);
     // The Edit menu's label of the add entry.
     static std::string addEntryLabel(const OpenSystemState& system);
     static bool canAddToCurrentOpenSystem(const GuiBlock* selection, ModelType type);

@@ -14,6 +14,7 @@ class QWidget;
 
 namespace LibraryBrowser {
 
+class BlockHistory;
 class BlocksPage;
 class GuiBlock;
 class RepositoryReader;
@@ -60,6 +61,8 @@ public:
     virtual void internalShowBlockContextMenu(GuiBlock* tile, const QPoint& globalPosition) = 0;
     // The tile of a search result shown and selected in its library.
     virtual void internalSelectInLibraryView(GuiBlock* tile) = 0;
+    // The favourites and the blocks added last; null where none are kept.
+    virtual BlockHistory* internalBlockHistory() { return nullptr; }
 };
 
 } // namespace LibraryBrowser

@@ -23,12 +23,16 @@ namespace LibraryBrowser {
     X(LBSearch_UseRegExp, Bool, false) \
     X(LBSearch_MatchWholeWord, Bool, false) \
     X(LBSearch_MatchCase, Bool, false) \
+    X(LBSearch_Descriptions, Bool, false) \
     X(LBGeometry4Window, Rect, QRect(32, 64, 600, 640)) \
     X(LBGeometry4Blocks, Rect, QRect(0, 0, 390, 410)) \
     X(LBTreeSelectionTimeout, Int, 111) \
+    X(LBTreeDockWidth, Int, 0) \
     X(LBShowBlockDesc, Bool, true) \
     X(LBWindowState, String, QString()) \
     X(LBSearchHistory, StringList, QStringList()) \
+    X(LBFavoriteBlocks, StringList, QStringList()) \
+    X(LBRecentBlocks, StringList, QStringList()) \
     X(LBSearchResults_rememberUserHiddenSections, Bool, true) \
     X(LBSearchResults_isTitleElidedMiddle, Bool, true) \
     X(LBSearchResultsListBox_isShowable, Bool, false) \

@@ -84,6 +84,8 @@ public:
 protected:
     BlocksPageHost* browser() const { return m_browser; }
     void loadRootLibrary();
+    // Remembers the block among those added to a model last.
+    void noteAdded();
 
 private:
     bool actsOnEvents() const;

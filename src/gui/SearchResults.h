@@ -41,6 +41,7 @@ struct SearchResults {
     bool useRegExp = false;
     bool matchWholeWord = false;
     bool matchCase = false;
+    bool searchDescriptions = false;
     // The results page must take these results at its next update.
     bool resultsNeedReload = true;
 };

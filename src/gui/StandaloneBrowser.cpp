@@ -27,6 +27,8 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QStatusBar>
+#include <QStatusTipEvent>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -96,7 +98,8 @@ void StandaloneBrowser::destroyInstance() { slot().reset(); }
 
 StandaloneBrowser::StandaloneBrowser(RepositoryPtr repository)
     : m_repository(std::move(repository)),
-      m_prefs(std::make_unique<BrowserPreferences>(BrowserPreferences::defaultFileName()))
+      m_prefs(std::make_unique<BrowserPreferences>(BrowserPreferences::defaultFileName())),
+      m_history(std::make_unique<BlockHistory>(*m_prefs))
 {
     setObjectName(QStringLiteral("LibraryBrowser.StandaloneBrowser"));
     m_selectionTimer = new QTimer(this);
@@ -140,9 +143,11 @@ void StandaloneBrowser::internalReadPrefs()
     m_useRegExp = prefs.getBool(PrefKey::LBSearch_UseRegExp);
     m_matchWholeWord = prefs.getBool(PrefKey::LBSearch_MatchWholeWord);
     m_matchCase = prefs.getBool(PrefKey::LBSearch_MatchCase);
+    m_searchDescriptions = prefs.getBool(PrefKey::LBSearch_Descriptions);
     m_windowGeometry = prefs.getRect(PrefKey::LBGeometry4Window);
     m_blocksGeometry = prefs.getRect(PrefKey::LBGeometry4Blocks);
     m_treeSelectionTimeout = prefs.getInt(PrefKey::LBTreeSelectionTimeout);
+    m_treeWidth = std::max(0, prefs.getInt(PrefKey::LBTreeDockWidth));
     for (const char* key : ColorKeys)
         m_colors[key] = prefs.getColor(key);
 }
@@ -180,7 +185,12 @@ void StandaloneBrowser::internalCreateGUI()
     connect(m_repository.get(), &Repository::preGenerateProduct, this,
             [this](const std::string& product) { internalPreGenerateProduct(product); }, Qt::DirectConnection);
     connect(m_repository.get(), &Repository::postGenerateProduct, this,
-            [this](const std::string& product) { internalPostGenerateProduct(product); }, Qt::DirectConnection);
+            [this](const std::string& product) {
+                // A product made anew: the quick insert's index no longer holds.
+                m_rankingIndex.reset();
+                internalPostGenerateProduct(product);
+            },
+            Qt::DirectConnection);
 
     m_treeDock = new QDockWidget(xlated(MessageId::TDLB_GuiTreeViewWidgetTitle), m_window);
     m_treeDock->setObjectName(QStringLiteral("LBTreeDockWidget"));
@@ -219,14 +229,21 @@ void StandaloneBrowser::internalCreateGUI()
     m_tabContainer = new QTabWidget(m_window);
     m_tabContainer->setObjectName(QStringLiteral("LBTabContainer"));
     m_tabContainer->setFocusPolicy(Qt::StrongFocus);
+    // Tab goes from the tree to the page itself, not to the tab bar, where
+    // an arrow key would change the page instead of the selection.
+    m_tabContainer->tabBar()->setFocusPolicy(Qt::NoFocus);
     m_libraryPage = std::make_unique<LibraryBlocksPage>(*this, m_layoutType, m_iconSize, m_guiFont,
                                                         getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
                                                         m_tabContainer);
+    m_libraryPage->setBackgroundColors(getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
+                                       getColorPref(PrefKey::LBColorLibraryBlocksBackgroundBot));
     m_tabContainer->addTab(m_libraryPage->getScrollView(), xlated(MessageId::TDLB_GuiLibraryBlocksTabLabel_Empty));
     m_currentTabIndex = 0;
     m_resultsPage = std::make_unique<ResultsBlocksPage>(*this, m_layoutType, m_iconSize, m_guiFont,
                                                         getColorPref(PrefKey::LBColorSearchResultsBackgroundTop),
                                                         m_tabContainer);
+    m_resultsPage->setBackgroundColors(getColorPref(PrefKey::LBColorSearchResultsBackgroundTop),
+                                       getColorPref(PrefKey::LBColorSearchResultsBackgroundBot));
     m_resultsPage->setStatusMessage(xlatedMessageFromId(MessageId::TDLB_GuiStatusBarNoSearchResults));
     m_tabContainer->addTab(m_resultsPage->getScrollView(), xlated(MessageId::TDLB_GuiSearchResultsTabLabel_Empty));
     connect(m_tabContainer, &QTabWidget::currentChanged, this, [this](int index) { internalSelectTab(index, false); });
@@ -255,7 +272,14 @@ void StandaloneBrowser::internalCreateGUI()
     m_window->restoreState(state.isEmpty() ? m_defaultWindowState : QByteArray::fromBase64(state.toLatin1()));
     m_searchDock->hide();
     m_descDock->setVisible(m_showBlockDesc);
+    m_treeDock->installEventFilter(this);
     m_tree->setFocus();
+}
+
+void StandaloneBrowser::internalRestoreTreeWidth()
+{
+    if (m_treeWidth > 0 && m_treeDock->isVisible() && m_treeDock->width() != m_treeWidth)
+        m_window->resizeDocks({m_treeDock}, {m_treeWidth}, Qt::Horizontal);
 }
 
 void StandaloneBrowser::internalFitBrowserOnScreens()
@@ -285,6 +309,7 @@ void StandaloneBrowser::internalSavePrefs()
     prefs.setBool(PrefKey::LBSearch_UseRegExp, m_useRegExp);
     prefs.setBool(PrefKey::LBSearch_MatchCase, m_matchCase);
     prefs.setBool(PrefKey::LBSearch_MatchWholeWord, m_matchWholeWord);
+    prefs.setBool(PrefKey::LBSearch_Descriptions, m_searchDescriptions);
     prefs.setBool(PrefKey::LBSearchResults_rememberUserHiddenSections, m_rememberUserHiddenSections);
     prefs.setBool(PrefKey::LBSearchResults_isTitleElidedMiddle, m_titleElidedMiddle);
     prefs.setBool(PrefKey::LBSearchResultsListBox_isShowable, m_listBoxShowable);
@@ -296,6 +321,7 @@ void StandaloneBrowser::internalSavePrefs()
     prefs.setRect(PrefKey::LBGeometry4Window, getPosition());
     prefs.setRect(PrefKey::LBGeometry4Blocks, m_libraryPage->getMainPanel()->geometry());
     prefs.setInt(PrefKey::LBTreeSelectionTimeout, m_treeSelectionTimeout);
+    prefs.setInt(PrefKey::LBTreeDockWidth, m_treeWidth);
     prefs.setString(PrefKey::LBWindowState, QString::fromLatin1(m_window->saveState().toBase64()));
     QStringList history;
     for (int i = 0; i < m_searchComboBox->count(); ++i)
@@ -322,6 +348,7 @@ void StandaloneBrowser::showBrowser()
     else
         m_window->show();
     if (m_closedSinceShown) {
+        m_rankingIndex.reset();
         internalRefreshRepository(false);
         m_closedSinceShown = false;
     }
@@ -348,6 +375,7 @@ void StandaloneBrowser::internalCloseBrowser()
     m_helperWindow = new QWidget(m_window, Qt::Window);
     m_window->hide();
     m_closedSinceShown = true;
+    emit browserClosed();
 }
 
 void StandaloneBrowser::internalDestroyOpenDialogs() { closeBlockDialogsOpenedByBrowser(); }
@@ -515,8 +543,6 @@ void StandaloneBrowser::internalSetTabLabel(BlocksPage* page, const std::string&
 
 void StandaloneBrowser::selectTabByIndex(int index) { m_tabContainer->setCurrentIndex(index); }
 
-void StandaloneBrowser::internalFocusSearchBox() { m_searchComboBox->setFocus(); }
-
 bool StandaloneBrowser::isProgressShown() const { return m_progressDialog->isVisible(); }
 
 bool StandaloneBrowser::eventFilter(QObject* watched, QEvent* event)
@@ -541,11 +567,23 @@ bool StandaloneBrowser::eventFilter(QObject* watched, QEvent* event)
                 cancelSearch();
             return true;
         }
-        if (watched == m_searchComboBox->lineEdit() && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
-            internalSearchForString(m_searchComboBox->currentText().toStdString());
-            return true;
-        }
+    } else if (event->type() == QEvent::StatusTip && watched == m_window) {
+        // A menu entry without a tip of its own leaves the window's text as it was.
+        const QString tip = static_cast<QStatusTipEvent*>(event)->tip();
+        m_window->statusBar()->showMessage(tip.isEmpty() ? QString::fromStdString(m_statusMessage) : tip);
+        return true;
+    } else if (event->type() == QEvent::MouseButtonRelease && watched == m_window) {
+        // The end of a drag of the separator beside the tree: the user's width.
+        if (m_treeDock->isVisible())
+            m_treeWidth = m_treeDock->width();
+    } else if (event->type() == QEvent::Resize && watched == m_window) {
+        QTimer::singleShot(0, this, [this] { internalRestoreTreeWidth(); });
+    } else if (event->type() == QEvent::Show && watched == m_treeDock && m_treeWidth == 0) {
+        QTimer::singleShot(0, this, [this] { m_treeWidth = m_treeDock->width(); });
     }
+    // Pointers only: the box may be in the middle of its destruction here.
+    if ((watched == m_searchComboBox || watched == m_searchEdit) && internalFilterSearchBoxEvent(event))
+        return true;
     return QObject::eventFilter(watched, event);
 }
 

@@ -1,19 +1,24 @@
 #pragma once
 
+#include "gui/BlockHistory.h"
 #include "gui/BrowserActionTable.h"
 #include "gui/BrowserPreferences.h"
+#include "gui/BrowserSettings.h"
 #include "gui/ResultsPageHost.h"
 #include "gui/SearchResults.h"
 #include "repository/Repository.h"
+#include "repository/search/RankingIndex.h"
 
 #include <QColor>
 #include <QFont>
 #include <QIcon>
 #include <QObject>
+#include <QPointer>
 #include <QRect>
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -24,6 +29,7 @@ class QDockWidget;
 class QFrame;
 class QGridLayout;
 class QLabel;
+class QLineEdit;
 class QListWidget;
 class QMainWindow;
 class QMenu;
@@ -39,6 +45,7 @@ namespace LibraryBrowser {
 class GuiSubsystem;
 class LibraryBlocksPage;
 class LibraryTreeView;
+class QuickInsertPopup;
 class ResultsBlocksPage;
 
 // The browser window: the library tree, the two pages of tiles, the block
@@ -73,6 +80,11 @@ public:
     Repository& repository() { return *m_repository; }
     bool isProgressShown() const;
     int progressShownCount() const { return m_progressShown; }
+
+    // What the preferences dialog shows; applying takes effect in the window
+    // at once and saves the preferences.
+    BrowserSettings getSettings() const;
+    void applySettings(const BrowserSettings& settings);
 
     // The window.
     void showBrowser();
@@ -159,6 +171,18 @@ public:
     std::string getSelectedBlockName() const;
     QRect getSelectedBlockPosition() const;
 
+    // The quick insert: a popup that puts the block chosen into the system.
+    // With a point of the screen (where the user typed on a model's canvas)
+    // the popup opens there and the block is dropped there; without one it
+    // opens over the browser and the block is added where the host puts
+    // added blocks. An empty system name means the system in front, or a new
+    // model when none is usable.
+    void openQuickInsert(const std::string& system, std::optional<QPoint> dropPoint, const QString& typed);
+    // The popup now open, or null.
+    QuickInsertPopup* quickInsertPopup() const;
+    BlockHistory& blockHistory() { return *m_history; }
+    BlockHistory* internalBlockHistory() override { return m_history.get(); }
+
     // What the pages ask of the window.
     QFont getGuiFont() const override { return m_guiFont; }
     QColor getColorPref(const char* key) const override;
@@ -183,6 +207,11 @@ public:
     void clearResultsNeedReload() override { m_searchResults.resultsNeedReload = false; }
     bool rememberUserHiddenSections() const override { return m_rememberUserHiddenSections; }
     bool isTitleElidedMiddle() const override { return m_titleElidedMiddle; }
+
+signals:
+    // The window was closed or hidden, by the user or by a call; the
+    // preferences are saved by then.
+    void browserClosed();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -217,6 +246,13 @@ private:
     void internalPlaceDescText();
     void internalSetDescription(const QString& html);
     void internalEnableBrowser(bool enable);
+    // The search box takes the focus with its text selected, so that typing
+    // replaces it.
+    void internalFocusSearchBoxSelected();
+    // The tree pane back at the width the user gave it, as far as the
+    // window leaves room: a window made small squeezes it only for a while.
+    void internalRestoreTreeWidth();
+    bool internalFilterSearchBoxEvent(QEvent* event);
     void handleAboutToShowEditMenu();
     void handleOnHideEditMenu();
     void handleAboutToShowViewMenu();
@@ -264,8 +300,17 @@ private:
     GuiBlock* internalGetCurrentBlockSelection() const;
     void internalClearContextMenu();
 
+    void internalOpenQuickInsertForSystemInFront();
+    void internalQuickInsertBlock(const TandrilObject& block, const std::string& system,
+                                  std::optional<QPoint> dropPoint, int insertedBefore);
+    // Built at the first quick insert and kept until the repository changes.
+    RankingIndexPtr internalRankingIndex();
+
     RepositoryPtr m_repository;
     std::unique_ptr<BrowserPreferences> m_prefs;
+    std::unique_ptr<BlockHistory> m_history;
+    RankingIndexPtr m_rankingIndex;
+    QPointer<QuickInsertPopup> m_quickInsert;
 
     // Tree nodes: UID to the tile that stands for the node, and back by path.
     std::unordered_map<int, std::shared_ptr<GuiSubsystem>> m_treeNodes;
@@ -283,6 +328,9 @@ private:
     int m_treeSelectionTimeout = 111;
     int m_currentTabIndex = -1;
     int m_progressShown = 0;
+    // The tree pane's width as the user last dragged it (or as it was
+    // restored); 0 until known.
+    int m_treeWidth = 0;
     QFont m_guiFont;
     LayoutType m_layoutType = LayoutType::List;
     IconSize m_iconSize = IconSize::Small;
@@ -303,6 +351,7 @@ private:
     bool m_useRegExp = false;
     bool m_matchWholeWord = false;
     bool m_matchCase = false;
+    bool m_searchDescriptions = false;
     bool m_rememberUserHiddenSections = true;
     bool m_titleElidedMiddle = true;
     bool m_descTextBelow = false;
@@ -325,6 +374,8 @@ private:
     QTimer* m_selectionTimer = nullptr;
     QListWidget* m_searchListBox = nullptr;
     QComboBox* m_searchComboBox = nullptr;
+    // The box's line edit, known before the box goes.
+    QLineEdit* m_searchEdit = nullptr;
     QToolButton* m_searchOptionsButton = nullptr;
     QProgressDialog* m_progressDialog = nullptr;
     QMenu* m_contextMenu = nullptr;

@@ -124,6 +124,22 @@ void StandaloneBrowser::internalCreateMenus()
     connect(menus[BrowserMenu::View], &QMenu::aboutToShow, this, [this] { handleAboutToShowViewMenu(); });
     connect(menus[BrowserMenu::Help], &QMenu::aboutToShow, this, [this] { handleAboutToShowHelpMenu(); });
 
+    // Below the three options of the search: names and descriptions alike.
+    auto* descriptions = new QAction(QStringLiteral("Search descriptions too"), m_window);
+    descriptions->setObjectName(QStringLiteral("searchDescriptionsAction"));
+    descriptions->setCheckable(true);
+    descriptions->setChecked(m_searchDescriptions);
+    connect(descriptions, &QAction::toggled, this, [this](bool checked) { m_searchDescriptions = checked; });
+    menus[BrowserMenu::SearchOptions]->addAction(descriptions);
+
+    // After the Edit menu's own entries: the quick insert for the system in front.
+    auto* quickInsert = new QAction(QStringLiteral("&Quick Insert..."), m_window);
+    quickInsert->setObjectName(QStringLiteral("quickInsertAction"));
+    quickInsert->setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+I")));
+    connect(quickInsert, &QAction::triggered, this, [this] { internalOpenQuickInsertForSystemInFront(); });
+    m_editMenu->addSeparator();
+    m_editMenu->addAction(quickInsert);
+
     m_searchOptionsButton = new QToolButton(m_window);
     m_searchOptionsButton->setMenu(menus[BrowserMenu::SearchOptions]);
 }
@@ -161,7 +177,12 @@ void StandaloneBrowser::internalCreateToolBar()
     m_searchComboBox->addItems(m_prefs->getStringList(PrefKey::LBSearchHistory).mid(0, SEARCH_HISTORY_LIMIT));
     m_searchComboBox->setCurrentIndex(-1);
     m_searchComboBox->setEditText(QString::fromStdString(m_searchPrompt));
-    m_searchComboBox->lineEdit()->installEventFilter(this);
+    // The history is offered in the drop-down only: completing what is
+    // typed would search another text than the user's ("del" for "delay").
+    m_searchComboBox->setCompleter(nullptr);
+    m_searchEdit = m_searchComboBox->lineEdit();
+    m_searchComboBox->installEventFilter(this);
+    m_searchEdit->installEventFilter(this);
 
     auto* searchButton = new QToolButton(m_window);
     searchButton->setObjectName(QStringLiteral("LBSearchButton"));
@@ -205,7 +226,10 @@ void StandaloneBrowser::onAction(BrowserAction id, bool checked)
     case BrowserAction::IncreaseFont: internalIncFontSize(); break;
     case BrowserAction::DecreaseFont: internalDecFontSize(); break;
     case BrowserAction::BlockParameters: showSelectedBlockParams(); break;
-    case BrowserAction::Refresh: internalRefreshRepository(true); break;
+    case BrowserAction::Refresh:
+        m_rankingIndex.reset();
+        internalRefreshRepository(true);
+        break;
     case BrowserAction::BlockHelp: showSelectedBlockHelp(); break;
     case BrowserAction::LibraryBrowserHelp: showLibBrowseHelp(); break;
     case BrowserAction::TandrilHelp: showTandrilHelp(); break;
@@ -221,7 +245,7 @@ void StandaloneBrowser::handleAboutToShowEditMenu()
     std::string text = m_searchComboBox->currentText().toStdString();
     if (validateSearchString(text) && text != m_searchPrompt) {
         find->setText(QString::fromStdString(
-            xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiEditMenuFindString, "'" + text + "'")));
+            xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiEditMenuFindString, "'" + escapeAmpersands(text) + "'")));
     } else {
         find->setText(xlated(MessageId::TDLB_GuiEditMenuFindNoString));
         find->setEnabled(false);

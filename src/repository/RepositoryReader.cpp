@@ -2,6 +2,7 @@
 
 #include "repository/ReaderCache.h"
 #include "repository/TandrilObjectDepthFirstIterator.h"
+#include "repository/search/EitherCriteria.h"
 #include "repository/search/ExactBlockTypeCriteria.h"
 #include "repository/search/IsTopLevelCriteria.h"
 #include "repository/search/MatchStringCriteria.h"
@@ -83,6 +84,21 @@ TandrilObjectIterator RepositoryReader::findBlocks(const std::string& pattern, c
     return TandrilObjectSearchIterator::filter(
         getDepthFirstIterator(object), std::make_unique<MatchStringCriteria>(pattern, regExp, wholeWord, matchCase,
                                                                              MatchStringCriteria::displayName()));
+}
+
+TandrilObjectIterator RepositoryReader::findBlocksByNameOrDescription(const std::string& pattern,
+                                                                    const TandrilObject& object,
+                                                                    SearchOptions::RegExp regExp,
+                                                                    SearchOptions::WholeWord wholeWord,
+                                                                    SearchOptions::MatchCase matchCase)
+{
+    static const StringId description("description");
+    return TandrilObjectSearchIterator::filter(
+        getDepthFirstIterator(object),
+        std::make_unique<EitherCriteria>(
+            std::make_unique<MatchStringCriteria>(pattern, regExp, wholeWord, matchCase,
+                                                  MatchStringCriteria::displayName()),
+            std::make_unique<MatchStringCriteria>(pattern, regExp, wholeWord, matchCase, description)));
 }
 
 std::shared_ptr<RepositoryReader> RepositoryReader::open(const std::string& directory)

@@ -68,6 +68,13 @@ public:
                                      SearchOptions::RegExp regExp, SearchOptions::WholeWord wholeWord,
                                      SearchOptions::MatchCase matchCase);
 
+    // As findBlocks below an object, and also every object whose description
+    // has a match of the pattern: the window's "Search descriptions too".
+    TandrilObjectIterator findBlocksByNameOrDescription(const std::string& pattern, const TandrilObject& object,
+                                                        SearchOptions::RegExp regExp,
+                                                        SearchOptions::WholeWord wholeWord,
+                                                        SearchOptions::MatchCase matchCase);
+
     // A pre-order walk of everything below the products, or below one
     // object; the starting object itself is not returned. Library references
     // are walked through to their targets, and cycles are cut.

@@ -1,14 +1,20 @@
 // The embedded host's windows: the targets of the browser's block actions.
 // Commands go to the host as the browser sends them; what is checked is what
-// a user would see in the model windows and dialogs.
+// a user would see in the model windows, dialogs and help, and what a saved
+// file holds. The person's answers to file and unsaved-changes prompts come
+// from the test.
 
 #include "PageTestSupport.h"
 
 #include "ModelWindows.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -20,7 +26,22 @@ const char* const sum = "arithmetica/Basic Operations/Sum";
 
 class ModelWindowsTest : public ::testing::Test {
 protected:
-    void SetUp() override { session.host().showWindows(); }
+    void SetUp() override
+    {
+        session.host().showWindows();
+        Host::ModelWindowPrompts prompts;
+        prompts.saveFileName = [this](QWidget*, const QString& suggested) {
+            suggestedFiles.append(suggested);
+            return saveAnswer;
+        };
+        prompts.openFileName = [this](QWidget*) { return openAnswer; };
+        prompts.unsavedChanges = [this](QWidget*, const QString& name) {
+            askedAboutUnsaved.append(name);
+            return unsavedAnswer;
+        };
+        prompts.failure = [this](QWidget*, const QString&, const QString& message) { failures.append(message); };
+        windows().setPrompts(prompts);
+    }
 
     HostInterpreter::CallResult call(const std::string& command, std::vector<HostValue> inputs, int outputs = 0)
     {
@@ -32,7 +53,17 @@ protected:
         EXPECT_TRUE(result.ok);
         return result.outputs.empty() ? "" : result.outputs.front().toString();
     }
-    Host::ModelWindow* window(const std::string& name) { return session.host().modelWindows()->window(name); }
+    Host::ModelWindows& windows() { return *session.host().modelWindows(); }
+    Host::ModelWindow* window(const std::string& name) { return windows().window(name); }
+    const Host::OpenSystem* system(const std::string& name) { return session.host().systems().find(name); }
+    // Drops the block where the model point of the window lies on the screen.
+    void dropAt(const std::string& block, const std::string& model, QPoint modelPoint)
+    {
+        const QPoint screen = window(model)->viewport()->mapToGlobal(modelPoint);
+        ASSERT_TRUE(call("private_td_drop_block", {HostValue::string(block), HostValue::string(model),
+                                                   HostValue::doubleMatrix(1, 2, {double(screen.x()), double(screen.y())})})
+                        .ok);
+    }
     std::vector<QDialog*> dialogs() const
     {
         std::vector<QDialog*> shown;
@@ -50,6 +81,13 @@ protected:
     }
 
     ExampleRootSession session;
+    QTemporaryDir directory;
+    QString saveAnswer;
+    QString openAnswer;
+    QStringList suggestedFiles;
+    QStringList askedAboutUnsaved;
+    QStringList failures;
+    Host::ModelWindowPrompts::Unsaved unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Cancel;
 };
 
 TEST_F(ModelWindowsTest, ANewModelOpensAWindowThatShowsAddedBlocksAndUnsavedChanges)
@@ -78,7 +116,7 @@ TEST_F(ModelWindowsTest, TheCurrentSystemIsTheOneWhoseWindowWasActivatedLast)
     EXPECT_EQ(current(), first);
 
     // A library opened from the path is shown locked, and a drop onto it fails
-    // without changing it.
+    // without changing it; it has nothing to save.
     EXPECT_TRUE(call("open_system", {HostValue::string("arithmetica")}).ok);
     const auto answer = call("private_td_get_current_open_mdl", {}, 3);
     EXPECT_EQ(answer.outputs[0].toString(), "arithmetica");
@@ -88,25 +126,182 @@ TEST_F(ModelWindowsTest, TheCurrentSystemIsTheOneWhoseWindowWasActivatedLast)
     EXPECT_FALSE(call("private_td_add_block", {HostValue::string(gain), HostValue::string("arithmetica")}).ok);
     EXPECT_EQ(window("arithmetica")->blockNames(), before);
     EXPECT_TRUE(window("arithmetica")->windowTitle().contains("locked"));
+    EXPECT_FALSE(window("arithmetica")->fileAction(Host::ModelWindow::FileCommand::Save)->isEnabled());
 }
 
-TEST_F(ModelWindowsTest, BlockDialogsShowDescriptionAndParametersAndCloseTogether)
+TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereTheyWereDropped)
+{
+    const std::string model = newModel();
+    dropAt(gain, model, {150, 90});
+    dropAt(sum, model, {40, 210});
+    ASSERT_EQ(system(model)->document.blocks.size(), 2u);
+    EXPECT_DOUBLE_EQ(system(model)->document.blocks[0].position.left, 150);
+    EXPECT_DOUBLE_EQ(system(model)->document.blocks[0].position.top, 90);
+
+    // Ctrl+S on an untitled model asks for a file; the model takes its name.
+    saveAnswer = directory.filePath("pendulum");
+    window(model)->fileAction(Host::ModelWindow::FileCommand::Save)->trigger();
+    ASSERT_EQ(suggestedFiles.size(), 1);
+    EXPECT_TRUE(suggestedFiles.front().endsWith(QString::fromStdString(model) + ".tdlib.json"));
+    const QString file = directory.filePath("pendulum.tdlib.json");
+    ASSERT_TRUE(QFileInfo::exists(file)) << failures.join("; ").toStdString();
+    ASSERT_NE(window("pendulum"), nullptr);
+    EXPECT_EQ(window(model), nullptr);
+    EXPECT_EQ(window("pendulum")->windowTitle(), "pendulum");
+    EXPECT_EQ(call("private_td_get_current_open_mdl", {}, 1).outputs.front().toString(), "pendulum");
+    // A second save goes to the same file without asking.
+    dropAt(gain, "pendulum", {300, 40});
+    window("pendulum")->fileAction(Host::ModelWindow::FileCommand::Save)->trigger();
+    EXPECT_EQ(suggestedFiles.size(), 1);
+    const std::vector<Host::BlockRecord> saved = system("pendulum")->document.blocks;
+    window("pendulum")->close();
+    QApplication::processEvents();
+    EXPECT_TRUE(askedAboutUnsaved.isEmpty()) << "nothing was left unsaved";
+    EXPECT_FALSE(session.host().systems().isLoaded("pendulum"));
+
+    // File > Open in the browser.
+    openAnswer = file;
+    ASSERT_TRUE(call("uiopen", {HostValue::string("*.mdl")}).ok);
+    Host::ModelWindow* reopened = window("pendulum");
+    ASSERT_NE(reopened, nullptr);
+    EXPECT_TRUE(reopened->isVisible());
+    EXPECT_EQ(reopened->blockNames(), (QStringList{"Gain", "Sum", "Gain1"}));
+    const std::vector<Host::BlockRecord>& read = system("pendulum")->document.blocks;
+    ASSERT_EQ(read.size(), saved.size());
+    for (std::size_t i = 0; i < read.size(); ++i) {
+        EXPECT_EQ(read[i].name, saved[i].name);
+        EXPECT_DOUBLE_EQ(read[i].position.left, saved[i].position.left);
+        EXPECT_DOUBLE_EQ(read[i].position.top, saved[i].position.top);
+        EXPECT_EQ(read[i].parameters, saved[i].parameters);
+    }
+    EXPECT_DOUBLE_EQ(read[1].position.left, 40);
+    EXPECT_DOUBLE_EQ(read[1].position.top, 210);
+
+    // A file that is no model is refused with its reason, and opens nothing.
+    const QString broken = directory.filePath("broken.tdlib.json");
+    QFile out(broken);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    out.write("{\"format\": \"tandril-library\"");
+    out.close();
+    openAnswer = broken;
+    EXPECT_FALSE(call("uiopen", {HostValue::string("*.mdl")}).ok);
+    ASSERT_EQ(failures.size(), 1);
+    EXPECT_TRUE(failures.front().contains("broken.tdlib.json")) << failures.front().toStdString();
+    // Saving under the name of a library on the path would hide it.
+    saveAnswer = directory.filePath("arithmetica.tdlib.json");
+    window("pendulum")->fileAction(Host::ModelWindow::FileCommand::SaveAs)->trigger();
+    EXPECT_NE(window("pendulum"), nullptr);
+    EXPECT_FALSE(QFileInfo::exists(saveAnswer));
+    EXPECT_EQ(failures.size(), 2);
+}
+
+TEST_F(ModelWindowsTest, UnsavedChangesAskBeforeTheWindowCloses)
+{
+    const std::string model = newModel();
+    dropAt(gain, model, {60, 60});
+
+    unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Cancel;
+    EXPECT_FALSE(window(model)->close());
+    QApplication::processEvents();
+    EXPECT_EQ(askedAboutUnsaved, QStringList{QString::fromStdString(model)});
+    ASSERT_NE(window(model), nullptr);
+    EXPECT_TRUE(window(model)->isVisible());
+    EXPECT_TRUE(session.host().systems().isLoaded(model));
+
+    // Save, but the person cancels the file dialog: the window stays.
+    unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Save;
+    saveAnswer.clear();
+    EXPECT_FALSE(window(model)->close());
+    QApplication::processEvents();
+    ASSERT_NE(window(model), nullptr);
+
+    // Save, and the file can't be written: the window stays, with its name
+    // and its changes, and the person is told why.
+    saveAnswer = "/proc/no-such-directory/lost.tdlib.json";
+    EXPECT_FALSE(window(model)->close());
+    QApplication::processEvents();
+    ASSERT_NE(window(model), nullptr) << failures.join(" | ").toStdString();
+    EXPECT_EQ(window(model)->windowTitle().toStdString(), model + " *");
+    EXPECT_TRUE(session.host().systems().isLoaded(model));
+    EXPECT_FALSE(session.host().systems().isLoaded("lost"));
+    ASSERT_EQ(failures.size(), 1);
+    EXPECT_TRUE(failures.front().contains("lost.tdlib.json")) << failures.front().toStdString();
+
+    // Save to a file: saved, then closed.
+    saveAnswer = directory.filePath("kept.tdlib.json");
+    EXPECT_TRUE(window(model)->close());
+    QApplication::processEvents();
+    EXPECT_TRUE(QFileInfo::exists(saveAnswer));
+    EXPECT_FALSE(session.host().systems().isLoaded("kept"));
+    EXPECT_EQ(window("kept"), nullptr);
+
+    // Discard: closed, nothing written.
+    const std::string other = newModel();
+    dropAt(sum, other, {20, 20});
+    unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Discard;
+    EXPECT_TRUE(window(other)->close());
+    QApplication::processEvents();
+    EXPECT_FALSE(session.host().systems().isLoaded(other));
+    EXPECT_EQ(askedAboutUnsaved.size(), 5);
+}
+
+TEST_F(ModelWindowsTest, BlockDialogsShowNamePathDescriptionPortsAndParametersAndCloseTogether)
 {
     EXPECT_TRUE(call("private_td_open_block_dialog", {HostValue::string(gain), HostValue::string("params")}).ok);
-    EXPECT_TRUE(call("private_td_show_block_help", {HostValue::string(sum)}).ok);
-    EXPECT_FALSE(call("private_td_show_block_help", {HostValue::string("arithmetica/No Such Block")}).ok);
+    EXPECT_TRUE(call("private_td_open_block_dialog", {HostValue::string(sum), HostValue::string("default")}).ok);
+    EXPECT_FALSE(call("private_td_open_block_dialog", {HostValue::string("arithmetica/Nothing"),
+                                                       HostValue::string("default")})
+                     .ok);
     const std::vector<QDialog*> shown = dialogs();
     ASSERT_EQ(shown.size(), 2u);
-    QStringList all;
-    for (QDialog* dialog : shown)
-        all += labelsOf(dialog);
-    EXPECT_TRUE(all.contains("Element-wise (K.*u)"));
-    EXPECT_TRUE(all.contains("<b>Gain</b>"));
-    EXPECT_TRUE(all.contains("<b>Sum</b>"));
+    QDialog* gainDialog = shown[0]->windowTitle().contains("Gain") ? shown[0] : shown[1];
+    QDialog* sumDialog = gainDialog == shown[0] ? shown[1] : shown[0];
+    EXPECT_EQ(gainDialog->windowTitle(), "Block Parameters: Gain");
+    const QStringList gainLabels = labelsOf(gainDialog);
+    for (const char* expected : {"<b>Gain</b>", gain, "1 input, 1 output", "Element-wise (K.*u)"})
+        EXPECT_TRUE(gainLabels.contains(expected)) << expected << " in " << gainLabels.join(" | ").toStdString();
+    EXPECT_TRUE(gainLabels.filter("Multiplies its input by a constant").size() == 1);
+    const QStringList sumLabels = labelsOf(sumDialog);
+    for (const char* expected : {"<b>Sum</b>", sum, "2 inputs, 1 output"})
+        EXPECT_TRUE(sumLabels.contains(expected)) << expected << " in " << sumLabels.join(" | ").toStdString();
+    EXPECT_TRUE(sumLabels.filter("Adds or subtracts its inputs").size() == 1);
 
     EXPECT_TRUE(call("private_td_close_block_dialogs", {}).ok);
     QApplication::processEvents();
     EXPECT_TRUE(dialogs().empty());
+}
+
+TEST_F(ModelWindowsTest, HelpShowsTheBlocksDescriptionAndTheBrowsersOwnHelp)
+{
+    EXPECT_TRUE(call("private_td_show_block_help", {HostValue::string(gain)}).ok);
+    Host::HelpWindow* help = windows().helpWindow();
+    ASSERT_NE(help, nullptr);
+    EXPECT_TRUE(help->isVisible());
+    EXPECT_EQ(help->windowTitle(), "Help: Gain");
+    EXPECT_TRUE(help->plainText().contains("Multiplies its input by a constant.")) << help->plainText().toStdString();
+    EXPECT_TRUE(help->plainText().contains(gain));
+    EXPECT_FALSE(call("private_td_show_block_help", {HostValue::string("arithmetica/No Such Block")}).ok);
+    EXPECT_EQ(help->windowTitle(), "Help: Gain");
+
+    // Help, Library Browser Help: the README's first five minutes, nothing
+    // after them and no picture links.
+    const std::string docroot = call("docroot", {}, 1).outputs.front().toString();
+    ASSERT_TRUE(call("helpview", {HostValue::string(docroot + "/toolbox/tandril/helptargets.map"),
+                                  HostValue::string("librarybrowsergui")})
+                    .ok);
+    EXPECT_EQ(help->windowTitle(), "Library Browser Help");
+    const QString browserHelp = help->plainText();
+    EXPECT_TRUE(browserHelp.contains("The first five minutes")) << browserHelp.toStdString();
+    EXPECT_TRUE(browserHelp.contains("Pick a block")) << browserHelp.toStdString();
+    EXPECT_FALSE(browserHelp.contains("The command line"));
+    EXPECT_FALSE(browserHelp.contains("screenshots/"));
+    ASSERT_TRUE(call("tdhelp", {}).ok);
+    EXPECT_EQ(help->windowTitle(), "Tandril Help");
+    EXPECT_TRUE(help->plainText().contains("block library browser")) << help->plainText().toStdString();
+    EXPECT_FALSE(help->plainText().contains("Quick start"));
+
+    EXPECT_TRUE(call("private_td_close_block_dialogs", {}).ok);
+    EXPECT_FALSE(help->isVisible());
 }
 
 } // namespace

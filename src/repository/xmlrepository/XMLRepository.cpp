@@ -8,8 +8,10 @@
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 #include "repository/xmlrepository/StoreDamage.h"
+#include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/StoredDataCheck.h"
 #include "repository/xmlrepository/TempDirectoryOwners.h"
+#include "repository/xmlrepository/XMLRepositoryReaderCache.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -17,6 +19,7 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+#include <cstdio>
 #include <set>
 #include <unordered_map>
 
@@ -42,6 +45,13 @@ std::string blocksDirectory(RepositoryReport& report, const std::string& store, 
     if (create && !QDir().mkpath(qs(directory)))
         report.logError("Unable to create top level manifest directory " + directory);
     return directory;
+}
+
+// Whether the writable store can take what the writer makes.
+bool isWritableDirectory(const std::string& directory)
+{
+    const QFileInfo info(qs(directory));
+    return info.isDir() && info.isWritable();
 }
 
 } // namespace
@@ -70,6 +80,19 @@ XMLRepository::XMLRepository(const std::string& writableDirectory, const std::st
 void XMLRepository::buildParts()
 {
     m_report->logToConsoleInteractively(false);
+    m_readOnly = !isWritableDirectory(m_writableDirectory);
+    if (m_readOnly) {
+        const std::string message = "The preferences directory " + m_writableDirectory
+                                    + " can't be written: the repository is read as shipped, and nothing can be "
+                                      "written or updated.";
+        m_report->logWarning(ReadOnlyWarningId, message);
+        // Once per process and store, however many repositories are opened on it.
+        static std::set<std::string> told;
+        if (told.insert(m_writableDirectory).second) {
+            std::fprintf(stderr, "%s\n", message.c_str());
+            std::fflush(stderr);
+        }
+    }
     // What killed processes left in the temporary directory goes at the
     // first opening of a repository in this process.
     TempDirectoryOwners::removeLeftOversOnce(*m_report);
@@ -137,8 +160,20 @@ BlockIconPtr XMLRepository::getIcon(const TandrilObject& object)
     return m_cache->getIcon(object);
 }
 
+bool XMLRepository::refuseWriting()
+{
+    if (m_readOnly)
+        m_report->logError("Nothing can be written: the preferences directory " + m_writableDirectory
+                           + " can't be written");
+    return m_readOnly;
+}
+
 void XMLRepository::generateRepository(GenerationMode mode)
 {
+    if (refuseWriting())
+        return;
+    const StoreLock lock(*m_report, m_writableDirectory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
     if (mode == GenerationMode::Regenerate) {
         m_writer->generateRepository(mode);
     } else {
@@ -150,14 +185,21 @@ void XMLRepository::generateRepository(GenerationMode mode)
 
 void XMLRepository::generateProduct(const Library& product, GenerationMode mode)
 {
-    if (m_shippedReader->isProductUpToDate(product, mode == GenerationMode::IgnoreTimestamp))
+    if (m_shippedReader->isProductUpToDate(product, mode == GenerationMode::IgnoreTimestamp) || refuseWriting())
         return;
+    const StoreLock lock(*m_report, m_writableDirectory);
     m_writer->generateProduct(product, mode);
     forgetTopLevelManifests();
 }
 
 void XMLRepository::updateProducts()
 {
+    // Nothing to bring in step where nothing can be written: the stores are
+    // read as they are.
+    if (m_readOnly)
+        return;
+    const StoreLock lock(*m_report, m_writableDirectory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
     syncTopLevelManifest();
     m_writer->updateProducts();
     forgetTopLevelManifests();
@@ -165,6 +207,9 @@ void XMLRepository::updateProducts()
 
 void XMLRepository::destroyRepository()
 {
+    if (refuseWriting())
+        return;
+    const StoreLock lock(*m_report, m_writableDirectory);
     const std::string token = getTopLevelTokenFile(*m_report, m_writableDirectory, false);
     if (QFile::exists(qs(token)))
         QFile::remove(qs(token));
@@ -174,6 +219,8 @@ void XMLRepository::destroyRepository()
 
 void XMLRepository::destroyProduct(const Library& product)
 {
+    if (refuseWriting())
+        return;
     m_writer->destroyProduct(product);
     forgetTopLevelManifests();
 }
@@ -291,11 +338,19 @@ XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product
 {
     if (m_writableReader->isProductUpToDate(product))
         return m_writableReader;
+    if (m_readOnly)
+        return m_writableReader->isProductUpToDate(product) ? m_writableReader : m_shippedReader;
     noteMissingArchives(product);
     // Damage of the writable store is repaired even where the shipped store
     // could serve the product meanwhile.
     const bool writableDamaged = !StoreDamage::noted(m_writableDirectory, product.id().str()).empty();
     if (writableDamaged || !m_shippedReader->isProductUpToDate(product)) {
+        // Another process may be generating the product this moment: once
+        // its lock is had, the store is asked again.
+        const StoreLock lock(*m_report, m_writableDirectory);
+        XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
+        if (m_writableReader->isProductUpToDate(product))
+            return m_writableReader;
         copyProductArchives(*m_report, *m_writableReader, *m_shippedReader, product);
         const std::string displayName = product.getDisplayName();
         const auto* node = dynamic_cast<const BlockImpl*>(product.getImpl());
@@ -398,6 +453,14 @@ std::vector<TandrilObject> XMLRepository::getMergedProducts()
         shipped[library->getUniquePath().str()] = library;
 
     std::vector<TandrilObject> merged;
+    // A writable store without a product list (read-only preferences, or
+    // another process destroying it this moment) has nothing to add: the
+    // shipped products are what there is.
+    if (!m_writableReader->topLevelManifest()) {
+        for (LibraryImpl* library : productNodes(*m_shippedReader))
+            merged.push_back(boundHandle(library));
+        return merged;
+    }
     for (LibraryImpl* writable : productNodes(*m_writableReader)) {
         const auto found = shipped.find(writable->getUniquePath().str());
         // A difference means the shipped product changed after the writable

@@ -7,8 +7,10 @@
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 #include "repository/xmlrepository/StoreDamage.h"
+#include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/StoredDataCheck.h"
 #include "repository/xmlrepository/XMLRepository.h"
+#include "repository/xmlrepository/XMLRepositoryReaderCache.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -66,6 +68,8 @@ XMLRepositoryWriter::~XMLRepositoryWriter() = default;
 
 void XMLRepositoryWriter::generateRepository(GenerationMode mode)
 {
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(int(mode), std::string());
     if (!m_reader->topLevelManifest()) {
         m_report->logError("Unable to load top level manifest");
@@ -91,6 +95,8 @@ void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode
     }
     const auto* block = dynamic_cast<const BlockImpl*>(product.getImpl());
     const std::string path = block ? block->getPath() : std::string();
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(int(mode), path);
     ModelPtr topLevel;
     LibraryImpl* stored = storedProduct(path, topLevel);
@@ -104,12 +110,16 @@ void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode
 
 void XMLRepositoryWriter::updateProducts()
 {
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(0, std::string());
     m_context.removeTempDirectory();
 }
 
 void XMLRepositoryWriter::destroyRepository()
 {
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(0, std::string());
     if (const ModelPtr topLevel = m_reader->topLevelManifest()) {
         for (TandrilObjectImpl* node : topLevel->getNodes()) {
@@ -133,6 +143,8 @@ void XMLRepositoryWriter::destroyProduct(const Library& product)
 
 void XMLRepositoryWriter::destroyProduct(const std::string& name)
 {
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     const ModelPtr topLevel = m_reader->topLevelManifest();
     const TandrilObject object = m_reader->getTandrilObject(name);
     auto* product = dynamic_cast<LibraryImpl*>(object.getImpl());

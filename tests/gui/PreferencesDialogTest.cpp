@@ -1,0 +1,95 @@
+// The browser's preferences dialog: what a person sets there reaches the
+// open window at once and the preferences file, and a restart keeps it.
+
+#include "BrowserWindowFixture.h"
+
+#include "gui/BrowserPreferences.h"
+#include "gui/LibraryBlocksPage.h"
+#include "gui/PreferencesDialog.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QSpinBox>
+
+#include <cstdlib>
+
+namespace LibraryBrowser::Testing {
+namespace {
+
+using PreferencesDialogTest = BrowserWindowFixture;
+
+template <typename Widget>
+Widget* field(PreferencesDialog& dialog, const char* name)
+{
+    auto* widget = dialog.findChild<Widget*>(name);
+    EXPECT_NE(widget, nullptr) << name;
+    return widget;
+}
+
+void press(PreferencesDialog& dialog, QDialogButtonBox::StandardButton which)
+{
+    dialog.findChild<QDialogButtonBox*>()->button(which)->click();
+}
+
+TEST_F(PreferencesDialogTest, AppliedValuesChangeTheOpenWindowAndAreSaved)
+{
+    StandaloneBrowser& window = open();
+    window.setLayout(LayoutType::Grid);
+    window.setIconSize(IconSize::Small);
+    settle();
+    PreferencesDialog& dialog = *PreferencesDialog::open(window);
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(field<QComboBox>(dialog, "layout")->currentText(), "Grid");
+    EXPECT_EQ(field<QSpinBox>(dialog, "fontSize")->value(), int(window.getFontPointSize()));
+
+    const QColor sand(230, 215, 170);
+    field<QSpinBox>(dialog, "fontSize")->setValue(14);
+    field<QComboBox>(dialog, "layout")->setCurrentText("List");
+    field<QComboBox>(dialog, "iconSize")->setCurrentText("Large");
+    field<QSpinBox>(dialog, "treeSelectionTimeout")->setValue(400);
+    dialog.chooseColor(PrefKey::LBColorLibraryBlocksBackgroundTop, sand);
+    EXPECT_EQ(window.getLayoutType(), LayoutType::Grid) << "nothing changes before Apply";
+    press(dialog, QDialogButtonBox::Apply);
+    settle();
+
+    EXPECT_DOUBLE_EQ(window.getFontPointSize(), 14);
+    EXPECT_EQ(window.window()->font().pointSize(), 14);
+    EXPECT_EQ(window.getLayoutType(), LayoutType::List);
+    EXPECT_EQ(window.getIconSize(), IconSize::Large);
+    EXPECT_EQ(window.libraryPage()->getBackgroundColor(), sand);
+    // The page is painted in the new colour at its top.
+    const QColor painted = window.libraryPage()->getMainPanel()->grab().toImage().pixelColor(1, 1);
+    EXPECT_LE(std::abs(painted.red() - sand.red()) + std::abs(painted.green() - sand.green()) +
+                  std::abs(painted.blue() - sand.blue()),
+              6)
+        << painted.name().toStdString();
+    {
+        BrowserPreferences stored(preferencesFile());
+        EXPECT_EQ(stored.getInt(PrefKey::LBFontSize), 14);
+        EXPECT_EQ(stored.getString(PrefKey::LBLayout), "List");
+        EXPECT_EQ(stored.getString(PrefKey::LBIconSize), "Large");
+        EXPECT_EQ(stored.getInt(PrefKey::LBTreeSelectionTimeout), 400);
+        EXPECT_EQ(stored.getColor(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb(), sand.rgb());
+    }
+
+    // Restore Defaults fills the fields only; Cancel leaves the window as it is.
+    press(dialog, QDialogButtonBox::RestoreDefaults);
+    EXPECT_EQ(field<QComboBox>(dialog, "layout")->currentText(), "Grid");
+    EXPECT_EQ(field<QSpinBox>(dialog, "treeSelectionTimeout")->value(), 111);
+    press(dialog, QDialogButtonBox::Cancel);
+    settle();
+    EXPECT_EQ(window.getLayoutType(), LayoutType::List);
+
+    // A restart opens with what was applied.
+    closeWindow();
+    StandaloneBrowser& again = open();
+    EXPECT_DOUBLE_EQ(again.getFontPointSize(), 14);
+    EXPECT_EQ(again.getIconSize(), IconSize::Large);
+    EXPECT_EQ(again.getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb(), sand.rgb());
+    EXPECT_EQ(again.getSettings().treeSelectionTimeout, 400);
+}
+
+} // namespace
+} // namespace LibraryBrowser::Testing

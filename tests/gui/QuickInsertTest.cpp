@@ -1,0 +1,252 @@
+// The quick insert: typing on a model's drawing, the popup's keys, the
+// favourites and the recently used blocks it starts with.
+
+#include "BlockActionsFixture.h"
+
+#include "ModelWindows.h"
+#include "gui/BlockHistory.h"
+#include "gui/BrowserPreferences.h"
+#include "gui/GuiBlock.h"
+#include "gui/QuickInsertPopup.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QGraphicsView>
+#include <QLineEdit>
+#include <QScreen>
+#include <QSettings>
+#include <QTest>
+
+namespace LibraryBrowser::Testing {
+namespace {
+
+const std::string pid = "Kinetics/Continuous/PID Controller";
+
+class QuickInsertTest : public BlockActionsFixture {
+protected:
+    void SetUp() override
+    {
+        BlockActionsFixture::SetUp();
+        openOn("Kinetics");
+        session().host().modelWindows()->setTypingHandler(
+            [this](const std::string& system, const QPoint& global, const QString& text) {
+                browser().openQuickInsert(system, global, text);
+            });
+    }
+    void TearDown() override
+    {
+        session().host().modelWindows()->setTypingHandler(nullptr);
+        BlockActionsFixture::TearDown();
+    }
+
+    QuickInsertPopup* popup()
+    {
+        QuickInsertPopup* shown = browser().quickInsertPopup();
+        return shown && shown->isVisible() ? shown : nullptr;
+    }
+    QStringList rows()
+    {
+        QStringList paths;
+        if (QuickInsertPopup* shown = popup())
+            for (const RankedBlock& row : shown->rows().rows())
+                paths.append(QString::fromStdString(row.block.getDisplayPath()));
+        return paths;
+    }
+    void keys(const QString& text)
+    {
+        QTest::keyClicks(popup()->queryEdit(), text);
+        settle();
+    }
+    void key(Qt::Key which, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(popup()->queryEdit(), which, modifiers);
+        settle();
+    }
+    static QStringList stored(const char* key)
+    {
+        QSettings file(preferencesFile(), QSettings::IniFormat);
+        return file.value(QString(BrowserPreferences::Group) + "/" + key).toStringList();
+    }
+    const Host::BlockRecord* block(const std::string& system, const QString& name)
+    {
+        if (const Host::OpenSystem* open = session().host().systems().find(system))
+            for (const Host::BlockRecord& record : open->document.blocks)
+                if (QString::fromStdString(record.name) == name)
+                    return &record;
+        return nullptr;
+    }
+};
+
+// The whole road: a letter typed on the drawing opens the popup where the
+// mouse is, the rest of the word ranks a PID block first with its letters
+// in bold, Enter puts it into that model with its corner at that point.
+TEST_F(QuickInsertTest, TypingOnAModelInsertsTheBestMatchAtTheMouse)
+{
+    const std::string model = newSystem("Model");
+    Host::ModelWindow* window = modelWindow(model);
+    ASSERT_NE(window, nullptr);
+    placeBesideBrowser(window);
+    auto* drawing = window->findChild<QGraphicsView*>();
+    const QPoint at = window->viewport()->mapToGlobal(QPoint(150, 90));
+    QCursor::setPos(at);
+    QTest::keyClick(drawing, Qt::Key_P);
+    settle();
+    ASSERT_NE(popup(), nullptr);
+    // At the mouse, moved only as far as keeps it on the screen.
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    EXPECT_TRUE(screen.contains(popup()->geometry()));
+    EXPECT_EQ(popup()->pos(), QPoint(std::min(at.x(), screen.right() + 1 - popup()->width()), at.y()));
+    EXPECT_EQ(popup()->query(), "p");
+    keys("id");
+    ASSERT_FALSE(rows().isEmpty());
+    EXPECT_EQ(rows().front().toStdString(), pid);
+    const RankedBlock first = popup()->rows().rows().front();
+    EXPECT_EQ(QuickInsertRows::highlighted(QString::fromStdString(first.block.getDisplayName()), first.spans),
+              "<b>PID</b> Controller");
+
+    mark();
+    key(Qt::Key_Return);
+    EXPECT_EQ(popup(), nullptr);
+    EXPECT_TRUE(commandsSinceMark().contains("private_td_drop_block"));
+    const Host::BlockRecord* inserted = block(model, "PID Controller");
+    ASSERT_NE(inserted, nullptr) << blocksOf(model).join(", ").toStdString();
+    const QPointF corner = window->toModel(at);
+    EXPECT_EQ(QPointF(inserted->position.left, inserted->position.top), corner);
+    EXPECT_EQ(stored(PrefKey::LBRecentBlocks).value(0).toStdString(), first.block.getPath());
+
+    // Shortcuts and a lone space keep their meaning on the drawing.
+    QTest::keyClick(drawing, Qt::Key_Space);
+    QTest::keyClick(drawing, Qt::Key_A, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(popup(), nullptr);
+}
+
+// Arrows stop at the ends, Ctrl+Enter inserts and stays, Ctrl+D marks a
+// favourite, which the empty query then lists before the recently used
+// blocks; Escape closes; a favourite that no longer exists goes quietly.
+TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
+{
+    const std::string model = newSystem("Model");
+    {
+        BrowserPreferences prefs(preferencesFile());
+        prefs.setStringList(PrefKey::LBFavoriteBlocks, {"kinetics/No Such Block"});
+        ASSERT_TRUE(prefs.save());
+    }
+    closeWindow();
+    openOn("Kinetics");
+    browser().openQuickInsert(std::string(), std::nullopt, QString());
+    settle();
+    ASSERT_NE(popup(), nullptr);
+    EXPECT_TRUE(rows().isEmpty());
+    EXPECT_TRUE(stored(PrefKey::LBFavoriteBlocks).isEmpty());
+
+    // Subsystems stand for libraries: a model takes none. "gain" matches
+    // three blocks and three subsystems.
+    keys("gain");
+    const QStringList blocksOfGain{"Arithmetica/Basic Operations/Gain", "Kinetics/Continuous/Zero-Pole",
+                                   "Kinetics/Continuous/\u00dcbertragungsglied PT1"};
+    EXPECT_EQ(rows(), blocksOfGain);
+    EXPECT_EQ(popup()->footerText(), "3 matching blocks");
+    popup()->queryEdit()->clear();
+    keys("delay");
+    ASSERT_GE(rows().size(), 3);
+    key(Qt::Key_Up);
+    EXPECT_EQ(popup()->rows().current(), 0);
+    key(Qt::Key_Down);
+    key(Qt::Key_Down);
+    EXPECT_EQ(popup()->rows().current(), 2);
+    const QString third = rows()[2];
+    const std::string thirdPath = popup()->rows().currentBlock()->block.getPath();
+    key(Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_NE(popup(), nullptr);
+    EXPECT_EQ(blocksOf(model).size(), 1);
+    EXPECT_EQ(popup()->rows().current(), 2);
+
+    key(Qt::Key_Up);
+    const std::string favourite = popup()->rows().currentBlock()->block.getPath();
+    key(Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(stored(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(favourite)});
+    EXPECT_TRUE(popup()->rows().currentBlock()->favourite);
+    EXPECT_EQ(popup()->rows().currentBlock()->block.getPath(), favourite);
+
+    popup()->queryEdit()->clear();
+    settle();
+    ASSERT_EQ(rows().size(), 2);
+    EXPECT_EQ(popup()->rows().rows()[0].block.getPath(), favourite);
+    EXPECT_EQ(rows()[1], third);
+    EXPECT_EQ(popup()->rows().rows()[1].block.getPath(), thirdPath);
+
+    key(Qt::Key_Escape);
+    EXPECT_EQ(popup(), nullptr);
+    EXPECT_EQ(blocksOf(model).size(), 1);
+}
+
+// The context menu's entry after the design's, and the recents' bound.
+TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty)
+{
+    closeWindow();
+    openOn("Kinetics/Continuous");
+    browser().selectBlockByName(pid);
+    settle();
+    const auto menuOf = [this](GuiBlock* tile) {
+        return menuOpenedBy([&] { browser().internalShowBlockContextMenu(tile, QPoint(100, 100)); });
+    };
+    const QStringList menu = menuOf(tile(pid));
+    ASSERT_FALSE(menu.isEmpty());
+    EXPECT_EQ(menu.last(), "Add to Favorites");
+    // The menu was closed without a choice; the entry acts through the history.
+    BlockHistory& history = browser().blockHistory();
+    const std::string path = tile(pid)->getPath();
+    history.setFavourite(path, true);
+    EXPECT_EQ(menuOf(tile(pid)).value(menu.size() - 1), "Remove from Favorites");
+
+    for (int i = 0; i < 25; ++i)
+        history.noteAdded("lib/Block " + std::to_string(i));
+    history.noteAdded("lib/Block 22");
+    BrowserPreferences again(preferencesFile());
+    const QStringList recents = again.getStringList(PrefKey::LBRecentBlocks);
+    ASSERT_EQ(recents.size(), BlockHistory::RecentLimit);
+    EXPECT_EQ(recents.front(), "lib/Block 22");
+    EXPECT_EQ(recents[1], "lib/Block 24");
+    EXPECT_EQ(recents.back(), "lib/Block 5");
+    EXPECT_EQ(again.getStringList(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(path)});
+}
+
+// A preferences file that can't be written: the history works on for the
+// session and says so, and the popup tells the user.
+TEST_F(QuickInsertTest, AnUnwritablePreferencesFileIsToldAndTheSessionGoesOn)
+{
+    const QString blocker = QDir(QFileInfo(preferencesFile()).absolutePath()).filePath("not-a-directory");
+    {
+        QFile file(blocker);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    BrowserPreferences prefs(blocker + "/LibraryBrowser.ini");
+    BlockHistory history(prefs);
+    EXPECT_FALSE(history.noteAdded("lib/Gain"));
+    EXPECT_FALSE(history.setFavourite("lib/Gain", true));
+    EXPECT_TRUE(history.isFavourite("lib/Gain"));
+    EXPECT_EQ(history.recents(), QStringList{"lib/Gain"});
+    EXPECT_TRUE(history.saveFailureMessage().contains(blocker)) << history.saveFailureMessage().toStdString();
+    QFile::remove(blocker);
+}
+
+TEST(QuickInsertRowsTest, BoldRunsCountCharactersAndTheRestIsEscaped)
+{
+    EXPECT_EQ(QuickInsertRows::highlighted(QString::fromUtf8("R\u00e9sonateur <2>"), {{1, 3}, {12, 1}}),
+              QString::fromUtf8("R<b>\u00e9so</b>nateur &lt;<b>2</b>&gt;"));
+    // A character beyond sixteen bits counts once.
+    EXPECT_EQ(QuickInsertRows::highlighted(QString::fromUtf8("\U0001D714 Gain"), {{2, 4}}),
+              QString::fromUtf8("\U0001D714 <b>Gain</b>"));
+    EXPECT_EQ(QuickInsertRows::highlighted("Gain", {}), "Gain");
+    EXPECT_EQ(QuickInsertRows::libraryPath("Kinetics/Continuous/PID Controller", "PID Controller"),
+              "Kinetics/Continuous");
+    QuickInsertRows rows;
+    EXPECT_EQ(rows.currentBlock(), nullptr);
+    rows.move(1);
+    EXPECT_EQ(rows.current(), -1);
+}
+
+} // namespace
+} // namespace LibraryBrowser::Testing
