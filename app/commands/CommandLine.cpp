@@ -59,15 +59,10 @@ QString CommandLine::overview() const
     QString text = "The block library browser's repository on the command line.\n\nCommands:\n";
     for (const Command& command : m_commands)
         text += QString("  %1  %2\n").arg(command.name, -9).arg(command.summary);
-    text += "
-Exit codes: 0 when the command did its work; 1 when it could not, when update, generate or
-"
-            "destroy leave errors in the repository's report, and when find matches nothing; 2 for a usage
-"
-            "error. list, tree, search, find and show only read: errors in the report about other products
-"
-            "leave their answer standing; they go to standard error with a line that counts them.
-";
+    text += "\nExit codes: 0 when the command did its work; 1 when it could not, when update, generate or\n"
+            "destroy leave errors in the repository's report, and when find matches nothing; 2 for a usage\n"
+            "error. list, tree, search, find and show only read: errors in the report about other products\n"
+            "leave their answer standing; they go to standard error with a line that counts them.\n";
     text += "\n'tdlb COMMAND --help' tells more of one command.";
     return text;
 }

@@ -275,17 +275,21 @@ void ArchiveUpdater::removeLibraryFromArchive(SubSystemImpl& library)
         return;
     }
     QByteArray bytes;
-    if (!manifests.read(entry, bytes)) {
-        report.logError("Unable to read subsystem manifest file " + spec + "  from archive");
-        return;
-    }
     const ModelPtr model = Model::createModel();
     ErrorHolder errors;
-    model->beginChangeSet();
-    model->loadFromBytes(bytes, errors);
-    model->commitChangeSet();
-    if (errors.hasError())
-        report.logError("Unable to load model" + spec + " from byte array");
+    if (manifests.read(entry, bytes)) {
+        model->beginChangeSet();
+        model->loadFromBytes(bytes, errors);
+        model->commitChangeSet();
+    }
+    if (bytes.isEmpty() || errors.hasError()) {
+        // A damaged entry that is being removed anyway does not fail the
+        // generation: it goes, and entries only it named stay unused.
+        report.logWarning("Unable to read subsystem manifest file " + spec
+                          + " from archive; the damaged entry is removed");
+        manifests.remove(entry);
+        return;
+    }
 
     std::unordered_set<std::string> iconNames;
     for (TandrilObjectImpl* node : model->getNodes()) {
