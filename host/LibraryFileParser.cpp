@@ -2,6 +2,7 @@
 
 #include "BlockPath.h"
 #include "JsonFile.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -63,7 +64,7 @@ std::shared_ptr<LibraryDocument> LibraryFileParser::parseBytes(const QString& pa
 
 bool LibraryFileParser::isValidLibraryName(const std::string& name)
 {
-    return !name.empty() && name.find_first_of("/\\\n") == std::string::npos;
+    return !name.empty() && name.find_first_of("/\\\n") == std::string::npos && !holdsControlCharacter(name);
 }
 
 std::shared_ptr<LibraryDocument> LibraryFileParser::parse(const QString& path, const QByteArray& bytes,
@@ -78,7 +79,7 @@ std::shared_ptr<LibraryDocument> LibraryFileParser::parse(const QString& path, c
     if (m_reader.requiredString(top, root, "name", doc->name)) {
         if (!isValidLibraryName(doc->name))
             m_reader.fail(root.key("name"), QStringLiteral("a library name must not be empty nor hold a slash, "
-                                                           "backslash or line feed"));
+                                                           "backslash, line feed or control character"));
         else if (!expectedName.empty() && doc->name != expectedName)
             m_reader.fail(root.key("name"), QStringLiteral("the library is named \"%1\" but its file is named for "
                                                            "\"%2\"")
@@ -127,6 +128,9 @@ void LibraryFileParser::readBlock(const QJsonObject& object, const FieldPath& at
                        {"name", "type", "description", "position", "icon", "blocks", "target", "parameters"});
     if (m_reader.requiredString(object, at, "name", out.name) && !BlockPath::isAddressable(out.name))
         m_reader.fail(at.key("name"), QStringLiteral("a block name must not be empty nor begin or end with a slash"));
+    else if (holdsControlCharacter(out.name))
+        m_reader.fail(at.key("name"), QStringLiteral("a block name must not hold a control character other than "
+                                                     "tab and line feed"));
     std::string type;
     if (m_reader.requiredString(object, at, "type", type)) {
         if (type == "Block")

@@ -4,6 +4,7 @@
 #include "JsonFile.h"
 #include "LibraryFileParser.h"
 #include "SearchPath.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -42,10 +43,12 @@ QString TdBlocksParser::refusedNameReason(const char* key, const std::string& na
 {
     const bool children = std::string(key) == "children";
     const char* separators = children ? ",\n\r" : "|\n\r";
-    if (name.find_first_of(separators) == std::string::npos)
+    if (name.find_first_of(separators) == std::string::npos && !holdsControlCharacter(name))
         return QString();
-    return children ? QStringLiteral("a palette child's name may not hold a comma or line feed; it is left out")
-                    : QStringLiteral("a dependency's file name may not hold \"|\" or a line feed; it is left out");
+    return children ? QStringLiteral("a palette child's name may not hold a comma, line feed or control character; "
+                                     "it is left out")
+                    : QStringLiteral("a dependency's file name may not hold \"|\", a line feed or a control "
+                                     "character; it is left out");
 }
 
 bool TdBlocksParser::parse(const QString& path, const QString& root, std::vector<TdBlocksEntry>& entries,
@@ -76,7 +79,9 @@ bool TdBlocksParser::parse(const QString& path, const QString& root, std::vector
                          {"name", "library", "repository", "type", "treeIcon", "panelIcon", "children",
                           "dependencies", "flag"});
         TdBlocksEntry entry;
-        reader.requiredString(object, at, "name", entry.productName);
+        if (reader.requiredString(object, at, "name", entry.productName) && holdsControlCharacter(entry.productName))
+            reader.fail(at.key("name"), QStringLiteral("a product name must not hold a control character other "
+                                                       "than tab and line feed"));
         if (reader.requiredString(object, at, "library", entry.library)
             && !LibraryFileParser::isValidLibraryName(entry.library))
             reader.fail(at.key("library"), QStringLiteral("not a valid library name"));
@@ -92,8 +97,20 @@ bool TdBlocksParser::parse(const QString& path, const QString& root, std::vector
                             QStringLiteral("unknown entry type \"%1\" (expected Product or Palette)").arg(word));
         }
         entry.repositoryDirectory = entry.library;
-        if (reader.optionalString(object, at, "repository", entry.repositoryDirectory))
+        bool leftOut = false;
+        if (reader.optionalString(object, at, "repository", entry.repositoryDirectory)) {
             std::replace(entry.repositoryDirectory.begin(), entry.repositoryDirectory.end(), '\\', '/');
+            // The store writes its archives there: it must stay inside the store.
+            const std::string problem = storePathProblem(entry.repositoryDirectory);
+            if (!problem.empty() && !reader.failed()) {
+                refused.push_back(JsonFile::issueAt(
+                    path, bytes, at.key(QStringLiteral("repository")),
+                    QStringLiteral("the repository directory does not stay inside the store (%1); the entry "
+                                   "is left out")
+                        .arg(QString::fromStdString(problem))));
+                leftOut = true;
+            }
+        }
         reader.optionalBool(object, at, "flag", entry.flag);
         reader.optionalString(object, at, "treeIcon", entry.treeIcon);
         reader.optionalString(object, at, "panelIcon", entry.panelIcon);
@@ -107,7 +124,8 @@ bool TdBlocksParser::parse(const QString& path, const QString& root, std::vector
         entry.panelIcon = hostFileSpec(base, root, entry.panelIcon);
         for (std::string& dependency : entry.dependencies)
             dependency = hostFileSpec(base, root, dependency);
-        read.push_back(std::move(entry));
+        if (!leftOut)
+            read.push_back(std::move(entry));
     }
     if (reader.failed()) {
         // The whole file is left out: a warning that a name in it was left

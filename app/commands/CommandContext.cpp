@@ -6,7 +6,6 @@
 #include <QJsonObject>
 
 #include <cstdio>
-#include <set>
 #include <unistd.h>
 
 namespace LibraryBrowser::Tdlb {
@@ -73,16 +72,7 @@ int CommandContext::usageError(const QString& message) const
 
 bool CommandContext::reportHasErrors() const
 {
-    if (!m_repository)
-        return false;
-    const RepositoryReportPtr report = m_repository->getRepositoryReport();
-    if (report->hasError())
-        return true;
-    for (const std::string& line : report->getLog()) {
-        if (line.find(ErrorMark) != std::string::npos)
-            return true;
-    }
-    return false;
+    return m_repository && (m_repository->getRepositoryReport()->hasError() || !reportErrorLines().empty());
 }
 
 bool CommandContext::readWasIncomplete() const
@@ -95,18 +85,11 @@ std::vector<std::string> CommandContext::reportErrorLines() const
     std::vector<std::string> lines;
     if (!m_repository)
         return lines;
-    const RepositoryReportPtr report = m_repository->getRepositoryReport();
-    std::set<std::string> shown;
-    for (const std::string& line : report->getLog()) {
-        if (line.find(ErrorMark) != std::string::npos && shown.insert(line).second)
-            lines.push_back(line);
-    }
-    // An error whose line fell out of the bounded log is still shown.
-    for (const RepositoryReport::Issue& error : report->getErrors()) {
-        const std::string line = std::string(ErrorMark) + "   " + error.message + "\n";
-        if (shown.insert(line).second)
-            lines.push_back(line);
-    }
+    // The history, not the log: a generation later in the run clears the
+    // errors a read met before it, and a long one pushes their lines out of
+    // the bounded log.
+    for (const std::string& message : m_repository->getRepositoryReport()->getErrorHistory())
+        lines.push_back(std::string(ErrorMark) + "   " + message + "\n");
     return lines;
 }
 
@@ -118,9 +101,14 @@ void CommandContext::printReportErrors() const
 
 void CommandContext::noteReportErrors() const
 {
-    const std::size_t count = reportErrorLines().size();
-    std::fprintf(stderr, "tdlb %s: the repository's report holds %zu error%s; 'tdlb report' shows %s\n",
-                 qPrintable(m_commandName), count, count == 1 ? "" : "s", count == 1 ? "it" : "them");
+    // Shown here: an error a read met (a damaged archive entry) is of this
+    // run, and 'tdlb report' in another run would not meet it again.
+    const std::vector<std::string> lines = reportErrorLines();
+    for (const std::string& line : lines)
+        std::fputs(line.c_str(), stderr);
+    const std::size_t count = lines.size();
+    std::fprintf(stderr, "tdlb %s: the repository's report holds %zu error%s, shown above\n",
+                 qPrintable(m_commandName), count, count == 1 ? "" : "s");
 }
 
 } // namespace LibraryBrowser::Tdlb

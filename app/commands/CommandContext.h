@@ -54,8 +54,8 @@ public:
     bool readWasIncomplete() const;
     // Writes the report's errors on standard error, each once.
     void printReportErrors() const;
-    // Writes one line on standard error: how many errors the report holds,
-    // and where to read them.
+    // Writes the report's errors on standard error, each once, and a line
+    // that counts them.
     void noteReportErrors() const;
 
 private:

@@ -62,7 +62,7 @@ QString CommandLine::overview() const
     text += "\nExit codes: 0 when the command did its work; 1 when it could not, when update, generate or\n"
             "destroy leave errors in the repository's report, and when find matches nothing; 2 for a usage\n"
             "error. list, tree, search, find and show only read: errors in the report about other products\n"
-            "leave their answer standing, with one line on standard error that counts them.\n";
+            "leave their answer standing; they go to standard error with a line that counts them.\n";
     text += "\n'tdlb COMMAND --help' tells more of one command.";
     return text;
 }

@@ -2,6 +2,7 @@
 
 #include "CommandContext.h"
 #include "ObjectLookup.h"
+#include "repository/xmlrepository/XMLRepositoryWriter.h"
 
 #include <QCommandLineParser>
 
@@ -21,14 +22,19 @@ int run(const QCommandLineParser&, const QStringList&, CommandContext& context)
     // One fault met in many places is shown once.
     const RepositoryReport::IssueList warnings = repository.getRepositoryReport()->takeUniqueWarnings();
     std::size_t shown = 0;
+    int repaired = 0;
     for (const RepositoryReport::Issue& warning : warnings) {
         // Said once on standard error already.
         if (warning.id == Repository::ReadOnlyWarningId)
             continue;
         context.print("Warning: " + QString::fromStdString(warning.message));
         ++shown;
+        repaired += warning.id == XMLRepositoryWriter::RepairedId ? 1 : 0;
     }
-    context.print(QString("Updated: %1 products, %2 warnings").arg(products.size()).arg(shown));
+    QString summary = QString("Updated: %1 products, %2 warnings").arg(products.size()).arg(shown);
+    if (repaired > 0)
+        summary += QString(", %1 repaired").arg(repaired);
+    context.print(summary);
     return Success;
 }
 

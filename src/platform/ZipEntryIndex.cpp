@@ -263,4 +263,16 @@ bool ZipEntryIndex::read(const std::string& path, const std::string& name, QByte
     return true;
 }
 
+bool ZipEntryIndex::readsWhole(const std::string& path, std::string& error) const
+{
+    QByteArray bytes;
+    for (const auto& entry : m_entries) {
+        if (!read(path, entry.first, bytes, error)) {
+            error = "the entry " + entry.first + ": " + error;
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace LibraryBrowser

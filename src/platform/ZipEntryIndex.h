@@ -30,6 +30,9 @@ public:
     // file the index was loaded from. False, `bytes` empty and the reason in
     // `error`, if the entry is unknown or its data is damaged.
     bool read(const std::string& path, const std::string& name, QByteArray& bytes, std::string& error) const;
+    // Reads every entry of the file, as read does. False, with the first
+    // damaged entry named in `error`, if any can't be read.
+    bool readsWhole(const std::string& path, std::string& error) const;
 
 private:
     struct Entry {

@@ -3,6 +3,7 @@
 #include "platform/HostEnvironment.h"
 #include "platform/Platform.h"
 
+#include <algorithm>
 #include <set>
 
 namespace LibraryBrowser {
@@ -61,6 +62,10 @@ void RepositoryReport::logError(const std::string& id, const std::string& messag
         return;
     appendLine(ErrorPrefix + message + "\n");
     m_errors.push_back({id, message});
+    constexpr std::size_t HistoryBound = 200;
+    if (m_errorHistory.size() < HistoryBound
+        && std::find(m_errorHistory.begin(), m_errorHistory.end(), message) == m_errorHistory.end())
+        m_errorHistory.push_back(message);
 }
 
 void RepositoryReport::logError(const std::string& message)

@@ -42,6 +42,10 @@ public:
     void clearWarning();
 
     const IssueList& getErrors() const { return m_errors; }
+    // Every error recorded since the report was made, each text once, the
+    // first ones up to a bound: what clearing and taking leave, and the
+    // bounded log may have dropped, for whoever must tell of them at the end.
+    const std::vector<std::string>& getErrorHistory() const { return m_errorHistory; }
     const IssueList& getWarnings() const { return m_warnings; }
     IssueList takeErrors();
     IssueList takeWarnings();
@@ -78,6 +82,7 @@ private:
     std::list<std::string> m_log;
     IssueList m_warnings;
     IssueList m_errors;
+    std::vector<std::string> m_errorHistory;
     bool m_consoleEcho = false;
     int m_logLevel = -1;
     bool m_hasErrorFlag = false;

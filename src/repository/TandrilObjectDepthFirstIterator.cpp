@@ -1,5 +1,6 @@
 #include "repository/TandrilObjectDepthFirstIterator.h"
 
+#include "model/LibraryRefImpl.h"
 #include "model/SubSystemImpl.h"
 #include "model/NodeCast.h"
 #include "repository/RepositoryReader.h"
@@ -35,6 +36,9 @@ void TandrilObjectDepthFirstIterator::restart()
 {
     m_shown = nullptr;
     m_entered.clear();
+    m_enteredReference.clear();
+    m_openReferences = 0;
+    m_referencesEntered.clear();
     m_stack.clear();
     if (!m_reader)
         return;
@@ -64,6 +68,9 @@ bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object)
     const std::string* path = subsystemPath(object);
     if (!path || isEntered(*path))
         return false;
+    const bool reference = nodeCast<const LibraryRefImpl>(object.getImpl()) != nullptr;
+    if (reference && (m_openReferences >= MaximumReferenceDepth || !m_referencesEntered.insert(*path).second))
+        return false;
     // Copied first: loading the children may reload the object's own node.
     std::string entered = *path;
     TandrilObjectIterator children = m_reader->getChildrenIterator(object.toSubSystem());
@@ -71,6 +78,8 @@ bool TandrilObjectDepthFirstIterator::enter(const TandrilObject& object)
         return false;
     m_stack.push_back(std::move(children));
     m_entered.push_back(std::move(entered));
+    m_enteredReference.push_back(reference);
+    m_openReferences += reference ? 1 : 0;
     return true;
 }
 
@@ -103,6 +112,8 @@ void TandrilObjectDepthFirstIterator::next()
                 }
                 // The level left is the subsystem entered last.
                 m_entered.pop_back();
+                m_openReferences -= m_enteredReference.back() ? 1 : 0;
+                m_enteredReference.pop_back();
             }
         }
         m_shown = m_stack.back().currentShownName();

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -16,10 +17,18 @@ class RepositoryReader;
 // subsystem (the reader answers with their targets' children). The walk
 // remembers the paths of the subsystems it is inside of, and does not enter
 // or return one of them again: that cuts cycles, while a library reached
-// along two branches is walked twice. Products are loaded only as the walk
-// reaches them. The walk holds its reader for as long as it lives.
+// along two branches is walked twice. Each reference, by its path, is entered
+// once per walk and returned without its target's blocks after that: a
+// reference met again along another branch would otherwise double the walk
+// for each level of references above it. Nor is one entered below 64 open
+// references, as deep as a library file nests subsystems: the paths of
+// objects grow with each level, and a long chain of references would cost
+// memory with the square of its length. Products are loaded only as the
+// walk reaches them. The walk holds its reader for as long as it lives.
 class TandrilObjectDepthFirstIterator : public TandrilObjectBaseIterator {
 public:
+    static constexpr int MaximumReferenceDepth = 64;
+
     TandrilObjectDepthFirstIterator(RepositoryReader* reader, const TandrilObject& root, bool fromTop);
 
     TandrilObject current() override;
@@ -51,6 +60,11 @@ private:
     // The current object's shown name, taken when the walk came to it; null
     // where the level has none. It lives in the names its level's iterator holds.
     const ShownName* m_shown = nullptr;
+    // The paths of the references entered in this walk.
+    std::unordered_set<std::string> m_referencesEntered;
+    // Whether each level of m_entered is a reference, and how many are.
+    std::vector<bool> m_enteredReference;
+    int m_openReferences = 0;
 };
 
 } // namespace LibraryBrowser

@@ -68,6 +68,8 @@ TEST_F(BadInput, FileErrorsNameFileLineColumnAndField)
         {libraryJson("broken", "[\n    {\"name\": \"Two\\nLines\", \"type\": \"Block\"},\n"
                                "    {\"name\": \"Two Lines\", \"type\": \"Block\"}\n  ]"),
          {"broken.tdlib.json:7:14: blocks[1].name:", "already named"}},
+        {libraryJson("broken", "[\n    {\"name\": \"Bell\\u0007\", \"type\": \"Block\"}\n  ]"),
+         {"broken.tdlib.json:6:14: blocks[0].name:", "control character"}},
         {libraryJson("broken", "[\n    {\"name\": \"R\", \"type\": \"LibraryRef\"}\n  ]"),
          {"broken.tdlib.json:6:5: blocks[0].target:", "needs a target"}},
         {libraryJson("broken", "[\n    {\"name\": \"B\", \"type\": \"Block\", \"blocks\": []}\n  ]"),

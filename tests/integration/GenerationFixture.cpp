@@ -60,6 +60,7 @@ void GenerationFixture::SetUp()
     for (const auto& [file, bytes] : snapshot(Host::HostOptions::bundledRoot().toStdString()))
         if (copiesRootFile(file))
             writeFile(root() + "/" + file.toStdString(), bytes);
+    addRootFiles();
     Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment());
     options.root = m_root.path();
     options.preferencesDirectory = m_prefs.path();

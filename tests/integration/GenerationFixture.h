@@ -35,6 +35,8 @@ protected:
     // Whether the copy of the example root gets this file (relative to the
     // root); all do unless a suite wants a smaller root.
     virtual bool copiesRootFile(const QString& relative) const;
+    // Adds files to the root copy before the host first looks at its path.
+    virtual void addRootFiles() {}
 
     std::string root() const { return m_root.path().toStdString(); }
     std::string store() const { return m_store.path().toStdString(); }

@@ -34,6 +34,33 @@ TEST(RepositoryPathsTest, SplitBlockPathKeepsDoubledSlashesInNames)
         EXPECT_EQ(splitBlockPath(path), segments) << path;
 }
 
+TEST(RepositoryPathsTest, OnlyRelativePathsWithinTheStoreServeAsRepositoryDirectories)
+{
+    for (const char* inside : {"wavecraft", "vendor/wave craft", "a\\b", "..x/y..", "Жук"})
+        EXPECT_EQ(storePathProblem(inside), "") << inside;
+    const struct {
+        const char* path;
+        const char* problem;
+    } refused[] = {{"", "it is empty"},
+                   {"/etc", "it is not a relative path"},
+                   {"\\\\server\\share", "it is not a relative path"},
+                   {"C:/data", "it is not a relative path"},
+                   {"a/../../b", "it holds a \"..\" segment"},
+                   {"..", "it holds a \"..\" segment"},
+                   {"a\\..", "it holds a \"..\" segment"},
+                   {"./a", "it holds a \".\" segment"},
+                   {"a//b", "it holds an empty segment"},
+                   {"a/", "it holds an empty segment"},
+                   {"a\x01b", "it holds a control character"}};
+    for (const auto& c : refused)
+        EXPECT_EQ(storePathProblem(c.path), c.problem) << c.path;
+
+    EXPECT_FALSE(holdsControlCharacter("Two\nLines\tand a tab"));
+    EXPECT_TRUE(holdsControlCharacter("Bell\a"));
+    EXPECT_TRUE(holdsControlCharacter("Carriage\rReturn"));
+    EXPECT_EQ(showControlCharacters("Bell\a\x1f"), "Bell\\x07\\x1f");
+}
+
 TEST(RepositoryPathsTest, AbsoluteAndRelativePaths)
 {
     EXPECT_EQ(absolutePath("/root", "toolbox/lib.json"), "/root/toolbox/lib.json");

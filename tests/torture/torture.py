@@ -187,10 +187,8 @@ class Torture:
             handle.write(bytes([byte[0] ^ 0x20]))
         return True
 
-    def add_hostile_files(self, round_number):
-        """A palette cycle and a diamond of library references, once."""
-        if round_number != 1:
-            return
+    def add_hostile_files(self):
+        """A palette cycle and a diamond of library references, there from the start."""
         directory = os.path.join(self.root, "toolbox", "hostile")
         os.makedirs(directory, exist_ok=True)
         depth = 12
@@ -240,8 +238,6 @@ class Torture:
 
     def run_round(self, round_number):
         self.counts["rounds"] += 1
-        if self.options.hostile:
-            self.add_hostile_files(round_number)
         held = self.start("held python", self.python_command(held=True), held=True)
         ready = held["process"].stdout.readline().strip() == "ready"
         # The held repository read the store before the edits: it may answer
@@ -352,6 +348,10 @@ class Torture:
                                                                         stderr.strip()[-1500:]))
 
     def run(self):
+        # Hostile files are in the root before the first update, so that a
+        # repository held across a round knows them as it knows every product.
+        if self.options.hostile:
+            self.add_hostile_files()
         first = subprocess.run(self.tdlb_command("update"), capture_output=True, text=True, env=self.environment(),
                                timeout=self.options.timeout)
         if first.returncode != 0:

@@ -87,9 +87,26 @@ bool ArchiveUpdater::saveManifest(RepositoryReport& report, const Model& model, 
     return !errors.hasError();
 }
 
+bool ArchiveUpdater::staysInStore(const LibraryImpl& product) const
+{
+    // A store written before such directories were refused may still name one.
+    const std::string problem = storePathProblem(product.getReposDirectorySpec());
+    if (problem.empty())
+        return true;
+    m_context.report->logError("The repository directory '" + product.getReposDirectorySpec() + "' of product "
+                               + product.getDisplayName() + " does not stay inside the store (" + problem
+                               + "). Nothing is written there.");
+    return false;
+}
+
 void ArchiveUpdater::openArchives(LibraryImpl& product, bool fresh)
 {
     GenerationState& state = m_context.state;
+    if (!staysInStore(product)) {
+        state.iconsArchive = ZipArchive();
+        state.manifestsArchive = ZipArchive();
+        return;
+    }
     const std::string storeIcons = storePath(product.getReposIconsArchiveSpec());
     const std::string storeManifests = storePath(product.getReposManifestsArchiveSpec());
     const std::string tempIcons = temporaryPath(product.getReposIconsArchiveSpec());
@@ -215,8 +232,10 @@ bool ArchiveUpdater::removeArchive(const std::string& path)
 
 void ArchiveUpdater::destroyProductData(LibraryImpl& product)
 {
-    removeArchive(storePath(product.getReposIconsArchiveSpec()));
-    removeArchive(storePath(product.getReposManifestsArchiveSpec()));
+    if (staysInStore(product)) {
+        removeArchive(storePath(product.getReposIconsArchiveSpec()));
+        removeArchive(storePath(product.getReposManifestsArchiveSpec()));
+    }
     forgetFileRecords(product);
 }
 
@@ -256,17 +275,21 @@ void ArchiveUpdater::removeLibraryFromArchive(SubSystemImpl& library)
         return;
     }
     QByteArray bytes;
-    if (!manifests.read(entry, bytes)) {
-        report.logError("Unable to read subsystem manifest file " + spec + "  from archive");
-        return;
-    }
     const ModelPtr model = Model::createModel();
     ErrorHolder errors;
-    model->beginChangeSet();
-    model->loadFromBytes(bytes, errors);
-    model->commitChangeSet();
-    if (errors.hasError())
-        report.logError("Unable to load model" + spec + " from byte array");
+    if (manifests.read(entry, bytes)) {
+        model->beginChangeSet();
+        model->loadFromBytes(bytes, errors);
+        model->commitChangeSet();
+    }
+    if (bytes.isEmpty() || errors.hasError()) {
+        // A damaged entry that is being removed anyway does not fail the
+        // generation: it goes, and entries only it named stay unused.
+        report.logWarning("Unable to read subsystem manifest file " + spec
+                          + " from archive; the damaged entry is removed");
+        manifests.remove(entry);
+        return;
+    }
 
     std::unordered_set<std::string> iconNames;
     for (TandrilObjectImpl* node : model->getNodes()) {

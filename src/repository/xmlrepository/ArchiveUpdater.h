@@ -55,6 +55,9 @@ public:
     static bool saveManifest(RepositoryReport& report, const Model& model, const std::string& path);
 
 private:
+    // Whether the product's repository directory stays inside the store;
+    // an error in the report if not.
+    bool staysInStore(const LibraryImpl& product) const;
     ZipArchive initArchive(LibraryImpl& product, const std::string& path);
     bool updateArchive(ZipArchive& archive, const std::vector<std::string>& files);
     bool closeArchive(ZipArchive& archive);

@@ -8,6 +8,8 @@
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 
+#include <QDateTime>
+
 namespace LibraryBrowser {
 
 bool LibraryComparison::compareLibrary(const LibraryImpl& library, bool ignoreTimestamp) const
@@ -20,15 +22,21 @@ bool LibraryComparison::compareLibrary(const LibraryImpl& library, bool ignoreTi
         return true;
     if (!storedDataExists(owner, library))
         return false;
-    return modelFileAgrees(library, ignoreTimestamp);
+    return modelFileAgrees(owner, library, ignoreTimestamp);
 }
 
-LibraryComparison::DateVerdict LibraryComparison::judgeDates(bool datesEqual, bool ignoreTimestamp,
+LibraryComparison::DateVerdict LibraryComparison::judgeDates(std::int64_t recordedDate, std::int64_t currentDate,
+                                                             std::int64_t generationStart, bool ignoreTimestamp,
                                                              const std::string& shownName,
                                                              const std::string& shownPath) const
 {
     if (ignoreTimestamp) {
         m_report.log("The timestamp of " + shownPath + " has been ignored");
+        return DateVerdict::CheckContent;
+    }
+    const bool datesEqual = recordedDate == currentDate;
+    if (datesEqual && generationStart != 0 && recordedDate >= generationStart) {
+        m_report.log("The timestamps matched but are too recent to trust (" + shownName + ")");
         return DateVerdict::CheckContent;
     }
     if (datesEqual) {
@@ -48,7 +56,9 @@ bool LibraryComparison::fileDependenciesAgree(const LibraryImpl& owner, bool ign
         if (!fileExists(path))
             return false;
         const FileInfo now = fileInfoOf(m_report, path);
-        if (judgeDates(now.date == stored.date, ignoreTimestamp, text, text) == DateVerdict::Trusted)
+        if (judgeDates(std::int64_t(stored.date), std::int64_t(now.date), generationStart(owner), ignoreTimestamp,
+                       text, text)
+            == DateVerdict::Trusted)
             continue;
         if (now.size != stored.size) {
             m_report.log("The files have different sizes (" + text + ")");
@@ -72,12 +82,21 @@ bool LibraryComparison::storedDataExists(const LibraryImpl& owner, const Library
         && fileExists(absolutePath(Platform::environment().root(), library.getModelFileSpec()));
 }
 
-bool LibraryComparison::modelFileAgrees(const LibraryImpl& library, bool ignoreTimestamp) const
+std::int64_t LibraryComparison::generationStart(const LibraryImpl& owner)
+{
+    const QDateTime start =
+        QDateTime::fromString(QString::fromStdString(owner.getLastModified()), Qt::TextDate);
+    return start.isValid() ? start.toSecsSinceEpoch() : 0;
+}
+
+bool LibraryComparison::modelFileAgrees(const LibraryImpl& owner, const LibraryImpl& library,
+                                        bool ignoreTimestamp) const
 {
     // The host's answer decides which file counts, not the stored spec.
     const LibraryData now = m_host.getLibraryData(library.getPath());
     const std::string& name = library.getName();
-    if (judgeDates(now.date == library.getModelFileDate(), ignoreTimestamp, name, now.fileSpec)
+    if (judgeDates(library.getModelFileDate(), now.date, generationStart(owner), ignoreTimestamp, name,
+                   now.fileSpec)
         == DateVerdict::Trusted)
         return true;
     if (now.size != library.getModelFileSize()) {

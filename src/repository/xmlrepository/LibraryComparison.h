@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace LibraryBrowser {
@@ -25,10 +26,16 @@ private:
 
     bool fileDependenciesAgree(const LibraryImpl& owner, bool ignoreTimestamp) const;
     bool storedDataExists(const LibraryImpl& owner, const LibraryImpl& library) const;
-    bool modelFileAgrees(const LibraryImpl& library, bool ignoreTimestamp) const;
+    bool modelFileAgrees(const LibraryImpl& owner, const LibraryImpl& library, bool ignoreTimestamp) const;
     // Writes the date line and says whether the content must be looked at.
-    DateVerdict judgeDates(bool datesEqual, bool ignoreTimestamp, const std::string& shownName,
-                           const std::string& shownPath) const;
+    // Equal dates are not trusted for a file whose recorded date is not older
+    // than the start of the generation that recorded it (generationStart, 0
+    // when unknown): an edit within that same second leaves the date as it was.
+    DateVerdict judgeDates(std::int64_t recordedDate, std::int64_t currentDate, std::int64_t generationStart,
+                           bool ignoreTimestamp, const std::string& shownName, const std::string& shownPath) const;
+    // The start of the generation that made the product's records, from its
+    // lastModified; 0 when there is none to read.
+    static std::int64_t generationStart(const LibraryImpl& owner);
 
     RepositoryReport& m_report;
     std::string m_storeDirectory;

@@ -91,6 +91,12 @@ ModelPtr ManifestGenerator::generateManifest(const SubSystemImpl& node)
 BlockImpl* ManifestGenerator::createNodeFromBlockData(RepositoryReport& report, const BlockData& data,
                                                       const SubSystemImpl& parent, Model& model)
 {
+    // A manifest can't keep such a name: refused here, never stored altered.
+    if (holdsControlCharacter(data.name)) {
+        report.logError("Invalid block name " + parent.getPath() + "/" + showControlCharacters(data.name)
+                        + ": it holds a control character");
+        return nullptr;
+    }
     model.beginChangeSet();
     BlockImpl* node = nullptr;
     if (data.type == "SubSystem")

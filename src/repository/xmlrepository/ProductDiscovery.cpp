@@ -102,6 +102,20 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
     for (std::size_t entry = 0; entry < data.size(); ++entry) {
         const std::string& file = data.modelFiles[entry];
         const std::string& label = data.productNames[entry];
+        // Archives go below the store only: a directory that would lead out
+        // of it is refused before anything is written there.
+        if (holdsControlCharacter(file) || holdsControlCharacter(label)) {
+            m_context.report->logWarning("The product " + showControlCharacters(label) + " of "
+                                         + showControlCharacters(file)
+                                         + " is left out: its name holds a control character.");
+            continue;
+        }
+        if (const std::string problem = storePathProblem(data.reposDirectories.at(entry)); !problem.empty()) {
+            m_context.report->logWarning("The product " + label + " is left out: its repository directory '"
+                                         + data.reposDirectories.at(entry) + "' does not stay inside the store ("
+                                         + problem + ").");
+            continue;
+        }
         if (seen.count(file)) {
             m_context.report->logWarning("The model file " + file +
                                          " appeared in more than one tdblocks file. The first one that was found "

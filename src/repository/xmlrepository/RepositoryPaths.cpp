@@ -8,6 +8,8 @@
 #include <QFileInfo>
 #include <QString>
 
+#include <algorithm>
+
 namespace LibraryBrowser {
 
 std::string blankLineFeeds(const std::string& text)
@@ -17,6 +19,57 @@ std::string blankLineFeeds(const std::string& text)
         if (c == '\n')
             c = ' ';
     return result;
+}
+
+namespace {
+
+bool isRefusedControl(char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 && c != '\t' && c != '\n';
+}
+
+} // namespace
+
+bool holdsControlCharacter(const std::string& name)
+{
+    return std::any_of(name.begin(), name.end(), isRefusedControl);
+}
+
+std::string showControlCharacters(const std::string& name)
+{
+    static const char digits[] = "0123456789abcdef";
+    std::string shown;
+    for (const char c : name) {
+        if (isRefusedControl(c))
+            shown.append("\\x").append(1, digits[(c >> 4) & 0xf]).append(1, digits[c & 0xf]);
+        else
+            shown.append(1, c);
+    }
+    return shown;
+}
+
+std::string storePathProblem(const std::string& given)
+{
+    const std::string path = forwardSlashes(given);
+    if (path.empty())
+        return "it is empty";
+    if (path.front() == '/' || (path.size() > 1 && path[1] == ':'))
+        return "it is not a relative path";
+    for (const char c : path)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+            return "it holds a control character";
+    std::size_t start = 0;
+    while (start <= path.size()) {
+        const std::size_t end = std::min(path.find('/', start), path.size());
+        const std::string segment = path.substr(start, end - start);
+        if (segment.empty())
+            return "it holds an empty segment";
+        if (segment == "." || segment == "..")
+            return "it holds a \"" + segment + "\" segment";
+        start = end + 1;
+    }
+    return std::string();
 }
 
 std::string forwardSlashes(const std::string& path)

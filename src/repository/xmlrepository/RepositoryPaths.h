@@ -29,6 +29,17 @@ std::string absolutePath(const std::string& root, const std::string& path);
 // A relative path as it stands; an absolute one with every occurrence of
 // root removed, and then its first character (the separator).
 std::string relativePath(const std::string& root, const std::string& path);
+// Whether a name holds a control character other than tab and line feed:
+// a manifest can't keep one, so such names are refused wherever they come in.
+bool holdsControlCharacter(const std::string& name);
+// The name with each such character written as "\xHH", for messages.
+std::string showControlCharacters(const std::string& name);
+
+// Why a directory given for a store's data (a product's "repository") would
+// not stay inside the store: empty, absolute, a drive or a "." or ".."
+// segment, an empty segment, or a control character. The empty string for
+// a path that stays inside. Backslashes count as slashes.
+std::string storePathProblem(const std::string& path);
 
 // The read-only store below the host's root.
 std::string shippedRepositoryDirectory();

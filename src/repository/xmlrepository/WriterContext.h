@@ -4,6 +4,7 @@
 #include "repository/xmlrepository/GenerationState.h"
 #include "repository/xmlrepository/HostOperations.h"
 
+#include <cstdint>
 #include <string>
 
 namespace LibraryBrowser {
@@ -28,6 +29,9 @@ public:
     int writerNumber;
     HostOperations host;
     GenerationState state;
+    // When the generation of the product in hand started, in seconds since
+    // the epoch; 0 before the first. Recorded as the product's lastModified.
+    std::int64_t generationStarted = 0;
 };
 
 } // namespace LibraryBrowser

@@ -7,6 +7,7 @@
 #include "platform/Platform.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/StoreDamage.h"
 #include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/StoredDataCheck.h"
 #include "repository/xmlrepository/TempDirectoryOwners.h"
@@ -95,6 +96,7 @@ void XMLRepository::buildParts()
     // What killed processes left in the temporary directory goes at the
     // first opening of a repository in this process.
     TempDirectoryOwners::removeLeftOversOnce(*m_report);
+    StoreDamage::registerStores(m_shippedDirectory, m_writableDirectory);
     m_shippedReader = std::make_shared<XMLRepositoryReader>(m_shippedDirectory, m_report, this);
     m_writableReader = std::make_shared<XMLRepositoryReader>(m_writableDirectory, m_report, this);
     m_cache = std::make_shared<XMLRepositoryCache>(m_shippedDirectory, m_writableDirectory, m_report, this);
@@ -104,6 +106,7 @@ void XMLRepository::buildParts()
 
 XMLRepository::~XMLRepository()
 {
+    StoreDamage::saveRecords();
     m_cache->detachRepository();
     m_cache.reset();
     m_writer.reset();
@@ -253,7 +256,17 @@ void XMLRepository::syncTopLevelManifest()
     const std::string current = Model::createModel()->signature().toString();
     const std::string rootVersion = m_shippedReader->getVersion();
     const bool rootExists = m_shippedReader->exists();
-    if (current != rootVersion || !rootExists) {
+    // A shipped manifest that is there but can't be read is damage, not a
+    // sandbox without a store: the root is never written for it, and the
+    // products are generated into the writable store.
+    const std::string shippedFile = getTopLevelManifestFile(*m_report, m_shippedDirectory, false);
+    const bool shippedDamaged = (current != rootVersion || !rootExists) && QFile::exists(qs(shippedFile))
+                                && (rootVersion.empty() || rootVersion == current);
+    if (shippedDamaged) {
+        m_report->logWarning("The shipped top level manifest " + shippedFile + " is damaged ("
+                             + StoredDataCheck::manifestFileProblem(shippedFile)
+                             + "). Its products are generated into the writable store.");
+    } else if (current != rootVersion || !rootExists) {
         if (isAutomatedBuildUser()) {
             // A build machine must never ship without the store: stop the build.
             m_report->log(std::string("Numora root exists: ") + (rootExists ? "true" : "false"));
@@ -298,7 +311,9 @@ void XMLRepository::syncTopLevelManifest()
 
     if (!tokenFile.exists()) {
         destroyRepository();
-        if (copyFile(*m_report, shippedTop, writableTop)) {
+        // Notes of damage belong to the stores just left behind.
+        StoreDamage::forgetAll(m_writableDirectory);
+        if (!shippedDamaged && copyFile(*m_report, shippedTop, writableTop)) {
             // A copy of a read-only file is read-only.
             QFile::setPermissions(qs(writableTop), QFile::permissions(qs(writableTop)) | QFileDevice::WriteOwner |
                                                        QFileDevice::WriteUser);
@@ -310,6 +325,12 @@ void XMLRepository::syncTopLevelManifest()
             tokenFile.close();
         }
         forgetTopLevelManifests();
+        // Nothing was seeded: every product, palettes too, is made here, as
+        // the shipped store would have been.
+        if (shippedDamaged) {
+            m_writer->generateRepository(GenerationMode::Minimal);
+            forgetTopLevelManifests();
+        }
     }
 }
 
@@ -317,7 +338,13 @@ XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product
 {
     if (m_writableReader->isProductUpToDate(product))
         return m_writableReader;
-    if (!m_shippedReader->isProductUpToDate(product) && !m_readOnly) {
+    if (m_readOnly)
+        return m_writableReader->isProductUpToDate(product) ? m_writableReader : m_shippedReader;
+    noteMissingArchives(product);
+    // Damage of the writable store is repaired even where the shipped store
+    // could serve the product meanwhile.
+    const bool writableDamaged = !StoreDamage::noted(m_writableDirectory, product.id().str()).empty();
+    if (writableDamaged || !m_shippedReader->isProductUpToDate(product)) {
         // Another process may be generating the product this moment: once
         // its lock is had, the store is asked again.
         const StoreLock lock(*m_report, m_writableDirectory);
@@ -343,6 +370,27 @@ XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product
     return m_writableReader->isProductUpToDate(product) ? m_writableReader : m_shippedReader;
 }
 
+void XMLRepository::noteMissingArchives(const Library& product)
+{
+    const LibraryImpl* own = m_writableReader->storedProduct(product);
+    // Only a record the writable store made itself promises archives there:
+    // one seeded from the shipped store is that store's, with the same date.
+    // A palette and a product without blocks have none.
+    if (!own || own->getModelFileCheckSum().empty() || own->getIsEmpty() || dynamic_cast<const PaletteImpl*>(own))
+        return;
+    const LibraryImpl* shipped = m_shippedReader->storedProduct(product);
+    if (shipped && shipped->getLastModified() == own->getLastModified())
+        return;
+    for (const std::string& spec : {own->getReposIconsArchiveSpec().str(), own->getReposManifestsArchiveSpec().str()}) {
+        const std::string path = m_writableDirectory + "/" + spec;
+        // Noted, since the shipped archives copied in its place would hide it.
+        if (!QFileInfo::exists(qs(path))) {
+            StoreDamage::note(m_writableDirectory, own->getUniquePath().str(), "the archive " + path + " is missing");
+            return;
+        }
+    }
+}
+
 void XMLRepository::copyProductArchives(RepositoryReport& report, XMLRepositoryReader& writableReader,
                                         XMLRepositoryReader& shippedReader, const Library& product)
 {
@@ -361,6 +409,10 @@ void XMLRepository::copyProductArchives(RepositoryReport& report, XMLRepositoryR
     const std::string shippedManifests = shippedReader.directory() + "/" + manifests;
     const std::string writableManifests = writableReader.directory() + "/" + manifests;
     if (QFile::exists(qs(writableIcons)) && QFile::exists(qs(writableManifests)))
+        return;
+    // Damaged shipped data would only be carried over: the product is then
+    // generated from nothing.
+    if (!StoreDamage::noted(shippedReader.directory(), library->getUniquePath().str()).empty())
         return;
     if (QFile::exists(qs(shippedIcons)) && QFile::exists(qs(shippedManifests))) {
         copyFile(report, shippedIcons, writableIcons);

@@ -99,6 +99,9 @@ public:
                                     XMLRepositoryReader& shippedReader, const Library& product);
 
 private:
+    // Notes as damage an archive missing from the writable store where its
+    // own record of the product says it made one.
+    void noteMissingArchives(const Library& product);
     void buildParts();
     // With the writable store read-only, an error for a verb that writes; true then.
     bool refuseWriting();

@@ -105,6 +105,7 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
     if (!m_index.isLoaded() && !m_index.load(localCopy, error)) {
         m_report->logError("Unable to open archive " + localCopy);
         m_report->logError("Error returned from zip archiver: " + error);
+        noteDamage("the archive " + m_archivePath + " can't be opened: " + error);
         return std::string();
     }
     m_localCopy = localCopy;
@@ -126,8 +127,20 @@ QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
     if (!m_index.read(localCopy, entryName, bytes, error)) {
         m_report->logError("Unable to read file " + entryName + " in archive " + localCopy);
         m_report->logError("Error returned from zip archiver: " + error);
+        noteDamage("the entry " + entryName + " of " + m_archivePath + " can't be read: " + error);
     }
     return bytes;
+}
+
+bool XMLRepositoryArchiveCache::lacks(const std::string& entryName)
+{
+    return m_index.isLoaded() && !m_index.contains(entryName);
+}
+
+void XMLRepositoryArchiveCache::noteDamage(const std::string& reason)
+{
+    if (m_damage.empty())
+        m_damage = reason;
 }
 
 bool XMLRepositoryArchiveCache::topLevelMoved() const
@@ -137,6 +150,7 @@ bool XMLRepositoryArchiveCache::topLevelMoved() const
 
 void XMLRepositoryArchiveCache::close()
 {
+    m_damage.clear();
     m_index.clear();
     m_localCopy.clear();
     removeNamedTempDirectory(*m_report, directoryName());

@@ -47,6 +47,12 @@ public:
     bool changedUnderIt() const { return m_changed; }
     // Removes the private copy; the next read makes a new one.
     void close();
+    // Whether the archive, as the last read found it, is readable but has no
+    // such entry.
+    bool lacks(const std::string& entryName);
+    // The first damage a read met since the copy was made: an archive that
+    // can't be opened, or an entry failing its checksum; or empty.
+    const std::string& damage() const { return m_damage; }
 
     // Process-wide counts: archives copied to a private place, and entries
     // read out of them.
@@ -56,6 +62,7 @@ public:
     static std::uint64_t changeCount();
 
 private:
+    void noteDamage(const std::string& reason);
     std::string directoryName() const;
 
     // The private copy, made if missing, with its index; the empty string,
@@ -68,6 +75,7 @@ private:
     std::uint32_t m_number;
     std::string m_archivePath;
     RepositoryReportPtr m_report;
+    std::string m_damage;
     Origin m_origin;
     bool m_changed = false;
     ZipEntryIndex m_index;

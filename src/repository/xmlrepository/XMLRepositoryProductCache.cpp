@@ -8,6 +8,7 @@
 #include "repository/RepositoryReader.h"
 #include "repository/xmlrepository/PaletteChildren.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
+#include "repository/xmlrepository/StoreDamage.h"
 
 #include <unordered_set>
 
@@ -118,7 +119,13 @@ ModelPtr XMLRepositoryProductCache::getModelUncached(const SubSystem& subsystem)
         if (ModelPtr target = referencedModel(subsystem))
             model = std::move(target);
     } else if (!node->getManifestFileSpec().empty()) {
-        loadManifestFromBytes(*m_report, *model, m_manifestsArchive->readEntry(node->getManifestFileSpec()));
+        const std::string& entry = node->getManifestFileSpec();
+        if (!loadManifestFromBytes(*m_report, *model, m_manifestsArchive->readEntry(entry)))
+            noteDamage("the manifest " + entry + " can't be loaded");
+        noteDamage(m_manifestsArchive->damage());
+        // A subsystem without children has no manifest; one with children must.
+        if (!node->getIsEmpty() && m_manifestsArchive->lacks(entry))
+            noteDamage("the manifest " + entry + " is missing from its archive");
     }
 
     model->beginChangeSet();
@@ -190,14 +197,26 @@ BlockIconPtr XMLRepositoryProductCache::getIcon(const Block& block)
     const std::string entry = node ? node->getIconFileSpec() : std::string();
     if (!entry.empty()) {
         QByteArray bytes = m_iconsArchive->readEntry(entry);
-        if (BlockIcon::isSvgDocument(bytes))
+        if (BlockIcon::isSvgDocument(bytes)) {
             icon = std::make_shared<BlockIcon>(std::move(bytes));
-        else if (!bytes.isEmpty())
+        } else if (!bytes.isEmpty()) {
             m_report->logError("Unexpected error occurred while loading the manifest file");
+            noteDamage("the icon " + entry + " can't be loaded");
+        }
+        noteDamage(m_iconsArchive->damage());
     }
     m_icons[block] = icon;
     m_recentIcons->keep(icon);
     return icon;
+}
+
+void XMLRepositoryProductCache::noteDamage(const std::string& reason)
+{
+    // Once per product cache: the note stands until the product is generated again.
+    if (reason.empty() || m_damageNoted)
+        return;
+    m_damageNoted = true;
+    StoreDamage::note(m_directory, m_product.id().str(), reason);
 }
 
 void XMLRepositoryProductCache::clear()

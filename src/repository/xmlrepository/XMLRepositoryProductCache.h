@@ -57,6 +57,8 @@ public:
     void clear();
 
 private:
+    // Notes damage met by a read, so that the product is generated again.
+    void noteDamage(const std::string& reason);
     void fillPaletteModel(const SubSystem& palette, Model& model);
     ModelPtr referencedModel(const SubSystem& reference);
 
@@ -65,6 +67,7 @@ private:
     RepositoryReportPtr m_report;
     RepositoryReader* m_reader;
     RecentIconsPtr m_recentIcons;
+    bool m_damageNoted = false;
     std::unordered_map<Block, std::weak_ptr<BlockIcon>> m_icons;
     const BlockIconPtr m_noIcon = std::make_shared<BlockIcon>();
     XMLRepositoryArchiveCachePtr m_iconsArchive;

@@ -1,11 +1,16 @@
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 
+#include "frame/MessageCatalogue.h"
+#include "frame/Messages.h"
 #include "model/Model.h"
 #include "repository/Library.h"
 #include "repository/xmlrepository/HostOperations.h"
 #include "repository/xmlrepository/LibraryComparison.h"
 #include "repository/xmlrepository/PaletteChildren.h"
+#include "repository/xmlrepository/StoreDamage.h"
 #include "repository/xmlrepository/StoredDataCheck.h"
+
+#include <algorithm>
 
 namespace LibraryBrowser {
 
@@ -57,16 +62,28 @@ bool XMLRepositoryReader::compareLibrary(const LibraryImpl& library, bool ignore
 bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool ignoreTimestamp)
 {
     LibraryImpl* node = storedProduct(product);
-    if (!node || !isLibraryTreeUpToDate(product.toLibrary(), *node, ignoreTimestamp))
+    if (!node)
         return false;
-    // A palette has no archives of its own.
-    if (dynamic_cast<const PaletteImpl*>(node))
-        return true;
-    // Damaged data counts as out of date, so that it is generated again.
-    const std::string problem = StoredDataCheck::productProblem(m_directory, *node);
-    if (!problem.empty())
+    // Damage an earlier read met counts as out of date, whatever the dates say.
+    std::string problem = StoreDamage::noted(m_directory, node->getUniquePath().str());
+    if (problem.empty()) {
+        if (!isLibraryTreeUpToDate(product.toLibrary(), *node, ignoreTimestamp))
+            return false;
+        // A palette has no archives of its own.
+        if (dynamic_cast<const PaletteImpl*>(node))
+            return true;
+        // Damaged data counts as out of date, so that it is generated again.
+        problem = StoredDataCheck::productProblem(m_directory, *node);
+        for (const std::string& spec : {node->getReposIconsArchiveSpec().str(),
+                                        node->getReposManifestsArchiveSpec().str()})
+            if (problem.empty())
+                problem = StoreDamage::archiveDamage(m_directory, m_directory + "/" + spec);
+    }
+    if (!problem.empty()) {
         m_report->logWarning("The stored data of " + node->getDisplayName() + " in " + m_directory
                              + " is damaged and will be generated again: " + problem);
+        StoreDamage::note(m_directory, node->getUniquePath().str(), problem);
+    }
     return problem.empty();
 }
 
@@ -75,11 +92,25 @@ bool XMLRepositoryReader::isLibraryTreeUpToDate(const Library& library, LibraryI
     if (!compareLibrary(node, ignoreTimestamp))
         return false;
     if (dynamic_cast<const PaletteImpl*>(&node)) {
-        // A palette is as fresh as its members, whose dates always count.
+        // A palette is as fresh as its members, whose dates always count. A
+        // palette that is reached again through its members is judged by the
+        // call that is judging it already: each palette counts once.
+        const std::string key = node.getUniquePath().str();
+        if (std::find(m_palettesJudged.begin(), m_palettesJudged.end(), key) != m_palettesJudged.end()) {
+            m_report->logWarning("Tandril:LibraryBrowser:CycleInPalette",
+                                 Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_CycleInPalette,
+                                                                          node.getDisplayName()));
+            return true;
+        }
+        m_palettesJudged.push_back(key);
+        bool upToDate = true;
         for (const TandrilObject& member : paletteChildren(*m_report, library, *this))
-            if (!isProductUpToDate(member))
-                return false;
-        return true;
+            if (!isProductUpToDate(member)) {
+                upToDate = false;
+                break;
+            }
+        m_palettesJudged.pop_back();
+        return upToDate;
     }
     for (const LibraryImpl* dependency : node.getDependencies())
         if (dependency && !compareLibrary(*dependency, ignoreTimestamp))

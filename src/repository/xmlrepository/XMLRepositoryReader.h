@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace LibraryBrowser {
 
@@ -43,16 +44,20 @@ public:
     // dependencies is up to date; false for an unknown product or library.
     bool isLibraryUpToDate(const TandrilObject& product, const std::string& path, bool ignoreTimestamp);
 
-private:
     // This store's own record of a product: a handle may stand for the
     // other store's node when both hold the product.
     LibraryImpl* storedProduct(const TandrilObject& product);
+
+private:
     bool isLibraryTreeUpToDate(const Library& library, LibraryImpl& node, bool ignoreTimestamp);
     bool compareLibrary(const LibraryImpl& library, bool ignoreTimestamp);
 
     std::string m_directory;
     RepositoryReportPtr m_report;
     std::unique_ptr<XMLRepositoryReaderCache> m_cache;
+    // The palettes whose members are being judged now, by unique path: a
+    // palette met again inside its own judgement closes a cycle.
+    std::vector<std::string> m_palettesJudged;
 };
 
 using XMLRepositoryReaderPtr = std::shared_ptr<XMLRepositoryReader>;

@@ -1,9 +1,12 @@
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
 
+#include "frame/MessageCatalogue.h"
+#include "frame/Messages.h"
 #include "repository/ReaderCacheRegistry.h"
 #include "repository/xmlrepository/PaletteChildren.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/StoreDamage.h"
 #include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/StoredDataCheck.h"
 #include "repository/xmlrepository/XMLRepository.h"
@@ -11,6 +14,8 @@
 
 #include <QDateTime>
 #include <QFile>
+
+#include <algorithm>
 
 namespace LibraryBrowser {
 
@@ -167,6 +172,9 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
                                                   GenerationMode mode)
 {
     RepositoryReport& report = *m_report;
+    // File dates recorded from here on that are not older than this second
+    // are compared by content as well the next time (updateLastModified).
+    m_context.generationStarted = QDateTime::currentSecsSinceEpoch();
     report.log("Processing product " + product.getDisplayName());
     ++report.indentation;
     if (report.hasError()) {
@@ -193,8 +201,25 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
     if (m_reader->isProductUpToDate(handle, ignoreTimestamp)) {
         generateUpToDateProduct(topLevel, product);
     } else {
-        const bool hadReadableArchives = StoredDataCheck::holdsReadableArchives(m_directory, product);
-        m_archives.openArchives(product, regenerate);
+        // Damage that a read noted is repaired by generating the product
+        // from nothing: entries the records call up to date may be the
+        // damaged ones. (An archive that can't be opened at all takes the
+        // way of initArchive, which starts the product from nothing too.)
+        const std::string uniquePath = product.getUniquePath().str();
+        std::string damagedStore = m_directory;
+        std::string damage = StoreDamage::noted(m_directory, uniquePath);
+        // Damage of the shipped store is repaired here, in the writable one,
+        // when this store has nothing of the product to work on.
+        if (damage.empty() && !m_shippedDirectory.empty()
+            && !StoredDataCheck::holdsReadableArchives(m_directory, product)) {
+            damage = StoreDamage::noted(m_shippedDirectory, uniquePath);
+            damagedStore = m_shippedDirectory;
+        }
+        const bool repair = !damage.empty();
+        if (repair)
+            ArchiveUpdater::forgetFileRecords(product);
+        const bool hadReadableArchives = !repair && StoredDataCheck::holdsReadableArchives(m_directory, product);
+        m_archives.openArchives(product, regenerate || repair);
         const bool opened = m_context.state.iconsArchive.isOpened() && m_context.state.manifestsArchive.isOpened();
         if (!opened) {
             // Not a skip in spite of its words: the phases below run on the
@@ -224,6 +249,16 @@ void XMLRepositoryWriter::generateProductInternal(const ModelPtr& topLevel, Libr
                               + " could not be written. It stays out of date and is generated again at the "
                                 "next update.");
             ArchiveUpdater::forgetFileRecords(product);
+        } else {
+            // What was just written needs no reading whole to be trusted.
+            for (const std::string& spec : {product.getReposIconsArchiveSpec().str(),
+                                            product.getReposManifestsArchiveSpec().str()})
+                StoreDamage::archiveWritten(m_directory, m_directory + "/" + spec);
+        }
+        if (published && repair) {
+            StoreDamage::forget(m_directory, uniquePath);
+            report.logWarning(RepairedId, "Repaired product " + product.getDisplayName() + " in " + damagedStore
+                                              + ": " + damage + ". It was generated again.");
         }
         updateLastModified(product);
         updateTopLevelManifest(*topLevel);
@@ -314,11 +349,25 @@ std::string XMLRepositoryWriter::generateLibraries(LibraryImpl& product, const T
 void XMLRepositoryWriter::generatePalette(const ModelPtr& topLevel, PaletteImpl& palette)
 {
     const std::string path = palette.getPath();
+    // Copied: a member's generation reloads the top level and this node with it.
+    const std::string displayName = palette.getDisplayName();
     const Library handle = TandrilObject(&palette, m_reader->getCache()).toLibrary();
     const std::vector<TandrilObject> children = paletteChildren(*m_report, handle, *m_activeReader);
-    for (const TandrilObject& child : children)
-        if (child.getIsProduct() && !m_activeReader->isProductUpToDate(child))
+    m_palettesGenerating.push_back(path);
+    for (const TandrilObject& child : children) {
+        if (!child.getIsProduct())
+            continue;
+        if (std::find(m_palettesGenerating.begin(), m_palettesGenerating.end(), child.getPath())
+            != m_palettesGenerating.end()) {
+            m_report->logWarning("Tandril:LibraryBrowser:CycleInPalette",
+                                 Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_CycleInPalette,
+                                                                          displayName));
+            continue;
+        }
+        if (!m_activeReader->isProductUpToDate(child))
             generateProduct(child.toLibrary());
+    }
+    m_palettesGenerating.pop_back();
 
     // A member's generation writes the top level anew: the palette's node
     // must be taken from the model now current.
@@ -384,7 +433,12 @@ void XMLRepositoryWriter::updateProductDependencies(LibraryImpl& product, const 
 
 void XMLRepositoryWriter::updateLastModified(LibraryImpl& library)
 {
-    const std::string now = QDateTime::currentDateTime().toString(Qt::TextDate).toStdString();
+    // The generation's start rather than its end: the date then also tells
+    // from when on a recorded file date is too recent to be trusted alone.
+    const QDateTime started = m_context.generationStarted
+                                  ? QDateTime::fromSecsSinceEpoch(m_context.generationStarted)
+                                  : QDateTime::currentDateTime();
+    const std::string now = started.toString(Qt::TextDate).toStdString();
     Model* model = library.getModel();
     model->beginChangeSet();
     library.setLastModified(now);

@@ -22,6 +22,9 @@ namespace LibraryBrowser {
 // finished archives and the top-level manifest, each by a checked copy.
 class XMLRepositoryWriter : public RepositoryWriter {
 public:
+    // The identifier of the warning that tells of a product repaired.
+    static constexpr const char* RepairedId = "Tandril:LibraryBrowser:Repaired";
+
     XMLRepositoryWriter(std::string directory, RepositoryReportPtr report,
                         std::vector<std::string> hostPathList = {});
     // The form a repository uses: `activeReader` (the repository itself)
@@ -80,6 +83,9 @@ private:
     LibraryRecords m_records;
     ManifestGenerator m_manifests;
     ProductDiscovery m_discovery;
+    // The palettes being generated now, by path: a member that is one of
+    // them closes a cycle and is not generated again inside itself.
+    std::vector<std::string> m_palettesGenerating;
 };
 
 using XMLRepositoryWriterPtr = std::shared_ptr<XMLRepositoryWriter>;

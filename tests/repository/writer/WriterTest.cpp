@@ -3,6 +3,7 @@
 #include "../ReadOnlyPath.h"
 #include "model/Model.h"
 #include "platform/ErrorHolder.h"
+#include "platform/FileFaults.h"
 #include "repository/TandrilObjectIterator.h"
 
 #include <QDateTime>
@@ -47,9 +48,16 @@ TEST_F(WriterTest, EveryBlockReadsBackWithItsIconAndPathForms)
     std::vector<ScriptedBlock> alpha = blocks("A", 250);
     alpha.push_back({"In//Out"});
     alpha.push_back({"Two\nLines"});
-    libraries.setProducts({{"Alpha Library", "Alpha"}});
+    // A manifest can't keep a control character: refused, never stored altered.
+    alpha.push_back({"Bell\a"});
+    libraries.setProducts({{"Alpha Library", "Alpha"}, {"Beta\x01Library", "Beta"}});
     libraries.setLibrary("Alpha", alpha);
+    libraries.setLibrary("Beta", blocks("B", 1));
     generate();
+    EXPECT_TRUE(logged(*report, "??? **Error**   Invalid block name Alpha/Bell\\x07: it holds a control character"));
+    EXPECT_TRUE(logged(*report, "**Warning**   The product Beta\\x01Library of Beta is left out: its name holds a "
+                                "control character."));
+    EXPECT_FALSE(makeReader()->getTandrilObject("Beta").isValid());
     EXPECT_EQ(entries("Alpha", "icons").size(), 252u);
     EXPECT_EQ(entries("Alpha", "manifests").size(), 1u);
     const Names names = childNames("Alpha");
@@ -234,16 +242,25 @@ TEST_F(WriterTest, AReadOnlyStoreIsReportedAndKeepsWhatItHad)
 TEST_F(WriterTest, AnArchiveThatCannotBeCopiedLeavesTheGenerationOnClosedArchives)
 {
     setAlphaAndBeta(2, 2);
-    // Where Alpha's icons archive should be, a directory that no copy can read.
-    ASSERT_TRUE(QDir().mkpath(QString::fromStdString(archive("Alpha", "icons"))));
-
     generate();
+    setAlphaAndBeta(3, 2);
+    // The copy of Alpha's sound icons archive into the temporary directory fails.
+    const std::string icons = "/" + std::string(QFileInfo(QString::fromStdString(archive("Alpha", "icons")))
+                                                    .fileName()
+                                                    .toStdString());
+    FileFaults::setHook([&](FileFaults::Operation operation, const std::string& path) {
+        return operation == FileFaults::Copy && path.size() > icons.size()
+               && path.compare(path.size() - icons.size(), icons.size(), icons) == 0
+               && path.rfind(store(), 0) != 0;
+    });
+    generate(GenerationMode::IgnoreTimestamp);
+    FileFaults::setHook(nullptr);
     EXPECT_TRUE(logged(*report, "??? **Error**   Unable to access one or more archives. Skipping product"));
     // Not a skip: the product's phases ran on the closed archives.
     EXPECT_TRUE(logged(*report, "Entering Alpha Library"));
     EXPECT_TRUE(logged(*report, "Processing product Beta Library"));
     EXPECT_EQ(childNames("Beta"), (Names{"B0", "B1"}));
-    EXPECT_TRUE(childNames("Alpha").empty());
+    EXPECT_EQ(childNames("Alpha"), (Names{"A0", "A1"})) << "the store keeps what it had";
 }
 
 } // namespace

@@ -1,0 +1,199 @@
+#include "repository/xmlrepository/StoreDamage.h"
+
+#include "platform/ZipEntryIndex.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <unordered_map>
+
+namespace LibraryBrowser {
+
+namespace {
+
+struct NotePlace {
+    std::string directory;
+    std::string prefix;
+    std::string verifiedFile;
+};
+
+// Size and date of a file as the verified record keeps them.
+struct FileStamp {
+    qint64 size = -1;
+    qint64 modified = 0;
+    bool operator==(const FileStamp& o) const { return size == o.size && modified == o.modified; }
+};
+
+FileStamp stampOf(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.isFile() ? FileStamp{info.size(), info.lastModified().toMSecsSinceEpoch()} : FileStamp{};
+}
+
+// The verified records of one writable store, read once per process and
+// written back whole at each change; another process's records written in
+// between are lost, which costs only a read of those archives again.
+struct VerifiedRecords {
+    bool loaded = false;
+    bool changed = false;
+    std::unordered_map<std::string, FileStamp> stamps;
+};
+
+std::unordered_map<std::string, VerifiedRecords>& verifiedRecords()
+{
+    static std::unordered_map<std::string, VerifiedRecords> records;
+    return records;
+}
+
+VerifiedRecords& recordsOf(const std::string& file)
+{
+    VerifiedRecords& records = verifiedRecords()[file];
+    if (records.loaded)
+        return records;
+    records.loaded = true;
+    QFile in(QString::fromStdString(file));
+    if (!in.open(QIODevice::ReadOnly | QIODevice::Text))
+        return records;
+    while (!in.atEnd()) {
+        const QList<QByteArray> fields = in.readLine().trimmed().split('\t');
+        if (fields.size() == 3)
+            records.stamps[fields[2].toStdString()] = FileStamp{fields[0].toLongLong(), fields[1].toLongLong()};
+    }
+    return records;
+}
+
+void writeRecords(const std::string& file, const VerifiedRecords& records)
+{
+    QDir().mkpath(QFileInfo(QString::fromStdString(file)).absolutePath());
+    QSaveFile out(QString::fromStdString(file));
+    if (!out.open(QIODevice::WriteOnly | QIODevice::Text))
+        return;
+    for (const auto& [path, stamp] : records.stamps)
+        out.write(QByteArray::number(stamp.size) + '\t' + QByteArray::number(stamp.modified) + '\t'
+                  + QByteArray::fromStdString(path) + '\n');
+    out.commit();
+}
+
+// Store directory to where its notes go; main thread only, like all the store.
+std::unordered_map<std::string, NotePlace>& places()
+{
+    static std::unordered_map<std::string, NotePlace> registered;
+    return registered;
+}
+
+QString qs(const std::string& text)
+{
+    return QString::fromStdString(text);
+}
+
+} // namespace
+
+std::string StoreDamage::notesDirectory(const std::string& writableDirectory)
+{
+    return forwardSlashes(writableDirectory) + "/toolbox/tandril/blocks/damaged";
+}
+
+void StoreDamage::registerStores(const std::string& shippedDirectory, const std::string& writableDirectory)
+{
+    const std::string directory = notesDirectory(writableDirectory);
+    const std::string verified = forwardSlashes(writableDirectory) + "/toolbox/tandril/blocks/verified";
+    if (!shippedDirectory.empty())
+        places()[forwardSlashes(shippedDirectory)] = {directory, "shipped_", verified};
+    places()[forwardSlashes(writableDirectory)] = {directory, "writable_", verified};
+}
+
+std::string StoreDamage::noteFile(const std::string& storeDirectory, const std::string& productUniquePath)
+{
+    const auto found = places().find(forwardSlashes(storeDirectory));
+    if (found == places().end() || productUniquePath.empty())
+        return std::string();
+    return found->second.directory + "/" + found->second.prefix + sanitizeName(productUniquePath);
+}
+
+void StoreDamage::note(const std::string& storeDirectory, const std::string& productUniquePath,
+                       const std::string& reason)
+{
+    const std::string file = noteFile(storeDirectory, productUniquePath);
+    if (file.empty() || QFile::exists(qs(file)))
+        return;
+    QDir().mkpath(QFileInfo(qs(file)).absolutePath());
+    // A note that can't be written only costs the repair at the next
+    // update: the read has reported the damage already.
+    QFile out(qs(file));
+    if (out.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        out.write(reason.c_str(), qint64(reason.size()));
+}
+
+std::string StoreDamage::noted(const std::string& storeDirectory, const std::string& productUniquePath)
+{
+    const std::string file = noteFile(storeDirectory, productUniquePath);
+    if (file.empty())
+        return std::string();
+    QFile in(qs(file));
+    if (!in.exists())
+        return std::string();
+    const QByteArray text = in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
+    return text.isEmpty() ? std::string("damage was found by an earlier read") : text.toStdString();
+}
+
+void StoreDamage::forget(const std::string& storeDirectory, const std::string& productUniquePath)
+{
+    const std::string file = noteFile(storeDirectory, productUniquePath);
+    if (!file.empty())
+        QFile::remove(qs(file));
+}
+
+void StoreDamage::forgetAll(const std::string& writableDirectory)
+{
+    QDir(qs(notesDirectory(writableDirectory))).removeRecursively();
+}
+
+std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const std::string& archivePath)
+{
+    const auto found = places().find(forwardSlashes(storeDirectory));
+    if (found == places().end())
+        return std::string();
+    const FileStamp stamp = stampOf(qs(archivePath));
+    if (stamp.size < 0)
+        return std::string();
+    VerifiedRecords& records = recordsOf(found->second.verifiedFile);
+    const auto known = records.stamps.find(archivePath);
+    if (known != records.stamps.end() && known->second == stamp)
+        return std::string();
+    ZipEntryIndex index;
+    std::string error;
+    if (!index.load(archivePath, error) || !index.readsWhole(archivePath, error))
+        return "the archive " + archivePath + " can't be read whole: " + error;
+    records.stamps[archivePath] = stamp;
+    records.changed = true;
+    return std::string();
+}
+
+void StoreDamage::archiveWritten(const std::string& storeDirectory, const std::string& archivePath)
+{
+    const auto found = places().find(forwardSlashes(storeDirectory));
+    if (found == places().end())
+        return;
+    VerifiedRecords& records = recordsOf(found->second.verifiedFile);
+    const FileStamp stamp = stampOf(qs(archivePath));
+    if (stamp.size < 0)
+        records.stamps.erase(archivePath);
+    else
+        records.stamps[archivePath] = stamp;
+    records.changed = true;
+}
+
+void StoreDamage::saveRecords()
+{
+    for (auto& [file, records] : verifiedRecords()) {
+        if (!records.changed)
+            continue;
+        writeRecords(file, records);
+        records.changed = false;
+    }
+}
+
+} // namespace LibraryBrowser
