@@ -184,7 +184,7 @@ void bindWindowMethods(Class& cls)
         "destroyInstance",
         [](const BrowserHandle&) {
             // The window may be the one whose call is waiting for the host.
-            if (runningCalls > 0)
+            if (runningCalls > 0 || StandaloneBrowser::isInstanceBeingBuilt())
                 throw ScriptingError(BrowserHandle::Busy,
                                      "The browser window can't be destroyed from within one of its own calls.");
             StandaloneBrowser::destroyInstance();

@@ -2,6 +2,10 @@
 
 #include "PythonValues.h"
 
+#include "scripting/ScriptingError.h"
+
+#include <string>
+
 namespace py = pybind11;
 
 namespace LibraryBrowser::Python {
@@ -53,11 +57,35 @@ HostInterpreter::CallResult PythonHostFunctions::callWithTrap(const std::string&
     return m_behind.callWithTrap(function, outputCount, inputs);
 }
 
+namespace {
+
+// Callables under way, one inside the other: a callable may call the host
+// again (call_host, a window method), and one that reaches itself that way
+// would otherwise go on until the stack runs out.
+int nestedCalls = 0;
+
+class NestedCall {
+public:
+    NestedCall() { ++nestedCalls; }
+    ~NestedCall() { --nestedCalls; }
+    NestedCall(const NestedCall&) = delete;
+    NestedCall& operator=(const NestedCall&) = delete;
+};
+
+} // namespace
+
 HostInterpreter::CallResult PythonHostFunctions::callPython(const py::object& function, const std::string& name,
                                                             int outputCount, const std::vector<HostValue>& inputs,
                                                             std::size_t firstInput)
 {
     CallResult result;
+    if (nestedCalls >= MaxNesting) {
+        result.errorId = TooDeep;
+        result.errorMessage = name + ": host functions served from Python nest more than " +
+                              std::to_string(MaxNesting) + " deep; one that calls itself never ends";
+        return result;
+    }
+    const NestedCall nested;
     try {
         py::tuple arguments(1 + inputs.size() - firstInput);
         arguments[0] = py::int_(outputCount);
@@ -76,8 +104,16 @@ HostInterpreter::CallResult PythonHostFunctions::callPython(const py::object& fu
         result.ok = true;
     } catch (py::error_already_set& error) {
         result.errorId = "Tandril:Host:PythonError";
-        if (py::hasattr(error.value(), "identifier"))
+        result.errorMessage = name + ": " + error.what();
+        if (py::hasattr(error.value(), "identifier")) {
             result.errorId = py::str(error.value().attr("identifier"));
+            // A failure from further in already names where it came from.
+            if (py::isinstance(error.value(), py::module_::import("tandril").attr("Error")))
+                result.errorMessage = py::str(error.value());
+        }
+    } catch (const ScriptingError& error) {
+        // A value that can't cross, either way.
+        result.errorId = error.identifier();
         result.errorMessage = name + ": " + error.what();
     }
     return result;

@@ -23,6 +23,11 @@ namespace LibraryBrowser::Python {
 // failure, as any failed host call: it never reaches the module.
 class PythonHostFunctions : public HostInterpreter {
 public:
+    // Callables may call the host again, one inside the other, this deep;
+    // the next one fails with TooDeep.
+    static constexpr int MaxNesting = 32;
+    static constexpr const char* TooDeep = "Tandril:Host:CallsTooDeep";
+
     explicit PythonHostFunctions(HostInterpreter& behind) : m_behind(behind) {}
 
     CallResult callWithTrap(const std::string& function, int outputCount,

@@ -9,6 +9,7 @@
 #include "platform/HostFramework.h"
 #include "platform/Platform.h"
 #include "platform/ShutdownRegistry.h"
+#include "scripting/ScriptingError.h"
 
 #include <QApplication>
 #include <QDir>
@@ -81,7 +82,13 @@ void PythonSession::start(const Settings& settings)
 
 void PythonSession::ensureStarted()
 {
-    if (!theHost && !finished)
+    // The module has ended at the interpreter's exit; an exit hook that runs
+    // after the package's own would get a window or repository of a module
+    // that is no more.
+    if (finished)
+        throw ScriptingError(Ended, "The tandril session has ended at the interpreter's exit; nothing new can be "
+                                    "opened or made from here on.");
+    if (!theHost)
         start(Settings());
 }
 

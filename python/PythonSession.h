@@ -25,7 +25,10 @@ public:
     // std::logic_error if a session is already running, and
     // std::invalid_argument for a root that is no directory.
     static void start(const Settings& settings);
-    // Starts with the environment's settings unless a session runs.
+    static constexpr const char* Ended = "Tandril:Session:Ended";
+
+    // Starts with the environment's settings unless a session runs; after
+    // finish, a ScriptingError (Ended).
     static void ensureStarted();
     static bool isStarted();
     // Ends the module, at the interpreter's exit. The host stays installed:

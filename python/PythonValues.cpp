@@ -1,6 +1,9 @@
 #include "PythonValues.h"
 
 #include "repository/RepositoryReport.h"
+#include "scripting/ScriptingError.h"
+
+#include <string>
 
 namespace py = pybind11;
 
@@ -61,9 +64,21 @@ py::object nested(std::size_t rows, std::size_t columns, Element element)
     return matrix;
 }
 
+void checkDepth(int depth)
+{
+    if (depth > PythonValues::MaxDepth)
+        throw ScriptingError(PythonValues::TooDeep, "A value with lists nested more than " +
+                                                        std::to_string(PythonValues::MaxDepth) +
+                                                        " deep can't cross between Python and the host");
+}
+
 } // namespace
 
-HostValue PythonValues::toHostValue(py::handle object)
+HostValue PythonValues::toHostValue(py::handle object) { return toHostValue(object, 0); }
+
+py::object PythonValues::toPython(const HostValue& value) { return toPython(value, 0); }
+
+HostValue PythonValues::toHostValue(py::handle object, int depth)
 {
     if (py::isinstance<py::str>(object))
         return HostValue::string(object.cast<std::string>());
@@ -73,6 +88,7 @@ HostValue PythonValues::toHostValue(py::handle object)
         return HostValue::doubleScalar(object.cast<double>());
     if (!isSequence(object))
         return HostValue();
+    checkDepth(depth);
     const py::sequence items = py::reinterpret_borrow<py::sequence>(object);
     const std::size_t count = items.size();
     if (allOf(items, isNumber)) {
@@ -99,11 +115,11 @@ HostValue PythonValues::toHostValue(py::handle object)
     }
     HostValue cells = HostValue::cellArray(count == 0 ? 0 : 1, count);
     for (std::size_t i = 0; i < count; ++i)
-        cells.setCell(i, toHostValue(items[i]));
+        cells.setCell(i, toHostValue(items[i], depth + 1));
     return cells;
 }
 
-py::object PythonValues::toPython(const HostValue& value)
+py::object PythonValues::toPython(const HostValue& value, int depth)
 {
     switch (value.kind()) {
     case HostValue::Kind::String:
@@ -117,7 +133,9 @@ py::object PythonValues::toPython(const HostValue& value)
             return py::bool_(value.logicals().front());
         return nested(value.rows(), value.columns(), [&](std::size_t i) { return py::bool_(value.logicals()[i]); });
     case HostValue::Kind::Cell:
-        return nested(value.rows(), value.columns(), [&](std::size_t i) { return toPython(value.cell(i)); });
+        checkDepth(depth);
+        return nested(value.rows(), value.columns(),
+                      [&](std::size_t i) { return toPython(value.cell(i), depth + 1); });
     case HostValue::Kind::Object:
         if (auto report = std::dynamic_pointer_cast<RepositoryReport>(value.hostObject()))
             return py::cast(report);

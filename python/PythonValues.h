@@ -22,10 +22,21 @@ namespace LibraryBrowser::Python {
 // Back to Python, a 1-by-1 matrix is a scalar, a row a list, a matrix of
 // several rows a list of rows (cells alike), and an object the report it is
 // (a Repository.RepositoryReport) or None.
+//
+// Lists within lists cross down to MaxDepth levels; a deeper value (or a
+// list that holds itself) throws a ScriptingError (TooDeep) instead of
+// running the process out of stack.
 class PythonValues {
 public:
+    static constexpr int MaxDepth = 100;
+    static constexpr const char* TooDeep = "Tandril:Host:ValueTooDeep";
+
     static HostValue toHostValue(pybind11::handle object);
     static pybind11::object toPython(const HostValue& value);
+
+private:
+    static HostValue toHostValue(pybind11::handle object, int depth);
+    static pybind11::object toPython(const HostValue& value, int depth);
 };
 
 } // namespace LibraryBrowser::Python
