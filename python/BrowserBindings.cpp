@@ -373,6 +373,9 @@ void bindBrowser(py::module_& tandril)
     for (const char* name : {"LayoutType", "IconSize", "BlocksPageType"})
         cls.attr(name) = enums.attr(name);
     cls.def(py::init(&BrowserHandle::instance), "The process's window, made on first use.");
+    // As the scripted class has it, arguments to the constructor are ignored.
+    cls.def(py::init([](const py::args&, const py::kwargs&) { return BrowserHandle::instance(); }),
+            "The same: arguments are ignored.");
     bindWindowMethods(cls);
     bindCreate(cls);
     bindViewMethods(cls);

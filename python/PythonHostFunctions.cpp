@@ -2,6 +2,7 @@
 
 #include "PythonValues.h"
 
+#include "repository/RepositoryReport.h"
 #include "scripting/ScriptingError.h"
 
 #include <string>
@@ -42,6 +43,31 @@ void PythonHostFunctions::clear()
 HostInterpreter::CallResult PythonHostFunctions::callWithTrap(const std::string& function, int outputCount,
                                                               const std::vector<HostValue>& inputs)
 {
+    std::optional<CallResult> result = callRegistered(function, outputCount, inputs);
+    if (!result)
+        return m_behind.callWithTrap(function, outputCount, inputs);
+    if (!result->ok)
+        reportFailure(*result, inputs);
+    return *result;
+}
+
+void PythonHostFunctions::reportFailure(const CallResult& failure, const std::vector<HostValue>& inputs)
+{
+    // The caller sees only that the call failed; what the callable said goes
+    // to the report the call carries, if it carries one. A warning:
+    // what the failure costs (a block left out...) is the caller's to judge,
+    // and a host may fail a call on purpose.
+    for (const HostValue& input : inputs) {
+        if (auto report = std::dynamic_pointer_cast<RepositoryReport>(input.hostObject())) {
+            report->logWarning(failure.errorId, failure.errorMessage);
+            return;
+        }
+    }
+}
+
+std::optional<HostInterpreter::CallResult> PythonHostFunctions::callRegistered(const std::string& function, int outputCount,
+                                                                const std::vector<HostValue>& inputs)
+{
     const std::map<std::string, py::object>& registered = functions();
     if (!registered.empty()) {
         py::gil_scoped_acquire gil;
@@ -54,7 +80,7 @@ HostInterpreter::CallResult PythonHostFunctions::callWithTrap(const std::string&
                 return callPython(operation->second, operation->first, outputCount, inputs, 1);
         }
     }
-    return m_behind.callWithTrap(function, outputCount, inputs);
+    return std::nullopt;
 }
 
 namespace {
@@ -104,7 +130,9 @@ HostInterpreter::CallResult PythonHostFunctions::callPython(const py::object& fu
         result.ok = true;
     } catch (py::error_already_set& error) {
         result.errorId = "Tandril:Host:PythonError";
-        result.errorMessage = name + ": " + error.what();
+        // What the exception says, without the traceback that what() adds.
+        result.errorMessage = name + ": " + py::str(error.type().attr("__name__")).cast<std::string>() + ": " +
+                              py::str(error.value()).cast<std::string>();
         if (py::hasattr(error.value(), "identifier")) {
             result.errorId = py::str(error.value().attr("identifier"));
             // A failure from further in already names where it came from.

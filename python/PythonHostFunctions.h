@@ -5,6 +5,7 @@
 #include "platform/HostInterpreter.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,10 @@ public:
 
 private:
     static std::map<std::string, pybind11::object>& functions();
+    // The callable's answer; nothing when no callable serves the call.
+    static std::optional<CallResult> callRegistered(const std::string& function, int outputCount,
+                                     const std::vector<HostValue>& inputs);
+    static void reportFailure(const CallResult& failure, const std::vector<HostValue>& inputs);
     static CallResult callPython(const pybind11::object& function, const std::string& name, int outputCount,
                                  const std::vector<HostValue>& inputs, std::size_t firstInput);
 

@@ -45,9 +45,29 @@ void ensureApplication()
     new QApplication(argc, argv);
 }
 
-QString absolute(const QString& directory)
+// A directory the script named; an empty text would silently be the
+// current directory, where the store would then be written.
+QString absolute(const char* what, const QString& directory)
 {
+    if (directory.trimmed().isEmpty())
+        throw std::invalid_argument(std::string(what) + " is empty; name a directory");
     return QDir::cleanPath(QDir(directory).absolutePath());
+}
+
+// The writable store and the preferences live there: it must be a directory
+// this process can write, made if it is missing.
+void checkPreferencesDirectory(const QString& directory)
+{
+    const QFileInfo info(directory);
+    if (info.exists() && !info.isDir())
+        throw std::invalid_argument("the preferences directory '" + directory.toStdString() +
+                                    "' is a file, not a directory");
+    if (!info.exists() && !QDir().mkpath(directory))
+        throw std::invalid_argument("the preferences directory '" + directory.toStdString() +
+                                    "' does not exist and can't be made");
+    if (!QFileInfo(directory).isWritable())
+        throw std::invalid_argument("the preferences directory '" + directory.toStdString() +
+                                    "' can't be written");
 }
 
 } // namespace
@@ -59,17 +79,20 @@ void PythonSession::start(const Settings& settings)
                                "repository call");
     Host::HostOptions options = Host::HostOptions::fromEnvironment(QProcessEnvironment::systemEnvironment());
     if (settings.root)
-        options.root = absolute(*settings.root);
+        options.root = absolute("root", *settings.root);
     if (settings.preferencesDirectory)
-        options.preferencesDirectory = absolute(*settings.preferencesDirectory);
+        options.preferencesDirectory = absolute("prefdir", *settings.preferencesDirectory);
     if (settings.path) {
         options.path.clear();
         for (const QString& directory : *settings.path)
-            options.path << absolute(directory);
+            options.path << absolute("a directory of path", directory);
     }
     // A mistyped root would look like a root without products.
     if (!QFileInfo(options.root).isDir())
         throw std::invalid_argument("the root directory '" + options.root.toStdString() + "' does not exist");
+    if (!QFileInfo(options.root).isReadable() || !QFileInfo(options.root).isExecutable())
+        throw std::invalid_argument("the root directory '" + options.root.toStdString() + "' can't be read");
+    checkPreferencesDirectory(options.preferencesDirectory);
 
     ensureApplication();
     theHost = new Host::EmbeddedHost(options);

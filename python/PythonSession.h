@@ -23,7 +23,9 @@ public:
     // Starts with the settings, the environment filling in the rest
     // (NUMORA_ROOT, NUMORA_PREFDIR, NUMORA_PATH, else the defaults). Throws
     // std::logic_error if a session is already running, and
-    // std::invalid_argument for a root that is no directory.
+    // std::invalid_argument for an empty directory name, a root that is no
+    // readable directory, or a preferences directory that can't be made or
+    // written.
     static void start(const Settings& settings);
     static constexpr const char* Ended = "Tandril:Session:Ended";
 
