@@ -5,6 +5,7 @@
 
 #include "BrowserArrays.h"
 #include "BrowserHandle.h"
+#include "PythonSession.h"
 #include "PythonValues.h"
 
 #include "gui/GuiBlock.h"
@@ -51,6 +52,7 @@ public:
 template <class Operation>
 auto onWindow(const BrowserHandle& handle, Operation operation)
 {
+    PythonSession::checkThread();
     const RunningCall running;
     settle();
     StandaloneBrowser& window = handle.window();
@@ -183,6 +185,7 @@ void bindWindowMethods(Class& cls)
     cls.def(
         "destroyInstance",
         [](const BrowserHandle&) {
+            PythonSession::checkThread();
             // The window may be the one whose call is waiting for the host.
             if (runningCalls > 0 || StandaloneBrowser::isInstanceBeingBuilt())
                 throw ScriptingError(BrowserHandle::Busy,
@@ -368,7 +371,7 @@ void bindBrowser(py::module_& tandril)
               "StandaloneBrowser() gives the process's one window, making it on first use (it appears on show());\n"
               "StandaloneBrowser.create(repository) makes another on a repository of the script's own. Every call\n"
               "handles the window's pending events before it returns. Tree nodes and tiles are named by display\n"
-              "path (\"kinetics/Continuous/Integrator\"); an unknown path does nothing and reads empty.");
+              "path (\"Kinetics/Continuous/Integrator\"); an unknown path does nothing and reads empty.");
     const py::module_ enums = py::module_::import("tandril._browser_enums");
     for (const char* name : {"LayoutType", "IconSize", "BlocksPageType"})
         cls.attr(name) = enums.attr(name);

@@ -119,7 +119,7 @@ HostInterpreter::CallResult PythonHostFunctions::callPython(const py::object& fu
             arguments[1 + i - firstInput] = PythonValues::toPython(inputs[i]);
         const py::object answer = function(*arguments);
         if (!answer.is_none()) {
-            if (!py::isinstance<py::list>(answer) && !py::isinstance<py::tuple>(answer)) {
+            if (!PythonValues::isSequence(answer)) {
                 result.errorId = "Tandril:Host:PythonResult";
                 result.errorMessage = name + ": a host function returns None or a list or tuple of its outputs";
                 return result;

@@ -18,6 +18,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <thread>
 
 namespace LibraryBrowser::Python {
 
@@ -29,6 +30,7 @@ namespace {
 Host::EmbeddedHost* theHost = nullptr;
 PythonHostFunctions* theFunctions = nullptr;
 bool finished = false;
+std::thread::id startingThread;
 
 void ensureApplication()
 {
@@ -95,6 +97,7 @@ void PythonSession::start(const Settings& settings)
     checkPreferencesDirectory(options.preferencesDirectory);
 
     ensureApplication();
+    startingThread = std::this_thread::get_id();
     theHost = new Host::EmbeddedHost(options);
     theHost->install();
     // Callables a script registers answer in front of the embedded host.
@@ -113,6 +116,17 @@ void PythonSession::ensureStarted()
                                     "opened or made from here on.");
     if (!theHost)
         start(Settings());
+    checkThread();
+}
+
+OnStartingThread::OnStartingThread() { PythonSession::checkThread(); }
+
+void PythonSession::checkThread()
+{
+    if (theHost && std::this_thread::get_id() != startingThread)
+        throw ScriptingError(WrongThread, "tandril is used from the thread that started it, and this is another; "
+                                          "the window and the repository's work can't run here. Hand the call "
+                                          "to the thread that started the package.");
 }
 
 bool PythonSession::isStarted()

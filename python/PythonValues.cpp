@@ -18,10 +18,6 @@ bool isNumber(py::handle object)
            (py::isinstance<py::int_>(object) || py::isinstance<py::float_>(object));
 }
 
-bool isSequence(py::handle object)
-{
-    return py::isinstance<py::list>(object) || py::isinstance<py::tuple>(object);
-}
 
 template <class Test>
 bool allOf(const py::sequence& items, Test test)
@@ -36,11 +32,11 @@ bool allOf(const py::sequence& items, Test test)
 // Rows of numbers, all as long as the first and none empty.
 bool isNumberRows(const py::sequence& items)
 {
-    if (items.size() == 0 || !isSequence(items[0]))
+    if (items.size() == 0 || !PythonValues::isSequence(items[0]))
         return false;
     const std::size_t columns = py::len(items[0]);
     return allOf(items, [columns](py::handle row) {
-        return isSequence(row) && py::len(row) == columns && allOf(py::reinterpret_borrow<py::sequence>(row), isNumber);
+        return PythonValues::isSequence(row) && py::len(row) == columns && allOf(py::reinterpret_borrow<py::sequence>(row), isNumber);
     });
 }
 
@@ -73,6 +69,23 @@ void checkDepth(int depth)
 }
 
 } // namespace
+
+bool PythonValues::isSequence(py::handle object)
+{
+    if (py::isinstance<py::list>(object) || py::isinstance<py::tuple>(object))
+        return true;
+    // Texts are sequences of their characters to Python, never lists here.
+    return PySequence_Check(object.ptr()) && !py::isinstance<py::str>(object) &&
+           !py::isinstance<py::bytes>(object) && !PyByteArray_Check(object.ptr());
+}
+
+HostValue PythonValues::fromList(py::handle sequence, const char* argument)
+{
+    if (!isSequence(sequence))
+        throw py::type_error(std::string(argument) + " must be a list, tuple or other sequence, not " +
+                             py::str(sequence.get_type().attr("__name__")).cast<std::string>());
+    return toHostValue(sequence);
+}
 
 HostValue PythonValues::toHostValue(py::handle object) { return toHostValue(object, 0); }
 

@@ -26,7 +26,9 @@ BLOCK = "kinetics/Continuous/Integrator"
         lambda r, o: r.findBlocks(None),
         lambda r, o: r.findBlocks("gain", None),
         lambda r, o: r.findBlocks("gain", "RegExp"),
-        lambda r, o: r.findBlocks("gain", ("RegExp", "on")),
+        # A logical argument takes True or False only, as the window's do.
+        lambda r, o: r.isProductUpToDate(o, 1),
+        lambda r, o: r.getRepositoryReport().logToConsoleInteractively(1),
         lambda r, o: r.findBlocks("gain", o, {"RegExp": "on"}),
         lambda r, o: r.generateProduct(None),
         lambda r, o: r.generateProduct(o, None),
