@@ -35,7 +35,7 @@ std::string defaultText(py::handle value)
 std::string parameters(const py::detail::function_record& record)
 {
     if (record.next)
-        return record.is_method ? "($self, /, *args, **kwargs)" : "(*args, **kwargs)";
+        return record.is_method ? "(self, /, *args, **kwargs)" : "(*args, **kwargs)";
     std::string text = "(";
     const std::size_t named = record.nargs - (record.has_args ? 1 : 0) - (record.has_kwargs ? 1 : 0);
     for (std::size_t i = 0; i < named; ++i) {
@@ -44,7 +44,7 @@ std::string parameters(const py::detail::function_record& record)
         if (i == record.nargs_pos && !record.has_args)
             text += "*, ";
         if (i == 0 && record.is_method) {
-            text += "$self";
+            text += "self";
         } else if (i < record.args.size()) {
             text += record.args[i].name;
             if (record.args[i].value)
