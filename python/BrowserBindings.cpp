@@ -27,6 +27,42 @@ namespace LibraryBrowser::Python {
 
 namespace {
 
+// A member of one of the package's enums (or None for a value it has no
+// word for), named so in the signatures of the methods that return one.
+template <int Kind>
+class EnumMember : public py::object {
+public:
+    explicit EnumMember(py::object member) : py::object(std::move(member)) {}
+};
+using LayoutTypeMember = EnumMember<0>;
+using IconSizeMember = EnumMember<1>;
+using BlocksPageTypeMember = EnumMember<2>;
+
+} // namespace
+
+} // namespace LibraryBrowser::Python
+
+namespace pybind11::detail {
+
+template <>
+struct handle_type_name<LibraryBrowser::Python::LayoutTypeMember> {
+    static constexpr auto name = const_name("Optional[tandril.LayoutType]");
+};
+template <>
+struct handle_type_name<LibraryBrowser::Python::IconSizeMember> {
+    static constexpr auto name = const_name("Optional[tandril.IconSize]");
+};
+template <>
+struct handle_type_name<LibraryBrowser::Python::BlocksPageTypeMember> {
+    static constexpr auto name = const_name("tandril.BlocksPageType");
+};
+
+} // namespace pybind11::detail
+
+namespace LibraryBrowser::Python {
+
+namespace {
+
 using Class = py::class_<BrowserHandle>;
 
 // Timers that came due while the script ran, and everything a call set
@@ -250,14 +286,14 @@ void bindViewMethods(Class& cls)
         "getLayoutType",
         [](const BrowserHandle& self) {
             const LayoutType layout = onWindow(self, [](StandaloneBrowser& w) { return w.getLayoutType(); });
-            return enumMember("LayoutType", int(layout));
+            return LayoutTypeMember(enumMember("LayoutType", int(layout)));
         },
         "The pages' layout, a LayoutType.");
     cls.def(
         "getIconSize",
         [](const BrowserHandle& self) {
             const IconSize size = onWindow(self, [](StandaloneBrowser& w) { return w.getIconSize(); });
-            return enumMember("IconSize", int(size));
+            return IconSizeMember(enumMember("IconSize", int(size)));
         },
         "The icon size, an IconSize.");
     method(cls, "getFontSize", &StandaloneBrowser::getFontPointSize, "The window's font size in points.");
@@ -284,7 +320,7 @@ void bindArrayMethods(Class& cls)
         "getPosition",
         [](const BrowserHandle& self) {
             const QRect position = onWindow(self, [](StandaloneBrowser& w) { return w.getPosition(); });
-            return PythonValues::toPython(BrowserArrays::fromPosition(position));
+            return BrowserArrays::fromPosition(position).doubles();
         },
         "The window's [x, y, width, height].");
     cls.def(
@@ -310,14 +346,14 @@ void bindArrayMethods(Class& cls)
         [](const BrowserHandle& self) {
             const std::vector<bool> options =
                 onWindow(self, [](StandaloneBrowser& w) { return w.getSearchOptions(); });
-            return PythonValues::toPython(BrowserArrays::fromSearchOptions(options));
+            return BrowserArrays::fromSearchOptions(options).logicals();
         },
         "[regular expression, match case, whole word] as bools.");
     cls.def(
         "getCurrentBlockPosition",
         [](const BrowserHandle& self) {
             const QRect position = onWindow(self, [](StandaloneBrowser& w) { return w.getSelectedBlockPosition(); });
-            return PythonValues::toPython(BrowserArrays::fromPosition(position));
+            return BrowserArrays::fromPosition(position).doubles();
         },
         "The selected tile's [x, y, width, height] on its page; all 0 without a selection.");
 }
@@ -331,7 +367,8 @@ void bindTabMethods(Class& cls)
     method(cls, "selectTabByIndex", &StandaloneBrowser::selectTabByIndex, py::arg("index"),
            "Brings the page of that index to the front.");
     cls.def(
-        "getTabTypeByIndex", [](const BrowserHandle&, int index) { return enumMember("BlocksPageType", index != 0); },
+        "getTabTypeByIndex",
+        [](const BrowserHandle&, int index) { return BlocksPageTypeMember(enumMember("BlocksPageType", index != 0)); },
         py::arg("index"), "LIBRARY_PANEL for 0 and RESULTS_PANEL for any other index; the window is not asked.");
     method(cls, "getSortedLibraryNames", &StandaloneBrowser::getSortedLibraryNames,
            "The top level of the tree: the main library, then the others by name.");
