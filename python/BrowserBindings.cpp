@@ -6,6 +6,7 @@
 #include "BrowserArrays.h"
 #include "BrowserHandle.h"
 #include "PythonSession.h"
+#include "ScopedCount.h"
 #include "PythonValues.h"
 
 #include "gui/GuiBlock.h"
@@ -77,19 +78,11 @@ void settle()
 // class again while the window waits for its answer.
 int runningCalls = 0;
 
-class RunningCall {
-public:
-    RunningCall() { ++runningCalls; }
-    ~RunningCall() { --runningCalls; }
-    RunningCall(const RunningCall&) = delete;
-    RunningCall& operator=(const RunningCall&) = delete;
-};
-
 template <class Operation>
 auto onWindow(const BrowserHandle& handle, Operation operation)
 {
     PythonSession::checkThread();
-    const RunningCall running;
+    const ScopedCount running(runningCalls);
     settle();
     StandaloneBrowser& window = handle.window();
     if constexpr (std::is_void_v<std::invoke_result_t<Operation, StandaloneBrowser&>>) {

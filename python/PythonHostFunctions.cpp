@@ -1,6 +1,7 @@
 #include "PythonHostFunctions.h"
 
 #include "PythonValues.h"
+#include "ScopedCount.h"
 
 #include "repository/RepositoryReport.h"
 #include "scripting/ScriptingError.h"
@@ -90,14 +91,6 @@ namespace {
 // would otherwise go on until the stack runs out.
 int nestedCalls = 0;
 
-class NestedCall {
-public:
-    NestedCall() { ++nestedCalls; }
-    ~NestedCall() { --nestedCalls; }
-    NestedCall(const NestedCall&) = delete;
-    NestedCall& operator=(const NestedCall&) = delete;
-};
-
 } // namespace
 
 HostInterpreter::CallResult PythonHostFunctions::callPython(const py::object& function, const std::string& name,
@@ -111,7 +104,7 @@ HostInterpreter::CallResult PythonHostFunctions::callPython(const py::object& fu
                               std::to_string(MaxNesting) + " deep; one that calls itself never ends";
         return result;
     }
-    const NestedCall nested;
+    const ScopedCount nested(nestedCalls);
     try {
         py::tuple arguments(1 + inputs.size() - firstInput);
         arguments[0] = py::int_(outputCount);
