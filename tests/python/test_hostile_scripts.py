@@ -145,3 +145,24 @@ def test_an_exit_hook_after_the_packages_own_gets_an_error_not_a_window(root_dir
     assert len(lines) == 2
     for line in lines:
         assert line.startswith("Tandril:Session:Ended The tandril session has ended at the interpreter's exit")
+
+
+@pytest.mark.xfail(strict=True, reason="found by the monkey: selectSearchResult keeps a tile across the rebuild of "
+                                       "the results page that bringing it to the front makes (FUZZING.md)")
+def test_a_hit_is_selected_after_the_results_page_was_laid_out_again(root_dir, tmp_path):
+    # In a process of its own: the fault ends the process.
+    script = textwrap.dedent("""
+        import tandril
+        tandril.start(root=%r, prefdir=%r)
+        browser = tandril.StandaloneBrowser()
+        browser.show()
+        browser.searchForBlock("gain")
+        hit = browser.getResultsPageBlockNames()[0]
+        browser.selectTabByIndex(0)
+        browser.setLayout("LIST")
+        browser.selectSearchResult(hit)
+        print(browser.getSelectedBlockName() == hit, browser.getCurrentTabIndex())
+    """) % (str(root_dir), str(tmp_path))
+    done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=120,
+                          env=dict(os.environ, QT_QPA_PLATFORM="offscreen", MALLOC_PERTURB_="165"))
+    assert done.returncode == 0 and done.stdout == "True 1\n", done.stderr[-2000:]
