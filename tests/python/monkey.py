@@ -121,6 +121,21 @@ class Monkey:
 
     # After each step.
 
+    def snapshot(self):
+        """What the window shows, read until two reads agree: each call handles
+        pending events first, and the tree's selection timer may fire between
+        two calls."""
+        b = self.browser
+        read = None
+        for _ in range(10):
+            again = (b.getCurrentTreeNode(), b.getCurrentTabIndex(), b.getBlocks(), b.getResultsPageBlockNames(),
+                     b.getSelectedBlockName())
+            if again == read:
+                return read
+            read = again
+            time.sleep(0.02)
+        raise Inconsistent("the window's state does not settle")
+
     def check(self):
         b = self.browser
         if not b.isEnabled():
@@ -128,15 +143,13 @@ class Monkey:
         libraries = b.getSortedLibraryNames()
         if not libraries:
             raise Inconsistent("the tree has no libraries")
-        current = b.getCurrentTreeNode()
+        current, tab, library_tiles, result_tiles, selected = self.snapshot()
         if current and current.split("/")[0] not in libraries:
             raise Inconsistent("the current node %r is in no library" % current)
-        tab = b.getCurrentTabIndex()
-        page = b.getBlocks() if tab == 0 else b.getResultsPageBlockNames()
-        selected = b.getSelectedBlockName()
+        page = library_tiles if tab == 0 else result_tiles
         if selected and tab in (0, 1) and selected not in page:
             raise Inconsistent("the selected tile %r is not on page %d" % (selected, tab))
-        if current and tab == 0 and any(not tile.startswith(current + "/") for tile in b.getBlocks()):
+        if current and tab == 0 and any(not tile.startswith(current + "/") for tile in library_tiles):
             raise Inconsistent("the library page shows tiles of another node than %r" % current)
         for path in self.paths:
             if b.isTreeNodeExpanded(path):
