@@ -8,10 +8,12 @@
 #include "gui/BrowserToolBarIcons.h"
 #include "gui/BrowserUtils.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 
@@ -44,6 +46,9 @@ int main(int argc, char* argv[])
             writer.destroyRepository();
         writer.generateRepository();
     }
+    // A shipped store is read only: its lock file, made by the writer, would
+    // only be shipped along.
+    QFile::remove(QString::fromStdString(store + "/" + StoreLock::FileName));
     // Errors inside a product are cleared when it is done: the log keeps them.
     int errors = 0;
     for (const std::string& line : report->getLog()) {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The main job: install what is missing, build, and open the library browser
-# on the bundled example libraries. Without a display the window opens in a
-# virtual one (Xvfb) and a screenshot of it is written to build/browser.png.
+# on the bundled example libraries; closing its window ends the script.
+# Without a display the window is rendered offscreen to build/browser.png.
 # Extra arguments go to 'tdlb browse' (see 'build/app/tdlb browse --help').
 set -euo pipefail
 cd "$(dirname "$0")/.."

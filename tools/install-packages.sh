@@ -11,6 +11,7 @@ packages=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   libgoogle-perftools-dev
   xvfb xauth zip unzip
+  openbox xdotool x11-utils imagemagick
   fonts-dejavu-core
 )
 if [ "${1:-}" = "--fuzz" ]; then

@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "CommandContext.h"
+#include "WindowStateLog.h"
 
 #include "EmbeddedHost.h"
 #include "gui/LibraryBlocksPage.h"
@@ -25,6 +26,9 @@ void configure(QCommandLineParser& parser)
     parser.addOption({"size", "The window's width and height in pixels, for this run.", "WxH"});
     parser.addOption({"screenshot", "Open the window offscreen, write it to a PNG file when the tree and the page "
                                     "are filled, and exit.",
+                      "file"});
+    parser.addOption({"state-log", "Write what the window shows to a file, one JSON line per change (for tests that "
+                                   "drive the program from outside).",
                       "file"});
 }
 
@@ -85,8 +89,19 @@ int run(const QCommandLineParser& parser, const QStringList&, CommandContext& co
             if (!browser->hideResultsSectionByName(section.toStdString()))
                 status = context.fail("no section '" + section + "' in the results");
     }
-    if (status == Success && !screenshot)
+    WindowStateLog stateLog;
+    if (status == Success && parser.isSet("state-log") && !stateLog.open(parser.value("state-log"), *browser))
+        status = context.fail("unable to write " + parser.value("state-log"));
+    if (status == Success && !screenshot) {
+        // The program ends when the user has closed the browser and no other
+        // window of it is open; the last of those closed ends it too.
+        QApplication::setQuitOnLastWindowClosed(true);
+        QObject::connect(browser, &StandaloneBrowser::browserClosed, qApp, [browser] {
+            if (otherOpenWindows(browser->window()->windowHandle()).isEmpty())
+                QCoreApplication::quit();
+        });
         status = QApplication::exec() == 0 ? Success : Failure;
+    }
     if (status == Success && screenshot) {
         QApplication::processEvents();
         const QString file = parser.value("screenshot");

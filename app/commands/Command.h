@@ -26,7 +26,8 @@ struct Command {
     bool takesArguments = true;
     // Only reads the repository. An answer given stands, whatever errors the
     // report holds about other products: they are counted on standard error
-    // and the exit code stays 0.
+    // and the exit code stays 0, unless another process changed the store
+    // under the read: then the answer may be short, and the run fails.
     bool readOnly = false;
 };
 

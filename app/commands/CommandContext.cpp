@@ -85,6 +85,11 @@ bool CommandContext::reportHasErrors() const
     return false;
 }
 
+bool CommandContext::readWasIncomplete() const
+{
+    return m_repository && m_repository->getRepositoryReport()->hadIncompleteRead();
+}
+
 std::vector<std::string> CommandContext::reportErrorLines() const
 {
     std::vector<std::string> lines;

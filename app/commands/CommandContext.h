@@ -49,6 +49,9 @@ public:
     // Whether the repository's report holds an error, now or earlier in the
     // run: the writer clears the flag after each product, the log keeps it.
     bool reportHasErrors() const;
+    // Whether a read found the store changed by another process and could
+    // not read it whole.
+    bool readWasIncomplete() const;
     // Writes the report's errors on standard error, each once.
     void printReportErrors() const;
     // Writes one line on standard error: how many errors the report holds,

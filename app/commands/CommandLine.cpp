@@ -137,7 +137,7 @@ int CommandLine::run(const QStringList& arguments)
     NRInitialize_td_lib_browse();
     int code = command->run(commandParser, commandArguments, context);
     if (code == Success && context.reportHasErrors()) {
-        if (command->readOnly) {
+        if (command->readOnly && !context.readWasIncomplete()) {
             context.noteReportErrors();
         } else {
             context.printReportErrors();

@@ -20,9 +20,15 @@ int run(const QCommandLineParser&, const QStringList&, CommandContext& context)
         repository.getChildrenIterator(product);
     // One fault met in many places is shown once.
     const RepositoryReport::IssueList warnings = repository.getRepositoryReport()->takeUniqueWarnings();
-    for (const RepositoryReport::Issue& warning : warnings)
+    std::size_t shown = 0;
+    for (const RepositoryReport::Issue& warning : warnings) {
+        // Said once on standard error already.
+        if (warning.id == Repository::ReadOnlyWarningId)
+            continue;
         context.print("Warning: " + QString::fromStdString(warning.message));
-    context.print(QString("Updated: %1 products, %2 warnings").arg(products.size()).arg(warnings.size()));
+        ++shown;
+    }
+    context.print(QString("Updated: %1 products, %2 warnings").arg(products.size()).arg(shown));
     return Success;
 }
 

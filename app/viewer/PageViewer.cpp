@@ -23,6 +23,8 @@ PageViewer::PageViewer(Repository& repository, const TandrilObject& object, Layo
     setWindowTitle(QString::fromStdString(object.getDisplayName()));
     m_page = std::make_unique<LibraryBlocksPage>(*this, layout, size, m_font,
                                                  getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop), m_tabs);
+    m_page->setBackgroundColors(getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
+                                getColorPref(PrefKey::LBColorLibraryBlocksBackgroundBot));
     m_tabs->addTab(m_page->getScrollView(), QString());
     setCentralWidget(m_tabs);
     statusBar()->setSizeGripEnabled(false);

@@ -18,7 +18,7 @@ TDLB_MESSAGE_CATALOGUE(TDLB_MESSAGE_ID)
 class MessageCatalogue {
 public:
     static constexpr std::uint32_t Facility = 0x5E;
-    static constexpr std::uint32_t RowCount = 128;
+    static constexpr std::uint32_t RowCount = 129;
     static constexpr std::uint32_t ReservedRow = 4;
 
     static const MessageTable& table();

@@ -131,4 +131,5 @@
     X(125, TDLB_InvalidOption, "Option %s is invalid. Possible options are %s.") \
     X(126, TDLB_InvalidValue, "Value %s is invalid. Possible values are %s.") \
     X(127, TDLB_StringTypeExpected, "Expected a string argument.") \
-    X(128, TDLB_CycleInPalette, "A cycle was detected in palette %s.")
+    X(128, TDLB_CycleInPalette, "A cycle was detected in palette %s.") \
+    X(129, TDLB_GuiStatusBarSearchCancelled, "Search cancelled: showing the matches found before it stopped")

@@ -8,7 +8,9 @@
 #include "platform/HostEnvironment.h"
 #include "platform/Platform.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QLinearGradient>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyle>
@@ -39,6 +41,20 @@ BlocksPage::BlocksPage(BlocksPageHost& browser, LayoutType layout, IconSize size
     m_nameFont.setPixelSize(std::max(1, int(std::lround(getFontPixelSize(font.pointSizeF())))));
 }
 
+void BlocksPage::setBackgroundColors(const QColor& top, const QColor& bottom)
+{
+    m_backgroundColor = top;
+    QLinearGradient gradient(0, 0, 0, 1);
+    gradient.setCoordinateMode(QGradient::ObjectMode);
+    gradient.setColorAt(0, top);
+    gradient.setColorAt(1, bottom);
+    QPalette palette = m_scrollView->palette();
+    palette.setBrush(QPalette::Base, gradient);
+    palette.setBrush(QPalette::Window, gradient);
+    m_scrollView->setPalette(palette);
+    m_scrollView->viewport()->update();
+}
+
 BlocksPage::~BlocksPage()
 {
     // The scroll view belongs to the widget tree; it goes when its parent goes.
@@ -50,9 +66,10 @@ void BlocksPage::createMainPanel()
 {
     auto* panel = new BlocksPanel(this, nullptr);
     panel->setGrid(getGridSpacing(m_layoutType, m_iconSize), getBlockPanelMargin(m_layoutType, m_iconSize));
-    panel->setAutoFillBackground(false);
     panel->hide();
     m_scrollView->setWidget(panel);
+    // The view's background shows through the tiles' panel.
+    panel->setAutoFillBackground(false);
     m_mainPanel = panel;
 }
 
@@ -82,11 +99,20 @@ bool BlocksPage::eventFilter(QObject* watched, QEvent* event)
             return handleOnKeyPressEvent(static_cast<QKeyEvent*>(event));
         break;
     case QEvent::ContextMenu:
-        handleShowContextMenuForSelectedBlock();
+        // The menu key is served by the key handler already; the platform's
+        // own event for it would open the menu a second time over the first.
+        if (static_cast<QContextMenuEvent*>(event)->reason() != QContextMenuEvent::Keyboard)
+            handleShowContextMenuForSelectedBlock();
         return true;
     case QEvent::Resize:
         if (watched == m_scrollView)
             handleOnResize();
+        break;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        // The selected tile carries the page's focus mark.
+        if (watched == m_scrollView && m_selectedBlock && m_selectedBlock->getPanel())
+            m_selectedBlock->getPanel()->updateTile(m_selectedBlock);
         break;
     default:
         break;
@@ -128,6 +154,10 @@ bool BlocksPage::handleOnKeyPressEvent(QKeyEvent* event)
     case Qt::Key_Tab:
         m_browser.internalFocusSearchBox();
         return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        openSelectedBlock();
+        return true;
     case Qt::Key_Home:
         selectBlockHome();
         return true;
@@ -159,6 +189,19 @@ bool BlocksPage::handleOnKeyPressEvent(QKeyEvent* event)
         return false;
     }
 }
+
+void BlocksPage::openSelectedBlock()
+{
+    const int index = selectedIndex();
+    if (index < 0)
+        return;
+    // Going into a subsystem makes the page anew: the tile lives until its
+    // own call is done.
+    const GuiBlockPtr tile = m_blocks[std::size_t(index)];
+    tile->respondToMouseDoubleClick();
+}
+
+bool BlocksPage::hasFocusMark() const { return m_scrollView->hasFocus(); }
 
 void BlocksPage::handleShowContextMenuForSelectedBlock() { showContextMenuForSelectedBlock(); }
 

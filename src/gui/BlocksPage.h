@@ -56,6 +56,10 @@ public:
     // True when the key was the page's.
     virtual bool handleOnKeyPressEvent(QKeyEvent* event);
     virtual void handleShowContextMenuForSelectedBlock();
+    // Return on the page: the selected tile does what a double click does.
+    void openSelectedBlock();
+    // The page has the keyboard: its selected tile shows the focus mark.
+    bool hasFocusMark() const;
     virtual void showContextMenuForSelectedBlock();
 
     bool isValid() const;
@@ -90,8 +94,10 @@ public:
     // The page's font at the size in pixels that the screen gives its points.
     const QFont& getNameFont() const { return m_nameFont; }
     QColor getBackgroundColor() const { return m_backgroundColor; }
-    // A colour chosen in the preferences: the next paint of the page uses it.
-    void setBackgroundColor(const QColor& color) { m_backgroundColor = color; }
+    // The view's background runs from the first colour at its top to the
+    // second at its bottom, whatever is scrolled; the preferences dialog sets
+    // them again.
+    void setBackgroundColors(const QColor& top, const QColor& bottom);
     int getEffectiveListItemWidth() const { return m_effectiveListItemWidth; }
     int getNumIconCols() const { return m_numIconCols; }
     int getContentsWidth() const { return m_contentsWidth; }

@@ -77,8 +77,6 @@ void BlocksPanel::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     const QRect exposed = event->rect();
-    const QColor top = m_page->getBackgroundColor();
-    painter.fillRect(exposed, top);
     const auto [begin, end] = tilesInBand(exposed.top(), exposed.bottom());
     const TileMetrics& metrics = m_page->getTileMetrics();
     const GuiBlock* selected = m_page->getSelectedBlock();
@@ -86,6 +84,15 @@ void BlocksPanel::paintEvent(QPaintEvent* event)
         const GuiBlock* tile = m_tiles[i];
         if (tile->geometry().intersects(exposed))
             tile->paint(painter, metrics, tile == selected, tile == m_hovered);
+    }
+    if (selected && m_page->hasFocusMark() &&
+        std::find(m_tiles.begin() + std::ptrdiff_t(begin), m_tiles.begin() + std::ptrdiff_t(end), selected) !=
+            m_tiles.begin() + std::ptrdiff_t(end)) {
+        // A dotted line just inside the selection mark, as item views draw it.
+        QPen pen(palette().color(QPalette::Highlight), 1, Qt::DotLine);
+        painter.setPen(pen);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(selected->geometry().adjusted(2, 2, -3, -3));
     }
 }
 

@@ -26,6 +26,7 @@ namespace LibraryBrowser {
     X(LBGeometry4Window, Rect, QRect(32, 64, 600, 640)) \
     X(LBGeometry4Blocks, Rect, QRect(0, 0, 390, 410)) \
     X(LBTreeSelectionTimeout, Int, 111) \
+    X(LBTreeDockWidth, Int, 0) \
     X(LBShowBlockDesc, Bool, true) \
     X(LBWindowState, String, QString()) \
     X(LBSearchHistory, StringList, QStringList()) \

@@ -5,11 +5,11 @@
 #include "gui/BlocksPanel.h"
 #include "gui/BrowserHostCommands.h"
 #include "gui/IconPixmapCache.h"
+#include "gui/NameWrap.h"
 
 #include <QLinearGradient>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QTextLayout>
 
 #include <atomic>
 
@@ -24,29 +24,16 @@ const QColor SelectionTop = QColor::fromRgbF(0.961f, 0.976f, 1.0f);
 const QColor SelectionBottom = QColor::fromRgbF(0.686f, 0.875f, 0.906f);
 const QColor BoxStroke = QColor::fromRgbF(0.8f, 0.8f, 0.8f);
 
-// The corners of a stretched list item stay as round as those of a tile.
-qreal cornerRadius(int width) { return 0.06 / ((width + 64) * 0.0078125) * 64; }
+const QColor HoverStroke = QColor::fromRgbF(0.95f, 0.95f, 0.95f);
 
-// Up to two lines of name in the rectangle, centred, the second elided.
+// Up to two lines of name in the rectangle, the second elided.
 void drawTwoLines(QPainter& painter, const QRect& rect, const QString& text, Qt::Alignment horizontal)
 {
     const QFontMetrics metrics(painter.font());
-    QTextLayout layout(text, painter.font());
-    QTextOption option(horizontal);
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    layout.setTextOption(option);
-    layout.beginLayout();
-    QStringList lines;
-    for (int i = 0; i < 2; ++i) {
-        QTextLine line = layout.createLine();
-        if (!line.isValid())
-            break;
-        line.setLineWidth(rect.width());
-        lines.append(text.mid(line.textStart(), line.textLength()).trimmed());
-        if (i == 1 && line.textStart() + line.textLength() < text.size())
-            lines.back() = metrics.elidedText(text.mid(line.textStart()), Qt::ElideRight, rect.width());
-    }
-    layout.endLayout();
+    QStringList lines = NameWrap::wrapName(text, rect.width(), 2,
+                                           [&metrics](const QString& line) { return metrics.horizontalAdvance(line); });
+    if (!lines.isEmpty())
+        lines.back() = metrics.elidedText(lines.back(), Qt::ElideRight, rect.width());
     const int lineHeight = metrics.height();
     int y = horizontal == Qt::AlignHCenter ? rect.top() : rect.top() + (rect.height() - lineHeight * int(lines.size())) / 2;
     for (const QString& line : lines) {
@@ -108,20 +95,14 @@ void GuiBlock::paint(QPainter& painter, const TileMetrics& metrics, bool selecte
     const int height = m_geometry.height();
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF frame(0.5, 0.5, width - 1, height - 1);
-    const qreal radius = cornerRadius(width);
+    const QSizeF radii = metrics.cornerRadii(width);
     if (selected) {
         QLinearGradient gradient(0, 0, 0, height);
         gradient.setColorAt(0, SelectionTop);
         gradient.setColorAt(1, SelectionBottom);
         painter.setPen(SelectionStroke);
         painter.setBrush(gradient);
-        painter.drawRoundedRect(frame, radius, radius);
-    } else if (hovered) {
-        QColor tint = SelectionBottom;
-        tint.setAlphaF(0.25f);
-        painter.setPen(SelectionStroke);
-        painter.setBrush(tint);
-        painter.drawRoundedRect(frame, radius, radius);
+        painter.drawRoundedRect(frame, radii.width(), radii.height());
     }
     if (metrics.drawsBox()) {
         painter.setRenderHint(QPainter::Antialiasing, false);
@@ -148,6 +129,12 @@ void GuiBlock::paint(QPainter& painter, const TileMetrics& metrics, bool selecte
             if (!pixmap.isNull())
                 painter.drawPixmap(pixelTarget.topLeft(), pixmap);
         }
+    }
+    // The hover frame lies over everything but the name, the selection too.
+    if (hovered) {
+        painter.setPen(HoverStroke);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(frame, radii.width(), radii.height());
     }
     painter.setPen(m_panel ? m_panel->palette().text().color() : QColor(Qt::black));
     painter.setFont(m_page->getNameFont());

@@ -45,15 +45,13 @@ void ResultsBlocksPage::createMainPanel()
 {
     auto* panel = new QWidget;
     panel->setFocusPolicy(Qt::NoFocus);
-    QPalette palette = panel->palette();
-    palette.setColor(QPalette::Window, m_backgroundColor);
-    panel->setPalette(palette);
-    panel->setAutoFillBackground(true);
     auto* grid = new QGridLayout(panel);
     grid->setSpacing(0);
     grid->setContentsMargins(0, 0, 0, 0);
     panel->hide();
     m_scrollView->setWidget(panel);
+    // The view's background shows through the sections.
+    panel->setAutoFillBackground(false);
     m_mainPanel = panel;
 }
 
@@ -268,6 +266,7 @@ void ResultsBlocksPage::createSection(const Library& library, const SingleLibrar
     m_contentsHeight += m_headerHeight;
     const SectionHeader::Look look{m_font,
                                    m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarTop),
+                                   m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarBot),
                                    m_browser.getColorPref(PrefKey::LBColorSearchResultsDividerBarFrame),
                                    m_metrics.panelMargin,
                                    m_expandImage,

@@ -7,6 +7,7 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QLinearGradient>
 
 namespace LibraryBrowser {
 
@@ -30,7 +31,11 @@ SectionHeader::SectionHeader(const std::string& name, int hits, const Look& look
     setFrameStyle(QFrame::Box | QFrame::Plain);
     setLineWidth(1);
     QPalette palette = this->palette();
-    palette.setColor(QPalette::Window, look.background);
+    QLinearGradient gradient(0, 0, 0, 1);
+    gradient.setCoordinateMode(QGradient::ObjectMode);
+    gradient.setColorAt(0, look.background);
+    gradient.setColorAt(1, look.backgroundBottom);
+    palette.setBrush(QPalette::Window, gradient);
     palette.setColor(QPalette::WindowText, look.frame);
     setPalette(palette);
     // Widgets in the scroll view take its role otherwise, the page's colour.

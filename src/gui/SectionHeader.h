@@ -20,7 +20,9 @@ class SectionHeader : public QFrame {
 public:
     struct Look {
         QFont font;
+        // The bar runs from the first colour at its top to the second.
         QColor background;
+        QColor backgroundBottom;
         QColor frame;
         // Space before the title, so that it lines up with the tiles below.
         int indent = 0;

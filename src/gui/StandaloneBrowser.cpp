@@ -27,6 +27,8 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QStatusBar>
+#include <QStatusTipEvent>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
 
@@ -161,6 +163,7 @@ void StandaloneBrowser::internalReadPrefs()
     m_windowGeometry = prefs.getRect(PrefKey::LBGeometry4Window);
     m_blocksGeometry = prefs.getRect(PrefKey::LBGeometry4Blocks);
     m_treeSelectionTimeout = prefs.getInt(PrefKey::LBTreeSelectionTimeout);
+    m_treeWidth = std::max(0, prefs.getInt(PrefKey::LBTreeDockWidth));
     for (const char* key : ColorKeys)
         m_colors[key] = prefs.getColor(key);
 }
@@ -237,14 +240,21 @@ void StandaloneBrowser::internalCreateGUI()
     m_tabContainer = new QTabWidget(m_window);
     m_tabContainer->setObjectName(QStringLiteral("LBTabContainer"));
     m_tabContainer->setFocusPolicy(Qt::StrongFocus);
+    // Tab goes from the tree to the page itself, not to the tab bar, where
+    // an arrow key would change the page instead of the selection.
+    m_tabContainer->tabBar()->setFocusPolicy(Qt::NoFocus);
     m_libraryPage = std::make_unique<LibraryBlocksPage>(*this, m_layoutType, m_iconSize, m_guiFont,
                                                         getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
                                                         m_tabContainer);
+    m_libraryPage->setBackgroundColors(getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
+                                       getColorPref(PrefKey::LBColorLibraryBlocksBackgroundBot));
     m_tabContainer->addTab(m_libraryPage->getScrollView(), xlated(MessageId::TDLB_GuiLibraryBlocksTabLabel_Empty));
     m_currentTabIndex = 0;
     m_resultsPage = std::make_unique<ResultsBlocksPage>(*this, m_layoutType, m_iconSize, m_guiFont,
                                                         getColorPref(PrefKey::LBColorSearchResultsBackgroundTop),
                                                         m_tabContainer);
+    m_resultsPage->setBackgroundColors(getColorPref(PrefKey::LBColorSearchResultsBackgroundTop),
+                                       getColorPref(PrefKey::LBColorSearchResultsBackgroundBot));
     m_resultsPage->setStatusMessage(xlatedMessageFromId(MessageId::TDLB_GuiStatusBarNoSearchResults));
     m_tabContainer->addTab(m_resultsPage->getScrollView(), xlated(MessageId::TDLB_GuiSearchResultsTabLabel_Empty));
     connect(m_tabContainer, &QTabWidget::currentChanged, this, [this](int index) { internalSelectTab(index, false); });
@@ -273,7 +283,14 @@ void StandaloneBrowser::internalCreateGUI()
     m_window->restoreState(state.isEmpty() ? m_defaultWindowState : QByteArray::fromBase64(state.toLatin1()));
     m_searchDock->hide();
     m_descDock->setVisible(m_showBlockDesc);
+    m_treeDock->installEventFilter(this);
     m_tree->setFocus();
+}
+
+void StandaloneBrowser::internalRestoreTreeWidth()
+{
+    if (m_treeWidth > 0 && m_treeDock->isVisible() && m_treeDock->width() != m_treeWidth)
+        m_window->resizeDocks({m_treeDock}, {m_treeWidth}, Qt::Horizontal);
 }
 
 void StandaloneBrowser::internalFitBrowserOnScreens()
@@ -314,6 +331,7 @@ void StandaloneBrowser::internalSavePrefs()
     prefs.setRect(PrefKey::LBGeometry4Window, getPosition());
     prefs.setRect(PrefKey::LBGeometry4Blocks, m_libraryPage->getMainPanel()->geometry());
     prefs.setInt(PrefKey::LBTreeSelectionTimeout, m_treeSelectionTimeout);
+    prefs.setInt(PrefKey::LBTreeDockWidth, m_treeWidth);
     prefs.setString(PrefKey::LBWindowState, QString::fromLatin1(m_window->saveState().toBase64()));
     QStringList history;
     for (int i = 0; i < m_searchComboBox->count(); ++i)
@@ -366,6 +384,7 @@ void StandaloneBrowser::internalCloseBrowser()
     m_helperWindow = new QWidget(m_window, Qt::Window);
     m_window->hide();
     m_closedSinceShown = true;
+    emit browserClosed();
 }
 
 void StandaloneBrowser::internalDestroyOpenDialogs() { closeBlockDialogsOpenedByBrowser(); }
@@ -533,8 +552,6 @@ void StandaloneBrowser::internalSetTabLabel(BlocksPage* page, const std::string&
 
 void StandaloneBrowser::selectTabByIndex(int index) { m_tabContainer->setCurrentIndex(index); }
 
-void StandaloneBrowser::internalFocusSearchBox() { m_searchComboBox->setFocus(); }
-
 bool StandaloneBrowser::isProgressShown() const { return m_progressDialog->isVisible(); }
 
 bool StandaloneBrowser::eventFilter(QObject* watched, QEvent* event)
@@ -559,11 +576,23 @@ bool StandaloneBrowser::eventFilter(QObject* watched, QEvent* event)
                 cancelSearch();
             return true;
         }
-        if (watched == m_searchComboBox->lineEdit() && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
-            internalSearchForString(m_searchComboBox->currentText().toStdString());
-            return true;
-        }
+    } else if (event->type() == QEvent::StatusTip && watched == m_window) {
+        // A menu entry without a tip of its own leaves the window's text as it was.
+        const QString tip = static_cast<QStatusTipEvent*>(event)->tip();
+        m_window->statusBar()->showMessage(tip.isEmpty() ? QString::fromStdString(m_statusMessage) : tip);
+        return true;
+    } else if (event->type() == QEvent::MouseButtonRelease && watched == m_window) {
+        // The end of a drag of the separator beside the tree: the user's width.
+        if (m_treeDock->isVisible())
+            m_treeWidth = m_treeDock->width();
+    } else if (event->type() == QEvent::Resize && watched == m_window) {
+        QTimer::singleShot(0, this, [this] { internalRestoreTreeWidth(); });
+    } else if (event->type() == QEvent::Show && watched == m_treeDock && m_treeWidth == 0) {
+        QTimer::singleShot(0, this, [this] { m_treeWidth = m_treeDock->width(); });
     }
+    // Pointers only: the box may be in the middle of its destruction here.
+    if ((watched == m_searchComboBox || watched == m_searchEdit) && internalFilterSearchBoxEvent(event))
+        return true;
     return QObject::eventFilter(watched, event);
 }
 

@@ -25,6 +25,7 @@ class QDockWidget;
 class QFrame;
 class QGridLayout;
 class QLabel;
+class QLineEdit;
 class QListWidget;
 class QMainWindow;
 class QMenu;
@@ -193,6 +194,11 @@ public:
     bool rememberUserHiddenSections() const override { return m_rememberUserHiddenSections; }
     bool isTitleElidedMiddle() const override { return m_titleElidedMiddle; }
 
+signals:
+    // The window was closed or hidden, by the user or by a call; the
+    // preferences are saved by then.
+    void browserClosed();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -227,6 +233,13 @@ private:
     void internalPlaceDescText();
     void internalSetDescription(const QString& html);
     void internalEnableBrowser(bool enable);
+    // The search box takes the focus with its text selected, so that typing
+    // replaces it.
+    void internalFocusSearchBoxSelected();
+    // The tree pane back at the width the user gave it, as far as the
+    // window leaves room: a window made small squeezes it only for a while.
+    void internalRestoreTreeWidth();
+    bool internalFilterSearchBoxEvent(QEvent* event);
     void handleAboutToShowEditMenu();
     void handleOnHideEditMenu();
     void handleAboutToShowViewMenu();
@@ -293,6 +306,9 @@ private:
     int m_treeSelectionTimeout = 111;
     int m_currentTabIndex = -1;
     int m_progressShown = 0;
+    // The tree pane's width as the user last dragged it (or as it was
+    // restored); 0 until known.
+    int m_treeWidth = 0;
     QFont m_guiFont;
     LayoutType m_layoutType = LayoutType::List;
     IconSize m_iconSize = IconSize::Small;
@@ -335,6 +351,8 @@ private:
     QTimer* m_selectionTimer = nullptr;
     QListWidget* m_searchListBox = nullptr;
     QComboBox* m_searchComboBox = nullptr;
+    // The box's line edit, known before the box goes.
+    QLineEdit* m_searchEdit = nullptr;
     QToolButton* m_searchOptionsButton = nullptr;
     QProgressDialog* m_progressDialog = nullptr;
     QMenu* m_contextMenu = nullptr;

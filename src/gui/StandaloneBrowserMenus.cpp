@@ -161,7 +161,12 @@ void StandaloneBrowser::internalCreateToolBar()
     m_searchComboBox->addItems(m_prefs->getStringList(PrefKey::LBSearchHistory).mid(0, SEARCH_HISTORY_LIMIT));
     m_searchComboBox->setCurrentIndex(-1);
     m_searchComboBox->setEditText(QString::fromStdString(m_searchPrompt));
-    m_searchComboBox->lineEdit()->installEventFilter(this);
+    // The history is offered in the drop-down only: completing what is
+    // typed would search another text than the user's ("del" for "delay").
+    m_searchComboBox->setCompleter(nullptr);
+    m_searchEdit = m_searchComboBox->lineEdit();
+    m_searchComboBox->installEventFilter(this);
+    m_searchEdit->installEventFilter(this);
 
     auto* searchButton = new QToolButton(m_window);
     searchButton->setObjectName(QStringLiteral("LBSearchButton"));
@@ -221,7 +226,7 @@ void StandaloneBrowser::handleAboutToShowEditMenu()
     std::string text = m_searchComboBox->currentText().toStdString();
     if (validateSearchString(text) && text != m_searchPrompt) {
         find->setText(QString::fromStdString(
-            xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiEditMenuFindString, "'" + text + "'")));
+            xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiEditMenuFindString, "'" + escapeAmpersands(text) + "'")));
     } else {
         find->setText(xlated(MessageId::TDLB_GuiEditMenuFindNoString));
         find->setEnabled(false);

@@ -14,9 +14,13 @@
 #include <QComboBox>
 #include <QDockWidget>
 #include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
+#include <QScrollArea>
 #include <QTabWidget>
+#include <QTimer>
 
 #include <stdexcept>
 
@@ -77,7 +81,7 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     if (text == m_searchPrompt) {
         m_searchComboBox->setEditText(prompt);
         m_searchComboBox->setToolTip(QString::fromStdString(xlatedMessageFromId(MessageId::TDLB_GuiSearchEditAreaToolTip)));
-        m_searchComboBox->setFocus();
+        internalFocusSearchBoxSelected();
         return;
     }
 
@@ -186,7 +190,9 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     }
 
     const std::string quoted = escapeAmpersands(text);
-    if (results.numBlocks + results.numSubsystems > 0) {
+    const bool found = results.numBlocks + results.numSubsystems > 0;
+    bool listTakesFocus = false;
+    if (found) {
         m_lastFailedSearch.clear();
         m_searchComboBox->setToolTip(QString());
         const std::string status = xlatedMessageFromIdAndCharStarAndThreeInts(MessageId::TDLB_GuiStatusBarSearchResults,
@@ -195,12 +201,11 @@ void StandaloneBrowser::internalSearchForString(std::string text)
         internalSetStatusBarMessage(status);
         if (m_listBoxShowable && m_listBoxPrimary && m_searchListBox->count() > 0) {
             m_searchListBox->setCurrentRow(0);
-            m_searchListBox->setFocus();
+            listTakesFocus = true;
         }
         m_tabContainer->setTabText(1, QString::fromStdString(xlatedMessageFromIdAndCharStar(
                                           MessageId::TDLB_GuiSearchResultsTabLabel_Found, quoted)));
     } else {
-        m_searchComboBox->setFocus();
         m_lastFailedSearch = text;
         const std::string status = xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarNoMatchesForString, text);
         m_resultsPage->setStatusMessage(status);
@@ -216,10 +221,54 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     internalSelectTab(1, true);
     m_searching = false;
     internalEnableBrowser(true);
+    // Focus goes where a keyboard user goes on, and only now: a disabled
+    // window gives it to nobody. The hits, or the text to mend.
+    if (!found)
+        internalFocusSearchBoxSelected();
+    else if (listTakesFocus)
+        m_searchListBox->setFocus();
+    else
+        m_resultsPage->getScrollView()->setFocus(Qt::OtherFocusReason);
     if (cancelled) {
-        m_statusMessage += "    Search cancelled: showing the matches found before it stopped";
+        m_statusMessage += "    " + xlatedMessageFromId(MessageId::TDLB_GuiStatusBarSearchCancelled);
         internalSetStatusBarMessage(m_statusMessage);
     }
+}
+
+void StandaloneBrowser::internalFocusSearchBox() { m_searchComboBox->setFocus(Qt::TabFocusReason); }
+
+void StandaloneBrowser::internalFocusSearchBoxSelected()
+{
+    m_searchComboBox->setFocus(Qt::OtherFocusReason);
+    m_searchComboBox->lineEdit()->selectAll();
+}
+
+bool StandaloneBrowser::internalFilterSearchBoxEvent(QEvent* event)
+{
+    // The box forwards its keys to its line edit without event filters: both
+    // are watched, for keys sent to either.
+    if (event->type() == QEvent::KeyPress) {
+        const auto* press = static_cast<QKeyEvent*>(event);
+        if (press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter) {
+            internalSearchForString(m_searchComboBox->currentText().toStdString());
+            return true;
+        }
+        // Whatever the cursor's place in the prompt, what is typed replaces it.
+        const bool typed = !press->text().isEmpty() && press->text().front().isPrint() &&
+                           !(press->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+        if (typed && m_searchComboBox->currentText().toStdString() == m_searchPrompt)
+            m_searchComboBox->lineEdit()->selectAll();
+    } else if (event->type() == QEvent::FocusIn &&
+               m_searchComboBox->currentText().toStdString() == m_searchPrompt) {
+        // The prompt is no text of the user's: focused in any way, it is
+        // selected, so that typing replaces it. After the click that gave the
+        // focus has placed the cursor.
+        QTimer::singleShot(0, m_searchComboBox, [this] {
+            if (m_searchComboBox->hasFocus() && m_searchComboBox->currentText().toStdString() == m_searchPrompt)
+                m_searchComboBox->lineEdit()->selectAll();
+        });
+    }
+    return false;
 }
 
 void StandaloneBrowser::internalSearchResultsListBoxItemChosen(int index)

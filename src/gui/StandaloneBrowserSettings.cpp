@@ -27,12 +27,6 @@ void paintBackground(QWidget* widget, const QColor& color)
     widget->update();
 }
 
-void recolourPage(BlocksPage& page, const QColor& color)
-{
-    page.setBackgroundColor(color);
-    paintBackground(page.getScrollView(), color);
-    paintBackground(page.getMainPanel(), color);
-}
 
 } // namespace
 
@@ -57,8 +51,10 @@ void StandaloneBrowser::applySettings(const BrowserSettings& settings)
         if (m_colors.count(key) && color.isValid())
             m_colors[key] = color;
     paintBackground(m_descScrollView, getColorPref(PrefKey::LBColorBlocksDescriptionBackground));
-    recolourPage(*m_libraryPage, getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop));
-    recolourPage(*m_resultsPage, getColorPref(PrefKey::LBColorSearchResultsBackgroundTop));
+    m_libraryPage->setBackgroundColors(getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop),
+                                       getColorPref(PrefKey::LBColorLibraryBlocksBackgroundBot));
+    m_resultsPage->setBackgroundColors(getColorPref(PrefKey::LBColorSearchResultsBackgroundTop),
+                                       getColorPref(PrefKey::LBColorSearchResultsBackgroundBot));
 
     const int size = std::clamp(settings.fontSize, BrowserSettings::minFontSize, BrowserSettings::maxFontSize);
     if (!settings.fontFamily.isEmpty())

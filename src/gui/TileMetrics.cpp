@@ -48,4 +48,14 @@ QRect TileMetrics::stackedBox(int depth) const
     return QRect(box.x() + offset, box.y() + offset, box.width() - 6, box.height() - 6);
 }
 
+QSizeF TileMetrics::cornerRadii(int tileWidth) const
+{
+    constexpr double radius = 0.06;
+    if (layout == LayoutType::List) {
+        const double stretched = radius / ((tileWidth + 64) * 0.0078125) * 64;
+        return {stretched, stretched};
+    }
+    return {radius * tileWidth, radius * height};
+}
+
 } // namespace LibraryBrowser

@@ -3,6 +3,7 @@
 #include "gui/BrowserUtils.h"
 
 #include <QRect>
+#include <QSizeF>
 
 namespace LibraryBrowser {
 
@@ -38,6 +39,10 @@ struct TileMetrics {
     // with children (back to front).
     bool drawsBox() const { return size != IconSize::Compact; }
     QRect stackedBox(int depth) const;
+    // The x and y radii in pixels of the corners of the selection mark and
+    // the hover frame: 0.06 of a tile's width and height; a list item
+    // stretched to the view's width keeps them as round as a narrow one.
+    QSizeF cornerRadii(int tileWidth) const;
 };
 
 } // namespace LibraryBrowser

@@ -18,6 +18,10 @@ class Repository : public QObject, public RepositoryWriter, public RepositoryRea
     Q_OBJECT
 
 public:
+    // The id of the warning that the writable store can't be written and the
+    // stores are read as they are; it is also said once on standard error.
+    static constexpr const char* ReadOnlyWarningId = "Tandril:Repository:ReadOnlyPreferences";
+
     // Both bases ask for the report; one answer serves both.
     RepositoryReportPtr getRepositoryReport() const override = 0;
 

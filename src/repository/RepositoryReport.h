@@ -49,6 +49,12 @@ public:
     // fault met in many places is shown to the user once.
     IssueList takeUniqueWarnings();
 
+    // A read found the store changed by another process and could not read
+    // it again: what it answered may be short. Kept until the report goes;
+    // the commands that read exit with a failure when it is set.
+    void noteIncompleteRead() { m_incompleteRead = true; }
+    bool hadIncompleteRead() const { return m_incompleteRead; }
+
     void logToConsoleInteractively(bool echo) { m_consoleEcho = echo; }
     bool isLoggingToConsole() const { return m_consoleEcho; }
 
@@ -76,6 +82,7 @@ private:
     int m_logLevel = -1;
     bool m_hasErrorFlag = false;
     bool m_hasWarningFlag = false;
+    bool m_incompleteRead = false;
 };
 
 using RepositoryReportPtr = std::shared_ptr<RepositoryReport>;

@@ -37,7 +37,7 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
     NRInitialize_td_lib_browse();
     EXPECT_TRUE(Module::isInitialized());
     EXPECT_EQ(host.events, (std::vector<std::string>{"initializeDesignTools", "loadToolkitBridge qt",
-                                                     "addMessageTable 5E 128", "addPackage Repository"}));
+                                                     "addMessageTable 5E 129", "addPackage Repository"}));
     EXPECT_EQ(first->localClasses().size(), 1u) << "the class is registered once";
     EXPECT_EQ(environment.rootQueries, 1) << "the start fills the host root once";
     EXPECT_TRUE(host.shutdownRegistry().contains("TDLibBrowse"));

@@ -1,8 +1,9 @@
 // The window's rules that need no widget: where a saved window goes on the
 // screens there are, where the description text goes, and the search box's
-// history.
+// history, and where a tile's name wraps.
 
 #include "gui/BrowserLayoutRules.h"
+#include "gui/NameWrap.h"
 #include "gui/SearchHistory.h"
 
 #include <gtest/gtest.h>
@@ -108,6 +109,34 @@ TEST(SearchHistoryTest, ATextThatFoundNothingLeavesAtTheNextSearchAndIsNeverSave
     // A successful last search leaves everything.
     EXPECT_EQ(SearchHistory::toSave(items, QString()), items);
     EXPECT_EQ(SearchHistory::beforeSearch(items, "sum", QString(), prompt, 24).size(), 4);
+}
+
+TEST(NameWrapTest, NamesWrapWhereAReaderExpectsBeforeAnywhereElse)
+{
+    struct Case {
+        const char* name;
+        int width;
+        QStringList lines;
+    };
+    // One unit per character; two lines at most, the second keeps the rest.
+    const Case cases[] = {
+        {"Gain", 10, {"Gain"}},
+        {"Transport Delay", 10, {"Transport", "Delay"}},
+        {"Integrator Limited", 12, {"Integrator", "Limited"}},
+        {"Zero-Order Hold", 11, {"Zero-Order", "Hold"}},
+        {"Zero-Order Hold", 6, {"Zero-", "Order Hold"}},
+        {"my_block_name", 9, {"my_block_", "name"}},
+        {"SignalGenerator", 10, {"Signal", "Generator"}},
+        {"PIDController", 8, {"PID", "Controller"}},
+        // No place to wrap fits: the line breaks where the width ends.
+        {"Abcdefghijklmnop", 5, {"Abcde", "fghijklmnop"}},
+        {"Unit  Delay ", 5, {"Unit", "Delay"}},
+    };
+    const auto widthOf = [](const QString& text) { return int(text.size()); };
+    for (const Case& c : cases)
+        EXPECT_EQ(NameWrap::wrapName(c.name, c.width, 2, widthOf), c.lines) << c.name << " in " << c.width;
+    EXPECT_EQ(NameWrap::wrapName("Discrete Transfer Fcn", 9, 3, widthOf),
+              (QStringList{"Discrete", "Transfer", "Fcn"}));
 }
 
 } // namespace

@@ -11,12 +11,18 @@
 #include "support/Files.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QComboBox>
 #include <QDateTime>
 #include <QDockWidget>
 #include <QFile>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMenu>
 #include <QMessageBox>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QStatusTipEvent>
 #include <QTabWidget>
 #include <QTest>
 
@@ -211,6 +217,58 @@ TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
     EXPECT_EQ(window.getIconSize(), IconSize::Large);
     EXPECT_TRUE(window.action(BrowserAction::LargeIcons)->isChecked());
     EXPECT_FALSE(window.action(BrowserAction::SmallIcons)->isChecked());
+}
+
+TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
+{
+    StandaloneBrowser& window = open();
+    window.window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.window()));
+    QScrollArea* page = window.libraryPage()->getScrollView();
+
+    // Tab from the tree reaches the page, not the tab bar; the first key acts.
+    window.tree()->setFocus();
+    QTest::keyClick(window.tree(), Qt::Key_Tab);
+    ASSERT_EQ(QApplication::focusWidget(), page);
+    EXPECT_TRUE(window.libraryPage()->hasFocusMark());
+    const std::vector<std::string> tiles = window.getLibraryPageBlockNames();
+    ASSERT_GT(tiles.size(), 1u);
+    QTest::keyClick(page, Qt::Key_Right);
+    EXPECT_EQ(window.getSelectedBlockName(), tiles[1]);
+    // Return on a subsystem goes into it, as a double click does.
+    QTest::keyClick(page, Qt::Key_Return);
+    EXPECT_EQ(window.getCurrentTreeNode(), tiles[1]);
+    const QString status = QString::fromStdString("Showing: " + tiles[1]);
+    EXPECT_EQ(window.window()->statusBar()->currentMessage(), status);
+
+    // A menu entry without a tip of its own leaves the status text.
+    QStatusTipEvent tip{QString()};
+    QApplication::sendEvent(window.window(), &tip);
+    EXPECT_EQ(window.window()->statusBar()->currentMessage(), status);
+
+    // Edit > Find names the text with its ampersand doubled.
+    window.searchComboBox()->setEditText("R&D");
+    QMenu* edit = window.action(BrowserAction::Find)->associatedObjects().isEmpty()
+                      ? nullptr
+                      : qobject_cast<QMenu*>(window.action(BrowserAction::Find)->associatedObjects().first());
+    ASSERT_NE(edit, nullptr);
+    emit edit->aboutToShow();
+    EXPECT_EQ(window.action(BrowserAction::Find)->text(), "&Find 'R&&D'");
+
+    // A window made small squeezes the tree only until it grows again, and
+    // the width the user gave is what is saved.
+    QDockWidget* tree = dock("LBTreeDockWidget");
+    const int width = tree->width();
+    window.window()->resize(320, window.window()->height());
+    settle(50);
+    EXPECT_LT(tree->width(), width);
+    window.window()->resize(900, window.window()->height());
+    settle(50);
+    EXPECT_EQ(tree->width(), width);
+    window.window()->resize(320, window.window()->height());
+    settle(50);
+    window.closeBrowser();
+    EXPECT_EQ(BrowserPreferences(preferencesFile()).getInt(PrefKey::LBTreeDockWidth), width);
 }
 
 TEST_F(BrowserWindowTest, APageResizedBehindTheOtherTabIsLaidOutWhenShown)

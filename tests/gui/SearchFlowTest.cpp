@@ -7,11 +7,13 @@
 #include "gui/ResultsBlocksPage.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -198,6 +200,52 @@ TEST_F(SearchFlowTest, EscapeStopsTheWalkAndShowsWhatWasFound)
     // The same text again is a new walk, not a repeat of the cut one.
     window.searchForBlock("Delay");
     EXPECT_EQ(window.getResultsPageSectionNames().size(), 2u);
+}
+
+// Keys reach an editable combo box, not its line edit: the box forwards
+// them without the line edit's event filters. So the keys below go where a
+// keyboard sends them.
+TEST_F(SearchFlowTest, TheSearchBoxActsAsAPromptAndFocusGoesWhereTheUserGoesOn)
+{
+    StandaloneBrowser& window = browser();
+    QComboBox* box = window.searchComboBox();
+    window.window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.window()));
+
+    // Focused, the prompt is selected: typing replaces it.
+    QTest::mouseClick(box->lineEdit(), Qt::LeftButton, {}, QPoint(30, 5));
+    settle(50);
+    EXPECT_EQ(box->lineEdit()->selectedText(), "Enter search term");
+    // A second click places the cursor in the prompt; typing still replaces it.
+    QTest::mouseClick(box->lineEdit(), Qt::LeftButton, {}, QPoint(30, 5));
+    QTest::keyClicks(box, "Delay");
+    EXPECT_EQ(box->currentText(), "Delay");
+    QTest::keyClick(box, Qt::Key_Return);
+    EXPECT_EQ(resultsTabTitle(), "Found: 'Delay'");
+    EXPECT_EQ(QApplication::focusWidget(), window.resultsPage()->getScrollView());
+
+    // The history offers "Delay" in its list but never completes into what
+    // is typed: Ctrl+F searches "del".
+    box->setFocus();
+    box->lineEdit()->selectAll();
+    QTest::keyClicks(box, "del");
+    QTest::keyClick(window.window(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(resultsTabTitle(), "Found: 'del'");
+
+    // Nothing found: the box has the focus back, its text selected.
+    box->setFocus();
+    box->lineEdit()->selectAll();
+    QTest::keyClicks(box, "zzqq");
+    QTest::keyClick(box, Qt::Key_Enter);
+    EXPECT_EQ(resultsTabTitle(), "Not found: 'zzqq'");
+    EXPECT_EQ(QApplication::focusWidget(), box);
+    EXPECT_EQ(box->lineEdit()->selectedText(), "zzqq");
+
+    // An empty box and Ctrl+F: the prompt, selected, and no search.
+    box->lineEdit()->clear();
+    QTest::keyClick(window.window(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(box->lineEdit()->selectedText(), "Enter search term");
+    EXPECT_EQ(resultsTabTitle(), "Not found: 'zzqq'");
 }
 
 } // namespace

@@ -12,6 +12,10 @@
 #include <QStorageInfo>
 
 #include <unistd.h>
+#include <utime.h>
+
+#include <unistd.h>
+#include <utime.h>
 
 #include <gtest/gtest.h>
 
@@ -149,8 +153,8 @@ TEST_F(TempDirectoriesTest, NoUsableSystemTemporaryDirectory)
     EXPECT_EQ(errorMessages(report), (Messages{"Unable to create a temporary directory"}));
 }
 
-// Left-overs of ended processes go; those of running ones, our own, other
-// names and directories without an owner file stay.
+// Left-overs of ended processes go, and unmarked ones after a while; those of
+// running ones, our own, other names, new unmarked ones and other users' stay.
 TEST_F(TempDirectoriesTest, LeftOversOfEndedProcessesAreRemovedAndNothingElse)
 {
     QProcess ended, running;
@@ -174,15 +178,26 @@ TEST_F(TempDirectoriesTest, LeftOversOfEndedProcessesAreRemovedAndNothingElse)
     const std::string reused = makeDirectory("LBTop2" + unique, QString::number(getppid()) + " 1\n");
     const std::string alive = makeDirectory("LBCache9" + unique, QString::number(running.processId()) + " \n");
     const std::string unowned = makeDirectory("LBCache8" + unique, QString());
+    // Unmarked for an hour: its process ended between making and marking it.
+    const std::string unmarkedLong = makeDirectory("LBCache6" + unique, QString());
+    const time_t hourAgo = time(nullptr) - 3600;
+    const utimbuf times{hourAgo, hourAgo};
+    ASSERT_EQ(::utime(unmarkedLong.c_str(), &times), 0);
     const std::string foreign = makeDirectory("LBother" + unique, QString::number(endedPid));
+    // Another user's, of an ended process: left to its owner, and no error.
+    const std::string othersGone = makeDirectory("LBwriter4" + unique, QString::number(endedPid) + " 1234\n");
+    const bool othersMade = ::chown(othersGone.c_str(), 65534, 65534) == 0;
 
     TempDirectoryOwners::removeLeftOvers(report);
     EXPECT_FALSE(exists(gone));
     EXPECT_FALSE(exists(reused)) << "a running process of that id that started at another time is another process";
     EXPECT_TRUE(exists(alive));
     EXPECT_TRUE(exists(unowned));
+    EXPECT_FALSE(exists(unmarkedLong));
     EXPECT_TRUE(exists(foreign));
     EXPECT_TRUE(exists(mine));
+    if (othersMade)
+        EXPECT_TRUE(exists(othersGone));
     EXPECT_FALSE(report.hasError());
     running.kill();
     running.waitForFinished();

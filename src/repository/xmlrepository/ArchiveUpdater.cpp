@@ -199,9 +199,15 @@ bool ArchiveUpdater::publishArchives(LibraryImpl& product)
 
 bool ArchiveUpdater::removeArchive(const std::string& path)
 {
-    const QString file = qs(path);
-    if (QFile::exists(file) && (FileFaults::failNow(FileFaults::Remove, path) || !QFile::remove(file))) {
-        m_context.report->logError("Unable to remove archive " + path);
+    QFile file(qs(path));
+    if (!file.exists())
+        return true;
+    if (FileFaults::failNow(FileFaults::Remove, path)) {
+        m_context.report->logError("Unable to remove archive " + path + ": " + FileFaults::message());
+        return false;
+    }
+    if (!file.remove()) {
+        m_context.report->logError("Unable to remove archive " + path + ": " + file.errorString().toStdString());
         return false;
     }
     return true;

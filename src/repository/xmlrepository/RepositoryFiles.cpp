@@ -14,10 +14,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QThread>
 
 #include <algorithm>
 #include <vector>
+
+#include <sys/stat.h>
 
 namespace LibraryBrowser {
 
@@ -117,6 +120,69 @@ std::string computeCheckSum(RepositoryReport& report, const std::string& path)
     return text;
 }
 
+namespace {
+
+// Writes the source into a new file beside the destination and renames it
+// over the destination: another process sees the old file or the new one,
+// never a part, and a process killed midway leaves the old one. Empty on
+// success, else the system's reason.
+QString replaceByCopy(const std::string& source, const std::string& destination)
+{
+    QFile in(qs(source));
+    if (!in.open(QIODevice::ReadOnly))
+        return in.errorString();
+    if (FileFaults::failNow(FileFaults::Copy, destination))
+        return QString::fromLatin1(FileFaults::message());
+    QSaveFile out(qs(destination));
+    // Only the directory's permission decides, as for the removal and copy
+    // this replaces: a read-only file in a writable directory is replaced.
+    out.setDirectWriteFallback(false);
+    const QFileInfo existing(qs(destination));
+    if (existing.exists() && !existing.isWritable())
+        QFile::setPermissions(qs(destination), QFile::permissions(qs(destination)) | QFileDevice::WriteOwner);
+    if (!out.open(QIODevice::WriteOnly))
+        return out.errorString();
+    const qint64 chunk = std::clamp<qint64>(in.size(), 1, ChecksumChunkSize);
+    for (;;) {
+        const QByteArray bytes = in.read(chunk);
+        if (bytes.isEmpty())
+            break;
+        if (out.write(bytes) != bytes.size()) {
+            const QString reason = out.errorString();
+            out.cancelWriting();
+            return reason;
+        }
+    }
+    if (in.error() != QFileDevice::NoError) {
+        out.cancelWriting();
+        return in.errorString();
+    }
+    if (FileFaults::failNow(FileFaults::Rename, destination)) {
+        out.cancelWriting();
+        return QString::fromLatin1(FileFaults::message());
+    }
+    if (!out.commit())
+        return out.errorString();
+    return QString();
+}
+
+// Why the destination can't be replaced, or empty if it can (or isn't there).
+QString replacementProblem(const std::string& destination)
+{
+    const QFileInfo target(qs(destination));
+    if (!target.exists() && !target.isSymLink())
+        return QString();
+    if (FileFaults::failNow(FileFaults::Remove, destination))
+        return QString::fromLatin1(FileFaults::message());
+    if (target.isDir())
+        return QStringLiteral("it is a directory");
+    if (!QFileInfo(target.absolutePath()).isWritable())
+        return QStringLiteral("Permission denied");
+    return QString();
+}
+
+} // namespace
+
 bool copyFile(RepositoryReport& report, const std::string& source, const std::string& destination)
 {
     if (!fileExists(source)) {
@@ -131,26 +197,43 @@ bool copyFile(RepositoryReport& report, const std::string& source, const std::st
         report.logError("Unable to create directory " + directory.absolutePath().toStdString());
         return false;
     }
-    if (isAutomatedBuildUser()) {
-        // Another process may hold the destination for a moment.
-        for (int attempt = 0; attempt < RetryCount; ++attempt) {
-            if (QFile::exists(target) && !FileFaults::failNow(FileFaults::Remove, destination))
-                QFile::remove(target);
-            if (!FileFaults::failNow(FileFaults::Copy, destination) && QFile::copy(qs(source), target))
-                return true;
+    // On the build account another process may hold the destination for a moment.
+    const int attempts = isAutomatedBuildUser() ? RetryCount : 1;
+    QString reason;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (attempt > 0)
             pause(RetryPause);
-        }
-    } else {
-        if (QFile::exists(target)
-            && (FileFaults::failNow(FileFaults::Remove, destination) || !QFile::remove(target))) {
-            report.logError("Unable to remove " + destination);
+        reason = replacementProblem(destination);
+        if (!reason.isEmpty()) {
+            if (attempt + 1 < attempts)
+                continue;
+            report.logError("Unable to remove " + destination + ": " + reason.toStdString());
             return false;
         }
-        if (!FileFaults::failNow(FileFaults::Copy, destination) && QFile::copy(qs(source), target))
+        reason = replaceByCopy(source, destination);
+        if (reason.isEmpty())
             return true;
     }
-    report.logError("Unable to copy " + source + " to " + destination);
+    report.logError("Unable to copy " + source + " to " + destination + ": " + reason.toStdString());
     return false;
+}
+
+FileStamp fileStamp(const std::string& path)
+{
+    struct stat status {};
+    if (::stat(QFile::encodeName(qs(path)).constData(), &status) != 0)
+        return FileStamp();
+    return FileStamp{true, std::uint64_t(status.st_ino), std::uint64_t(status.st_size),
+                     std::int64_t(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec};
+}
+
+FileStamp fileStamp(const QFile& file)
+{
+    struct stat status {};
+    if (file.handle() < 0 || ::fstat(file.handle(), &status) != 0)
+        return FileStamp();
+    return FileStamp{true, std::uint64_t(status.st_ino), std::uint64_t(status.st_size),
+                     std::int64_t(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec};
 }
 
 bool holdsBytes(const std::string& path, const QByteArray& bytes)

@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 
+class QFile;
+
 #include <cstdint>
 #include <string>
 
@@ -30,8 +32,28 @@ FileInfo fileInfoOf(RepositoryReport& report, const std::string& fileSpec);
 // file is read in chunks, so its size doesn't matter.
 std::string computeCheckSum(RepositoryReport& report, const std::string& path);
 // The checked copy: replaces the destination, making its directory if
-// needed. False, and an error, on any failure.
+// needed. The new file is written beside the destination and renamed over
+// it, so that another process sees the old or the new file, never a part.
+// False, and an error with the system's reason, on any failure; the
+// destination is then as it was.
 bool copyFile(RepositoryReport& report, const std::string& source, const std::string& destination);
+// One state of a file: a file replaced by a rename has a new inode, one
+// written in place a new time.
+struct FileStamp {
+    bool exists = false;
+    std::uint64_t inode = 0;
+    std::uint64_t size = 0;
+    std::int64_t modified = 0; // nanoseconds since the epoch
+
+    bool operator==(const FileStamp& other) const
+    {
+        return exists == other.exists && inode == other.inode && size == other.size && modified == other.modified;
+    }
+    bool operator!=(const FileStamp& other) const { return !(*this == other); }
+};
+// The stamp of the file at the path now, or of an open file.
+FileStamp fileStamp(const std::string& path);
+FileStamp fileStamp(const QFile& file);
 // Whether the file exists and holds exactly these bytes; false when it can't
 // be read.
 bool holdsBytes(const std::string& path, const QByteArray& bytes);

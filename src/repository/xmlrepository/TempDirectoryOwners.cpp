@@ -1,10 +1,13 @@
 #include "repository/xmlrepository/TempDirectoryOwners.h"
 
+#include "repository/RepositoryReport.h"
 #include "repository/xmlrepository/TempDirectories.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -30,6 +33,10 @@ QString startTimeOf(qint64 pid)
     constexpr int startTimeField = 22 - 3;
     return fields.size() > startTimeField ? fields[startTimeField] : QString();
 }
+
+// Seconds after which a directory of our names without an owner file counts
+// as left over.
+constexpr qint64 UnownedAge = 600;
 
 bool processExists(qint64 pid)
 {
@@ -78,15 +85,29 @@ void TempDirectoryOwners::removeLeftOvers(RepositoryReport& report)
     for (const QString& name : base.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
         if (!ours.match(name).hasMatch())
             continue;
-        QFile owner(base.filePath(name) + QLatin1Char('/') + QLatin1String(OwnerFileName));
-        // Without an owner file the directory may be one another process is
-        // making this moment: leave it.
-        if (!owner.open(QIODevice::ReadOnly))
+        const QString path = base.filePath(name);
+        const QFileInfo info(path);
+        QFile owner(path + QLatin1Char('/') + QLatin1String(OwnerFileName));
+        if (owner.open(QIODevice::ReadOnly)) {
+            const QString text = QString::fromLatin1(owner.readAll());
+            owner.close();
+            if (ownerIsRunning(text))
+                continue;
+        } else if (info.lastModified().secsTo(QDateTime::currentDateTime()) < UnownedAge) {
+            // Without an owner file the directory may be one another process
+            // is making this moment; one that has stayed so for long lost its
+            // process between making it and marking it.
             continue;
-        const QString text = QString::fromLatin1(owner.readAll());
-        owner.close();
-        if (!ownerIsRunning(text))
-            removeDirectory(report, base.filePath(name).toStdString());
+        }
+        // Another user's directory, or one that can't be taken away, is
+        // left as it is: it is no fault of this run.
+        if (info.ownerId() != uint(::getuid()) || !QFileInfo(base.absolutePath()).isWritable()) {
+            report.log("Leaving the temporary directory " + path.toStdString() + " of an ended process to its owner");
+            continue;
+        }
+        if (!QDir(path).removeRecursively())
+            report.log("Unable to remove the temporary directory " + path.toStdString()
+                       + " of an ended process; leaving it");
     }
 }
 

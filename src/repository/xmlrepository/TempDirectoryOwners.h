@@ -10,8 +10,9 @@ class RepositoryReport;
 // process makes gets an owner file with the process's id and start time; a
 // later process removes the directories whose owner has ended, which a killed
 // process leaves behind. Only directories of our own names ("LBwriter",
-// "LBCache", "LBTop", a number and the unique part) that carry an owner file
-// are ever touched.
+// "LBCache", "LBTop", a number and the unique part) of the user running are
+// ever touched: those with an owner file, and those left without one for ten
+// minutes (their process ended between making and marking them).
 class TempDirectoryOwners {
 public:
     static constexpr const char* OwnerFileName = ".lbowner";

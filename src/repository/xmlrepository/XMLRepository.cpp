@@ -7,8 +7,10 @@
 #include "platform/Platform.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/StoredDataCheck.h"
 #include "repository/xmlrepository/TempDirectoryOwners.h"
+#include "repository/xmlrepository/XMLRepositoryReaderCache.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -16,6 +18,7 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+#include <cstdio>
 #include <set>
 #include <unordered_map>
 
@@ -41,6 +44,13 @@ std::string blocksDirectory(RepositoryReport& report, const std::string& store, 
     if (create && !QDir().mkpath(qs(directory)))
         report.logError("Unable to create top level manifest directory " + directory);
     return directory;
+}
+
+// Whether the writable store can take what the writer makes.
+bool isWritableDirectory(const std::string& directory)
+{
+    const QFileInfo info(qs(directory));
+    return info.isDir() && info.isWritable();
 }
 
 } // namespace
@@ -69,6 +79,19 @@ XMLRepository::XMLRepository(const std::string& writableDirectory, const std::st
 void XMLRepository::buildParts()
 {
     m_report->logToConsoleInteractively(false);
+    m_readOnly = !isWritableDirectory(m_writableDirectory);
+    if (m_readOnly) {
+        const std::string message = "The preferences directory " + m_writableDirectory
+                                    + " can't be written: the repository is read as shipped, and nothing can be "
+                                      "written or updated.";
+        m_report->logWarning(ReadOnlyWarningId, message);
+        // Once per process and store, however many repositories are opened on it.
+        static std::set<std::string> told;
+        if (told.insert(m_writableDirectory).second) {
+            std::fprintf(stderr, "%s\n", message.c_str());
+            std::fflush(stderr);
+        }
+    }
     // What killed processes left in the temporary directory goes at the
     // first opening of a repository in this process.
     TempDirectoryOwners::removeLeftOversOnce(*m_report);
@@ -134,8 +157,20 @@ BlockIconPtr XMLRepository::getIcon(const TandrilObject& object)
     return m_cache->getIcon(object);
 }
 
+bool XMLRepository::refuseWriting()
+{
+    if (m_readOnly)
+        m_report->logError("Nothing can be written: the preferences directory " + m_writableDirectory
+                           + " can't be written");
+    return m_readOnly;
+}
+
 void XMLRepository::generateRepository(GenerationMode mode)
 {
+    if (refuseWriting())
+        return;
+    const StoreLock lock(*m_report, m_writableDirectory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
     if (mode == GenerationMode::Regenerate) {
         m_writer->generateRepository(mode);
     } else {
@@ -147,14 +182,21 @@ void XMLRepository::generateRepository(GenerationMode mode)
 
 void XMLRepository::generateProduct(const Library& product, GenerationMode mode)
 {
-    if (m_shippedReader->isProductUpToDate(product, mode == GenerationMode::IgnoreTimestamp))
+    if (m_shippedReader->isProductUpToDate(product, mode == GenerationMode::IgnoreTimestamp) || refuseWriting())
         return;
+    const StoreLock lock(*m_report, m_writableDirectory);
     m_writer->generateProduct(product, mode);
     forgetTopLevelManifests();
 }
 
 void XMLRepository::updateProducts()
 {
+    // Nothing to bring in step where nothing can be written: the stores are
+    // read as they are.
+    if (m_readOnly)
+        return;
+    const StoreLock lock(*m_report, m_writableDirectory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
     syncTopLevelManifest();
     m_writer->updateProducts();
     forgetTopLevelManifests();
@@ -162,6 +204,9 @@ void XMLRepository::updateProducts()
 
 void XMLRepository::destroyRepository()
 {
+    if (refuseWriting())
+        return;
+    const StoreLock lock(*m_report, m_writableDirectory);
     const std::string token = getTopLevelTokenFile(*m_report, m_writableDirectory, false);
     if (QFile::exists(qs(token)))
         QFile::remove(qs(token));
@@ -171,6 +216,8 @@ void XMLRepository::destroyRepository()
 
 void XMLRepository::destroyProduct(const Library& product)
 {
+    if (refuseWriting())
+        return;
     m_writer->destroyProduct(product);
     forgetTopLevelManifests();
 }
@@ -270,7 +317,13 @@ XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product
 {
     if (m_writableReader->isProductUpToDate(product))
         return m_writableReader;
-    if (!m_shippedReader->isProductUpToDate(product)) {
+    if (!m_shippedReader->isProductUpToDate(product) && !m_readOnly) {
+        // Another process may be generating the product this moment: once
+        // its lock is had, the store is asked again.
+        const StoreLock lock(*m_report, m_writableDirectory);
+        XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
+        if (m_writableReader->isProductUpToDate(product))
+            return m_writableReader;
         copyProductArchives(*m_report, *m_writableReader, *m_shippedReader, product);
         const std::string displayName = product.getDisplayName();
         const auto* node = dynamic_cast<const BlockImpl*>(product.getImpl());
@@ -348,6 +401,14 @@ std::vector<TandrilObject> XMLRepository::getMergedProducts()
         shipped[library->getUniquePath().str()] = library;
 
     std::vector<TandrilObject> merged;
+    // A writable store without a product list (read-only preferences, or
+    // another process destroying it this moment) has nothing to add: the
+    // shipped products are what there is.
+    if (!m_writableReader->topLevelManifest()) {
+        for (LibraryImpl* library : productNodes(*m_shippedReader))
+            merged.push_back(boundHandle(library));
+        return merged;
+    }
     for (LibraryImpl* writable : productNodes(*m_writableReader)) {
         const auto found = shipped.find(writable->getUniquePath().str());
         // A difference means the shipped product changed after the writable

@@ -18,6 +18,7 @@ namespace LibraryBrowser {
 //   toolbox/tandril/blocks/.topLevelManifestToken     writable store only
 //   <reposDirectorySpec>/lb_<tag>_manifests_repos.rps  a product's manifests
 //   <reposDirectorySpec>/lb_<tag>_icons_repos.rps      a product's icons
+//   .lbstore.lock                                      the lock of processes that write
 //
 // The token holds the date of the shipped top-level manifest the writable
 // store descends from; a new shipped store makes it stale, and the writable
@@ -74,6 +75,9 @@ public:
     // The same, followed by the products' direct dependencies not yet listed.
     std::vector<TandrilObject> getMergedProductsAndDependencies();
 
+    // The writable store can't be written: both stores are read as they are.
+    bool isReadOnly() const { return m_readOnly; }
+
     const std::string& writableDirectory() const { return m_writableDirectory; }
     const std::string& shippedDirectory() const { return m_shippedDirectory; }
     const std::vector<std::string>& hostPathList() const { return m_hostPathList; }
@@ -96,6 +100,8 @@ public:
 
 private:
     void buildParts();
+    // With the writable store read-only, an error for a verb that writes; true then.
+    bool refuseWriting();
     // Makes the shipped store anew in a development tree where it is missing
     // or stale. False if that failed.
     bool regenerateShippedStore();
@@ -113,6 +119,7 @@ private:
     XMLRepositoryReaderPtr m_writableReader;
     XMLRepositoryCachePtr m_cache;
     XMLRepositoryWriterPtr m_writer;
+    bool m_readOnly = false;
 };
 
 using XMLRepositoryPtr = std::shared_ptr<XMLRepository>;

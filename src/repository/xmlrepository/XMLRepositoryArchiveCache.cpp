@@ -1,5 +1,6 @@
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
 
+#include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/TempDirectories.h"
 
 #include <QFileInfo>
@@ -11,6 +12,7 @@ namespace {
 std::uint32_t nextNumber = 0;
 std::uint64_t copies = 0;
 std::uint64_t reads = 0;
+std::uint64_t changes = 0;
 
 QString qs(const std::string& text)
 {
@@ -19,8 +21,12 @@ QString qs(const std::string& text)
 
 } // namespace
 
-XMLRepositoryArchiveCache::XMLRepositoryArchiveCache(std::string archivePath, RepositoryReportPtr report)
-    : m_number(nextNumber++), m_archivePath(std::move(archivePath)), m_report(std::move(report))
+XMLRepositoryArchiveCache::XMLRepositoryArchiveCache(std::string archivePath, RepositoryReportPtr report,
+                                                     Origin origin)
+    : m_number(nextNumber++),
+      m_archivePath(std::move(archivePath)),
+      m_report(std::move(report)),
+      m_origin(std::move(origin))
 {
 }
 
@@ -39,6 +45,18 @@ std::uint64_t XMLRepositoryArchiveCache::readCount()
     return reads;
 }
 
+std::uint64_t XMLRepositoryArchiveCache::changeCount()
+{
+    return changes;
+}
+
+void XMLRepositoryArchiveCache::markChanged()
+{
+    if (!m_changed)
+        ++changes;
+    m_changed = true;
+}
+
 std::string XMLRepositoryArchiveCache::directoryName() const
 {
     return "LBCache" + std::to_string(m_number);
@@ -46,8 +64,17 @@ std::string XMLRepositoryArchiveCache::directoryName() const
 
 std::string XMLRepositoryArchiveCache::indexedLocalCopy()
 {
-    if (!QFileInfo::exists(qs(m_archivePath)))
+    if (m_changed)
         return std::string();
+    if (!QFileInfo::exists(qs(m_archivePath))) {
+        // Gone with a new top level: another process has changed the
+        // product. A writer removes archives before it writes the top level,
+        // both under the lock: once the lock is had, the top level tells.
+        const StoreLock lock(*m_report, m_origin.storeDirectory, StoreLock::Read);
+        if (topLevelMoved())
+            markChanged();
+        return std::string();
+    }
     // A cold walk reads every manifest of an archive in turn: once the copy
     // is made and indexed only its presence is checked, not the private
     // directory's and the temporary base's every time.
@@ -60,6 +87,14 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
     const std::string localCopy = directory + "/cachedArchive.rps";
     if (!QFileInfo::exists(qs(localCopy))) {
         m_index.clear();
+        // Writers publish archives before the top level, both under the
+        // lock: an archive copied under the lock while the top level is
+        // unchanged is the one the record describes.
+        const StoreLock lock(*m_report, m_origin.storeDirectory, StoreLock::Read);
+        if (topLevelMoved()) {
+            markChanged();
+            return std::string();
+        }
         if (!copyToPrivateFile(m_archivePath, localCopy)) {
             m_report->logError("Unable to cache archive to " + localCopy);
             return std::string();
@@ -93,6 +128,11 @@ QByteArray XMLRepositoryArchiveCache::readEntry(const std::string& entryName)
         m_report->logError("Error returned from zip archiver: " + error);
     }
     return bytes;
+}
+
+bool XMLRepositoryArchiveCache::topLevelMoved() const
+{
+    return !m_origin.topLevelPath.empty() && fileStamp(m_origin.topLevelPath) != m_origin.topLevelStamp;
 }
 
 void XMLRepositoryArchiveCache::close()

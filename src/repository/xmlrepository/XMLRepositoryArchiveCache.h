@@ -2,6 +2,7 @@
 
 #include "platform/ZipEntryIndex.h"
 #include "repository/RepositoryReport.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
 
 #include <QByteArray>
 
@@ -19,7 +20,16 @@ namespace LibraryBrowser {
 // closes it, so a search over any number of products holds no file open.
 class XMLRepositoryArchiveCache {
 public:
-    XMLRepositoryArchiveCache(std::string archivePath, RepositoryReportPtr report);
+    // Where another process may change the store, what holds the copy to
+    // the record it is read for: the store's directory (for its lock), its
+    // top-level manifest and the stamp of the manifest the record came from.
+    struct Origin {
+        std::string storeDirectory;
+        std::string topLevelPath;
+        FileStamp topLevelStamp;
+    };
+
+    XMLRepositoryArchiveCache(std::string archivePath, RepositoryReportPtr report, Origin origin = Origin());
     ~XMLRepositoryArchiveCache();
     XMLRepositoryArchiveCache(const XMLRepositoryArchiveCache&) = delete;
     XMLRepositoryArchiveCache& operator=(const XMLRepositoryArchiveCache&) = delete;
@@ -27,8 +37,14 @@ public:
     // The entry's bytes; empty, with the reason in the report, if the copy
     // can't be made, the archive can't be opened or lacks the entry. An
     // archive missing from the store gives empty bytes without a word; this
-    // is checked at every read.
+    // is checked at every read. The copy is made under the store's lock, and
+    // only while the top-level manifest is still the one of the origin:
+    // otherwise, and when the archive vanished with a new top level, the
+    // bytes are empty and changedUnderIt() is true.
     QByteArray readEntry(const std::string& entryName);
+    // Another process changed the archive after the record it is read for
+    // was loaded: what this cache gives no longer fits that record.
+    bool changedUnderIt() const { return m_changed; }
     // Removes the private copy; the next read makes a new one.
     void close();
 
@@ -36,6 +52,8 @@ public:
     // read out of them.
     static std::uint64_t copyCount();
     static std::uint64_t readCount();
+    // Process-wide count of archives found changed under their reader.
+    static std::uint64_t changeCount();
 
 private:
     std::string directoryName() const;
@@ -43,10 +61,15 @@ private:
     // The private copy, made if missing, with its index; the empty string,
     // with the report told, if either can't be had.
     std::string indexedLocalCopy();
+    // The store's top-level manifest is no longer the one of the origin.
+    bool topLevelMoved() const;
+    void markChanged();
 
     std::uint32_t m_number;
     std::string m_archivePath;
     RepositoryReportPtr m_report;
+    Origin m_origin;
+    bool m_changed = false;
     ZipEntryIndex m_index;
     // The private copy once made and indexed, until close().
     std::string m_localCopy;

@@ -88,8 +88,19 @@ std::shared_ptr<XMLRepositoryReader> XMLRepositoryCache::readerOf(const TandrilO
 
 TandrilObjectIterator XMLRepositoryCache::getChildrenIterator(const TandrilObject& object)
 {
-    const auto reader = readerOf(object);
-    return reader ? reader->getChildrenIterator(object) : TandrilObjectIterator();
+    for (int attempt = 0;; ++attempt) {
+        const auto reader = readerOf(object);
+        if (!reader)
+            return TandrilObjectIterator();
+        const std::uint64_t changes = XMLRepositoryArchiveCache::changeCount();
+        TandrilObjectIterator children = reader->getChildrenIterator(object);
+        // Another process changed the chosen store under the read and it
+        // gave nothing: the store may no longer hold the product, so the
+        // store is chosen again, once.
+        if (attempt > 0 || children.isValidIterator() || XMLRepositoryArchiveCache::changeCount() == changes)
+            return children;
+        m_productReaders.clear();
+    }
 }
 
 BlockIconPtr XMLRepositoryCache::getIcon(const TandrilObject& object)

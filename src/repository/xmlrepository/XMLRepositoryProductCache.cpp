@@ -32,15 +32,16 @@ std::string archivePath(const std::string& directory, const std::string& relativ
 
 XMLRepositoryProductCache::XMLRepositoryProductCache(std::string directory, const Library& product,
                                                      RepositoryReportPtr report, RepositoryReader* reader,
-                                                     RecentIconsPtr recent)
+                                                     RecentIconsPtr recent,
+                                                     const XMLRepositoryArchiveCache::Origin& origin)
     : m_directory(std::move(directory)), m_product(product), m_report(std::move(report)), m_reader(reader),
       m_recentIcons(std::move(recent))
 {
     const auto* node = dynamic_cast<const LibraryImpl*>(m_product.getImpl());
     m_iconsArchive = std::make_shared<XMLRepositoryArchiveCache>(
-        archivePath(m_directory, node ? node->getReposIconsArchiveSpec().str() : std::string()), m_report);
+        archivePath(m_directory, node ? node->getReposIconsArchiveSpec().str() : std::string()), m_report, origin);
     m_manifestsArchive = std::make_shared<XMLRepositoryArchiveCache>(
-        archivePath(m_directory, node ? node->getReposManifestsArchiveSpec().str() : std::string()), m_report);
+        archivePath(m_directory, node ? node->getReposManifestsArchiveSpec().str() : std::string()), m_report, origin);
 }
 
 XMLRepositoryProductCache::~XMLRepositoryProductCache()

@@ -28,8 +28,11 @@ class XMLRepositoryProductCache {
 public:
     // Icons read here are also handed to `recent`, shared by the products
     // of one reader.
+    // `origin` ties the private copies of the archives to the top-level
+    // manifest the product's record came from.
     XMLRepositoryProductCache(std::string directory, const Library& product, RepositoryReportPtr report,
-                              RepositoryReader* reader, RecentIconsPtr recent);
+                              RepositoryReader* reader, RecentIconsPtr recent,
+                              const XMLRepositoryArchiveCache::Origin& origin);
     ~XMLRepositoryProductCache();
     XMLRepositoryProductCache(const XMLRepositoryProductCache&) = delete;
     XMLRepositoryProductCache& operator=(const XMLRepositoryProductCache&) = delete;
@@ -47,6 +50,9 @@ public:
     // none or it can't be read. A missing or unreadable icon is reported
     // once: the empty answer is kept for as long as the cache.
     BlockIconPtr getIcon(const Block& block);
+    // Another process changed the product's archives after its record was
+    // read: what this cache gave may be short, and it must be read anew.
+    bool changedUnderIt() const { return m_iconsArchive->changedUnderIt() || m_manifestsArchive->changedUnderIt(); }
     // Drops all that was loaded and the private copies of the archives.
     void clear();
 

@@ -8,10 +8,13 @@
 #include "repository/search/IsValidProductCriteria.h"
 #include "repository/search/TandrilObjectSearchIterator.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
+#include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/TempDirectories.h"
 #include "repository/xmlrepository/XMLRepository.h"
 
 #include <QFile>
+
+#include <optional>
 
 namespace LibraryBrowser {
 
@@ -29,9 +32,17 @@ XMLRepositoryReaderCache::~XMLRepositoryReaderCache()
     unloadTopLevel();
 }
 
-QByteArray XMLRepositoryReaderCache::readTopLevelBytes()
+namespace {
+
+// How often a read starts again after another process changed what it read.
+constexpr int Rereads = 3;
+
+} // namespace
+
+QByteArray XMLRepositoryReaderCache::readTopLevelBytes(FileStamp& stamp)
 {
     static int topLevelReads = 0;
+    stamp = FileStamp();
     if (m_directory.empty()) {
         m_report->log("The repository path is empty");
         return QByteArray();
@@ -47,22 +58,52 @@ QByteArray XMLRepositoryReaderCache::readTopLevelBytes()
         return QByteArray();
     const std::string copy = temp + "/cachedTopLevel.xml";
     QByteArray bytes;
-    QFile file(QString::fromStdString(copy));
-    if (copyFile(*m_report, path, copy) && file.open(QIODevice::ReadOnly)) {
-        bytes = file.readAll();
-        file.close();
-    } else {
-        m_report->logError("Unable to read top level manifest file " + path);
+    // Writers replace the file by a rename: the stamp taken before and after
+    // the copy tells whether the copy is of the file stamped.
+    for (int attempt = 0; attempt <= Rereads; ++attempt) {
+        stamp = fileStamp(path);
+        QFile file(QString::fromStdString(copy));
+        if (copyFile(*m_report, path, copy) && file.open(QIODevice::ReadOnly)) {
+            bytes = file.readAll();
+            file.close();
+        } else {
+            m_report->logError("Unable to read top level manifest file " + path);
+            bytes.clear();
+            break;
+        }
+        if (fileStamp(path) == stamp)
+            break;
     }
     removeNamedTempDirectory(*m_report, "LBTop" + std::to_string(number));
     return bytes;
+}
+
+bool XMLRepositoryReaderCache::topLevelReplaced() const
+{
+    return m_topLevelModel
+           && fileStamp(XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false)) != m_topLevelStamp;
+}
+
+void XMLRepositoryReaderCache::forgetReplacedTopLevels(const std::string& directory)
+{
+    bool replaced = false;
+    for (ReaderCache* cache : ReaderCacheRegistry::cachesFor(directory)) {
+        auto* reader = dynamic_cast<XMLRepositoryReaderCache*>(cache);
+        if (reader && reader->topLevelReplaced()) {
+            reader->m_productCaches.clear();
+            replaced = true;
+        }
+    }
+    if (replaced)
+        ReaderCacheRegistry::unloadTopLevelCaches(directory);
 }
 
 ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
 {
     if (m_topLevelModel)
         return m_topLevelModel;
-    const QByteArray bytes = readTopLevelBytes();
+    FileStamp stamp;
+    const QByteArray bytes = readTopLevelBytes(stamp);
     if (bytes.isEmpty())
         return nullptr;
     ModelPtr model = Model::createModel();
@@ -77,6 +118,7 @@ ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
         return nullptr;
     }
     m_topLevelModel = model;
+    m_topLevelStamp = stamp;
     auto handles = std::make_shared<TandrilObjectList>();
     for (TandrilObjectImpl* node : model->getNodes())
         handles->emplace_back(node, m_reader->getCache());
@@ -97,7 +139,8 @@ const TandrilObjectListPtr& XMLRepositoryReaderCache::topLevelHandles()
 
 std::string XMLRepositoryReaderCache::getVersion()
 {
-    const QByteArray bytes = readTopLevelBytes();
+    FileStamp stamp;
+    const QByteArray bytes = readTopLevelBytes(stamp);
     if (bytes.isEmpty()) {
         m_report->log("Loaded an empty manifest while trying to read its version");
         return std::string();
@@ -126,9 +169,58 @@ XMLRepositoryProductCachePtr XMLRepositoryReaderCache::productCacheOf(const Tand
     if (!product.isValid())
         return nullptr;
     XMLRepositoryProductCachePtr& cache = m_productCaches[product];
-    if (!cache)
-        cache = std::make_shared<XMLRepositoryProductCache>(m_directory, product, m_report, m_reader, m_recentIcons);
+    if (!cache) {
+        // The stamp of the top level the product's record comes from.
+        getTopLevelModel();
+        const XMLRepositoryArchiveCache::Origin origin{
+            m_directory, XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false), m_topLevelStamp};
+        cache = std::make_shared<XMLRepositoryProductCache>(m_directory, product, m_report, m_reader, m_recentIcons,
+                                                            origin);
+    }
     return cache;
+}
+
+template <class Read>
+auto XMLRepositoryReaderCache::readProduct(const TandrilObject& object, Read read)
+    -> decltype(read(XMLRepositoryProductCachePtr()))
+{
+    for (int attempt = 0;; ++attempt) {
+        // Read again under the store's lock: no writer can come between the
+        // top level and the archives then. The first read takes it only for
+        // the copies of the archives, since writers may hold it for long.
+        std::optional<StoreLock> lock;
+        if (attempt > 0)
+            lock.emplace(*m_report, m_directory, StoreLock::Read);
+        // Held here: loading may drop the product cache from the table.
+        const XMLRepositoryProductCachePtr productCache = productCacheOf(object);
+        if (!productCache) {
+            // The product left the store while it was read. A repository
+            // chooses its store again; a reader of its own says so.
+            if (attempt > 0 && m_reader->getCache() == this) {
+                m_report->logError("The product of " + object.getDisplayPath() + " left the repository store "
+                                   + m_directory + " while it was read");
+                m_report->noteIncompleteRead();
+            }
+            return read(nullptr);
+        }
+        const std::uint64_t changes = XMLRepositoryArchiveCache::changeCount();
+        auto result = read(productCache);
+        if (XMLRepositoryArchiveCache::changeCount() == changes)
+            return result;
+        // Another process changed the store since its top level was read:
+        // what was loaded of it goes, and the product is read anew from the
+        // top level now on disk.
+        for (auto it = m_productCaches.begin(); it != m_productCaches.end();)
+            it = it->second->changedUnderIt() ? m_productCaches.erase(it) : std::next(it);
+        ReaderCacheRegistry::unloadTopLevelCaches(m_directory);
+        if (attempt == Rereads) {
+            m_report->logError("The repository store " + m_directory + " changed while " + object.getDisplayPath()
+                               + " was read, " + std::to_string(Rereads + 1)
+                               + " times; what was read of it may be incomplete. Read it again.");
+            m_report->noteIncompleteRead();
+            return result;
+        }
+    }
 }
 
 TandrilObjectIterator XMLRepositoryReaderCache::getChildrenIterator(const TandrilObject& object)
@@ -136,13 +228,13 @@ TandrilObjectIterator XMLRepositoryReaderCache::getChildrenIterator(const Tandri
     const SubSystem subsystem = object.toSubSystem();
     if (!subsystem.isValid())
         return TandrilObjectIterator();
-    // Held here: loading may drop the product cache from the table.
-    const XMLRepositoryProductCachePtr productCache = productCacheOf(object);
-    if (!productCache)
-        return TandrilObjectIterator();
-    ShownNamesPtr names;
-    TandrilObjectListPtr children = productCache->getChildren(subsystem, &names);
-    return TandrilObjectReferenceIterator::overList(m_reader->getCache(), std::move(children), std::move(names));
+    return readProduct(object, [&](const XMLRepositoryProductCachePtr& productCache) {
+        if (!productCache)
+            return TandrilObjectIterator();
+        ShownNamesPtr names;
+        TandrilObjectListPtr children = productCache->getChildren(subsystem, &names);
+        return TandrilObjectReferenceIterator::overList(m_reader->getCache(), std::move(children), std::move(names));
+    });
 }
 
 BlockIconPtr XMLRepositoryReaderCache::getIcon(const TandrilObject& object)
@@ -150,8 +242,9 @@ BlockIconPtr XMLRepositoryReaderCache::getIcon(const TandrilObject& object)
     const Block block = object.toBlock();
     if (!block.isValid())
         return nullptr;
-    const XMLRepositoryProductCachePtr productCache = productCacheOf(object);
-    return productCache ? productCache->getIcon(block) : nullptr;
+    return readProduct(object, [&](const XMLRepositoryProductCachePtr& productCache) {
+        return productCache ? productCache->getIcon(block) : BlockIconPtr();
+    });
 }
 
 ModelPtr XMLRepositoryReaderCache::getModel(const TandrilObject& object)

@@ -42,8 +42,22 @@ public:
 
     std::size_t productCacheCount() const { return m_productCaches.size(); }
 
+    // Drops, in every cache of the store, what was loaded from a top-level
+    // manifest that another process has since replaced. Called by a writer
+    // once it holds the store's lock, before it reads the store.
+    static void forgetReplacedTopLevels(const std::string& directory);
+
 private:
-    QByteArray readTopLevelBytes();
+    // The bytes of the top-level manifest and the stamp of the file they
+    // were read from.
+    QByteArray readTopLevelBytes(FileStamp& stamp);
+    // Whether the loaded top-level manifest is no longer the one on disk.
+    bool topLevelReplaced() const;
+    // Reads the product's part of the store through `read`; if another
+    // process changed the product meanwhile, drops what was loaded and reads
+    // again, a few times, and then says so in the report.
+    template <class Read>
+    auto readProduct(const TandrilObject& object, Read read) -> decltype(read(XMLRepositoryProductCachePtr()));
     // The product cache that serves the object, made if missing; null for
     // an object without a valid product.
     XMLRepositoryProductCachePtr productCacheOf(const TandrilObject& object);
@@ -55,6 +69,7 @@ private:
     RepositoryReportPtr m_report;
     RepositoryReader* m_reader;
     ModelPtr m_topLevelModel;
+    FileStamp m_topLevelStamp;
     TandrilObjectListPtr m_topLevelHandles;
     std::unordered_map<Library, XMLRepositoryProductCachePtr> m_productCaches;
     const RecentIconsPtr m_recentIcons = std::make_shared<RecentIcons>();

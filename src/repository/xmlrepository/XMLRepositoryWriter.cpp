@@ -4,8 +4,10 @@
 #include "repository/xmlrepository/PaletteChildren.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/StoreLock.h"
 #include "repository/xmlrepository/StoredDataCheck.h"
 #include "repository/xmlrepository/XMLRepository.h"
+#include "repository/xmlrepository/XMLRepositoryReaderCache.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -61,6 +63,8 @@ XMLRepositoryWriter::~XMLRepositoryWriter() = default;
 
 void XMLRepositoryWriter::generateRepository(GenerationMode mode)
 {
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(int(mode), std::string());
     if (!m_reader->topLevelManifest()) {
         m_report->logError("Unable to load top level manifest");
@@ -86,6 +90,8 @@ void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode
     }
     const auto* block = dynamic_cast<const BlockImpl*>(product.getImpl());
     const std::string path = block ? block->getPath() : std::string();
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(int(mode), path);
     ModelPtr topLevel;
     LibraryImpl* stored = storedProduct(path, topLevel);
@@ -99,12 +105,16 @@ void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode
 
 void XMLRepositoryWriter::updateProducts()
 {
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(0, std::string());
     m_context.removeTempDirectory();
 }
 
 void XMLRepositoryWriter::destroyRepository()
 {
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(0, std::string());
     if (const ModelPtr topLevel = m_reader->topLevelManifest()) {
         for (TandrilObjectImpl* node : topLevel->getNodes()) {
@@ -128,6 +138,8 @@ void XMLRepositoryWriter::destroyProduct(const Library& product)
 
 void XMLRepositoryWriter::destroyProduct(const std::string& name)
 {
+    const StoreLock lock(*m_report, m_directory);
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     const ModelPtr topLevel = m_reader->topLevelManifest();
     const TandrilObject object = m_reader->getTandrilObject(name);
     auto* product = dynamic_cast<LibraryImpl*>(object.getImpl());
