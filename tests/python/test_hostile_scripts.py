@@ -147,10 +147,9 @@ def test_an_exit_hook_after_the_packages_own_gets_an_error_not_a_window(root_dir
         assert line.startswith("Tandril:Session:Ended The tandril session has ended at the interpreter's exit")
 
 
-@pytest.mark.xfail(strict=True, reason="found by the monkey: selectSearchResult keeps a tile across the rebuild of "
-                                       "the results page that bringing it to the front makes (FUZZING.md)")
 def test_a_hit_is_selected_after_the_results_page_was_laid_out_again(root_dir, tmp_path):
-    # In a process of its own: the fault ends the process.
+    # Found by the monkey (FUZZING.md). In a process of its own, as the fault
+    # it guards against ended the process.
     script = textwrap.dedent("""
         import tandril
         tandril.start(root=%r, prefdir=%r)
