@@ -4,6 +4,10 @@
 
 #include <string>
 
+namespace LibraryBrowser {
+class RepositoryReport;
+}
+
 namespace LibraryBrowser::Python {
 
 // The parts of the extension module; each adds its classes to the module
@@ -20,5 +24,8 @@ void bindBrowser(pybind11::module_& tandril);
 // The docstring of a class of the package: its description, and its
 // detailed description when it has one.
 std::string classDoc(const std::string& className);
+
+// "2 errors, 1 warning, 40 log lines": a report in a repr.
+std::string describeReport(const RepositoryReport& report);
 
 } // namespace LibraryBrowser::Python

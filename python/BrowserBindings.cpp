@@ -5,6 +5,8 @@
 
 #include "BrowserArrays.h"
 #include "BrowserHandle.h"
+#include "PythonSession.h"
+#include "ScopedCount.h"
 #include "PythonValues.h"
 
 #include "gui/GuiBlock.h"
@@ -26,6 +28,42 @@ namespace LibraryBrowser::Python {
 
 namespace {
 
+// A member of one of the package's enums (or None for a value it has no
+// word for), named so in the signatures of the methods that return one.
+template <int Kind>
+class EnumMember : public py::object {
+public:
+    explicit EnumMember(py::object member) : py::object(std::move(member)) {}
+};
+using LayoutTypeMember = EnumMember<0>;
+using IconSizeMember = EnumMember<1>;
+using BlocksPageTypeMember = EnumMember<2>;
+
+} // namespace
+
+} // namespace LibraryBrowser::Python
+
+namespace pybind11::detail {
+
+template <>
+struct handle_type_name<LibraryBrowser::Python::LayoutTypeMember> {
+    static constexpr auto name = const_name("Optional[tandril.LayoutType]");
+};
+template <>
+struct handle_type_name<LibraryBrowser::Python::IconSizeMember> {
+    static constexpr auto name = const_name("Optional[tandril.IconSize]");
+};
+template <>
+struct handle_type_name<LibraryBrowser::Python::BlocksPageTypeMember> {
+    static constexpr auto name = const_name("tandril.BlocksPageType");
+};
+
+} // namespace pybind11::detail
+
+namespace LibraryBrowser::Python {
+
+namespace {
+
 using Class = py::class_<BrowserHandle>;
 
 // Timers that came due while the script ran, and everything a call set
@@ -40,18 +78,11 @@ void settle()
 // class again while the window waits for its answer.
 int runningCalls = 0;
 
-class RunningCall {
-public:
-    RunningCall() { ++runningCalls; }
-    ~RunningCall() { --runningCalls; }
-    RunningCall(const RunningCall&) = delete;
-    RunningCall& operator=(const RunningCall&) = delete;
-};
-
 template <class Operation>
 auto onWindow(const BrowserHandle& handle, Operation operation)
 {
-    const RunningCall running;
+    PythonSession::checkThread();
+    const ScopedCount running(runningCalls);
     settle();
     StandaloneBrowser& window = handle.window();
     if constexpr (std::is_void_v<std::invoke_result_t<Operation, StandaloneBrowser&>>) {
@@ -183,8 +214,9 @@ void bindWindowMethods(Class& cls)
     cls.def(
         "destroyInstance",
         [](const BrowserHandle&) {
+            PythonSession::checkThread();
             // The window may be the one whose call is waiting for the host.
-            if (runningCalls > 0)
+            if (runningCalls > 0 || StandaloneBrowser::isInstanceBeingBuilt())
                 throw ScriptingError(BrowserHandle::Busy,
                                      "The browser window can't be destroyed from within one of its own calls.");
             StandaloneBrowser::destroyInstance();
@@ -247,14 +279,14 @@ void bindViewMethods(Class& cls)
         "getLayoutType",
         [](const BrowserHandle& self) {
             const LayoutType layout = onWindow(self, [](StandaloneBrowser& w) { return w.getLayoutType(); });
-            return enumMember("LayoutType", int(layout));
+            return LayoutTypeMember(enumMember("LayoutType", int(layout)));
         },
         "The pages' layout, a LayoutType.");
     cls.def(
         "getIconSize",
         [](const BrowserHandle& self) {
             const IconSize size = onWindow(self, [](StandaloneBrowser& w) { return w.getIconSize(); });
-            return enumMember("IconSize", int(size));
+            return IconSizeMember(enumMember("IconSize", int(size)));
         },
         "The icon size, an IconSize.");
     method(cls, "getFontSize", &StandaloneBrowser::getFontPointSize, "The window's font size in points.");
@@ -281,7 +313,7 @@ void bindArrayMethods(Class& cls)
         "getPosition",
         [](const BrowserHandle& self) {
             const QRect position = onWindow(self, [](StandaloneBrowser& w) { return w.getPosition(); });
-            return PythonValues::toPython(BrowserArrays::fromPosition(position));
+            return BrowserArrays::fromPosition(position).doubles();
         },
         "The window's [x, y, width, height].");
     cls.def(
@@ -307,14 +339,14 @@ void bindArrayMethods(Class& cls)
         [](const BrowserHandle& self) {
             const std::vector<bool> options =
                 onWindow(self, [](StandaloneBrowser& w) { return w.getSearchOptions(); });
-            return PythonValues::toPython(BrowserArrays::fromSearchOptions(options));
+            return BrowserArrays::fromSearchOptions(options).logicals();
         },
         "[regular expression, match case, whole word] as bools.");
     cls.def(
         "getCurrentBlockPosition",
         [](const BrowserHandle& self) {
             const QRect position = onWindow(self, [](StandaloneBrowser& w) { return w.getSelectedBlockPosition(); });
-            return PythonValues::toPython(BrowserArrays::fromPosition(position));
+            return BrowserArrays::fromPosition(position).doubles();
         },
         "The selected tile's [x, y, width, height] on its page; all 0 without a selection.");
 }
@@ -328,7 +360,8 @@ void bindTabMethods(Class& cls)
     method(cls, "selectTabByIndex", &StandaloneBrowser::selectTabByIndex, py::arg("index"),
            "Brings the page of that index to the front.");
     cls.def(
-        "getTabTypeByIndex", [](const BrowserHandle&, int index) { return enumMember("BlocksPageType", index != 0); },
+        "getTabTypeByIndex",
+        [](const BrowserHandle&, int index) { return BlocksPageTypeMember(enumMember("BlocksPageType", index != 0)); },
         py::arg("index"), "LIBRARY_PANEL for 0 and RESULTS_PANEL for any other index; the window is not asked.");
     method(cls, "getSortedLibraryNames", &StandaloneBrowser::getSortedLibraryNames,
            "The top level of the tree: the main library, then the others by name.");
@@ -368,11 +401,14 @@ void bindBrowser(py::module_& tandril)
               "StandaloneBrowser() gives the process's one window, making it on first use (it appears on show());\n"
               "StandaloneBrowser.create(repository) makes another on a repository of the script's own. Every call\n"
               "handles the window's pending events before it returns. Tree nodes and tiles are named by display\n"
-              "path (\"kinetics/Continuous/Integrator\"); an unknown path does nothing and reads empty.");
+              "path (\"Kinetics/Continuous/Integrator\"); an unknown path does nothing and reads empty.");
     const py::module_ enums = py::module_::import("tandril._browser_enums");
     for (const char* name : {"LayoutType", "IconSize", "BlocksPageType"})
         cls.attr(name) = enums.attr(name);
     cls.def(py::init(&BrowserHandle::instance), "The process's window, made on first use.");
+    // As the scripted class has it, arguments to the constructor are ignored.
+    cls.def(py::init([](const py::args&, const py::kwargs&) { return BrowserHandle::instance(); }),
+            "The same: arguments are ignored.");
     bindWindowMethods(cls);
     bindCreate(cls);
     bindViewMethods(cls);

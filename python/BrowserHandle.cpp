@@ -23,11 +23,16 @@ std::vector<BrowserHandle*>& owners()
 std::unique_ptr<BrowserHandle> BrowserHandle::instance()
 {
     PythonSession::ensureStarted();
-    return std::unique_ptr<BrowserHandle>(new BrowserHandle(StandaloneBrowser::getInstance(), nullptr));
+    StandaloneBrowser* window = StandaloneBrowser::getInstance();
+    if (!window)
+        throw ScriptingError(Busy, "The browser window is still being built; a call made while it is built "
+                                   "can't reach it.");
+    return std::unique_ptr<BrowserHandle>(new BrowserHandle(window, nullptr));
 }
 
 std::unique_ptr<BrowserHandle> BrowserHandle::create(RepositoryPtr repository)
 {
+    PythonSession::ensureStarted();
     std::unique_ptr<StandaloneBrowser> window = StandaloneBrowser::create(std::move(repository));
     StandaloneBrowser* pointer = window.get();
     return std::unique_ptr<BrowserHandle>(new BrowserHandle(pointer, std::move(window)));

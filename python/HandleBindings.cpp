@@ -45,7 +45,7 @@ py::class_<Kind, Handle> bindKind(py::module_& repository, const char* name)
 {
     py::class_<Kind, Handle> cls(repository, name, classDoc(name).c_str());
     cls.def("__repr__", [name](const Kind& handle) {
-        return std::string("<Repository.") + name + " " + describe(handle) + ">";
+        return std::string("<tandril.Repository.") + name + " " + describe(handle) + ">";
     });
     cls.def("__copy__", [](const Kind& handle) { return Kind(handle); });
     cls.def("__deepcopy__", [](const Kind& handle, py::dict) { return Kind(handle); });
@@ -94,7 +94,7 @@ void bindHandles(py::module_& repository)
         return py::bytes(self.svg().constData(), std::size_t(self.svg().size()));
     });
     icon.def("__repr__", [](const BlockIcon& self) {
-        return "<Repository.Icon " + std::to_string(self.svg().size()) + " bytes>";
+        return "<tandril.Repository.Icon " + std::to_string(self.svg().size()) + " bytes>";
     });
 
     py::class_<Handle> handle(repository, "Handle", classDoc("Handle").c_str());

@@ -32,6 +32,12 @@ void bindIterator(py::module_& repository)
     });
     // What a for loop calls, once per object.
     FastAccess::installIteratorNext(iterator);
+    iterator.def("__repr__", [](Iterator& self) {
+        if (!self.isValidIterator())
+            return std::string("<tandril.Repository.TandrilObjectIterator ") +
+                   (self.isEmpty() ? "(empty)>" : "(past the end)>");
+        return "<tandril.Repository.TandrilObjectIterator at '" + self.current().getPath() + "'>";
+    });
     // Copies walk on independently from where the original stands; they read
     // through the same reader, so they keep the original (and its reader) alive.
     iterator.def("__copy__", [](const Iterator& self) { return Iterator(self); }, py::keep_alive<0, 1>());

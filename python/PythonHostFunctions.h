@@ -5,6 +5,7 @@
 #include "platform/HostInterpreter.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,11 @@ namespace LibraryBrowser::Python {
 // failure, as any failed host call: it never reaches the module.
 class PythonHostFunctions : public HostInterpreter {
 public:
+    // Callables may call the host again, one inside the other, this deep;
+    // the next one fails with TooDeep.
+    static constexpr int MaxNesting = 32;
+    static constexpr const char* TooDeep = "Tandril:Host:CallsTooDeep";
+
     explicit PythonHostFunctions(HostInterpreter& behind) : m_behind(behind) {}
 
     CallResult callWithTrap(const std::string& function, int outputCount,
@@ -37,6 +43,10 @@ public:
 
 private:
     static std::map<std::string, pybind11::object>& functions();
+    // The callable's answer; nothing when no callable serves the call.
+    static std::optional<CallResult> callRegistered(const std::string& function, int outputCount,
+                                     const std::vector<HostValue>& inputs);
+    static void reportFailure(const CallResult& failure, const std::vector<HostValue>& inputs);
     static CallResult callPython(const pybind11::object& function, const std::string& name, int outputCount,
                                  const std::vector<HostValue>& inputs, std::size_t firstInput);
 

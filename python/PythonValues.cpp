@@ -1,6 +1,9 @@
 #include "PythonValues.h"
 
 #include "repository/RepositoryReport.h"
+#include "scripting/ScriptingError.h"
+
+#include <string>
 
 namespace py = pybind11;
 
@@ -15,10 +18,6 @@ bool isNumber(py::handle object)
            (py::isinstance<py::int_>(object) || py::isinstance<py::float_>(object));
 }
 
-bool isSequence(py::handle object)
-{
-    return py::isinstance<py::list>(object) || py::isinstance<py::tuple>(object);
-}
 
 template <class Test>
 bool allOf(const py::sequence& items, Test test)
@@ -33,11 +32,11 @@ bool allOf(const py::sequence& items, Test test)
 // Rows of numbers, all as long as the first and none empty.
 bool isNumberRows(const py::sequence& items)
 {
-    if (items.size() == 0 || !isSequence(items[0]))
+    if (items.size() == 0 || !PythonValues::isSequence(items[0]))
         return false;
     const std::size_t columns = py::len(items[0]);
     return allOf(items, [columns](py::handle row) {
-        return isSequence(row) && py::len(row) == columns && allOf(py::reinterpret_borrow<py::sequence>(row), isNumber);
+        return PythonValues::isSequence(row) && py::len(row) == columns && allOf(py::reinterpret_borrow<py::sequence>(row), isNumber);
     });
 }
 
@@ -61,9 +60,38 @@ py::object nested(std::size_t rows, std::size_t columns, Element element)
     return matrix;
 }
 
+void checkDepth(int depth)
+{
+    if (depth > PythonValues::MaxDepth)
+        throw ScriptingError(PythonValues::TooDeep, "A value with lists nested more than " +
+                                                        std::to_string(PythonValues::MaxDepth) +
+                                                        " deep can't cross between Python and the host");
+}
+
 } // namespace
 
-HostValue PythonValues::toHostValue(py::handle object)
+bool PythonValues::isSequence(py::handle object)
+{
+    if (py::isinstance<py::list>(object) || py::isinstance<py::tuple>(object))
+        return true;
+    // Texts are sequences of their characters to Python, never lists here.
+    return PySequence_Check(object.ptr()) && !py::isinstance<py::str>(object) &&
+           !py::isinstance<py::bytes>(object) && !PyByteArray_Check(object.ptr());
+}
+
+HostValue PythonValues::fromList(py::handle sequence, const char* argument)
+{
+    if (!isSequence(sequence))
+        throw py::type_error(std::string(argument) + " must be a list, tuple or other sequence, not " +
+                             py::str(sequence.get_type().attr("__name__")).cast<std::string>());
+    return toHostValue(sequence);
+}
+
+HostValue PythonValues::toHostValue(py::handle object) { return toHostValue(object, 0); }
+
+py::object PythonValues::toPython(const HostValue& value) { return toPython(value, 0); }
+
+HostValue PythonValues::toHostValue(py::handle object, int depth)
 {
     if (py::isinstance<py::str>(object))
         return HostValue::string(object.cast<std::string>());
@@ -73,6 +101,7 @@ HostValue PythonValues::toHostValue(py::handle object)
         return HostValue::doubleScalar(object.cast<double>());
     if (!isSequence(object))
         return HostValue();
+    checkDepth(depth);
     const py::sequence items = py::reinterpret_borrow<py::sequence>(object);
     const std::size_t count = items.size();
     if (allOf(items, isNumber)) {
@@ -99,11 +128,11 @@ HostValue PythonValues::toHostValue(py::handle object)
     }
     HostValue cells = HostValue::cellArray(count == 0 ? 0 : 1, count);
     for (std::size_t i = 0; i < count; ++i)
-        cells.setCell(i, toHostValue(items[i]));
+        cells.setCell(i, toHostValue(items[i], depth + 1));
     return cells;
 }
 
-py::object PythonValues::toPython(const HostValue& value)
+py::object PythonValues::toPython(const HostValue& value, int depth)
 {
     switch (value.kind()) {
     case HostValue::Kind::String:
@@ -117,7 +146,9 @@ py::object PythonValues::toPython(const HostValue& value)
             return py::bool_(value.logicals().front());
         return nested(value.rows(), value.columns(), [&](std::size_t i) { return py::bool_(value.logicals()[i]); });
     case HostValue::Kind::Cell:
-        return nested(value.rows(), value.columns(), [&](std::size_t i) { return toPython(value.cell(i)); });
+        checkDepth(depth);
+        return nested(value.rows(), value.columns(),
+                      [&](std::size_t i) { return toPython(value.cell(i), depth + 1); });
     case HostValue::Kind::Object:
         if (auto report = std::dynamic_pointer_cast<RepositoryReport>(value.hostObject()))
             return py::cast(report);

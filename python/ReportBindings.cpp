@@ -17,6 +17,11 @@ namespace {
 
 using IssueTuples = std::vector<std::tuple<std::string, std::string>>;
 
+std::string counted(std::size_t count, const char* what)
+{
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 IssueTuples tuples(const RepositoryReport::IssueList& issues)
 {
     IssueTuples result;
@@ -26,6 +31,12 @@ IssueTuples tuples(const RepositoryReport::IssueList& issues)
 }
 
 } // namespace
+
+std::string describeReport(const RepositoryReport& report)
+{
+    return counted(report.getErrors().size(), "error") + ", " + counted(report.getWarnings().size(), "warning") +
+           ", " + counted(report.getLog().size(), "log line");
+}
 
 void bindReport(py::module_& repository)
 {
@@ -40,7 +51,7 @@ void bindReport(py::module_& repository)
         },
         "A new, empty report.");
     report.def("log", &Report::log, py::arg("message"), "Adds a line to the log.");
-    report.def("logToConsoleInteractively", &Report::logToConsoleInteractively, py::arg("echo"),
+    report.def("logToConsoleInteractively", &Report::logToConsoleInteractively, py::arg("echo").noconvert(),
                "Whether lines are also printed on the console as they are written.");
     report.def("hasError", &Report::hasError, "Whether an error was logged since the flag was last cleared.");
     report.def("hasWarning", &Report::hasWarning, "Whether a warning was logged since the flag was last cleared.");
@@ -65,6 +76,9 @@ void bindReport(py::module_& repository)
     report.def(
         "getWarnings", [](const Report& self) { return tuples(self.getWarnings()); },
         "The warnings kept, as (identifier, message) pairs.");
+    report.def("__repr__", [](const Report& self) {
+        return "<tandril.Repository.RepositoryReport: " + describeReport(self) + ">";
+    });
 }
 
 } // namespace LibraryBrowser::Python

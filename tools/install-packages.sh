@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   qt6-base-dev qt6-5compat-dev qt6-svg-dev libzip-dev
-  pybind11-dev python3-dev python3-pytest
+  pybind11-dev python3-dev python3-pytest mypy
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   libgoogle-perftools-dev
   xvfb xauth zip unzip

@@ -75,17 +75,35 @@ std::unique_ptr<StandaloneBrowser>& StandaloneBrowser::slot()
     return instance;
 }
 
+bool& StandaloneBrowser::building()
+{
+    static bool underWay = false;
+    return underWay;
+}
+
 StandaloneBrowser* StandaloneBrowser::getInstance()
 {
-    if (!slot()) {
-        RepositoryPtr repository = Repository::open();
-        slot().reset(new StandaloneBrowser(std::move(repository)));
-        slot()->init();
-    }
+    if (slot())
+        return slot().get();
+    // The window is published only once it is whole: the host calls that
+    // init makes may reach a script, which must find no half-built window
+    // to hand out or delete, nor start a second one.
+    if (building())
+        return nullptr;
+    building() = true;
+    struct Done {
+        ~Done() { building() = false; }
+    } done;
+    RepositoryPtr repository = Repository::open();
+    std::unique_ptr<StandaloneBrowser> browser(new StandaloneBrowser(std::move(repository)));
+    browser->init();
+    slot() = std::move(browser);
     return slot().get();
 }
 
 bool StandaloneBrowser::hasInstance() { return slot() != nullptr; }
+
+bool StandaloneBrowser::isInstanceBeingBuilt() { return building(); }
 
 std::unique_ptr<StandaloneBrowser> StandaloneBrowser::create(RepositoryPtr repository)
 {

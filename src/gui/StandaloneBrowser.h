@@ -58,8 +58,11 @@ class StandaloneBrowser : public QObject, public ResultsPageHost {
     Q_OBJECT
 
 public:
+    // The process's window, made on first use; null for a call made while
+    // that window is still being built (from a host call of its init).
     static StandaloneBrowser* getInstance();
     static bool hasInstance();
+    static bool isInstanceBeingBuilt();
     static std::unique_ptr<StandaloneBrowser> create(RepositoryPtr repository);
     static void destroyInstance();
 
@@ -219,6 +222,7 @@ protected:
 private:
     explicit StandaloneBrowser(RepositoryPtr repository);
     static std::unique_ptr<StandaloneBrowser>& slot();
+    static bool& building();
     void init();
 
     // Assembly and preferences.

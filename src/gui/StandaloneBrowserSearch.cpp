@@ -296,10 +296,13 @@ void StandaloneBrowser::selectBlockInLibraryView(const std::string& displayPath)
 
 void StandaloneBrowser::selectSearchResultByDisplayPathName(const std::string& displayPath)
 {
-    if (GuiBlock* tile = m_resultsPage->getBlockByPathName(displayPath)) {
-        internalSelectTab(1, true);
+    if (!m_resultsPage->getBlockByPathName(displayPath))
+        return;
+    internalSelectTab(1, true);
+    // Brought to the front, the page may have made its tiles anew: the tile
+    // is looked up again, never kept across.
+    if (GuiBlock* tile = m_resultsPage->getBlockByPathName(displayPath))
         m_resultsPage->setSelectedBlock(tile);
-    }
 }
 
 void StandaloneBrowser::internalSelectSelectedResultsBlockInLibraryView()

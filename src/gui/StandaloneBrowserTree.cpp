@@ -335,8 +335,15 @@ void StandaloneBrowser::selectTreeNodeByName(const std::string& displayPath)
 void StandaloneBrowser::selectTreeNodeByNameGui(const std::string& displayPath)
 {
     const int uid = internalGetUIDForDisplayPath(displayPath);
-    if (uid >= 1)
-        m_tree->selectItemAsUser(uid);
+    if (uid < 1)
+        return;
+    // A user reaches only a shown node, so its closed parents open first,
+    // quietly, keeping their children. Left to the view, they would open
+    // while it moves the selection, and their children, the selected item
+    // among them, would be made anew under its feet.
+    for (int parent = m_tree->getItemParent(uid); parent > 0; parent = m_tree->getItemParent(parent))
+        m_tree->setItemExpanded(parent, true);
+    m_tree->selectItemAsUser(uid);
 }
 
 void StandaloneBrowser::expandTreeNodeByName(const std::string& displayPath)

@@ -26,7 +26,9 @@ BLOCK = "kinetics/Continuous/Integrator"
         lambda r, o: r.findBlocks(None),
         lambda r, o: r.findBlocks("gain", None),
         lambda r, o: r.findBlocks("gain", "RegExp"),
-        lambda r, o: r.findBlocks("gain", ("RegExp", "on")),
+        # A logical argument takes True or False only, as the window's do.
+        lambda r, o: r.isProductUpToDate(o, 1),
+        lambda r, o: r.getRepositoryReport().logToConsoleInteractively(1),
         lambda r, o: r.findBlocks("gain", o, {"RegExp": "on"}),
         lambda r, o: r.generateProduct(None),
         lambda r, o: r.generateProduct(o, None),
@@ -103,9 +105,12 @@ def test_a_writer_on_a_directory_it_cannot_make(tmp_path):
     assert blocker.read_text() == "not a directory"
 
 
-def run_python(code, **environment):
+def run_python(code, cwd=None, **environment):
     env = dict(os.environ, **environment)
-    return subprocess.run([sys.executable, "-c", code], env=env, capture_output=True, text=True, timeout=120)
+    if cwd:
+        os.makedirs(cwd, exist_ok=True)
+    return subprocess.run([sys.executable, "-c", code], env=env, capture_output=True, text=True, timeout=120,
+                          cwd=cwd)
 
 
 def test_a_root_that_is_no_directory_is_refused_at_the_start(tmp_path):
@@ -117,6 +122,35 @@ def test_a_root_that_is_no_directory_is_refused_at_the_start(tmp_path):
         "    print('refused:', error)\n" % str(tmp_path / "missing"))
     assert result.returncode == 0, result.stderr
     assert "refused: the root directory '%s' does not exist" % (tmp_path / "missing") in result.stdout
+
+
+def test_an_empty_or_unusable_directory_is_refused_at_the_start(tmp_path, root_dir):
+    a_file = tmp_path / "a file"
+    a_file.write_text("not a directory")
+    locked = tmp_path / "locked"
+    locked.mkdir(mode=0o500)
+    cases = [
+        (dict(root=""), "root is empty; name a directory"),
+        (dict(root="   "), "root is empty; name a directory"),
+        (dict(root=str(root_dir), prefdir=""), "prefdir is empty; name a directory"),
+        (dict(root=str(root_dir), path=[str(root_dir), ""]), "a directory of path is empty; name a directory"),
+        (dict(root=str(root_dir), prefdir=str(a_file)), "the preferences directory '%s' is a file" % a_file),
+        (dict(root=str(root_dir), prefdir=str(a_file / "below")), "does not exist and can't be made"),
+    ]
+    if os.geteuid() != 0:  # root writes anywhere
+        cases.append((dict(root=str(root_dir), prefdir=str(locked)), "'%s' can't be written" % locked))
+    for arguments, message in cases:
+        result = run_python(
+            "import os, tandril\n"
+            "try:\n"
+            "    tandril.start(**%r)\n"
+            "except ValueError as error:\n"
+            "    print('refused:', error, tandril.is_started(), sorted(os.listdir('.')))\n" % (arguments,),
+            cwd=str(tmp_path / "cwd"))
+        assert result.returncode == 0, result.stderr
+        # Nothing was started, and nothing written where the script runs.
+        assert result.stdout.startswith("refused: "), (arguments, result.stdout)
+        assert message in result.stdout and result.stdout.endswith(" False []\n"), (arguments, result.stdout)
 
 
 def test_a_refused_list_as_the_first_call_still_has_its_message(tmp_path, root_dir):

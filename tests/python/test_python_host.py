@@ -108,9 +108,13 @@ def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_
         writer.generateRepository()
     finally:
         tandril.register_host_function("lb_getBlockData", python_host.lb_getBlockData)
-    # The writer clears the error flag after each product; the log keeps the error.
-    log = writer.getRepositoryReport().getLog()
+    # The writer clears the error flag after each product; the log keeps the
+    # error, and the callable's own words come before it.
+    report = writer.getRepositoryReport()
+    log = report.getLog()
     assert any("??? **Error**" in line for line in log), log
+    assert ("Tandril:Host:PythonError", "lb_getBlockData: ZeroDivisionError: division by zero") in \
+        report.getWarnings()
     reader = Repository.Reader.open(str(tmp_path / "store"))
     assert [o.Name for o in reader.getChildrenIterator(reader.getTandrilObject("duo"))] == []
 

@@ -1,0 +1,167 @@
+"""Scripts that once brought the process down: each now gets a clear error, or
+does what a user would expect, and the package goes on working.
+
+A use of freed memory shows as a crash here because the suites run with
+MALLOC_PERTURB_ set (plain builds) or under AddressSanitizer.
+"""
+
+import os
+import subprocess
+import sys
+import textwrap
+import time
+
+import pytest
+
+import tandril
+from tandril import StandaloneBrowser
+
+TIMER_SECONDS = 0.111
+
+
+def nested(depth):
+    value = []
+    for _ in range(depth):
+        value = [value]
+    return value
+
+
+def test_a_host_call_made_while_the_window_is_built_cannot_reach_or_destroy_it(session):
+    # A stale handle still takes destroyInstance, which ignores the handle.
+    stale = StandaloneBrowser()
+    stale.destroyInstance()
+    refusals = []
+
+    def library_data(nargout, *inputs):
+        tandril.register_host_function("lb_getLibraryData", None)
+        for attempt in (stale.destroyInstance, StandaloneBrowser):
+            try:
+                attempt()
+            except tandril.Error as error:
+                refusals.append(error.identifier)
+        return tandril.call_host("tdprivate", nargout, "lb_getLibraryData", *inputs)
+
+    tandril.register_host_function("lb_getLibraryData", library_data)
+    try:
+        browser = StandaloneBrowser()
+    finally:
+        tandril.register_host_function("lb_getLibraryData", None)
+    assert refusals == ["Tandril:StandaloneBrowser:Busy"] * 2
+    browser.selectTreeNodeByName("Kinetics")
+    assert browser.getCurrentTreeNode() == "Kinetics"
+    assert browser.getSortedLibraryNames()[0] == "Tandril"
+
+
+def test_a_child_of_a_collapsed_node_is_selected_as_a_user_would(session):
+    browser = StandaloneBrowser()
+    browser.show()
+    browser.expandTreeNodeByName("Kinetics")
+    children = browser.getChildren("Kinetics")
+    browser.collapseTreeNodeByName("Kinetics")
+    assert not browser.isTreeNodeExpanded("Kinetics")
+
+    browser.selectTreeNodeByNameGui("Kinetics/Discrete")
+    # The node opened on the way keeps its children: the path still names one.
+    assert browser.isTreeNodeExpanded("Kinetics")
+    assert browser.getChildren("Kinetics") == children
+    deadline = time.monotonic() + 5
+    while not browser.isSelectedTreeNodeCurrent() and time.monotonic() < deadline:
+        time.sleep(TIMER_SECONDS / 2)
+    assert browser.getCurrentTreeNode() == "Kinetics/Discrete"
+    assert "Kinetics/Discrete/Unit Delay" in browser.getBlocks()
+
+    # Again after a refresh, which makes every node anew.
+    browser.refreshLibraryBrowser()
+    browser.expandTreeNodeByName("Kinetics")
+    browser.collapseTreeNodeByName("Kinetics")
+    browser.selectTreeNodeByNameGui("Kinetics/Continuous")
+    time.sleep(TIMER_SECONDS * 3)
+    assert browser.getCurrentTreeNode() == "Kinetics/Continuous"
+
+
+def test_values_nested_too_deep_are_refused_both_ways(session):
+    tandril.register_host_function("deep_answer", lambda nargout: [nested(100000)])
+    tandril.register_host_function("echo", lambda nargout, *inputs: list(inputs))
+    try:
+        with pytest.raises(tandril.Error, match="nested more than 100 deep") as answer:
+            tandril.call_host("deep_answer", 1)
+        assert answer.value.identifier == "Tandril:Host:ValueTooDeep"
+        with pytest.raises(tandril.Error, match="nested more than 100 deep") as argument:
+            tandril.call_host("echo", 1, nested(100000))
+        assert argument.value.identifier == "Tandril:Host:ValueTooDeep"
+        itself = []
+        itself.append(itself)
+        with pytest.raises(tandril.Error, match="nested more than 100 deep"):
+            tandril.call_host("echo", 1, itself)
+        # As deep as allowed crosses both ways unchanged.
+        assert tandril.call_host("echo", 1, ["x", nested(98)]) == [["x", nested(98)]]
+    finally:
+        tandril.register_host_function("deep_answer", None)
+        tandril.register_host_function("echo", None)
+
+
+def test_a_host_function_calling_itself_ends_with_a_clear_error(session):
+    depths = []
+
+    def itself(nargout, depth):
+        depths.append(depth)
+        return tandril.call_host("itself", nargout, depth + 1)
+
+    tandril.register_host_function("itself", itself)
+    try:
+        with pytest.raises(tandril.Error) as failure:
+            tandril.call_host("itself", 1, 1)
+    finally:
+        tandril.register_host_function("itself", None)
+    assert failure.value.identifier == "Tandril:Host:CallsTooDeep"
+    assert str(failure.value).startswith("itself: host functions served from Python nest more than 32 deep")
+    assert depths == [float(d) for d in range(1, 33)]
+    assert tandril.call_host("tdprivate", 1, "lb_getLibraryData", tandril.Repository.RepositoryReport.create(),
+                             "kinetics")[0]
+
+
+def test_an_exit_hook_after_the_packages_own_gets_an_error_not_a_window(root_dir, tmp_path):
+    script = textwrap.dedent("""
+        import atexit
+
+        def late():
+            import tandril
+            for make in (tandril.StandaloneBrowser, tandril.Repository.Repository.open):
+                try:
+                    make()
+                    print("made")
+                except tandril.Error as error:
+                    print(error.identifier, error)
+
+        atexit.register(late)  # before the package's own hook, so it runs after it
+        import tandril
+        tandril.start(root=%r, prefdir=%r)
+        tandril.StandaloneBrowser().show()
+    """) % (str(root_dir), str(tmp_path))
+    done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=120,
+                          env=dict(os.environ, QT_QPA_PLATFORM="offscreen"))
+    assert done.returncode == 0, done.stderr
+    lines = done.stdout.splitlines()
+    assert len(lines) == 2
+    for line in lines:
+        assert line.startswith("Tandril:Session:Ended The tandril session has ended at the interpreter's exit")
+
+
+def test_a_hit_is_selected_after_the_results_page_was_laid_out_again(root_dir, tmp_path):
+    # Found by the monkey (FUZZING.md). In a process of its own, as the fault
+    # it guards against ended the process.
+    script = textwrap.dedent("""
+        import tandril
+        tandril.start(root=%r, prefdir=%r)
+        browser = tandril.StandaloneBrowser()
+        browser.show()
+        browser.searchForBlock("gain")
+        hit = browser.getResultsPageBlockNames()[0]
+        browser.selectTabByIndex(0)
+        browser.setLayout("LIST")
+        browser.selectSearchResult(hit)
+        print(browser.getSelectedBlockName() == hit, browser.getCurrentTabIndex())
+    """) % (str(root_dir), str(tmp_path))
+    done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=120,
+                          env=dict(os.environ, QT_QPA_PLATFORM="offscreen", MALLOC_PERTURB_="165"))
+    assert done.returncode == 0 and done.stdout == "True 1\n", done.stderr[-2000:]
