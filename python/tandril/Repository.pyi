@@ -1,6 +1,6 @@
 """The library browser's repository package: tandril.Repository."""
 
-from typing import ClassVar, Iterator, Sequence, final, overload
+from typing import ClassVar, Iterable, Iterator, Sequence, final, overload
 
 @final
 class Icon:
@@ -235,3 +235,29 @@ class Util:
 
     @staticmethod
     def computeCheckSum(path: str, report: RepositoryReport) -> str: ...
+
+@final
+class RankedBlock:
+    """One block of a ranked answer: the block, its score, the matched runs of its name."""
+
+    @property
+    def block(self) -> TandrilObject: ...
+    @property
+    def score(self) -> int: ...
+    @property
+    def spans(self) -> list[tuple[int, int]]: ...
+    @property
+    def favourite(self) -> bool: ...
+    @property
+    def recent(self) -> bool: ...
+
+@final
+class BlockRanker:
+    """The ranked search over the blocks of a reader or repository."""
+
+    def __init__(self, reader: Reader) -> None: ...
+    def rank(
+        self, query: str, limit: int = 20, favourites: Iterable[str] = (), recents: Iterable[str] = ()
+    ) -> list[RankedBlock]: ...
+    def count(self, query: str) -> int: ...
+    def __len__(self) -> int: ...
