@@ -198,24 +198,22 @@ QString WindowMonkey::pressKey()
     return QStringLiteral("key ") + name;
 }
 
-QString WindowMonkey::clickTile()
-{
-    GuiBlock* tile = randomTile();
-    if (!tile)
-        return QStringLiteral("click on an empty page");
-    const std::string path = tile->getDisplayPath();
-    QTest::mouseClick(tile->getPanel(), Qt::LeftButton, {}, tile->geometry().center());
-    return describe(QStringLiteral("click tile"), path);
-}
+QString WindowMonkey::clickTile() { return clickOnTile(false); }
 
-QString WindowMonkey::doubleClickTile()
+QString WindowMonkey::doubleClickTile() { return clickOnTile(true); }
+
+QString WindowMonkey::clickOnTile(bool twice)
 {
+    const QString what = twice ? QStringLiteral("double click") : QStringLiteral("click");
     GuiBlock* tile = randomTile();
     if (!tile)
-        return QStringLiteral("double click on an empty page");
+        return what + QStringLiteral(" on an empty page");
     const std::string path = tile->getDisplayPath();
-    QTest::mouseDClick(tile->getPanel(), Qt::LeftButton, {}, tile->geometry().center());
-    return describe(QStringLiteral("double click tile"), path);
+    if (twice)
+        QTest::mouseDClick(tile->getPanel(), Qt::LeftButton, {}, tile->geometry().center());
+    else
+        QTest::mouseClick(tile->getPanel(), Qt::LeftButton, {}, tile->geometry().center());
+    return describe(what + QStringLiteral(" tile"), path);
 }
 
 QString WindowMonkey::dragTile()

@@ -50,6 +50,7 @@ private:
     QString pressKey();
     QString clickTile();
     QString doubleClickTile();
+    QString clickOnTile(bool twice);
     QString dragTile();
     QString clickTreeRow();
     QString doubleClickTreeRow();
