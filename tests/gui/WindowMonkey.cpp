@@ -101,7 +101,7 @@ const std::vector<WindowMonkey::Step>& WindowMonkey::steps()
 {
     // A double click on a tree row is out of the default list: at seed 3
     // step 810 (TDLB_WINDOW_MONKEY_ALL_STEPS=1) the tree's repaint after it
-    // never ends (QTextLayout::createLine under QTreeView::drawRow).
+    // does not end within a minute (QTextLayout::createLine under QTreeView::drawRow).
     static const std::vector<Step> table = {
         {"key", 30, true, &WindowMonkey::pressKey},
         {"click tile", 10, true, &WindowMonkey::clickTile},
