@@ -266,6 +266,10 @@ private:
     void internalInitTree();
     int internalTakeTreeNode(const TandrilObject& subsystem);
     int internalAddChildrenToTreeNode(int uid);
+    // The current node's item went with a rebuilt branch: the nearest node of
+    // the chain (the node's path, then its ancestors') that is in the tree
+    // again becomes current, else the fallback.
+    void internalAdoptCurrentTreeNode(const std::vector<std::string>& chain, int fallbackUID);
     void internalExpandTreeNode(int uid);
     void internalCollapseTreeNode(int uid);
     void internalEnsureTreeNodeVisible(int uid);

@@ -110,6 +110,13 @@ int StandaloneBrowser::internalAddChildrenToTreeNode(int uid)
     const GuiSubsystem* node = uid > 0 ? treeTile(uid) : nullptr;
     if (!node)
         return 0;
+    // The current node may lie below (the user closed the branch over it with
+    // the expander): its path and its ancestors' paths, nearest first, to find
+    // it again among the new items.
+    std::vector<std::string> currentChain;
+    for (int up = m_currentNodeUID; up > 0 && up != uid; up = m_tree->getItemParent(up))
+        if (const GuiSubsystem* tile = treeTile(up))
+            currentChain.push_back(tile->getDisplayPath());
     for (int child : m_tree->getItemChildren(uid))
         m_treeNodes.erase(child);
     m_tree->removeChildren(uid);
@@ -133,7 +140,27 @@ int StandaloneBrowser::internalAddChildrenToTreeNode(int uid)
         icons.push_back(treeIcon.empty() ? std::string() : getNumoraroot() + "/" + treeIcon);
     }
     m_tree->addChildren(uid, labels, uids, expandable, icons);
+    if (!m_tree->itemOf(m_currentNodeUID))
+        internalAdoptCurrentTreeNode(currentChain, uid);
     return uids.empty() ? 0 : uids.back();
+}
+
+void StandaloneBrowser::internalAdoptCurrentTreeNode(const std::vector<std::string>& chain, int fallbackUID)
+{
+    for (std::size_t i = 0; i < chain.size(); ++i) {
+        const int found = internalGetUIDForDisplayPath(chain[i]);
+        if (found < 1)
+            continue;
+        if (i == 0) {
+            // The same node under a new item: the page already shows it.
+            m_currentNodeUID = m_waitingNodeUID = found;
+            m_tree->selectItem(found);
+        } else {
+            internalSelectTreeNode(found);
+        }
+        return;
+    }
+    internalSelectTreeNode(fallbackUID);
 }
 
 void StandaloneBrowser::handleOnExpandTreeNode(int uid) { internalEnsureTreeNodeVisible(internalAddChildrenToTreeNode(uid)); }
@@ -237,8 +264,10 @@ void StandaloneBrowser::internalSelectTab(int index, bool force)
 
 int StandaloneBrowser::internalGetUIDForDisplayPath(const std::string& displayPath) const
 {
+    // A node below a branch that was rebuilt keeps its entry here while its
+    // item is gone with the branch: it counts as not in the tree.
     const auto found = m_displayPathToUID.find(displayPath);
-    return found != m_displayPathToUID.end() ? found->second : 0;
+    return found != m_displayPathToUID.end() && m_tree->itemOf(found->second) ? found->second : 0;
 }
 
 int StandaloneBrowser::internalGetUIDForDisplayPathAfterOpeningTree(const std::string& displayPath)

@@ -108,6 +108,33 @@ TEST_F(BrowserWindowTest, ExpandingANodeListsItsSubsystemsOnly)
     EXPECT_EQ(window.getCurrentTreeNode(), "Tandril/Ports & Subsystems");
 }
 
+// The expander closes a branch over the current node without moving the
+// selection; opening it again makes the branch's items anew (found by the
+// window's monkey test).
+TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheExpander)
+{
+    StandaloneBrowser& window = open();
+    LibraryTreeView* tree = window.tree();
+    const std::string nested = "Tandril/Ports & Subsystems/Conditional Container";
+    window.internalOpenSubsystemInTree(nested);
+    ASSERT_EQ(window.getCurrentTreeNode(), nested);
+    QTreeWidgetItem* main = tree->topLevelItem(0);
+    tree->collapseItem(main);
+    tree->expandItem(main);
+    settle();
+    // The node itself is gone with its closed parent: its nearest ancestor in
+    // the tree again is current, and a search of the gone path finds nothing.
+    ASSERT_NE(tree->itemOf(window.getCurrentNodeUID()), nullptr);
+    EXPECT_EQ(window.getCurrentTreeNode(), "Tandril/Ports & Subsystems");
+    EXPECT_EQ(tree->currentItem(), tree->itemOf(window.getCurrentNodeUID()));
+    window.selectTreeNodeByName(nested);
+    EXPECT_EQ(window.getCurrentTreeNode(), "Tandril/Ports & Subsystems");
+    // Opened by a double click on its tile, it is found by opening its way down.
+    window.internalOpenSubsystemInTree(nested);
+    EXPECT_EQ(window.getCurrentTreeNode(), nested);
+    ASSERT_NE(tree->itemOf(window.getCurrentNodeUID()), nullptr);
+}
+
 TEST_F(BrowserWindowTest, KeyboardMovesWaitForTheTimerAndShowOnlyWhereTheUserStops)
 {
     StandaloneBrowser& window = open();
