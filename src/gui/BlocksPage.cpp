@@ -255,9 +255,11 @@ void BlocksPage::clearBlocks()
     if (m_savedBlockSelectionName.empty() && m_selectedBlock)
         m_savedBlockSelectionName = m_selectedBlock->getDisplayPath();
     m_selectedBlock = nullptr;
-    m_blocks.clear();
+    // The panel goes before its tiles: hiding it sends a leave event that
+    // repaints the tile under the mouse.
     delete m_scrollView->takeWidget();
     m_mainPanel = nullptr;
+    m_blocks.clear();
     createMainPanel();
 }
 

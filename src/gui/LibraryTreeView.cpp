@@ -160,10 +160,16 @@ void LibraryTreeView::setItemIcon(int uid, const std::string& iconFile)
 
 void LibraryTreeView::ensureItemVisible(int uid)
 {
-    // Scrolling to a node opens its closed parents; their children are there.
-    QuietScope quiet(m_quiet);
+    // Not scrollToItem: it passes by the quiet scrollTo below.
     if (QTreeWidgetItem* item = m_items.value(uid))
-        scrollToItem(item);
+        scrollTo(indexFromItem(item));
+}
+
+void LibraryTreeView::scrollTo(const QModelIndex& index, ScrollHint hint)
+{
+    // Scrolling opens the closed parents of the index; their children are there.
+    QuietScope quiet(m_quiet);
+    QTreeWidget::scrollTo(index, hint);
 }
 
 void LibraryTreeView::setItemIcon(int uid, const QIcon& icon)

@@ -45,6 +45,10 @@ public:
     QTreeWidgetItem* itemOf(int uid) const { return m_items.value(uid); }
     static int uidOf(const QTreeWidgetItem* item);
 
+    // Branches a scroll opens keep their items: the view still holds the
+    // index it scrolls to, and rebuilding that branch would free it.
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+
 signals:
     void selectionMoved(int uid);
     void itemPressedWithMouse(int uid);

@@ -57,6 +57,7 @@ const std::vector<KeyChoice>& keyChoices()
         {Qt::Key_I, Qt::NoModifier, "i"},
         {Qt::Key_S, Qt::NoModifier, "s"},
         {Qt::Key_Menu, Qt::NoModifier, "Menu"},
+        {Qt::Key_Asterisk, Qt::NoModifier, "*"},
         {Qt::Key_F, Qt::ControlModifier, "Ctrl+F"},
         {Qt::Key_L, Qt::ControlModifier, "Ctrl+L"},
         {Qt::Key_G, Qt::ControlModifier, "Ctrl+G"},
@@ -92,46 +93,42 @@ QString describe(const QString& what, const std::string& target)
 
 } // namespace
 
-WindowMonkey::WindowMonkey(StandaloneBrowser& browser, unsigned seed, bool trace, bool allSteps)
-    : m_browser(browser), m_random(seed), m_trace(trace), m_allSteps(allSteps)
+WindowMonkey::WindowMonkey(StandaloneBrowser& browser, unsigned seed, bool trace)
+    : m_browser(browser), m_random(seed), m_trace(trace)
 {
 }
 
 const std::vector<WindowMonkey::Step>& WindowMonkey::steps()
 {
-    // A double click on a tree row is out of the default list: at seed 3
-    // step 810 (TDLB_WINDOW_MONKEY_ALL_STEPS=1) the tree's repaint after it
-    // does not end within a minute (QTextLayout::createLine under QTreeView::drawRow).
     static const std::vector<Step> table = {
-        {"key", 30, true, &WindowMonkey::pressKey},
-        {"click tile", 10, true, &WindowMonkey::clickTile},
-        {"double click tile", 4, true, &WindowMonkey::doubleClickTile},
-        {"drag tile", 3, true, &WindowMonkey::dragTile},
-        {"click tree row", 10, true, &WindowMonkey::clickTreeRow},
-        {"double click tree row", 3, false, &WindowMonkey::doubleClickTreeRow},
-        {"toggle tree node", 8, true, &WindowMonkey::toggleTreeNode},
-        {"menu action", 12, true, &WindowMonkey::triggerMenuAction},
-        {"search", 6, true, &WindowMonkey::search},
-        {"refresh", 1, true, &WindowMonkey::refresh},
-        {"hide and show", 2, true, &WindowMonkey::hideAndShow},
+        {"key", 30, &WindowMonkey::pressKey},
+        {"click tile", 10, &WindowMonkey::clickTile},
+        {"double click tile", 4, &WindowMonkey::doubleClickTile},
+        {"drag tile", 3, &WindowMonkey::dragTile},
+        {"click tree row", 10, &WindowMonkey::clickTreeRowOnce},
+        {"double click tree row", 3, &WindowMonkey::doubleClickTreeRow},
+        {"toggle tree node", 8, &WindowMonkey::toggleTreeNode},
+        {"menu action", 12, &WindowMonkey::triggerMenuAction},
+        {"search", 6, &WindowMonkey::search},
+        {"refresh", 1, &WindowMonkey::refresh},
+        {"hide and show", 2, &WindowMonkey::hideAndShow},
     };
     return table;
 }
 
 QString WindowMonkey::step()
 {
-    const auto weight = [this](const Step& step) { return step.byDefault || m_allSteps ? step.weight : 0; };
     int total = 0;
     for (const Step& step : steps())
-        total += weight(step);
+        total += step.weight;
     int pick = below(total);
     const Step* chosen = &steps().front();
     for (const Step& step : steps()) {
-        if (pick < weight(step)) {
+        if (pick < step.weight) {
             chosen = &step;
             break;
         }
-        pick -= weight(step);
+        pick -= step.weight;
     }
     // The description is kept before the step runs, so that a crash's report
     // would name it; the step completes it.
@@ -236,37 +233,39 @@ QString WindowMonkey::dragTile()
     return describe(QStringLiteral("drag tile"), path) + QStringLiteral(" to %1,%2").arg(end.x()).arg(end.y());
 }
 
-QString WindowMonkey::clickTreeRow()
+QTreeWidgetItem* WindowMonkey::shownTreeRow()
+{
+    // A row the user sees: a top-level row, then down the open branches to a
+    // random depth.
+    LibraryTreeView* tree = m_browser.tree();
+    const int rows = tree->topLevelItemCount();
+    if (rows < 1)
+        return nullptr;
+    QTreeWidgetItem* item = tree->topLevelItem(below(rows));
+    while (item->isExpanded() && item->childCount() > 0 && below(3) > 0)
+        item = item->child(below(item->childCount()));
+    return item;
+}
+
+QString WindowMonkey::clickTreeRow(bool twice)
 {
     LibraryTreeView* tree = m_browser.tree();
-    QTreeWidgetItem* item = nullptr;
-    const int rows = tree->topLevelItemCount();
-    if (rows > 0) {
-        item = tree->topLevelItem(below(rows));
-        // Down the open branches to a random depth.
-        while (item->isExpanded() && item->childCount() > 0 && below(3) > 0)
-            item = item->child(below(item->childCount()));
-    }
+    QTreeWidgetItem* item = shownTreeRow();
     if (!item)
         return QStringLiteral("click on an empty tree");
     const QString label = item->text(0);
     tree->scrollToItem(item);
-    const QRect row = tree->visualItemRect(item);
-    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, row.center());
-    return QStringLiteral("click tree row \"%1\"").arg(label);
+    const QPoint center = tree->visualItemRect(item).center();
+    if (twice)
+        QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, center);
+    else
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, center);
+    return QStringLiteral("%1 tree row \"%2\"").arg(twice ? QStringLiteral("double click") : QStringLiteral("click"), label);
 }
 
-QString WindowMonkey::doubleClickTreeRow()
-{
-    LibraryTreeView* tree = m_browser.tree();
-    QTreeWidgetItem* item = tree->currentItem();
-    if (!item)
-        return QStringLiteral("double click on no tree row");
-    const QString label = item->text(0);
-    tree->scrollToItem(item);
-    QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(item).center());
-    return QStringLiteral("double click tree row \"%1\"").arg(label);
-}
+QString WindowMonkey::clickTreeRowOnce() { return clickTreeRow(false); }
+
+QString WindowMonkey::doubleClickTreeRow() { return clickTreeRow(true); }
 
 QString WindowMonkey::toggleTreeNode()
 {

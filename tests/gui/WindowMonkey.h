@@ -11,6 +11,7 @@
 #include <vector>
 
 class QWidget;
+class QTreeWidgetItem;
 class QWindow;
 
 namespace LibraryBrowser {
@@ -27,9 +28,8 @@ namespace LibraryBrowser::Testing {
 // the window must answer and hang together; check() says what does not.
 class WindowMonkey {
 public:
-    // With trace, each step's kind goes to the error stream before it runs;
-    // allSteps takes in the steps left out of the default list for a finding.
-    WindowMonkey(StandaloneBrowser& browser, unsigned seed, bool trace, bool allSteps);
+    // With trace, each step's kind goes to the error stream before it runs.
+    WindowMonkey(StandaloneBrowser& browser, unsigned seed, bool trace);
 
     // One random step, its events processed; the step's description.
     QString step();
@@ -42,7 +42,6 @@ private:
     struct Step {
         const char* name;
         int weight;
-        bool byDefault;
         QString (WindowMonkey::*run)();
     };
     static const std::vector<Step>& steps();
@@ -52,7 +51,9 @@ private:
     QString doubleClickTile();
     QString clickOnTile(bool twice);
     QString dragTile();
-    QString clickTreeRow();
+    QTreeWidgetItem* shownTreeRow();
+    QString clickTreeRow(bool twice);
+    QString clickTreeRowOnce();
     QString doubleClickTreeRow();
     QString toggleTreeNode();
     QString triggerMenuAction();
@@ -74,7 +75,6 @@ private:
     std::mt19937 m_random;
     std::deque<QString> m_recent;
     bool m_trace;
-    bool m_allSteps;
     bool m_searched = false;
 };
 
