@@ -104,9 +104,11 @@ void QuickInsertPopup::update()
         result.blocks.resize(RowLimit);
         m_truncated = true;
     }
+    const bool empty = BlockRanker::queryWords(query.text).empty();
+    if (empty)
+        QuickInsertRows::orderAsHistory(result.blocks, m_history.favourites(), m_history.recents());
     m_rows.setRows(std::move(result.blocks));
     fillList();
-    const bool empty = BlockRanker::queryWords(query.text).empty();
     if (empty && m_rows.rows().empty())
         m_footer->setText(QStringLiteral("Type a name. Ctrl+D marks a favourite."));
     else if (empty)

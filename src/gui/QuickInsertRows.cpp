@@ -17,6 +17,21 @@ const RankedBlock* QuickInsertRows::currentBlock() const
     return m_current < 0 ? nullptr : &m_rows[std::size_t(m_current)];
 }
 
+void QuickInsertRows::orderAsHistory(std::vector<RankedBlock>& rows, const QStringList& favourites,
+                                     const QStringList& recents)
+{
+    const auto place = [&](const RankedBlock& row) -> qsizetype {
+        const QString path = QString::fromStdString(row.block.getPath());
+        const qsizetype favourite = favourites.indexOf(path);
+        if (favourite >= 0)
+            return favourite;
+        const qsizetype recent = recents.indexOf(path);
+        return favourites.size() + (recent >= 0 ? recent : recents.size());
+    };
+    std::stable_sort(rows.begin(), rows.end(),
+                     [&](const RankedBlock& a, const RankedBlock& b) { return place(a) < place(b); });
+}
+
 void QuickInsertRows::move(int steps)
 {
     if (!m_rows.empty())

@@ -3,6 +3,7 @@
 #include "repository/search/RankedBlock.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -23,6 +24,10 @@ public:
 
     // The name as rich text with the matched runs in bold; the rest escaped.
     static QString highlighted(const QString& name, const std::vector<NameSpan>& spans);
+    // The empty query's rows as the history keeps them: favourites in the
+    // order they were marked, then recents newest first.
+    static void orderAsHistory(std::vector<RankedBlock>& rows, const QStringList& favourites,
+                               const QStringList& recents);
     // Where a block lives, as the tree shows it: its display path less its name.
     static QString libraryPath(const std::string& displayPath, const std::string& displayName);
 

@@ -170,16 +170,22 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     EXPECT_TRUE(popup()->rows().currentBlock()->favourite);
     EXPECT_EQ(popup()->rows().currentBlock()->block.getPath(), favourite);
 
+    // Added last, a block after the other in the tree comes first among the recents.
+    popup()->queryEdit()->clear();
+    keys("pulse train");
+    ASSERT_EQ(rows().value(0), "Kinetics/Test Signals/Pulse Train");
+    key(Qt::Key_Return, Qt::ControlModifier);
     popup()->queryEdit()->clear();
     settle();
-    ASSERT_EQ(rows().size(), 2);
+    ASSERT_EQ(rows().size(), 3);
     EXPECT_EQ(popup()->rows().rows()[0].block.getPath(), favourite);
-    EXPECT_EQ(rows()[1], third);
-    EXPECT_EQ(popup()->rows().rows()[1].block.getPath(), thirdPath);
+    EXPECT_EQ(rows()[1], "Kinetics/Test Signals/Pulse Train");
+    EXPECT_EQ(rows()[2], third);
+    EXPECT_EQ(popup()->rows().rows()[2].block.getPath(), thirdPath);
 
     key(Qt::Key_Escape);
     EXPECT_EQ(popup(), nullptr);
-    EXPECT_EQ(blocksOf(model).size(), 1);
+    EXPECT_EQ(blocksOf(model).size(), 2);
 }
 
 // The context menu's entry after the design's, and the recents' bound.

@@ -202,7 +202,8 @@ RankingResult BlockRanker::rank(const RankingQuery& query) const
     return result;
 }
 
-// Favourites first, then recently used blocks, each in tree order.
+// Favourites first, then recently used blocks, each in tree order; the
+// caller knows the order the user made them in.
 RankingResult BlockRanker::favouritesAndRecents(const RankingQuery& query) const
 {
     std::vector<Candidate> candidates;
