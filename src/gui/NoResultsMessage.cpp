@@ -28,7 +28,7 @@ std::string text(const SearchResults& results)
                                              results.searchString);
     // The searched text is the user's: it must show as typed, not as markup.
     std::string text = "<font color=red>" + QString::fromStdString(message).toHtmlEscaped().toStdString() + "</font>";
-    if (results.useRegExp || results.matchWholeWord || results.matchCase)
+    if (results.useRegExp || results.matchWholeWord || results.matchCase || results.searchDescriptions)
         text += "\n \n" + searchOptions(results);
     return text;
 }
@@ -42,6 +42,9 @@ std::string searchOptions(const SearchResults& results)
         set.push_back(xlatedMessageFromId(MessageId::TDLB_GuiBlocksPageText_MatchCase));
     if (results.useRegExp)
         set.push_back(xlatedMessageFromId(MessageId::TDLB_GuiBlocksPageText_RegularExpression));
+    // After the three: the menu's fourth entry, named as the menu names it.
+    if (results.searchDescriptions)
+        set.push_back("Search descriptions too");
     std::string text = xlatedMessageFromId(MessageId::TDLB_GuiBlocksPageText_SearchOptions) + " ";
     for (std::size_t i = 0; i < set.size(); ++i)
         text += (i ? ", " : "") + set[i];

@@ -6,6 +6,7 @@
 #include "gui/BrowserPreferences.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QMenu>
 
 namespace LibraryBrowser::Testing {
@@ -28,9 +29,15 @@ TEST_F(SearchDescriptionsTest, FindsBlocksByDescriptionOnlyWhenAskedAndKeepsTheC
     EXPECT_TRUE(descriptions->isCheckable());
     EXPECT_FALSE(descriptions->isChecked());
 
+    const auto noResultsText = [&window] {
+        const auto* label = window.window()->findChild<QLabel*>("noResultsText");
+        return label ? label->text() : QString();
+    };
     // Only the PID controller's description speaks of windup.
     window.searchForBlock("windup");
     EXPECT_TRUE(window.getResultsPageBlockNames().empty());
+    EXPECT_FALSE(noResultsText().isEmpty());
+    EXPECT_FALSE(noResultsText().contains("Search options"));
     descriptions->trigger();
     window.searchForBlock("windup");
     EXPECT_EQ(window.getResultsPageSectionNames(), (std::vector<std::string>{"Tandril", "Kinetics"}));
@@ -45,6 +52,8 @@ TEST_F(SearchDescriptionsTest, FindsBlocksByDescriptionOnlyWhenAskedAndKeepsTheC
     window.setSearchOptions({false, true, false});
     window.searchForBlock("Windup");
     EXPECT_TRUE(window.getResultsPageBlockNames().empty());
+    // The page that says nothing was found names the option too.
+    EXPECT_TRUE(noResultsText().endsWith(", Search descriptions too")) << noResultsText().toStdString();
 
     window.closeBrowser();
     EXPECT_TRUE(BrowserPreferences(preferencesFile()).getBool(PrefKey::LBSearch_Descriptions));
