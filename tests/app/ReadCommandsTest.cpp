@@ -1,5 +1,7 @@
 // The reading commands on an updated copy of the example root: what they
-// print, their JSON documents parsed back, and their exit codes.
+// print, their JSON documents parsed back, and their exit codes; find's
+// ranked answer; browse run as a user runs it to make a picture of the
+// window.
 
 #include "TdlbProcess.h"
 
@@ -10,6 +12,7 @@
 #include <QImage>
 #include <QJsonArray>
 #include <QRegularExpression>
+#include <QSettings>
 #include <QTemporaryDir>
 
 namespace LibraryBrowser::Testing {
@@ -53,11 +56,9 @@ TEST_F(TdlbReadTest, ListShowsEachProductOnceWithItsState)
     ASSERT_EQ(products.size(), 6) << qPrintable(json.out);
     EXPECT_EQ(document["count"].toInt(), 6);
     const QJsonObject kinetics = json.jsonEntry("products", "kinetics");
-    EXPECT_EQ(kinetics["displayName"].toString(), "Kinetics");
-    EXPECT_EQ(kinetics["type"].toString(), "Library");
-    EXPECT_EQ(kinetics["kind"].toString(), "product");
-    EXPECT_TRUE(kinetics["topLevel"].toBool());
-    EXPECT_TRUE(kinetics["upToDate"].toBool());
+    EXPECT_EQ(kinetics["displayName"].toString() + kinetics["type"].toString() + kinetics["kind"].toString(),
+              "KineticsLibraryproduct");
+    EXPECT_TRUE(kinetics["topLevel"].toBool() && kinetics["upToDate"].toBool());
     EXPECT_EQ(json.jsonEntry("products", "signal_workbench")["kind"].toString(), "palette");
     EXPECT_FALSE(json.jsonEntry("products", "wavecraft")["topLevel"].toBool());
 }
@@ -154,10 +155,9 @@ TEST_F(TdlbReadTest, ShowGivesEveryAttributeAndWritesTheIcon)
     const TdlbResult json = run({"show", "arithmetica/Basic Operations/Gain", "--json"});
     ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
     const QJsonObject gain = json.json();
-    EXPECT_EQ(gain["path"].toString(), "arithmetica/Basic Operations/Gain");
-    EXPECT_EQ(gain["name"].toString(), "Gain");
-    EXPECT_EQ(gain["type"].toString(), "Block");
-    EXPECT_EQ(gain["product"].toString(), "arithmetica");
+    EXPECT_EQ(gain["path"].toString() + "|" + gain["name"].toString() + "|" + gain["type"].toString() + "|" +
+                  gain["product"].toString(),
+              "arithmetica/Basic Operations/Gain|Gain|Block|arithmetica");
     EXPECT_FALSE(gain["description"].toString().isEmpty());
     EXPECT_TRUE(gain["isEmpty"].toBool());
     EXPECT_GT(gain["iconBytes"].toInt(), 0);
@@ -223,6 +223,78 @@ TEST_F(TdlbReadTest, ReportPrintsTheLogOfTheRun)
     const TdlbResult result = run({"report"});
     ASSERT_EQ(result.exitCode, 0) << qPrintable(result.err);
     EXPECT_TRUE(result.out.startsWith("Action: Syncing the top level manifest")) << qPrintable(result.out);
+}
+
+TEST_F(TdlbReadTest, FindRanksBestFirstWithSpansHonoursTheLimitAndTellsOutcomesByExitCode)
+{
+    const TdlbResult json = run({"find", "controller pid", "--json"});
+    ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
+    const QJsonObject first = json.json()["blocks"].toArray().first().toObject();
+    EXPECT_EQ(first["path"].toString(), "kinetics/Continuous/PID Controller");
+    EXPECT_EQ(first["displayPath"].toString(), "Kinetics/Continuous/PID Controller");
+    EXPECT_EQ(first["type"].toString(), "Block");
+    EXPECT_GT(first["score"].toInt(), 0);
+    EXPECT_EQ(first["spans"].toArray(), (QJsonArray{QJsonObject{{"start", 0}, {"length", 3}},
+                                                    QJsonObject{{"start", 4}, {"length", 10}}}));
+    const TdlbResult text = run({"find", "controller pid"});
+    EXPECT_TRUE(text.out.startsWith(QString("%1  Kinetics/Continuous/PID Controller  [Block]  [PID] [Controller]\n")
+                                        .arg(first["score"].toInt(), 5)))
+        << qPrintable(text.out);
+
+    const QJsonObject limited = run({"find", "wave", "--limit", "2", "--json"}).json();
+    EXPECT_EQ(limited["blocks"].toArray().size(), 2);
+    EXPECT_GT(limited["total"].toInt(), 2);
+    EXPECT_EQ(run({"find", "wave", "--limit", "0", "--json"}).json()["blocks"].toArray().size(),
+              limited["total"].toInt());
+
+    const TdlbResult none = run({"find", "xyzzy"});
+    EXPECT_EQ(none.exitCode, 1);
+    EXPECT_TRUE(none.out.contains("0 of 0 matching blocks shown")) << qPrintable(none.out);
+    for (const QStringList& wrong : {QStringList{"find"}, QStringList{"find", "  "},
+                                     QStringList{"find", "pid", "--limit", "-1"},
+                                     QStringList{"find", "pid", "--limit", "many"}}) {
+        const TdlbResult refused = run(wrong);
+        EXPECT_EQ(refused.exitCode, 2) << qPrintable(wrong.join(' '));
+        EXPECT_FALSE(refused.err.isEmpty());
+    }
+}
+
+// A picture of the asked node, with options for that run only; an unknown
+// node or a wrong option says so.
+TEST_F(TdlbReadTest, BrowseScreenshotsTheAskedNodeAndLeavesTheUsersChoicesAlone)
+{
+    const QString picture = QDir(tdlb.preferences()).filePath("window.png");
+    const auto preference = [this](const QString& key) {
+        return QSettings(tdlb.preferences() + "/LibraryBrowser.ini", QSettings::IniFormat)
+            .value("LibraryBrowser/" + key)
+            .toString();
+    };
+    const TdlbResult first = run({"browse", "--screenshot", picture});
+    ASSERT_EQ(first.exitCode, 0) << qPrintable(first.err);
+    const QString layout = preference("LBLayout");
+    const QString iconSize = preference("LBIconSize");
+    ASSERT_FALSE(layout.isEmpty()) << "the window wrote its preferences";
+    const TdlbResult shot = run({"browse", "--select", "Kinetics/Continuous", "--layout", "list", "--icon-size",
+                                 "large", "--size", "700x500", "--screenshot", picture});
+    ASSERT_EQ(shot.exitCode, 0) << qPrintable(shot.err);
+    EXPECT_EQ(QImage(picture).size(), QSize(700, 500));
+    EXPECT_EQ(preference("LBLayout"), layout) << "the options were for that run only";
+    EXPECT_EQ(preference("LBIconSize"), iconSize);
+
+    const struct {
+        QStringList arguments;
+        int exitCode;
+        QString message;
+    } refusals[] = {
+        {{"--select", "Kinetics/Nowhere"}, 1, "no library or subsystem 'Kinetics/Nowhere' in the tree"},
+        {{"--layout", "diagonal"}, 2, "--layout is list or grid, not 'diagonal'"},
+        {{"--size", "20x20"}, 2, "--size needs WIDTHxHEIGHT"},
+    };
+    for (const auto& refusal : refusals) {
+        const TdlbResult result = run(QStringList{"browse", "--screenshot", picture} + refusal.arguments);
+        EXPECT_EQ(result.exitCode, refusal.exitCode) << qPrintable(refusal.arguments.join(' '));
+        EXPECT_TRUE(result.err.contains(refusal.message)) << qPrintable(result.err);
+    }
 }
 
 } // namespace
