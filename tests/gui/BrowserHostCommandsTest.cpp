@@ -39,27 +39,6 @@ TEST_F(BrowserHostCommandsTest, CommandsReachTheHostWithTheirArguments)
     EXPECT_NE(texts[1].find("params"), std::string::npos);
 }
 
-TEST_F(BrowserHostCommandsTest, ANewModelBecomesTheCurrentSystemWithItsType)
-{
-    using namespace BrowserUtils;
-    std::string name = "stale";
-    ModelType type = ModelType::Library;
-    bool locked = true;
-    getCurrentOpenSystemWithTypeAndLockState(name, type, locked);
-    EXPECT_EQ(name, "");
-    EXPECT_EQ(type, ModelType::Unknown);
-
-    const std::string created = openNewSystem(ModelType::Model);
-    ASSERT_FALSE(created.empty());
-    getCurrentOpenSystemWithTypeAndLockState(name, type, locked);
-    EXPECT_EQ(name, created);
-    EXPECT_EQ(type, ModelType::Model);
-    EXPECT_FALSE(locked);
-    EXPECT_EQ(getCurrentOpenSystem(), created);
-    EXPECT_TRUE(isSystemLoaded(created));
-    EXPECT_FALSE(isSystemLoaded("no such system"));
-}
-
 TEST_F(BrowserHostCommandsTest, WarningsAreMutedDuringACommandAndRestoredAfter)
 {
     HostEnvironment& environment = Platform::environment();

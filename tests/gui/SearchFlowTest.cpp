@@ -80,20 +80,6 @@ TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
     EXPECT_EQ(window.getSelectedBlockName(), "Kinetics/Discrete/Unit Delay");
 }
 
-TEST_F(SearchFlowTest, AHiddenSectionStaysHiddenInTheNextSearch)
-{
-    StandaloneBrowser& window = browser();
-    window.searchForBlock("Delay");
-    ASSERT_TRUE(window.hideResultsSectionByName("Kinetics"));
-    EXPECT_FALSE(window.isResultsSectionVisibleGui("Kinetics"));
-    EXPECT_TRUE(window.isResultsSectionVisibleGui("Tandril"));
-    window.searchForBlock("Unit");
-    EXPECT_FALSE(window.isResultsSectionVisibleGui("Kinetics"));
-    EXPECT_TRUE(window.showResultsSectionByName("Kinetics"));
-    EXPECT_TRUE(window.isResultsSectionVisibleGui("Kinetics"));
-    EXPECT_FALSE(window.hideResultsSectionByName("No Such Library"));
-}
-
 TEST_F(SearchFlowTest, TheHistoryKeepsTwentyFourAndForgetsWhatFoundNothing)
 {
     StandaloneBrowser& window = browser();
