@@ -85,7 +85,6 @@ TEST_F(SearchFlowTest, TheHistoryKeepsTwentyFourAndForgetsWhatFoundNothing)
     StandaloneBrowser& window = browser();
     enter("zzzz");
     EXPECT_EQ(resultsTabTitle(), "Not found: 'zzzz'");
-    EXPECT_EQ(window.getCurrentStatusBarMessage(), "No matches for 'zzzz'");
     EXPECT_EQ(window.getSearchResultsDisplayPathNames(),
               (std::vector<std::string>{"No search results found for 'zzzz'"}));
     EXPECT_EQ(history().front(), "zzzz");
