@@ -60,25 +60,6 @@ protected:
                 names.insert(hit["path"].toString().section('/', -1));
         return names;
     }
-
-    std::unique_ptr<QProcess> start(const QStringList& arguments) const
-    {
-        auto process = std::make_unique<QProcess>();
-        process->setProcessEnvironment(TdlbProcess::environment());
-        process->start(TDLB_EXECUTABLE, tdlb.withRoot(arguments));
-        EXPECT_TRUE(process->waitForStarted());
-        return process;
-    }
-
-    static TdlbResult finish(QProcess& process)
-    {
-        TdlbResult result;
-        result.crashed = !process.waitForFinished(TDLB_PROCESS_WAIT_MS) || process.exitStatus() != QProcess::NormalExit;
-        result.exitCode = process.exitCode();
-        result.out = QString::fromUtf8(process.readAllStandardOutput());
-        result.err = QString::fromUtf8(process.readAllStandardError());
-        return result;
-    }
 };
 
 // Three updates after library edits, started together, take turns: each
@@ -90,9 +71,9 @@ TEST_F(TdlbSharedStoreTest, UpdatesStartedTogetherAllSucceedAndKeepEveryEdit)
         expected = addMarkers(round, expected);
         std::vector<std::unique_ptr<QProcess>> updates;
         for (int n = 0; n < 3; ++n)
-            updates.push_back(start({"update"}));
+            updates.push_back(TdlbProcess::start(tdlb.withRoot({"update"}), TdlbProcess::environment()));
         for (auto& process : updates) {
-            const TdlbResult update = finish(*process);
+            const TdlbResult update = TdlbProcess::finish(*process);
             EXPECT_FALSE(update.crashed);
             EXPECT_EQ(update.exitCode, 0) << "round " << round << ": " << qPrintable(update.err);
         }

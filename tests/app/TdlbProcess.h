@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QProcess>
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <memory>
 
 namespace LibraryBrowser::Testing {
 
@@ -43,6 +46,10 @@ public:
     // The caller's environment without the host's own variables, so that
     // only the arguments choose root and preferences.
     static QProcessEnvironment environment();
+    // tdlb started with these arguments, and its end awaited.
+    static std::unique_ptr<QProcess> start(const QStringList& arguments, const QProcessEnvironment& environment,
+                                           int openFileLimit = 0);
+    static TdlbResult finish(QProcess& process);
 
 private:
     QTemporaryDir m_root;
