@@ -63,7 +63,7 @@ TEST_F(ResultsPageTest, SectionsFollowTheLibrariesWithTheirCountsAndTiles)
 
     // The first tile is selected and described; the status tells the totals.
     EXPECT_EQ(selectedPath(page), "Kinetics/Continuous/Transport Delay");
-    EXPECT_EQ(window->describedPath, "Kinetics/Continuous/Transport Delay");
+    EXPECT_EQ(window->description, "Kinetics/Continuous/Transport Delay");
     EXPECT_EQ(window->getCurrentStatusBarMessage(),
               "Matches for 'port'    3 blocksets    1 subsystems    10 blocks");
     EXPECT_EQ(page.getStatusMessage(), window->getCurrentStatusBarMessage());
@@ -170,7 +170,7 @@ TEST_F(ResultsPageTest, AnEmptyResultShowsTheMessageAndTheOptions)
         EXPECT_TRUE(page.getPageSectionNames().empty());
         EXPECT_EQ(window->getCurrentStatusBarMessage(), "No matches for '<nothing>'");
         EXPECT_EQ(page.getSelectedBlock(), nullptr);
-        EXPECT_EQ(window->describedPath, "");
+        EXPECT_EQ(window->description, "");
     }
 
     // Hits after an empty result bring the sections back and the text goes.
