@@ -62,20 +62,6 @@ TEST_F(BlockContextMenuTest, ASubsystemsMenuOpensItsLibrary)
               (std::vector<std::string>{"Select in library view [Ctrl+R]", "-- Open Routing library"}));
 }
 
-TEST_F(BlockContextMenuTest, TheEditMenuOffersAddingWhereTheBlockCanGo)
-{
-    EXPECT_EQ(BlockContextMenu::addEntryLabel({}), "Add Selected &Block to a New Model");
-    EXPECT_EQ(BlockContextMenu::addEntryLabel({"arithmetica", ModelType::Library, true}),
-              "Add Selected &Block to a New Model");
-    EXPECT_EQ(BlockContextMenu::addEntryLabel({"untitled", ModelType::Model, false}), "Add Selected &Block to untitled");
-    EXPECT_EQ(BlockContextMenu::addEntryLabel({"mylib", ModelType::Library, false}),
-              "Add Selected &Block to Library: mylib");
-    EXPECT_FALSE(BlockContextMenu::canAddToCurrentOpenSystem(nullptr, ModelType::Model));
-    EXPECT_TRUE(BlockContextMenu::canAddToCurrentOpenSystem(&gain, ModelType::Unknown));
-    EXPECT_FALSE(BlockContextMenu::canAddToCurrentOpenSystem(&routing, ModelType::Model));
-    EXPECT_TRUE(BlockContextMenu::canAddToCurrentOpenSystem(&routing, ModelType::Library));
-}
-
 class BrowserHostCommandsTest : public ::testing::Test {
 protected:
     std::vector<std::string> logged()

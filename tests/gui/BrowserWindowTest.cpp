@@ -174,8 +174,6 @@ TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwa
     EXPECT_EQ(window.getFontPointSize(), BrowserPreferences::defaultFontSize());
     EXPECT_EQ(window.getSearchOptions(), (std::vector<bool>{false, true, false}));
     EXPECT_TRUE(window.action(BrowserAction::GridLayout)->isChecked());
-    EXPECT_FALSE(window.action(BrowserAction::ListLayout)->isChecked());
-    EXPECT_TRUE(window.action(BrowserAction::LargeIcons)->isChecked());
     EXPECT_EQ(window.getPosition().size(), QSize(700, 500));
     // What is read can be written back without moving the window.
     const QRect position = window.getPosition();

@@ -36,8 +36,7 @@ void ResultsWindow::search(const std::string& text, bool regExp, bool wholeWord,
 {
     const SearchResults previous = results;
     results = SearchResults();
-    for (TandrilObjectIterator it = m_repository.getTopLevelIterator();
-         it.isValidIterator() && int(results.libraries.size()) != walkedLibraries; it.next())
+    for (TandrilObjectIterator it = m_repository.getTopLevelIterator(); it.isValidIterator(); it.next())
         results.libraries.push_back(it.current().toLibrary());
     for (const Library& library : results.libraries) {
         const TandrilObjectIterator found = m_repository.findBlocks(

@@ -31,8 +31,6 @@ public:
     QWidget& widget() { return m_window; }
     SearchResults results;
     bool remember = true;
-    // The libraries a search walks, from the first; all when negative.
-    int walkedLibraries = -1;
 
     // Walks the libraries as the search does and keeps the hits for the
     // page's next update.
