@@ -1,6 +1,6 @@
-// The command line's own contract: help on every command, and usage errors
-// with exit code 2 and a message on standard error, before any repository
-// work.
+// The command line's own contract without a root: help on every command,
+// the window commands without a display, and the build's example root by
+// default. Usage errors: TdlbReadTest.RefusalsSayWhyWithTheirExitCode.
 
 #include "TdlbProcess.h"
 
@@ -43,41 +43,6 @@ TEST(TdlbUsageTest, WithoutADisplayTheWindowCommandsSayWhatToDoAndStillGiveTheir
         const TdlbResult help = TdlbProcess::runRaw({command, "--help"}, bare);
         EXPECT_EQ(help.exitCode, 0) << qPrintable(command) << qPrintable(help.err);
         EXPECT_TRUE(help.out.contains("--screenshot")) << qPrintable(help.out);
-    }
-}
-
-TEST(TdlbUsageTest, UsageErrorsExitWithTwoAndSayWhy)
-{
-    TdlbProcess tdlb;
-    ASSERT_TRUE(tdlb.isReady());
-    const QString missing = tdlb.preferences() + "/no-such-root";
-    const struct {
-        QStringList arguments;
-        QString message;
-    } cases[] = {
-        {tdlb.withRoot({}), "no command given"},
-        {tdlb.withRoot({"frobnicate"}), "unknown command 'frobnicate'"},
-        {tdlb.withRoot({"--bogus", "list"}), "bogus"},
-        {tdlb.withRoot({"list", "--bogus"}), "bogus"},
-        {tdlb.withRoot({"list", "extra"}), "takes no arguments"},
-        {tdlb.withRoot({"search"}), "needs exactly one pattern"},
-        {tdlb.withRoot({"search", "a", "b"}), "needs exactly one pattern"},
-        {tdlb.withRoot({"show"}), "needs exactly one object"},
-        {tdlb.withRoot({"tree", "--depth", "deep"}), "--depth"},
-        {tdlb.withRoot({"tree", "--depth", "-1"}), "--depth"},
-        {tdlb.withRoot({"generate", "--mode", "Sometimes"}), "unknown mode 'Sometimes'"},
-        {tdlb.withRoot({"checksum"}), "needs exactly one file"},
-        {tdlb.withRoot({"list", "--root"}), "root"},
-        {tdlb.withRoot({"show", "arithmetica", "--size", "0"}), "--size"},
-        {tdlb.withRoot({"search", "(", "--regexp"}), "invalid regular expression '('"},
-        {{"--root", missing, "--prefdir", tdlb.preferences(), "list"}, "no-such-root' does not exist"},
-    };
-    for (const auto& c : cases) {
-        const TdlbResult result = TdlbProcess::runRaw(c.arguments);
-        ASSERT_FALSE(result.crashed) << qPrintable(c.arguments.join(' '));
-        EXPECT_EQ(result.exitCode, 2) << qPrintable(c.arguments.join(' ')) << "\n" << qPrintable(result.err);
-        EXPECT_TRUE(result.err.contains(c.message)) << qPrintable(result.err);
-        EXPECT_TRUE(result.out.isEmpty()) << qPrintable(result.out);
     }
 }
 
