@@ -31,8 +31,7 @@ TEST_F(TdlbReadTest, UpdateCountsTheProductsAndIsQuietOnASecondRun)
         return std::pair{snapshot(root().toStdString()), snapshot(tdlb.preferences().toStdString())};
     };
     const auto before = stores();
-    const TdlbResult again = run({"update"});
-    EXPECT_EQ(again.exitCode, 0);
+    const TdlbResult again = ok({"update"});
     EXPECT_EQ(again.out, update.out);
     // Nothing is generated again when nothing changed.
     EXPECT_TRUE(stores() == before);
@@ -40,8 +39,7 @@ TEST_F(TdlbReadTest, UpdateCountsTheProductsAndIsQuietOnASecondRun)
 
 TEST_F(TdlbReadTest, ListShowsEachProductOnceWithItsState)
 {
-    const TdlbResult text = run({"list"});
-    ASSERT_EQ(text.exitCode, 0) << qPrintable(text.err);
+    const TdlbResult text = ok({"list"});
     const QStringList lines = text.out.split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 7) << qPrintable(text.out);
     EXPECT_TRUE(lines[0].startsWith("NAME"));
@@ -49,8 +47,7 @@ TEST_F(TdlbReadTest, ListShowsEachProductOnceWithItsState)
         << qPrintable(text.out);
     EXPECT_TRUE(text.out.contains(QRegularExpression("Arithmetica +arithmetica +product +no +yes")));
 
-    const TdlbResult json = run({"list", "--json"});
-    ASSERT_EQ(json.exitCode, 0);
+    const TdlbResult json = ok({"list", "--json"});
     const QJsonObject document = json.json();
     const QJsonArray products = document["products"].toArray();
     ASSERT_EQ(products.size(), 6) << qPrintable(json.out);
@@ -65,8 +62,7 @@ TEST_F(TdlbReadTest, ListShowsEachProductOnceWithItsState)
 
 TEST_F(TdlbReadTest, SearchGroupsHitsByProductWithCounts)
 {
-    const TdlbResult json = run({"search", "gain", "--json"});
-    ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
+    const TdlbResult json = ok({"search", "gain", "--json"});
     const QJsonObject document = json.json();
     EXPECT_EQ(document["pattern"].toString(), "gain");
     const QJsonArray products = document["products"].toArray();
@@ -82,8 +78,7 @@ TEST_F(TdlbReadTest, SearchGroupsHitsByProductWithCounts)
     }
     EXPECT_EQ(document["total"].toInt(), total);
 
-    const TdlbResult text = run({"search", "gain"});
-    ASSERT_EQ(text.exitCode, 0);
+    const TdlbResult text = ok({"search", "gain"});
     EXPECT_TRUE(text.out.contains(QString("%1 hits in %2 products").arg(total).arg(products.size())))
         << qPrintable(text.out);
     EXPECT_TRUE(text.out.contains("  arithmetica/Basic Operations/Gain  [Block]"));
@@ -93,9 +88,7 @@ TEST_F(TdlbReadTest, SearchGroupsHitsByProductWithCounts)
 TEST_F(TdlbReadTest, SearchOptionsNarrowTheHits)
 {
     const auto total = [this](const QStringList& arguments) {
-        const TdlbResult result = run(QStringList{"search", "--json"} + arguments);
-        EXPECT_EQ(result.exitCode, 0) << qPrintable(arguments.join(' ')) << qPrintable(result.err);
-        return result.json()["total"].toInt(-1);
+        return ok(QStringList{"search", "--json"} + arguments).json()["total"].toInt(-1);
     };
     const int anyCase = total({"gain"});
     EXPECT_GT(anyCase, 0);
@@ -107,8 +100,7 @@ TEST_F(TdlbReadTest, SearchOptionsNarrowTheHits)
     EXPECT_EQ(total({"G.in"}), 0);
     EXPECT_EQ(total({"Gai", "--whole-word"}), 0);
 
-    const TdlbResult under = run({"search", "s", "--under", "kinetics/Mechanical", "--json"});
-    ASSERT_EQ(under.exitCode, 0) << qPrintable(under.err);
+    const TdlbResult under = ok({"search", "s", "--under", "kinetics/Mechanical", "--json"});
     const QJsonArray groups = under.json()["products"].toArray();
     ASSERT_FALSE(groups.isEmpty());
     for (const QJsonValue& group : groups) {
@@ -120,8 +112,7 @@ TEST_F(TdlbReadTest, SearchOptionsNarrowTheHits)
 
 TEST_F(TdlbReadTest, TreeWalksDepthFirstWithDepthsAndALimit)
 {
-    const TdlbResult json = run({"tree", "--json"});
-    ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
+    const TdlbResult json = ok({"tree", "--json"});
     const QJsonArray objects = json.json()["objects"].toArray();
     ASSERT_GT(objects.size(), 20);
     EXPECT_EQ(json.json()["count"].toInt(), objects.size());
@@ -136,13 +127,11 @@ TEST_F(TdlbReadTest, TreeWalksDepthFirstWithDepthsAndALimit)
     EXPECT_EQ(reference["type"].toString(), "LibraryRef");
     EXPECT_EQ(reference["target"].toString(), "wavecraft/Sources");
 
-    const TdlbResult top = run({"tree", "--depth", "1", "--json"});
-    ASSERT_EQ(top.exitCode, 0);
+    const TdlbResult top = ok({"tree", "--depth", "1", "--json"});
     for (const QJsonValue& object : top.json()["objects"].toArray())
         EXPECT_EQ(object["depth"].toInt(), 1);
 
-    const TdlbResult below = run({"tree", "kinetics/Mechanical"});
-    ASSERT_EQ(below.exitCode, 0) << qPrintable(below.err);
+    const TdlbResult below = ok({"tree", "kinetics/Mechanical"});
     const QStringList lines = below.out.split('\n', Qt::SkipEmptyParts);
     ASSERT_GE(lines.size(), 3) << qPrintable(below.out);
     EXPECT_EQ(lines[0], "Mechanical  [SubSystem]");
@@ -152,8 +141,7 @@ TEST_F(TdlbReadTest, TreeWalksDepthFirstWithDepthsAndALimit)
 
 TEST_F(TdlbReadTest, ShowGivesEveryAttributeAndWritesTheIcon)
 {
-    const TdlbResult json = run({"show", "arithmetica/Basic Operations/Gain", "--json"});
-    ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
+    const TdlbResult json = ok({"show", "arithmetica/Basic Operations/Gain", "--json"});
     const QJsonObject gain = json.json();
     EXPECT_EQ(gain["path"].toString() + "|" + gain["name"].toString() + "|" + gain["type"].toString() + "|" +
                   gain["product"].toString(),
@@ -162,19 +150,18 @@ TEST_F(TdlbReadTest, ShowGivesEveryAttributeAndWritesTheIcon)
     EXPECT_TRUE(gain["isEmpty"].toBool());
     EXPECT_GT(gain["iconBytes"].toInt(), 0);
 
-    const TdlbResult text = run({"show", "Kinetics"});
-    ASSERT_EQ(text.exitCode, 0);
+    const TdlbResult text = ok({"show", "Kinetics"});
     EXPECT_TRUE(text.out.contains("path: kinetics\n")) << qPrintable(text.out);
     EXPECT_TRUE(text.out.contains("isProduct: yes\n"));
     EXPECT_TRUE(text.out.contains("children: 5\n")) << qPrintable(text.out);
 
     QTemporaryDir icons;
     const QString svg = icons.filePath("gain.svg");
-    ASSERT_EQ(run({"show", "arithmetica/Basic Operations/Gain", "--icon", svg}).exitCode, 0);
+    ok({"show", "arithmetica/Basic Operations/Gain", "--icon", svg});
     EXPECT_TRUE(readFile(svg.toStdString()).contains("<svg"));
 
     const QString png = icons.filePath("gain.png");
-    ASSERT_EQ(run({"show", "arithmetica/Basic Operations/Gain", "--icon", png, "--size", "48"}).exitCode, 0);
+    ok({"show", "arithmetica/Basic Operations/Gain", "--icon", png, "--size", "48"});
     const QImage image(png);
     ASSERT_FALSE(image.isNull());
     EXPECT_EQ(image.size(), QSize(48, 48));
@@ -238,22 +225,19 @@ TEST_F(TdlbReadTest, ChecksumIsTheDecimalBytesOfTheMd5)
     QString expected;
     for (const char byte : QCryptographicHash::hash(readFile(file.toStdString()), QCryptographicHash::Md5))
         expected += QString::number(static_cast<unsigned char>(byte));
-    const TdlbResult result = run({"checksum", file});
-    ASSERT_EQ(result.exitCode, 0) << qPrintable(result.err);
+    const TdlbResult result = ok({"checksum", file});
     EXPECT_EQ(result.out, expected + "  " + file + "\n");
 }
 
 TEST_F(TdlbReadTest, ReportPrintsTheLogOfTheRun)
 {
-    const TdlbResult result = run({"report"});
-    ASSERT_EQ(result.exitCode, 0) << qPrintable(result.err);
+    const TdlbResult result = ok({"report"});
     EXPECT_TRUE(result.out.startsWith("Action: Syncing the top level manifest")) << qPrintable(result.out);
 }
 
 TEST_F(TdlbReadTest, FindRanksBestFirstWithSpansHonoursTheLimitAndTellsOutcomesByExitCode)
 {
-    const TdlbResult json = run({"find", "controller pid", "--json"});
-    ASSERT_EQ(json.exitCode, 0) << qPrintable(json.err);
+    const TdlbResult json = ok({"find", "controller pid", "--json"});
     const QJsonObject first = json.json()["blocks"].toArray().first().toObject();
     EXPECT_EQ(first["path"].toString(), "kinetics/Continuous/PID Controller");
     EXPECT_EQ(first["displayPath"].toString(), "Kinetics/Continuous/PID Controller");
@@ -293,14 +277,12 @@ TEST_F(TdlbReadTest, BrowseScreenshotsTheAskedNodeAndLeavesTheUsersChoicesAlone)
             .value("LibraryBrowser/" + key)
             .toString();
     };
-    const TdlbResult first = run({"browse", "--screenshot", picture});
-    ASSERT_EQ(first.exitCode, 0) << qPrintable(first.err);
+    const TdlbResult first = ok({"browse", "--screenshot", picture});
     const QString layout = preference("LBLayout");
     const QString iconSize = preference("LBIconSize");
     ASSERT_FALSE(layout.isEmpty()) << "the window wrote its preferences";
-    const TdlbResult shot = run({"browse", "--select", "Kinetics/Continuous", "--layout", "list", "--icon-size",
+    const TdlbResult shot = ok({"browse", "--select", "Kinetics/Continuous", "--layout", "list", "--icon-size",
                                  "large", "--size", "700x500", "--screenshot", picture});
-    ASSERT_EQ(shot.exitCode, 0) << qPrintable(shot.err);
     EXPECT_EQ(QImage(picture).size(), QSize(700, 500));
     EXPECT_EQ(preference("LBLayout"), layout) << "the options were for that run only";
     EXPECT_EQ(preference("LBIconSize"), iconSize);

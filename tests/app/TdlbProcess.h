@@ -67,6 +67,14 @@ protected:
         ASSERT_EQ(update.exitCode, 0) << qPrintable(update.err);
     }
 
+    // A run that must succeed.
+    TdlbResult ok(const QStringList& arguments) const
+    {
+        const TdlbResult result = tdlb.run(arguments);
+        EXPECT_EQ(result.exitCode, 0) << qPrintable(arguments.join(' ')) << "\n" << qPrintable(result.err);
+        return result;
+    }
+
     TdlbProcess tdlb;
     TdlbResult update;
 };
