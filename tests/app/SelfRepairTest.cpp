@@ -30,7 +30,7 @@ protected:
         const std::string library = (tdlb.root() + "/toolbox/wavecraft/wavecraft.tdlib.json").toStdString();
         writeFile(library, readFile(library).replace("Produces a sinusoid", "Makes a sinusoid"));
         setModified(library, QDateTime::currentDateTime().addSecs(60));
-        ASSERT_EQ(tdlb.run({"update"}).exitCode, 0);
+        ok({"update"});
         everything = tdlb.run({"tree"});
         ASSERT_EQ(everything.exitCode, 0) << qPrintable(everything.err);
         ASSERT_TRUE(everything.out.contains("wavecraft/Sources")) << qPrintable(everything.out);
@@ -56,13 +56,11 @@ protected:
     // store was seeded anew.
     void expectRepairedByUpdate(bool productRepaired = true)
     {
-        const TdlbResult update = tdlb.run({"update"});
-        EXPECT_EQ(update.exitCode, 0) << qPrintable(update.err);
+        const TdlbResult update = ok({"update"});
         EXPECT_TRUE(update.out.contains("is damaged and will be")) << qPrintable(update.out);
         EXPECT_EQ(update.out.contains("Repaired product"), productRepaired) << qPrintable(update.out);
         EXPECT_EQ(update.out.contains(", 1 repaired\n"), productRepaired) << qPrintable(update.out);
-        const TdlbResult tree = tdlb.run({"tree"});
-        EXPECT_EQ(tree.exitCode, 0);
+        const TdlbResult tree = ok({"tree"});
         EXPECT_EQ(tree.out, everything.out);
         EXPECT_FALSE(tree.err.contains("rror")) << qPrintable(tree.err);
         // The edited text, also where another product references it: never
@@ -202,13 +200,11 @@ TEST_F(TdlbSelfRepairTest, AnEntryChangedInsideItsArchiveIsToldByTheReadAndRepai
         setModified(archive, modified);
         const auto shippedBefore = snapshot(shippedStore().toStdString());
 
-        const TdlbResult read = tdlb.run(damage.read);
-        EXPECT_EQ(read.exitCode, 0);
+        const TdlbResult read = ok(damage.read);
         EXPECT_TRUE(read.err.contains("??? **Error**")) << qPrintable(read.err);
         EXPECT_TRUE(read.err.contains("shown above")) << qPrintable(read.err);
 
-        const TdlbResult update = tdlb.run({"update"});
-        EXPECT_EQ(update.exitCode, 0) << qPrintable(update.err);
+        const TdlbResult update = ok({"update"});
         const TdlbResult tree = tdlb.run({"tree"});
         EXPECT_EQ(tree.out, everything.out);
         EXPECT_FALSE(tree.err.contains("rror")) << qPrintable(tree.err);

@@ -17,7 +17,6 @@
 #include <QJsonArray>
 #include <QProcess>
 #include <QSysInfo>
-#include <QThread>
 
 #include <memory>
 #include <set>
@@ -61,25 +60,6 @@ protected:
                 names.insert(hit["path"].toString().section('/', -1));
         return names;
     }
-
-    std::unique_ptr<QProcess> start(const QStringList& arguments) const
-    {
-        auto process = std::make_unique<QProcess>();
-        process->setProcessEnvironment(TdlbProcess::environment());
-        process->start(TDLB_EXECUTABLE, tdlb.withRoot(arguments));
-        EXPECT_TRUE(process->waitForStarted());
-        return process;
-    }
-
-    static TdlbResult finish(QProcess& process)
-    {
-        TdlbResult result;
-        result.crashed = !process.waitForFinished(TDLB_PROCESS_WAIT_MS) || process.exitStatus() != QProcess::NormalExit;
-        result.exitCode = process.exitCode();
-        result.out = QString::fromUtf8(process.readAllStandardOutput());
-        result.err = QString::fromUtf8(process.readAllStandardError());
-        return result;
-    }
 };
 
 // Three updates after library edits, started together, take turns: each
@@ -91,46 +71,15 @@ TEST_F(TdlbSharedStoreTest, UpdatesStartedTogetherAllSucceedAndKeepEveryEdit)
         expected = addMarkers(round, expected);
         std::vector<std::unique_ptr<QProcess>> updates;
         for (int n = 0; n < 3; ++n)
-            updates.push_back(start({"update"}));
+            updates.push_back(TdlbProcess::start(tdlb.withRoot({"update"}), TdlbProcess::environment()));
         for (auto& process : updates) {
-            const TdlbResult update = finish(*process);
+            const TdlbResult update = TdlbProcess::finish(*process);
             EXPECT_FALSE(update.crashed);
             EXPECT_EQ(update.exitCode, 0) << "round " << round << ": " << qPrintable(update.err);
         }
-        const TdlbResult search = tdlb.run({"search", "--json", Marker});
-        ASSERT_EQ(search.exitCode, 0) << qPrintable(search.err);
+        const TdlbResult search = ok({"search", "--json", Marker});
         EXPECT_EQ(hitNames(search), expected) << "round " << round;
     }
-}
-
-// A search while another process destroys and regenerates the store gives
-// the whole answer or fails with a non-zero exit, never a short one quietly.
-TEST_F(TdlbSharedStoreTest, ASearchBesideARegenerationAnswersWholeOrFails)
-{
-    const std::set<QString> expected = addMarkers(0);
-    ASSERT_EQ(tdlb.run({"update"}).exitCode, 0);
-    int whole = 0;
-    for (int round = 0; round < 6; ++round) {
-        auto destroy = start({"destroy"});
-        finish(*destroy);
-        auto regenerate = start({"generate", "--mode", "Regenerate"});
-        std::vector<std::unique_ptr<QProcess>> searches;
-        for (int n = 0; n < 2; ++n) {
-            searches.push_back(start({"search", "--json", Marker}));
-            QThread::msleep(40);
-        }
-        for (auto& process : searches) {
-            const TdlbResult search = finish(*process);
-            EXPECT_FALSE(search.crashed);
-            if (search.exitCode == 0 && hitNames(search) == expected)
-                ++whole;
-            else
-                EXPECT_NE(search.exitCode, 0) << "a short answer given as whole: " << qPrintable(search.out)
-                                              << qPrintable(search.err);
-        }
-        EXPECT_EQ(finish(*regenerate).exitCode, 0);
-    }
-    EXPECT_GT(whole, 0);
 }
 
 // A process that finds the store locked says whose lock it waits for, and
@@ -156,8 +105,7 @@ TEST_F(TdlbSharedStoreTest, AWaiterNamesTheOwnerAndAKilledOwnersLockIsFree)
         auto owner = holder("2");
         QElapsedTimer waited;
         waited.start();
-        const TdlbResult update = tdlb.run({"update"});
-        EXPECT_EQ(update.exitCode, 0) << qPrintable(update.err);
+        const TdlbResult update = ok({"update"});
         EXPECT_EQ(update.err.count(QString("Waiting for the repository store %1, locked by process %2 (python3)")
                                        .arg(QFileInfo(writableStore()).canonicalFilePath())
                                        .arg(owner->processId())),
@@ -169,8 +117,7 @@ TEST_F(TdlbSharedStoreTest, AWaiterNamesTheOwnerAndAKilledOwnersLockIsFree)
     auto killed = holder("60");
     killed->kill();
     killed->waitForFinished();
-    const TdlbResult update = tdlb.run({"update"});
-    EXPECT_EQ(update.exitCode, 0) << qPrintable(update.err);
+    const TdlbResult update = ok({"update"});
     EXPECT_FALSE(update.err.contains("Waiting")) << qPrintable(update.err);
 }
 

@@ -4,7 +4,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QProcess>
 
 #include <sys/resource.h>
 
@@ -52,15 +51,26 @@ TdlbResult TdlbProcess::runRaw(const QStringList& arguments, int openFileLimit)
 TdlbResult TdlbProcess::runRaw(const QStringList& arguments, const QProcessEnvironment& environment,
                                int openFileLimit)
 {
-    QProcess process;
-    process.setProcessEnvironment(environment);
+    return finish(*start(arguments, environment, openFileLimit));
+}
+
+std::unique_ptr<QProcess> TdlbProcess::start(const QStringList& arguments, const QProcessEnvironment& environment,
+                                             int openFileLimit)
+{
+    auto process = std::make_unique<QProcess>();
+    process->setProcessEnvironment(environment);
     if (openFileLimit > 0) {
-        process.setChildProcessModifier([openFileLimit] {
+        process->setChildProcessModifier([openFileLimit] {
             const rlimit limit{rlim_t(openFileLimit), rlim_t(openFileLimit)};
             setrlimit(RLIMIT_NOFILE, &limit);
         });
     }
-    process.start(TDLB_EXECUTABLE, arguments);
+    process->start(TDLB_EXECUTABLE, arguments);
+    return process;
+}
+
+TdlbResult TdlbProcess::finish(QProcess& process)
+{
     TdlbResult result;
     if (!process.waitForFinished(TDLB_PROCESS_WAIT_MS)) {
         process.kill();

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QProcess>
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <memory>
 
 namespace LibraryBrowser::Testing {
 
@@ -43,6 +46,10 @@ public:
     // The caller's environment without the host's own variables, so that
     // only the arguments choose root and preferences.
     static QProcessEnvironment environment();
+    // tdlb started with these arguments, and its end awaited.
+    static std::unique_ptr<QProcess> start(const QStringList& arguments, const QProcessEnvironment& environment,
+                                           int openFileLimit = 0);
+    static TdlbResult finish(QProcess& process);
 
 private:
     QTemporaryDir m_root;
@@ -58,6 +65,14 @@ protected:
         ASSERT_TRUE(tdlb.isReady());
         update = tdlb.run({"update"});
         ASSERT_EQ(update.exitCode, 0) << qPrintable(update.err);
+    }
+
+    // A run that must succeed.
+    TdlbResult ok(const QStringList& arguments) const
+    {
+        const TdlbResult result = tdlb.run(arguments);
+        EXPECT_EQ(result.exitCode, 0) << qPrintable(arguments.join(' ')) << "\n" << qPrintable(result.err);
+        return result;
     }
 
     TdlbProcess tdlb;

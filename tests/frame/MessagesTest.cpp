@@ -1,8 +1,15 @@
+// The message catalogue as the host's message service reads it, and the
+// lookups the window formats its texts with. The texts themselves are
+// checked where they are shown.
+
 #include "frame/MessageCatalogue.h"
 #include "frame/Messages.h"
 #include "platform/MessageService.h"
 
 #include <gtest/gtest.h>
+
+#include <set>
+#include <string>
 
 using namespace LibraryBrowser;
 
@@ -10,6 +17,30 @@ class MessagesTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { MessageService::instance().addPrimaryTable(MessageCatalogue::table()); }
 };
+
+// Every row has its full number, a mnemonic of its own and a text; the
+// reserved row 4 has a number and nothing else.
+TEST_F(MessagesTest, EveryRowIsNumberedNamedAndHasATextButTheReservedOne)
+{
+    const MessageTable& table = MessageCatalogue::table();
+    ASSERT_EQ(table.count, 129u);
+    EXPECT_EQ(table.facility, 0x5Eu);
+    std::set<std::string> names;
+    for (std::uint32_t i = 0; i < table.count; ++i) {
+        SCOPED_TRACE("row " + std::to_string(i + 1));
+        EXPECT_EQ(table.numbers[i], 0x5E0001u + i);
+        if (i + 1 == 4) {
+            EXPECT_STREQ(table.names[i], "");
+            EXPECT_EQ(table.texts[i], nullptr);
+            continue;
+        }
+        EXPECT_EQ(std::string(table.names[i]).rfind("TDLB_", 0), 0u) << table.names[i];
+        EXPECT_TRUE(names.insert(table.names[i]).second) << table.names[i];
+        ASSERT_NE(table.texts[i], nullptr);
+        EXPECT_STRNE(table.texts[i], "");
+    }
+    EXPECT_STREQ(table.names[128], "TDLB_GuiStatusBarSearchCancelled");
+}
 
 TEST_F(MessagesTest, LooksUpAndFormatsByFullNumber)
 {
@@ -25,12 +56,9 @@ TEST_F(MessagesTest, LooksUpAndFormatsByFullNumber)
     EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStarAndThreeIntsAndCharStar(
                   MessageId::TDLB_GuiStatusBarSearchResultsNowSearching, "gain", 1, 0, 4, "Tandril"),
               "Matches for 'gain'    1 blocksets    0 subsystems    4 blocks    Searching Tandril");
-}
-
-TEST_F(MessagesTest, FormattedTextIsCutAt4095Characters)
-{
-    const std::string longName(5000, 'x');
-    const std::string text = Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, longName);
+    // Formatted text is cut at 4095 characters.
+    const std::string text =
+        Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, std::string(5000, 'x'));
     EXPECT_EQ(text.size(), 4095u);
     EXPECT_EQ(text.substr(0, 9), "Loading: ");
 }

@@ -1,23 +1,16 @@
 // The browser's block actions against the host's model windows: add with
 // Ctrl+I and from the Edit menu, drags across the two windows, the context
-// menu after a right drag, loading a library before use, double clicks, and
-// a model built by drags that is saved and opened again.
+// menu after a right drag, loading a library before use, and double clicks.
 
 #include "BlockActionsFixture.h"
 
 #include "ModelWindows.h"
-#include "SystemRegistry.h"
 #include "gui/BlocksPanel.h"
 #include "gui/GuiBlock.h"
-#include "gui/LibraryBlocksPage.h"
-#include "support/Files.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QCursor>
-#include <QMainWindow>
-#include <QPainter>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace LibraryBrowser::Testing {
@@ -146,25 +139,9 @@ TEST_F(BlockActionsTest, ADragReleasedOverTheBrowserDropsNothingEvenOverAModel)
     EXPECT_TRUE(blocksOf(model).isEmpty());
 }
 
-TEST_F(BlockActionsTest, ADragReleasedOverAModelAddsTheBlockWhereItWasDropped)
-{
-    openOn(continuous);
-    const std::string model = newSystem("Model");
-    Host::ModelWindow* target = modelWindow(model);
-    placeBesideBrowser(target);
-
-    drag(tile(integrator), Qt::LeftButton, target->viewport()->mapToGlobal(QPoint(150, 90)));
-    drag(tile(derivative), Qt::LeftButton, target->viewport()->mapToGlobal(QPoint(40, 200)));
-    EXPECT_EQ(target->blockNames(), (QStringList{"Integrator", "Derivative"}));
-    const auto& blocks = session().host().systems().find(model)->document.blocks;
-    ASSERT_EQ(blocks.size(), 2u);
-    EXPECT_DOUBLE_EQ(blocks[0].position.left, 150);
-    EXPECT_DOUBLE_EQ(blocks[0].position.top, 90);
-    EXPECT_DOUBLE_EQ(blocks[1].position.left, 40);
-    EXPECT_DOUBLE_EQ(blocks[1].position.top, 200);
-}
-
-TEST_F(BlockActionsTest, ARightDragOntoAModelAddsTheBlockAndOpensNoMenuUntilTheNextRightClick)
+// Left and right drags onto a model add the block where it was dropped; the
+// right drag opens no menu, the next right click does.
+TEST_F(BlockActionsTest, DragsOntoAModelAddTheBlockWhereDroppedAndARightDragOpensNoMenu)
 {
     openOn(continuous);
     const std::string model = newSystem("Model");
@@ -172,17 +149,21 @@ TEST_F(BlockActionsTest, ARightDragOntoAModelAddsTheBlockAndOpensNoMenuUntilTheN
     placeBesideBrowser(target);
     GuiBlock* integratorTile = tile(integrator);
 
+    drag(integratorTile, Qt::LeftButton, target->viewport()->mapToGlobal(QPoint(150, 90)));
     const QStringList duringDrag =
-        menuOpenedBy([&] { drag(integratorTile, Qt::RightButton, target->viewport()->mapToGlobal(QPoint(60, 70))); });
+        menuOpenedBy([&] { drag(tile(derivative), Qt::RightButton, target->viewport()->mapToGlobal(QPoint(40, 200))); });
     EXPECT_TRUE(duringDrag.isEmpty()) << duringDrag.join(", ").toStdString();
-    EXPECT_EQ(blocksOf(model), QStringList{"Integrator"});
+    EXPECT_EQ(target->blockNames(), (QStringList{"Integrator", "Derivative"}));
+    const auto& blocks = session().host().systems().find(model)->document.blocks;
+    ASSERT_EQ(blocks.size(), 2u);
+    EXPECT_EQ(QPointF(blocks[0].position.left, blocks[0].position.top), QPointF(150, 90));
+    EXPECT_EQ(QPointF(blocks[1].position.left, blocks[1].position.top), QPointF(40, 200));
 
     const QStringList menu = rightClick(integratorTile);
     ASSERT_FALSE(menu.isEmpty());
     EXPECT_EQ(menu.front().toStdString(), "Add to " + model);
-    EXPECT_TRUE(menu.contains("Help for the Integrator block"));
     // Closing the menu without a choice adds nothing.
-    EXPECT_EQ(blocksOf(model), QStringList{"Integrator"});
+    EXPECT_EQ(blocksOf(model).size(), 2);
 }
 
 // Where the platform sends the menu's event after the release, the right
@@ -265,106 +246,8 @@ TEST_F(BlockActionsTest, DoubleClickBlockActsOnlyOnATileOfTheCurrentPage)
     EXPECT_TRUE(commandsSinceMark().isEmpty()) << commandsSinceMark().join(", ").toStdString();
     EXPECT_EQ(window.getCurrentTreeNode(), continuous);
     EXPECT_EQ(session().host().modelWindows()->openDialogCount(), 0);
-
-    // A block opens its dialog; a subsystem opens in the tree instead.
-    window.doubleClickBlock(integrator);
-    EXPECT_EQ(session().host().modelWindows()->openDialogCount(), 1);
-    window.selectTreeNodeByName("Kinetics");
-    settle();
-    mark();
-    window.doubleClickBlock(continuous);
-    EXPECT_EQ(window.getCurrentTreeNode(), continuous);
-    EXPECT_FALSE(commandsSinceMark().contains("private_td_open_block_dialog"));
-}
-
-TEST_F(BlockActionsTest, AModelBuiltByDragsHoldsItsBlocksAndPlacesWhenSavedAndOpenedAgain)
-{
-    openOn(continuous);
-    const std::string model = newSystem("Model");
-    Host::ModelWindow* target = modelWindow(model);
-    placeBesideBrowser(target);
-    drag(tile(integrator), Qt::LeftButton, target->viewport()->mapToGlobal(QPoint(200, 40)));
-    drag(tile(integrator), Qt::LeftButton, target->viewport()->mapToGlobal(QPoint(30, 150)));
-    const auto before = session().host().systems().find(model)->document.blocks;
-    ASSERT_EQ(before.size(), 2u);
-
-    QTemporaryDir dir;
-    const std::string file = dir.filePath("dragged.tdlib.json").toStdString();
-    ASSERT_TRUE(call("save_system", {HostValue::string(model), HostValue::string(file)}).ok);
-    EXPECT_EQ(target->windowTitle().toStdString(), model) << "saved: no unsaved-changes mark";
-    // The user closes the model's window, and with it the model.
-    target->close();
-    settle();
-    EXPECT_FALSE(session().host().systems().isLoaded(model));
-    EXPECT_EQ(modelWindow(model), nullptr);
-
-    ASSERT_TRUE(call("open_system", {HostValue::string(file)}).ok);
-    ASSERT_NE(modelWindow(model), nullptr);
-    EXPECT_EQ(modelWindow(model)->blockNames(), (QStringList{"Integrator", "Integrator1"}));
-    EXPECT_FALSE(session().host().systems().find(model)->locked);
-    const auto after = session().host().systems().find(model)->document.blocks;
-    ASSERT_EQ(after.size(), before.size());
-    for (std::size_t i = 0; i < after.size(); ++i) {
-        EXPECT_EQ(after[i].name, before[i].name);
-        EXPECT_DOUBLE_EQ(after[i].position.left, before[i].position.left);
-        EXPECT_DOUBLE_EQ(after[i].position.top, before[i].position.top);
-        EXPECT_EQ(after[i].parameters, before[i].parameters);
-    }
-
-    // A damaged file opens nothing and says why.
-    const std::string bad = dir.filePath("bad.tdlib.json").toStdString();
-    writeFile(bad, "{ not json");
-    const auto failed = call("open_system", {HostValue::string(bad)});
-    EXPECT_FALSE(failed.ok);
-    EXPECT_NE(failed.errorMessage.find("bad.tdlib.json"), std::string::npos) << failed.errorMessage;
-}
-
-// Three blocks dragged into a model, and the picture of the two windows side
-// by side, each under a bar with its title, for the docs; written only where
-// TDLB_SCREENSHOT_DIR names a directory.
-TEST_F(BlockActionsTest, RendersAModelWindowAfterThreeDragsBesideTheBrowser)
-{
-    StandaloneBrowser& window = openOn(continuous);
-    window.setPosition(QRect(20, 20, 700, 500));
-    window.setLayout(LayoutType::Grid);
-    window.setIconSize(IconSize::Medium);
-    settle();
-    const std::string model = newSystem("Model");
-    Host::ModelWindow* target = modelWindow(model);
-    target->resize(500, 420);
-    placeBesideBrowser(target);
-    const std::vector<std::pair<std::string, QPoint>> drops{
-        {integrator, {40, 50}}, {derivative, {200, 50}}, {continuous + "/Transfer Function", {120, 190}}};
-    for (const auto& [path, point] : drops)
-        drag(tile(path), Qt::LeftButton, target->viewport()->mapToGlobal(point));
-    ASSERT_EQ(target->blockNames(), (QStringList{"Integrator", "Derivative", "Transfer Function"}));
-    window.selectBlockByName(continuous + "/Transfer Function");
-    settle();
-
-    const QPixmap browserPicture = window.window()->grab();
-    const QPixmap modelPicture = target->grab();
-    const int bar = 24;
-    const int gap = 24;
-    QPixmap picture(gap * 3 + browserPicture.width() + modelPicture.width(),
-                    gap * 2 + bar + std::max(browserPicture.height(), modelPicture.height()));
-    picture.fill(QColor(0xd8, 0xdc, 0xe2));
-    QPainter painter(&picture);
-    const auto place = [&](const QPixmap& shot, const QString& title, int left) {
-        const QRect titleBar(left, gap, shot.width(), bar);
-        painter.fillRect(titleBar, QColor(0x3c, 0x4a, 0x5c));
-        painter.setPen(Qt::white);
-        painter.drawText(titleBar.adjusted(8, 0, -8, 0), Qt::AlignVCenter | Qt::AlignLeft, title);
-        painter.drawPixmap(left, gap + bar, shot);
-        painter.setPen(QColor(0x3c, 0x4a, 0x5c));
-        painter.drawRect(QRect(left, gap, shot.width(), bar + shot.height()).adjusted(0, 0, -1, -1));
-    };
-    place(browserPicture, window.window()->windowTitle(), gap);
-    place(modelPicture, target->windowTitle(), gap * 2 + browserPicture.width());
-    painter.end();
-    EXPECT_EQ(target->windowTitle().toStdString(), model + " *");
-    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR")) {
-        EXPECT_TRUE(picture.save(QString::fromLocal8Bit(directory) + "/model-window-drag.png", "PNG"));
-    }
+    // (A block's dialog: the loading test; a subsystem entered: the window's
+    // Return on a subsystem tile, which takes the same way.)
 }
 
 } // namespace

@@ -1,10 +1,14 @@
 // What a tile's menu and the Edit menu offer, for each kind of tile, page
-// and system in front.
+// and system in front; the window's host commands against the embedded host:
+// what reaches the host, and the warnings muted while they run.
 
 #include "PageTestSupport.h"
 
 #include "gui/BlockContextMenu.h"
+#include "gui/BrowserHostCommands.h"
 #include "gui/GuiSubsystem.h"
+#include "platform/HostEnvironment.h"
+#include "platform/Platform.h"
 
 #include <gtest/gtest.h>
 
@@ -58,18 +62,41 @@ TEST_F(BlockContextMenuTest, ASubsystemsMenuOpensItsLibrary)
               (std::vector<std::string>{"Select in library view [Ctrl+R]", "-- Open Routing library"}));
 }
 
-TEST_F(BlockContextMenuTest, TheEditMenuOffersAddingWhereTheBlockCanGo)
+class BrowserHostCommandsTest : public ::testing::Test {
+protected:
+    std::vector<std::string> logged()
+    {
+        std::vector<std::string> texts;
+        for (const auto& entry : session.host().commandLog().entries())
+            texts.push_back(entry.text());
+        session.host().commandLog().clear();
+        return texts;
+    }
+    ExampleRootSession session;
+};
+
+TEST_F(BrowserHostCommandsTest, CommandsReachTheHostWithTheirArguments)
 {
-    EXPECT_EQ(BlockContextMenu::addEntryLabel({}), "Add Selected &Block to a New Model");
-    EXPECT_EQ(BlockContextMenu::addEntryLabel({"arithmetica", ModelType::Library, true}),
-              "Add Selected &Block to a New Model");
-    EXPECT_EQ(BlockContextMenu::addEntryLabel({"untitled", ModelType::Model, false}), "Add Selected &Block to untitled");
-    EXPECT_EQ(BlockContextMenu::addEntryLabel({"mylib", ModelType::Library, false}),
-              "Add Selected &Block to Library: mylib");
-    EXPECT_FALSE(BlockContextMenu::canAddToCurrentOpenSystem(nullptr, ModelType::Model));
-    EXPECT_TRUE(BlockContextMenu::canAddToCurrentOpenSystem(&gain, ModelType::Unknown));
-    EXPECT_FALSE(BlockContextMenu::canAddToCurrentOpenSystem(&routing, ModelType::Model));
-    EXPECT_TRUE(BlockContextMenu::canAddToCurrentOpenSystem(&routing, ModelType::Library));
+    logged();
+    using namespace BrowserUtils;
+    dropBlock("kinetics/Continuous/Integrator", "untitled", 120, 45);
+    openBlockDialog("arithmetica/Basic Operations/Sum", BlockDialogType::Parameters);
+    addBlockToModel("", "untitled");
+    const std::vector<std::string> texts = logged();
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_NE(texts[0].find("private_td_drop_block"), std::string::npos);
+    EXPECT_NE(texts[0].find("[120 45]"), std::string::npos);
+    EXPECT_NE(texts[1].find("params"), std::string::npos);
+}
+
+TEST_F(BrowserHostCommandsTest, WarningsAreMutedDuringACommandAndRestoredAfter)
+{
+    HostEnvironment& environment = Platform::environment();
+    for (bool on : {true, false}) {
+        environment.setWarningMode(3, on);
+        BrowserUtils::openSystem("no such library", "loadOnly");
+        EXPECT_EQ(environment.isWarningModeOn(3), on);
+    }
 }
 
 } // namespace

@@ -1,9 +1,11 @@
-// A product that the store can no longer resolve (its handle stands on the
-// invalid placeholder) keeps its node in the tree, and the search walk
-// passes it by.
+// Roots unlike the example's: a product that the store can no longer
+// resolve (its handle stands on the invalid placeholder) keeps its node in
+// the tree, and the search walk passes it by; a root without "Tandril" shows
+// its products in order, the first one opened.
 
 #include "PageTestSupport.h"
 
+#include "gui/LibraryBlocksPage.h"
 #include "gui/LibraryTreeView.h"
 #include "gui/StandaloneBrowser.h"
 #include "repository/TandrilObjectReferenceIterator.h"
@@ -16,6 +18,8 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace LibraryBrowser::Testing {
 namespace {
@@ -59,6 +63,24 @@ TEST(BrowserInvalidLibraryTest, AnUnresolvedProductHasANodeButIsNotSearched)
     EXPECT_EQ(window->getResultsPageSectionNames(), (std::vector<std::string>{"Tandril", "Kinetics"}));
     EXPECT_TRUE(texts.filter("Searching Kinetics").size() > 0) << texts.join(" | ").toStdString();
     EXPECT_TRUE(texts.filter("InvalidLibrary").isEmpty()) << texts.join(" | ").toStdString();
+}
+
+TEST(BrowserWithoutMainLibraryTest, TheTreeIsTheProductsInOrderAndTheWindowWorks)
+{
+    const std::unique_ptr<ExampleRootSession> session = ExampleRootSession::synthetic(3, 4);
+    ASSERT_NE(session, nullptr);
+    std::unique_ptr<StandaloneBrowser> window = StandaloneBrowser::create(session->repositoryPtr());
+    window->showBrowser();
+    const std::vector<std::string> names = window->getSortedLibraryNames();
+    ASSERT_EQ(names.size(), 3u);
+    EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
+    EXPECT_EQ(std::count(names.begin(), names.end(), "Tandril"), 0);
+    ASSERT_FALSE(window->getCurrentTreeNode().empty());
+    EXPECT_FALSE(window->libraryPage()->getBlocksDisplayPathNames().empty());
+    window->selectTreeNodeByName(names.back());
+    EXPECT_EQ(window->getCurrentTreeNode(), names.back());
+    window->searchForBlock("Block");
+    EXPECT_EQ(window->getResultsPageSectionNames().size(), 3u);
 }
 
 } // namespace

@@ -121,9 +121,6 @@ TEST(TextHelpers, LongestWordReplaceAndAmpersands)
     strReplace(text, "a", "xa");
     EXPECT_EQ(text, "xa-b-A");
     EXPECT_EQ(escapeAmpersands("R&D & Co"), "R&&D && Co");
-    const int first = getUniqueUID();
-    EXPECT_GT(first, 0);
-    EXPECT_EQ(getUniqueUID(), first + 1);
 }
 
 // Seven tiles in three columns: 0 1 2 / 3 4 5 / 6.

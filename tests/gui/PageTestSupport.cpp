@@ -2,7 +2,6 @@
 
 #include "SyntheticRootGenerator.h"
 #include "frame/MessageCatalogue.h"
-#include "gui/GuiBlock.h"
 #include "platform/MessageService.h"
 #include "support/Files.h"
 
@@ -53,26 +52,6 @@ TandrilObject ExampleRootSession::object(const std::string& path)
     const TandrilObject found = m_repository->getTandrilObject(path);
     EXPECT_TRUE(found.isValid()) << path;
     return found;
-}
-
-int FakePageHost::addNode(const TandrilObject& object)
-{
-    const int uid = int(m_nodes.size()) + 1;
-    m_nodes[uid] = object.toBlock();
-    return uid;
-}
-
-Block FakePageHost::getTreeNodeBlock(int uid) const
-{
-    const auto found = m_nodes.find(uid);
-    return found == m_nodes.end() ? Block() : found->second;
-}
-
-void FakePageHost::internalUpdateDescription(GuiBlock* tile) { description = tile ? tile->getDisplayPath() : ""; }
-
-void FakePageHost::internalShowBlockContextMenu(GuiBlock* tile, const QPoint&)
-{
-    menus.push_back(tile->getDisplayName());
 }
 
 } // namespace LibraryBrowser::Testing

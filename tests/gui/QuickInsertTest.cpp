@@ -78,9 +78,10 @@ protected:
     }
 };
 
-// The whole road: a letter typed on the drawing opens the popup where the
-// mouse is, the rest of the word ranks a PID block first with its letters
-// in bold, Enter puts it into that model with its corner at that point.
+// A letter typed on the drawing opens the popup where the mouse is, kept on
+// the screen; Enter puts the first match into that model with its corner
+// exactly at that point. (The real-display journey takes the same road with
+// a person's keys, the favourite and the restart.)
 TEST_F(QuickInsertTest, TypingOnAModelInsertsTheBestMatchAtTheMouse)
 {
     const std::string model = newSystem("Model");
@@ -97,23 +98,15 @@ TEST_F(QuickInsertTest, TypingOnAModelInsertsTheBestMatchAtTheMouse)
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     EXPECT_TRUE(screen.contains(popup()->geometry()));
     EXPECT_EQ(popup()->pos(), QPoint(std::min(at.x(), screen.right() + 1 - popup()->width()), at.y()));
-    EXPECT_EQ(popup()->query(), "p");
     keys("id");
     ASSERT_FALSE(rows().isEmpty());
     EXPECT_EQ(rows().front().toStdString(), pid);
-    const RankedBlock first = popup()->rows().rows().front();
-    EXPECT_EQ(QuickInsertRows::highlighted(QString::fromStdString(first.block.getDisplayName()), first.spans),
-              "<b>PID</b> Controller");
-
-    mark();
     key(Qt::Key_Return);
     EXPECT_EQ(popup(), nullptr);
-    EXPECT_TRUE(commandsSinceMark().contains("private_td_drop_block"));
     const Host::BlockRecord* inserted = block(model, "PID Controller");
     ASSERT_NE(inserted, nullptr) << blocksOf(model).join(", ").toStdString();
     const QPointF corner = window->toModel(at);
     EXPECT_EQ(QPointF(inserted->position.left, inserted->position.top), corner);
-    EXPECT_EQ(stored(PrefKey::LBRecentBlocks).value(0).toStdString(), first.block.getPath());
 
     // Shortcuts and a lone space keep their meaning on the drawing.
     QTest::keyClick(drawing, Qt::Key_Space);

@@ -15,15 +15,16 @@ namespace LibraryBrowser::Testing {
 std::unique_ptr<ExampleRootSession> ResultsPageFixture::s_session;
 
 ResultsWindow::ResultsWindow(Repository& repository, LayoutType layout, const QSize& size)
-    : m_repository(repository), m_layout(layout)
+    : FakeHost(repository), m_repository(repository)
 {
-    m_font = QFont(QStringLiteral("Arial"));
-    m_font.setPointSizeF(10);
+    this->layout = layout;
+    iconSize = IconSize::Compact;
     m_window.resize(size);
     auto* layoutBox = new QVBoxLayout(&m_window);
     layoutBox->setContentsMargins(0, 0, 0, 0);
-    m_page = std::make_unique<ResultsBlocksPage>(*this, layout, IconSize::Compact, m_font,
+    m_page = std::make_unique<ResultsBlocksPage>(*this, layout, IconSize::Compact, font,
                                                  getColorPref(PrefKey::LBColorSearchResultsBackgroundTop), &m_window);
+    currentPage = m_page.get();
     layoutBox->addWidget(m_page->getScrollView());
     m_window.show();
     QApplication::processEvents();
@@ -35,8 +36,7 @@ void ResultsWindow::search(const std::string& text, bool regExp, bool wholeWord,
 {
     const SearchResults previous = results;
     results = SearchResults();
-    for (TandrilObjectIterator it = m_repository.getTopLevelIterator();
-         it.isValidIterator() && int(results.libraries.size()) != walkedLibraries; it.next())
+    for (TandrilObjectIterator it = m_repository.getTopLevelIterator(); it.isValidIterator(); it.next())
         results.libraries.push_back(it.current().toLibrary());
     for (const Library& library : results.libraries) {
         const TandrilObjectIterator found = m_repository.findBlocks(
@@ -76,18 +76,6 @@ void ResultsWindow::update()
 QColor ResultsWindow::getColorPref(const char* key) const
 {
     return BrowserPreferences::defaultOf(key).value<QColor>();
-}
-
-BlocksPage* ResultsWindow::internalGetCurrentBlocksPage() { return m_page.get(); }
-
-void ResultsWindow::internalUpdateDescription(GuiBlock* tile)
-{
-    describedPath = tile ? tile->getDisplayPath() : std::string();
-}
-
-std::string ResultsWindow::getCurrentStatusBarMessage() const
-{
-    return statusMessages.empty() ? std::string() : statusMessages.back();
 }
 
 void ResultsPageFixture::SetUp()

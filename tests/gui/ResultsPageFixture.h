@@ -22,7 +22,7 @@ namespace LibraryBrowser::Testing {
 // A window for the results page alone: it keeps the results of a search as
 // the browser does, records what the page tells it, and shows the page in
 // a top-level widget offscreen.
-class ResultsWindow : public ResultsPageHost {
+class ResultsWindow : public FakeHost<ResultsPageHost> {
 public:
     ResultsWindow(Repository& repository, LayoutType layout, const QSize& size);
     ~ResultsWindow() override;
@@ -31,11 +31,6 @@ public:
     QWidget& widget() { return m_window; }
     SearchResults results;
     bool remember = true;
-    // The libraries a search walks, from the first; all when negative.
-    int walkedLibraries = -1;
-    std::vector<std::string> statusMessages;
-    std::vector<std::string> openedInTree;
-    std::string describedPath;
 
     // Walks the libraries as the search does and keeps the hits for the
     // page's next update.
@@ -46,35 +41,12 @@ public:
     void clearResultsNeedReload() override { results.resultsNeedReload = false; }
     bool rememberUserHiddenSections() const override { return remember; }
     bool isTitleElidedMiddle() const override { return true; }
-    LayoutType getLayoutType() const override { return m_layout; }
-    IconSize getIconSize() const override { return IconSize::Compact; }
-    QFont getGuiFont() const override { return m_font; }
     QColor getColorPref(const char* key) const override;
-    RepositoryReader* getReader() override { return &m_repository; }
-    Block getTreeNodeBlock(int) const override { return Block(); }
-    int getCurrentNodeUID() const override { return 0; }
-    bool nodeHasParent(int) const override { return false; }
     QRect getBlocksGeometry() const override { return QRect(QPoint(0, 0), m_window.size()); }
     QRect getPosition() const override { return m_window.geometry(); }
-    BlocksPage* internalGetCurrentBlocksPage() override;
-    void internalSetTabLabel(BlocksPage*, const std::string&) override {}
-    void internalUpdateDescription(GuiBlock* tile) override;
-    void internalWarnAboutEmptyLibrary(const std::string&) override {}
-    std::string getCurrentStatusBarMessage() const override;
-    void internalSetStatusBarMessage(const std::string& text) override { statusMessages.push_back(text); }
-    void internalFocusSearchBox() override {}
-    void internalSetCursor(Qt::CursorShape) override {}
-    void internalUnsetCursor() override {}
-    void internalLoadRootLibrary(const std::string&, const std::string&) override {}
-    void internalOpenSubsystemInTree(const std::string& path) override { openedInTree.push_back(path); }
-    void goToParent() override {}
-    void internalShowBlockContextMenu(GuiBlock*, const QPoint&) override {}
-    void internalSelectInLibraryView(GuiBlock*) override {}
 
 private:
     Repository& m_repository;
-    LayoutType m_layout;
-    QFont m_font;
     QWidget m_window;
     std::unique_ptr<ResultsBlocksPage> m_page;
 };
