@@ -156,40 +156,28 @@ TEST_F(BadInput, CyclesOfReferencesAreFoundAndNamed)
     EXPECT_TRUE(contains(fixture.errors().back(), "blocks[0].blocks[0].target:"));
 }
 
+// A refused file says so once: no warning about a name left out of an entry
+// that is left out whole.
 TEST_F(BadInput, BadTdBlocksFileDropsOnlyItsOwnEntries)
 {
-    breakFile("toolbox/kinetics/tdblocks.json",
-              "{\n  \"format\": \"tandril-tdblocks\",\n  \"version\": 1,\n  \"entries\": [\n"
-              "    {\"name\": \"Kinetics\", \"library\": \"kinetics\", \"type\": \"Toolbox\"}\n  ]\n}\n");
-    HostFixture fixture(root.path());
-    const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {HostValue::cellArray(0, 0)});
-    ASSERT_TRUE(result.ok);
-    EXPECT_EQ(result.outputs[0].toStringList(),
-              (std::vector<std::string>{"Arithmetica", "Switchyard", "Tandril", "Wavecraft Signals",
-                                        "Signal Workbench"}));
-    ASSERT_EQ(fixture.errors().size(), 1u);
-    EXPECT_TRUE(contains(fixture.errors()[0],
-                         "tdblocks.json:5:57: entries[0].type: unknown entry type \"Toolbox\""))
-        << fixture.errors()[0];
-
-    breakFile("toolbox/kinetics/tdblocks.json",
-              "{\"format\": \"tandril-tdblocks\", \"version\": 1, \"entries\": [{\"name\": \"K\", \"library\": "
-              "\"kinetics\", \"type\": \"product\", \"children\": [\"x\"]}]}");
-    HostFixture again(root.path());
-    again.tdprivate("lb_getTdBlocksData", 9, {});
-    ASSERT_EQ(again.errors().size(), 1u);
-    EXPECT_TRUE(contains(again.errors()[0], "entries[0].children: only a Palette lists children"));
-
-    // A refused file says so once: no warning about a name left out of an
-    // entry that is left out whole.
-    breakFile("toolbox/kinetics/tdblocks.json",
-              "{\"format\": \"tandril-tdblocks\", \"version\": 1, \"entries\": [{\"name\": \"K\", \"library\": "
-              "\"kinetics\", \"type\": \"Product\", \"children\": [\"a,b\"], \"dependencies\": [\"x|y\"]}]}");
-    HostFixture refused(root.path());
-    refused.tdprivate("lb_getTdBlocksData", 9, {});
-    ASSERT_EQ(refused.errors().size(), 1u);
-    EXPECT_TRUE(contains(refused.errors()[0], "only a Palette lists children")) << refused.errors()[0];
-    EXPECT_TRUE(refused.warnings().empty()) << refused.warnings().front();
+    const std::string head = R"({"format": "tandril-tdblocks", "version": 1, "entries": [)"
+                             "\n    {\"name\": \"K\", \"library\": \"kinetics\", ";
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {R"("type": "Toolbox"}]})", "tdblocks.json:2:50: entries[0].type: unknown entry type \"Toolbox\""},
+        {R"("type": "product", "children": ["x"]}]})", "entries[0].children: only a Palette lists children"},
+        {R"("type": "Product", "children": ["a,b"], "dependencies": ["x|y"]}]})", "only a Palette lists children"}};
+    for (const auto& [tail, says] : cases) {
+        breakFile("toolbox/kinetics/tdblocks.json", QByteArray::fromStdString(head + tail));
+        HostFixture fixture(root.path());
+        const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {HostValue::cellArray(0, 0)});
+        ASSERT_TRUE(result.ok);
+        EXPECT_EQ(result.outputs[0].toStringList(),
+                  (std::vector<std::string>{"Arithmetica", "Switchyard", "Tandril", "Wavecraft Signals",
+                                            "Signal Workbench"}));
+        ASSERT_EQ(fixture.errors().size(), 1u);
+        EXPECT_TRUE(contains(fixture.errors()[0], says)) << fixture.errors()[0];
+        EXPECT_TRUE(fixture.warnings().empty()) << fixture.warnings().front();
+    }
 }
 
 } // namespace
