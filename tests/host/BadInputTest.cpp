@@ -63,8 +63,9 @@ TEST_F(BadInput, FileErrorsNameFileLineColumnAndField)
          {"broken.tdlib.json:7:57: blocks[0].blocks[0].icon.inputs:", "whole number"}},
         {libraryJson("broken", "[\n    {\"name\": \"A\", \"type\": \"Block\", \"position\": [1, 2, 3]}\n  ]"),
          {"broken.tdlib.json:6:48: blocks[0].position:", "four numbers"}},
-        {libraryJson("broken", "[\n    {\"name\": \"A\", \"type\": \"Block\", \"colour\": \"red\"}\n  ]"),
-         {"broken.tdlib.json:6:46: blocks[0].colour:", "unknown field"}},
+        // Columns count characters, not bytes.
+        {libraryJson("broken", "[\n    {\"name\": \"Zähler\", \"type\": \"Block\", \"colour\": \"red\"}\n  ]"),
+         {"broken.tdlib.json:6:51: blocks[0].colour:", "unknown field"}},
         {libraryJson("broken", "[\n    {\"name\": \"Two\\nLines\", \"type\": \"Block\"},\n"
                                "    {\"name\": \"Two Lines\", \"type\": \"Block\"}\n  ]"),
          {"broken.tdlib.json:7:14: blocks[1].name:", "already named"}},

@@ -1,7 +1,6 @@
 #include "HostTestSupport.h"
 
 #include "BlockPath.h"
-#include "JsonLocator.h"
 #include "LibraryFileParser.h"
 #include "LibraryFileWriter.h"
 
@@ -34,27 +33,6 @@ TEST(BlockPathTest, OddRunsSeparateEvenRunsStandForSlashesInNames)
     for (const char* path : {"/lead", "trail/", ""})
         EXPECT_FALSE(BlockPath::isAddressable(path)) << path;
     EXPECT_TRUE(BlockPath::isAddressable("in/out"));
-}
-
-TEST(JsonLocatorTest, FindsLinesColumnsAndFields)
-{
-    const QByteArray text = "{\n  \"a\": [1, {\"ü\": 2,\n \"k\\\"ey\": [true, \"x\"]}],\n  \"b\": \"Σ\"\n}";
-    const JsonLocator locator(text);
-    EXPECT_EQ(locator.positionOfOffset(0).line, 1);
-    const auto afterUmlaut = locator.positionOfOffset(text.indexOf(": 2"));
-    EXPECT_EQ(afterUmlaut.line, 2);
-    EXPECT_EQ(afterUmlaut.column, 16) << "columns count characters, not bytes";
-
-    const auto element = locator.positionOf(FieldPath().key("a").index(1).key("k\"ey").index(1));
-    EXPECT_EQ(element.line, 3);
-    EXPECT_EQ(element.column, 18);
-    const auto b = locator.positionOf(FieldPath().key("b"));
-    EXPECT_EQ(b.line, 4);
-    EXPECT_EQ(b.column, 8);
-    const auto missing = locator.positionOf(FieldPath().key("a").index(7));
-    EXPECT_EQ(missing.line, 2) << "a missing element points at its array";
-    EXPECT_EQ(missing.column, 8);
-    EXPECT_EQ(FieldPath().key("blocks").index(3).key("icon").text(), "blocks[3].icon");
 }
 
 TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)

@@ -107,6 +107,14 @@ TEST_F(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChange
     ASSERT_EQ(fresh.size(), 3u);
     EXPECT_NE(fresh, handles);
     EXPECT_EQ(fixture.blockData(fresh[0]).at(1).toString(), "second");
+
+    // A change while the document is still kept: new handles read the new
+    // file, the old ones keep what they named.
+    writeLibrary(0, "third reading");
+    const std::vector<double> third = fixture.children(name(0));
+    ASSERT_EQ(third.size(), 3u);
+    EXPECT_EQ(fixture.blockData(third[0]).at(1).toString(), "third reading");
+    EXPECT_EQ(fixture.blockData(fresh[0]).at(1).toString(), "second");
 }
 
 } // namespace

@@ -49,7 +49,7 @@ def test_empty_and_unknown_names_and_patterns_give_empty_results(repository):
         assert repository.getChildrenIterator(obj).isEmpty()
         assert repository.getDepthFirstIterator(obj).size() == 0
         assert repository.getIcon(obj) is None
-        assert not repository.isProductUpToDate(name)
+        assert not repository.isProductUpToDate(name) and not repository.isProductUpToDate(obj, True)
         assert not repository.getProduct(name).isValid()
     missing = repository.getTandrilObject("kinetics/Continuous/Nothing")
     assert not missing.isValid() and repository.getChildrenIterator(missing).isEmpty()

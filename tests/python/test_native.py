@@ -175,30 +175,25 @@ def test_each_identifier_has_an_error_class_of_its_own(repository):
 def test_calls_from_another_thread_are_refused_before_touching_anything(repository):
     browser = StandaloneBrowser()
     title = browser.getTitle()
-    outcomes = {}
+    report = Repository.RepositoryReport.create()
+    calls = [lambda: browser.setTitle("from a thread"), StandaloneBrowser, browser.destroyInstance,
+             Repository.Repository.open, repository.generateRepository,
+             lambda: tandril.call_host("tdprivate", 1, "lb_getLibraryData", report, "kinetics"),
+             # Reading handles is no window work.
+             lambda: repository.getTandrilObject("kinetics").DisplayName]
+    outcomes = []
 
-    def run(name, call):
+    def run(call):
         try:
-            outcomes[name] = call()
+            outcomes.append(call())
         except tandril.Error as error:
-            outcomes[name] = type(error)
+            outcomes.append(type(error))
 
-    calls = {
-        "window": lambda: browser.setTitle("from a thread"),
-        "new handle": StandaloneBrowser,
-        "destroy": browser.destroyInstance,
-        "open": Repository.Repository.open,
-        "generate": lambda: repository.generateRepository(),
-        "call_host": lambda: tandril.call_host("tdprivate", 1, "lb_getLibraryData",
-                                               Repository.RepositoryReport.create(), "kinetics"),
-        # Reading handles is no window work.
-        "read": lambda: repository.getTandrilObject("kinetics").DisplayName,
-    }
-    for item in calls.items():
-        thread = threading.Thread(target=run, args=item)
+    for call in calls:
+        thread = threading.Thread(target=run, args=(call,))
         thread.start()
         thread.join()
-    assert outcomes == {**{name: tandril.WrongThread for name in calls if name != "read"}, "read": "Kinetics"}
+    assert outcomes == [tandril.WrongThread] * 6 + ["Kinetics"]
     assert browser.getTitle() == title
 
 

@@ -50,49 +50,15 @@ def test_mode_words_of_the_generating_verbs(own_store, verb, word, up_to_date):
     assert reader.isProductUpToDate(reader.getProduct("arithmetica"))
 
 
-def test_a_changed_library_file_makes_its_product_out_of_date(repository, root_dir):
-    library_file = root_dir / "toolbox" / "switchyard" / "switchyard.tdlib.json"
-    library_file.write_bytes(library_file.read_bytes() + b"\n")
-    product = repository.getProduct("switchyard")
-    assert not repository.isProductUpToDate(product)
-    assert not repository.isProductUpToDate(product, True)
-    assert not repository.isProductUpToDate("switchyard")
-    lines = log_of(repository, "generateProduct", product)
-    assert any("Processing product Switchyard" in line for line in lines), lines
-    assert repository.isProductUpToDate(repository.getProduct("switchyard"))
-
-
-@pytest.mark.parametrize("path", ["kinetics/Continuous/Integrator", "nosuchproduct", ""])
-def test_generating_or_destroying_what_is_no_product_goes_to_the_report(repository, path):
-    report = repository.getRepositoryReport()
-    report.clearError()
-    obj = repository.getTandrilObject(path)
-    for mode in ((), ("Regenerate",)):
-        repository.generateProduct(obj, *mode)
-        assert report.getErrors() == [("InternalError", "Unable to start generation: the product is invalid")]
-        report.clearError()
-    repository.destroyProduct(obj)
-    assert any("Unable to find product" in message for _, message in report.getErrors())
-    report.clearError()
-
-
-def test_a_writer_on_a_directory_of_its_own_and_its_host_path(tmp_path, root_dir):
-    store = tmp_path / "store"
+def test_a_host_path_of_non_strings_is_refused_before_anything_is_made(tmp_path):
     for host_path in (["ok", 3], [None], [["nested"]], [b"bytes"]):
         with pytest.raises(tandril.StringTypeExpected, match="^Expected a string argument.$"):
-            Repository.Writer.open(str(store), host_path)
-        assert not store.exists()
-    writer = Repository.Writer.open(str(store), [str(root_dir / "toolbox" / "arithmetica")])
-    writer.generateRepository()
-    assert not writer.getRepositoryReport().hasError()
-    assert [o.Path for o in Repository.Reader.open(str(store)).getProductsIterator()] == ["arithmetica"]
-    writer.destroyRepository()
-    assert not Repository.Reader.open(str(store)).exists()
+            Repository.Writer.open(str(tmp_path / "store"), host_path)
+        assert not (tmp_path / "store").exists()
 
 
 def test_the_report_keeps_what_it_is_told(capfd):
     report = Repository.RepositoryReport.create()
-    assert not report.hasError() and not report.hasWarning()
     report.log("first line")
     report.logWarning("careful")
     report.logWarning("Test:Warning", "with an id")
@@ -103,9 +69,6 @@ def test_the_report_keeps_what_it_is_told(capfd):
     log = "".join(report.getLog())
     assert "Action: first line\n" in log
     assert "**Warning**   careful" in log and "??? **Error**   it broke" in log
-    report.clearError()
-    report.clearWarning()
-    assert not report.hasError() and not report.hasWarning()
     for echo, line in ((True, "echoed"), (False, "quiet")):
         report.logToConsoleInteractively(echo)
         report.log(line)
