@@ -53,7 +53,6 @@ TEST_F(ExampleRoot, TdBlocksDataListsEveryEntryInPathOrderWithNineOutputs)
     EXPECT_TRUE(out[7].cell(0).isEmpty());
     EXPECT_EQ(out[8].cell(1).toStringList(), (Strings{"toolbox/kinetics/kinetics.tdlib.json"}));
     EXPECT_TRUE(fixture.errors().empty());
-
 }
 
 TEST_F(ExampleRoot, ChildrenAndBlockDataInFileOrderWithStableHandles)
