@@ -37,28 +37,15 @@ TEST(BlockPathTest, OddRunsSeparateEvenRunsStandForSlashesInNames)
 
 TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
 {
+    const BlockRecord plain{"Rate\nLimiter", BlockType::Block, "Limits the slope.", true, {1.5, 2, 70, 52.25},
+                            {IconShape::Diamond, "rate", 2, 0, ""}, true, {}, {}, {}};
+    const BlockRecord drawn{"A/D", BlockType::Block, "", false, {}, {IconShape::Rectangle, "", 1, 1,
+                            "<svg xmlns=\"http://www.w3.org/2000/svg\"/>"}, true, {}, {}, {}};
+    const BlockRecord ref{"Über", BlockType::LibraryRef, "", false, {}, {}, false, {}, {"kinetics", "Continuous"}, {}};
+    const BlockRecord sub{"Group", BlockType::SubSystem, "", false, {}, {}, false, {plain, ref}, {}, {}};
     LibraryDocument document;
     document.name = "roundtrip";
     document.description = "Everything the format can say.";
-    BlockRecord plain;
-    plain.name = "Rate\nLimiter";
-    plain.hasDescription = true;
-    plain.description = "Limits the slope.";
-    plain.position = {1.5, 2, 70, 52.25};
-    plain.hasIcon = true;
-    plain.icon = {IconShape::Diamond, "rate", 2, 0, ""};
-    BlockRecord drawn;
-    drawn.name = "A/D";
-    drawn.hasIcon = true;
-    drawn.icon.svg = "<svg xmlns=\"http://www.w3.org/2000/svg\"/>";
-    BlockRecord ref;
-    ref.name = "Über";
-    ref.type = BlockType::LibraryRef;
-    ref.target = {"kinetics", "Continuous"};
-    BlockRecord sub;
-    sub.name = "Group";
-    sub.type = BlockType::SubSystem;
-    sub.blocks = {plain, ref};
     document.blocks = {plain, drawn, sub};
 
     QTemporaryDir directory;
