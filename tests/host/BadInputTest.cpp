@@ -63,8 +63,9 @@ TEST_F(BadInput, FileErrorsNameFileLineColumnAndField)
          {"broken.tdlib.json:7:57: blocks[0].blocks[0].icon.inputs:", "whole number"}},
         {libraryJson("broken", "[\n    {\"name\": \"A\", \"type\": \"Block\", \"position\": [1, 2, 3]}\n  ]"),
          {"broken.tdlib.json:6:48: blocks[0].position:", "four numbers"}},
-        {libraryJson("broken", "[\n    {\"name\": \"A\", \"type\": \"Block\", \"colour\": \"red\"}\n  ]"),
-         {"broken.tdlib.json:6:46: blocks[0].colour:", "unknown field"}},
+        // Columns count characters, not bytes.
+        {libraryJson("broken", "[\n    {\"name\": \"Zähler\", \"type\": \"Block\", \"colour\": \"red\"}\n  ]"),
+         {"broken.tdlib.json:6:51: blocks[0].colour:", "unknown field"}},
         {libraryJson("broken", "[\n    {\"name\": \"Two\\nLines\", \"type\": \"Block\"},\n"
                                "    {\"name\": \"Two Lines\", \"type\": \"Block\"}\n  ]"),
          {"broken.tdlib.json:7:14: blocks[1].name:", "already named"}},
@@ -97,99 +98,66 @@ TEST_F(BadInput, FileErrorsNameFileLineColumnAndField)
     EXPECT_TRUE(contains(childrenError("broken"), "broken.tdlib.json: cannot read the file"));
 }
 
-TEST_F(BadInput, BrokenReferencesFailOnlyTheCallsThatNeedThem)
+TEST_F(BadInput, BrokenAndCyclicReferencesFailOnlyTheCallsThatNeedThem)
 {
+    const std::string ref = "{\"name\": \"%1\", \"type\": \"LibraryRef\", \"target\": {\"library\": \"%2\"%3}}";
+    const auto reference = [&](const char* name, const char* library, const char* path = "") {
+        return QString::fromStdString(ref).arg(name, library, *path ? QStringLiteral(", \"path\": \"%1\"").arg(path) : "")
+            .toStdString();
+    };
     breakFile("toolbox/kinetics/refs.tdlib.json",
-              libraryJson("refs", "[\n    {\"name\": \"Fine\", \"type\": \"Block\"},\n"
-                                  "    {\"name\": \"Lost\", \"type\": \"LibraryRef\", \"target\": {\"library\": "
-                                  "\"nowhere\"}},\n"
-                                  "    {\"name\": \"Astray\", \"type\": \"LibraryRef\", \"target\": {\"library\": "
-                                  "\"kinetics\", \"path\": \"Continuous/Missing\"}},\n"
-                                  "    {\"name\": \"Leaf\", \"type\": \"LibraryRef\", \"target\": {\"library\": "
-                                  "\"kinetics\", \"path\": \"Continuous/Integrator\"}}\n  ]"));
+              libraryJson("refs", "[\n    {\"name\": \"Fine\", \"type\": \"Block\"},\n    " + reference("Lost", "nowhere")
+                                      + ",\n    " + reference("Astray", "kinetics", "Continuous/Missing") + ",\n    "
+                                      + reference("Leaf", "kinetics", "Continuous/Integrator") + "\n  ]"));
+    breakFile("toolbox/kinetics/loopa.tdlib.json", libraryJson("loopa", "[\n    " + reference("R", "loopb", "S") + "\n  ]"));
+    breakFile("toolbox/kinetics/loopb.tdlib.json", libraryJson("loopb", "[\n    " + reference("S", "loopa", "R") + "\n  ]"));
+    breakFile("toolbox/kinetics/selfish.tdlib.json",
+              libraryJson("selfish", "[\n    {\"name\": \"Outer\", \"type\": \"SubSystem\", \"blocks\": [\n      "
+                                         + reference("Inner", "selfish", "Outer") + "\n    ]}\n  ]"));
     HostFixture fixture(root.path());
     const auto handles = fixture.children("refs");
     ASSERT_EQ(handles.size(), 4u) << "the library itself reads fine";
     EXPECT_EQ(fixture.blockData(handles[0]).size(), 6u);
-
-    const auto expectFailure = [&](double handle, const std::string& where, const std::string& says) {
-        fixture.clearErrors();
-        EXPECT_TRUE(fixture.blockData(handle).empty());
-        ASSERT_EQ(fixture.errors().size(), 1u);
-        const std::string error = fixture.errors()[0];
-        EXPECT_TRUE(contains(error, "refs.tdlib.json" + where)) << error;
-        EXPECT_TRUE(contains(error, says)) << error;
-    };
-    expectFailure(handles[1], ":7:", "blocks[1].target.library: the reference \"refs/Lost\" cannot be resolved");
-    expectFailure(handles[1], ":7:", "no library \"nowhere\" on the path");
-    expectFailure(handles[2], ":8:", "blocks[2].target.path:");
-    expectFailure(handles[2], ":8:", "no block \"Missing\"");
-    expectFailure(handles[3], ":9:", "names the block \"kinetics/Continuous/Integrator\"");
     EXPECT_FALSE(fixture.tdprivate("lb_getChildrenHandles", 1, {HostValue::doubleScalar(handles[1])}).ok);
+
+    const std::vector<std::pair<std::pair<std::string, std::size_t>, std::vector<std::string>>> cases{
+        {{"refs", 1}, {"refs.tdlib.json:7:", "blocks[1].target.library: the reference \"refs/Lost\" cannot be resolved",
+                       "no library \"nowhere\" on the path"}},
+        {{"refs", 2}, {"refs.tdlib.json:8:", "blocks[2].target.path:", "no block \"Missing\""}},
+        {{"refs", 3}, {"refs.tdlib.json:9:", "names the block \"kinetics/Continuous/Integrator\""}},
+        {{"loopa", 0}, {"loopa.tdlib.json:6:", "the references form a cycle: loopa/R -> loopb/S -> loopa/R"}},
+        {{"selfish/Outer", 0}, {"\"selfish/Outer/Inner\" lies inside its own target", "blocks[0].blocks[0].target:"}}};
+    for (const auto& [block, says] : cases) {
+        fixture.clearErrors();
+        EXPECT_TRUE(fixture.blockData(fixture.children(block.first).at(block.second)).empty());
+        ASSERT_EQ(fixture.errors().size(), 1u) << block.first;
+        for (const std::string& part : says)
+            EXPECT_TRUE(contains(fixture.errors()[0], part)) << fixture.errors()[0];
+    }
 }
 
-TEST_F(BadInput, CyclesOfReferencesAreFoundAndNamed)
-{
-    breakFile("toolbox/kinetics/loopa.tdlib.json",
-              libraryJson("loopa", "[\n    {\"name\": \"R\", \"type\": \"LibraryRef\", \"target\": {\"library\": "
-                                   "\"loopb\", \"path\": \"S\"}}\n  ]"));
-    breakFile("toolbox/kinetics/loopb.tdlib.json",
-              libraryJson("loopb", "[\n    {\"name\": \"S\", \"type\": \"LibraryRef\", \"target\": {\"library\": "
-                                   "\"loopa\", \"path\": \"R\"}}\n  ]"));
-    breakFile("toolbox/kinetics/selfish.tdlib.json",
-              libraryJson("selfish", "[\n    {\"name\": \"Outer\", \"type\": \"SubSystem\", \"blocks\": [\n"
-                                     "      {\"name\": \"Inner\", \"type\": \"LibraryRef\", \"target\": {\"library\": "
-                                     "\"selfish\", \"path\": \"Outer\"}}\n    ]}\n  ]"));
-    HostFixture fixture(root.path());
-    const auto loop = fixture.children("loopa");
-    ASSERT_EQ(loop.size(), 1u);
-    EXPECT_TRUE(fixture.blockData(loop[0]).empty());
-    ASSERT_EQ(fixture.errors().size(), 1u);
-    EXPECT_TRUE(contains(fixture.errors()[0], "the references form a cycle: loopa/R -> loopb/S -> loopa/R"))
-        << fixture.errors()[0];
-    EXPECT_TRUE(contains(fixture.errors()[0], "loopa.tdlib.json:6:"));
-
-    const auto inner = fixture.children("selfish/Outer");
-    ASSERT_EQ(inner.size(), 1u);
-    EXPECT_TRUE(fixture.blockData(inner[0]).empty());
-    EXPECT_TRUE(contains(fixture.errors().back(), "\"selfish/Outer/Inner\" lies inside its own target"));
-    EXPECT_TRUE(contains(fixture.errors().back(), "blocks[0].blocks[0].target:"));
-}
-
+// A refused file says so once: no warning about a name left out of an entry
+// that is left out whole.
 TEST_F(BadInput, BadTdBlocksFileDropsOnlyItsOwnEntries)
 {
-    breakFile("toolbox/kinetics/tdblocks.json",
-              "{\n  \"format\": \"tandril-tdblocks\",\n  \"version\": 1,\n  \"entries\": [\n"
-              "    {\"name\": \"Kinetics\", \"library\": \"kinetics\", \"type\": \"Toolbox\"}\n  ]\n}\n");
-    HostFixture fixture(root.path());
-    const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {HostValue::cellArray(0, 0)});
-    ASSERT_TRUE(result.ok);
-    EXPECT_EQ(result.outputs[0].toStringList(),
-              (std::vector<std::string>{"Arithmetica", "Switchyard", "Tandril", "Wavecraft Signals",
-                                        "Signal Workbench"}));
-    ASSERT_EQ(fixture.errors().size(), 1u);
-    EXPECT_TRUE(contains(fixture.errors()[0],
-                         "tdblocks.json:5:57: entries[0].type: unknown entry type \"Toolbox\""))
-        << fixture.errors()[0];
-
-    breakFile("toolbox/kinetics/tdblocks.json",
-              "{\"format\": \"tandril-tdblocks\", \"version\": 1, \"entries\": [{\"name\": \"K\", \"library\": "
-              "\"kinetics\", \"type\": \"product\", \"children\": [\"x\"]}]}");
-    HostFixture again(root.path());
-    again.tdprivate("lb_getTdBlocksData", 9, {});
-    ASSERT_EQ(again.errors().size(), 1u);
-    EXPECT_TRUE(contains(again.errors()[0], "entries[0].children: only a Palette lists children"));
-
-    // A refused file says so once: no warning about a name left out of an
-    // entry that is left out whole.
-    breakFile("toolbox/kinetics/tdblocks.json",
-              "{\"format\": \"tandril-tdblocks\", \"version\": 1, \"entries\": [{\"name\": \"K\", \"library\": "
-              "\"kinetics\", \"type\": \"Product\", \"children\": [\"a,b\"], \"dependencies\": [\"x|y\"]}]}");
-    HostFixture refused(root.path());
-    refused.tdprivate("lb_getTdBlocksData", 9, {});
-    ASSERT_EQ(refused.errors().size(), 1u);
-    EXPECT_TRUE(contains(refused.errors()[0], "only a Palette lists children")) << refused.errors()[0];
-    EXPECT_TRUE(refused.warnings().empty()) << refused.warnings().front();
+    const std::string head = R"({"format": "tandril-tdblocks", "version": 1, "entries": [)"
+                             "\n    {\"name\": \"K\", \"library\": \"kinetics\", ";
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {R"("type": "Toolbox"}]})", "tdblocks.json:2:50: entries[0].type: unknown entry type \"Toolbox\""},
+        {R"("type": "product", "children": ["x"]}]})", "entries[0].children: only a Palette lists children"},
+        {R"("type": "Product", "children": ["a,b"], "dependencies": ["x|y"]}]})", "only a Palette lists children"}};
+    for (const auto& [tail, says] : cases) {
+        breakFile("toolbox/kinetics/tdblocks.json", QByteArray::fromStdString(head + tail));
+        HostFixture fixture(root.path());
+        const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {HostValue::cellArray(0, 0)});
+        ASSERT_TRUE(result.ok);
+        EXPECT_EQ(result.outputs[0].toStringList(),
+                  (std::vector<std::string>{"Arithmetica", "Switchyard", "Tandril", "Wavecraft Signals",
+                                            "Signal Workbench"}));
+        ASSERT_EQ(fixture.errors().size(), 1u);
+        EXPECT_TRUE(contains(fixture.errors()[0], says)) << fixture.errors()[0];
+        EXPECT_TRUE(fixture.warnings().empty()) << fixture.warnings().front();
+    }
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "HostTestSupport.h"
 
 #include "BlockPath.h"
-#include "JsonLocator.h"
 #include "LibraryFileParser.h"
 #include "LibraryFileWriter.h"
 
@@ -20,68 +19,33 @@ using Names = std::vector<std::string>;
 
 TEST(BlockPathTest, OddRunsSeparateEvenRunsStandForSlashesInNames)
 {
-    EXPECT_EQ(BlockPath::split("lib/Sub/Block"), (Names{"lib", "Sub", "Block"}));
-    EXPECT_EQ(BlockPath::split("lib/A//D Converter"), (Names{"lib", "A/D Converter"}));
-    EXPECT_EQ(BlockPath::split("lib/a////b"), (Names{"lib", "a//b"}));
-    EXPECT_EQ(BlockPath::split("lib///x"), (Names{"lib", "x"}));
-    EXPECT_EQ(BlockPath::split("lib"), (Names{"lib"}));
-    EXPECT_EQ(BlockPath::split("lib/Zero-Order\nHold"), (Names{"lib", "Zero-Order\nHold"}));
+    const std::vector<std::pair<std::string, Names>> splits{
+        {"lib/Sub/Block", {"lib", "Sub", "Block"}}, {"lib/A//D Converter", {"lib", "A/D Converter"}},
+        {"lib/a////b", {"lib", "a//b"}},           {"lib///x", {"lib", "x"}},
+        {"lib", {"lib"}},                          {"lib/Zero-Order\nHold", {"lib", "Zero-Order\nHold"}}};
+    for (const auto& [path, names] : splits)
+        EXPECT_EQ(BlockPath::split(path), names) << path;
 
     const Names names{"lib", "Min/Max", "a//b", "Rate\nLimiter"};
     EXPECT_EQ(BlockPath::join(names), "lib/Min//Max/a////b/Rate\nLimiter");
     EXPECT_EQ(BlockPath::split(BlockPath::join(names)), names);
     EXPECT_EQ(BlockPath::matchKey("Rate\nLimiter"), "Rate Limiter");
-    EXPECT_FALSE(BlockPath::isAddressable("/lead"));
-    EXPECT_FALSE(BlockPath::isAddressable("trail/"));
-    EXPECT_FALSE(BlockPath::isAddressable(""));
+    for (const char* path : {"/lead", "trail/", ""})
+        EXPECT_FALSE(BlockPath::isAddressable(path)) << path;
     EXPECT_TRUE(BlockPath::isAddressable("in/out"));
-}
-
-TEST(JsonLocatorTest, FindsLinesColumnsAndFields)
-{
-    const QByteArray text = "{\n  \"a\": [1, {\"ü\": 2,\n \"k\\\"ey\": [true, \"x\"]}],\n  \"b\": \"Σ\"\n}";
-    const JsonLocator locator(text);
-    EXPECT_EQ(locator.positionOfOffset(0).line, 1);
-    const auto afterUmlaut = locator.positionOfOffset(text.indexOf(": 2"));
-    EXPECT_EQ(afterUmlaut.line, 2);
-    EXPECT_EQ(afterUmlaut.column, 16) << "columns count characters, not bytes";
-
-    const auto element = locator.positionOf(FieldPath().key("a").index(1).key("k\"ey").index(1));
-    EXPECT_EQ(element.line, 3);
-    EXPECT_EQ(element.column, 18);
-    const auto b = locator.positionOf(FieldPath().key("b"));
-    EXPECT_EQ(b.line, 4);
-    EXPECT_EQ(b.column, 8);
-    const auto missing = locator.positionOf(FieldPath().key("a").index(7));
-    EXPECT_EQ(missing.line, 2) << "a missing element points at its array";
-    EXPECT_EQ(missing.column, 8);
-    EXPECT_EQ(FieldPath().key("blocks").index(3).key("icon").text(), "blocks[3].icon");
 }
 
 TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
 {
+    const BlockRecord plain{"Rate\nLimiter", BlockType::Block, "Limits the slope.", true, {1.5, 2, 70, 52.25},
+                            {IconShape::Diamond, "rate", 2, 0, ""}, true, {}, {}, {}};
+    const BlockRecord drawn{"A/D", BlockType::Block, "", false, {}, {IconShape::Rectangle, "", 1, 1,
+                            "<svg xmlns=\"http://www.w3.org/2000/svg\"/>"}, true, {}, {}, {}};
+    const BlockRecord ref{"Über", BlockType::LibraryRef, "", false, {}, {}, false, {}, {"kinetics", "Continuous"}, {}};
+    const BlockRecord sub{"Group", BlockType::SubSystem, "", false, {}, {}, false, {plain, ref}, {}, {}};
     LibraryDocument document;
     document.name = "roundtrip";
     document.description = "Everything the format can say.";
-    BlockRecord plain;
-    plain.name = "Rate\nLimiter";
-    plain.hasDescription = true;
-    plain.description = "Limits the slope.";
-    plain.position = {1.5, 2, 70, 52.25};
-    plain.hasIcon = true;
-    plain.icon = {IconShape::Diamond, "rate", 2, 0, ""};
-    BlockRecord drawn;
-    drawn.name = "A/D";
-    drawn.hasIcon = true;
-    drawn.icon.svg = "<svg xmlns=\"http://www.w3.org/2000/svg\"/>";
-    BlockRecord ref;
-    ref.name = "Über";
-    ref.type = BlockType::LibraryRef;
-    ref.target = {"kinetics", "Continuous"};
-    BlockRecord sub;
-    sub.name = "Group";
-    sub.type = BlockType::SubSystem;
-    sub.blocks = {plain, ref};
     document.blocks = {plain, drawn, sub};
 
     QTemporaryDir directory;
@@ -92,9 +56,9 @@ TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
     const auto read = LibraryFileParser::parseFile(file, "roundtrip", issue);
     ASSERT_TRUE(read) << issue.toString();
     EXPECT_EQ(LibraryFileWriter::toBytes(*read), LibraryFileWriter::toBytes(document));
-    EXPECT_EQ(read->blocks[0].name, "Rate\nLimiter");
-    EXPECT_EQ(read->blocks[0].icon.shape, IconShape::Diamond);
-    EXPECT_EQ(read->blocks[0].position.bottom, 52.25);
+    // The bytes agree even where writer and reader both drop a field; these do not.
+    EXPECT_EQ(std::make_tuple(read->blocks[0].name, read->blocks[0].icon.shape, read->blocks[0].position.bottom),
+              std::make_tuple(plain.name, IconShape::Diamond, 52.25));
     EXPECT_EQ(read->blocks[1].icon.svg, drawn.icon.svg);
     EXPECT_EQ(read->blocks[2].blocks[1].target.path, "Continuous");
     EXPECT_FALSE(read->blocks[2].blocks[1].hasDescription);
@@ -109,13 +73,12 @@ TEST(LibraryFileTest, MissingPositionsAndIconsGetDefaults)
             {"name": "F", "type": "Block"}])"),
         "", issue);
     ASSERT_TRUE(document) << issue.toString();
-    EXPECT_EQ(document->blocks[0].position.left, 30);
-    EXPECT_EQ(document->blocks[1].position.left, 140);
-    EXPECT_EQ(document->blocks[5].position.top, 120) << "a new row after five";
-    EXPECT_EQ(document->blocks[0].icon.shape, IconShape::Rectangle);
-    EXPECT_EQ(document->blocks[1].icon.shape, IconShape::Rounded);
-    EXPECT_EQ(document->blocks[0].icon.inputs, 1);
-    EXPECT_TRUE(document->blocks[1].blocks.empty());
+    const auto& blocks = document->blocks;
+    EXPECT_EQ(std::make_tuple(blocks[0].position.left, blocks[1].position.left, blocks[5].position.top),
+              std::make_tuple(30.0, 140.0, 120.0)) << "side by side, a new row after five";
+    EXPECT_EQ(std::make_pair(blocks[0].icon.shape, blocks[1].icon.shape),
+              std::make_pair(IconShape::Rectangle, IconShape::Rounded));
+    EXPECT_EQ(blocks[0].icon.inputs, 1);
 }
 
 TEST(HostOptionsTest, FlagsBeatEnvironmentWhichBeatsDefaults)

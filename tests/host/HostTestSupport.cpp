@@ -7,7 +7,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
 
 namespace LibraryBrowser::Host::Testing {
 
@@ -28,21 +27,18 @@ HostInterpreter::CallResult HostFixture::tdprivate(const std::string& operation,
     return m_host->callWithTrap("tdprivate", outputs, inputs);
 }
 
-std::vector<std::string> HostFixture::errors() const
+namespace {
+std::vector<std::string> messages(const RepositoryReport::IssueList& issues)
 {
-    std::vector<std::string> messages;
-    for (const RepositoryReport::Issue& issue : m_report->getErrors())
-        messages.push_back(issue.message);
-    return messages;
+    std::vector<std::string> texts;
+    for (const RepositoryReport::Issue& issue : issues)
+        texts.push_back(issue.message);
+    return texts;
 }
+} // namespace
 
-std::vector<std::string> HostFixture::warnings() const
-{
-    std::vector<std::string> messages;
-    for (const RepositoryReport::Issue& issue : m_report->getWarnings())
-        messages.push_back(issue.message);
-    return messages;
-}
+std::vector<std::string> HostFixture::errors() const { return messages(m_report->getErrors()); }
+std::vector<std::string> HostFixture::warnings() const { return messages(m_report->getWarnings()); }
 
 std::vector<double> HostFixture::children(const HostValue& of)
 {
@@ -81,34 +77,6 @@ RootCopy::RootCopy() : m_path(m_directory.path() + QStringLiteral("/root"))
 void RootCopy::write(const QString& relative, const QByteArray& bytes) const
 {
     LibraryBrowser::Testing::writeFile(file(relative).toStdString(), bytes);
-}
-
-void takeCensus(HostFixture& fixture, const std::string& path, Census& census, int depth)
-{
-    for (double handle : fixture.children(path)) {
-        const auto data = fixture.blockData(handle);
-        if (data.size() != 6) {
-            census.problems.push_back("no data below " + path);
-            continue;
-        }
-        const std::string name = data[0].toString();
-        ++census.blocks;
-        census.deepest = std::max(census.deepest, depth);
-        census.slash = census.slash || name.find("//") != std::string::npos;
-        census.lineFeed = census.lineFeed || name.find('\n') != std::string::npos;
-        census.nonAscii = census.nonAscii || std::any_of(name.begin(), name.end(), [](char c) { return c & 0x80; });
-        if (data[1].toString().size() < 20)
-            census.problems.push_back("thin description: " + path + "/" + name);
-        const std::string type = data[3].toString();
-        if (type == "SubSystem") {
-            takeCensus(fixture, path + "/" + name, census, depth + 1);
-        } else if (type == "LibraryRef") {
-            ++census.references;
-            census.referencedLibraries.insert(data[4].toString());
-            if (fixture.children(data[5].toString()).empty())
-                census.problems.push_back("reference to nothing: " + name);
-        }
-    }
 }
 
 QByteArray libraryJson(const std::string& name, const std::string& blocksJson)

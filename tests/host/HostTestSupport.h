@@ -11,7 +11,6 @@
 
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -58,20 +57,6 @@ private:
     QTemporaryDir m_directory;
     QString m_path;
 };
-
-// What a walk through the host operations alone finds below a path, the way
-// the module's generation walks a library.
-struct Census {
-    int blocks = 0;
-    int references = 0;
-    int deepest = 0; // the deepest level a block stands at; a library's own blocks are at 1
-    bool nonAscii = false;
-    bool slash = false;
-    bool lineFeed = false;
-    std::set<std::string> referencedLibraries;
-    std::vector<std::string> problems;
-};
-void takeCensus(HostFixture& fixture, const std::string& path, Census& census, int depth = 1);
 
 // The library file form of a list of blocks given as JSON text.
 QByteArray libraryJson(const std::string& name, const std::string& blocksJson);

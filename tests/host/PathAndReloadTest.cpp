@@ -5,14 +5,39 @@
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QThread>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 
 namespace LibraryBrowser::Host::Testing {
 
 namespace {
+
+struct Walked {
+    int blocks = 0;
+    int deepest = 0;
+    int references = 0;
+};
+
+// What a walk through the host operations alone finds below a path, the way
+// the module's generation walks a library; a library's own blocks are at depth 1.
+void walk(HostFixture& fixture, const std::string& path, Walked& walked, int depth = 1)
+{
+    for (double handle : fixture.children(path)) {
+        const auto data = fixture.blockData(handle);
+        ASSERT_EQ(data.size(), 6u) << "no data below " << path;
+        ++walked.blocks;
+        walked.deepest = std::max(walked.deepest, depth);
+        if (data[3].toString() == "SubSystem") {
+            walk(fixture, path + "/" + data[0].toString(), walked, depth + 1);
+        } else if (data[3].toString() == "LibraryRef") {
+            ++walked.references;
+            EXPECT_FALSE(fixture.children(data[5].toString()).empty()) << "reference to nothing: " << data[0].toString();
+        }
+    }
+}
 
 TEST(SearchPathOrder, GivenDirectoriesComeFirstAndDuplicatesAreAllListed)
 {
@@ -80,33 +105,11 @@ TEST(SearchPathOrder, LibraryFilesAreFoundWhereTheyAreNow)
     EXPECT_EQ(fixture.errors().size(), 1u);
 }
 
-TEST(LibraryReload, ChangedFilesAreReadAgainAndOldHandlesStayValid)
-{
-    RootCopy root;
-    root.write("toolbox/kinetics/tiny.tdlib.json",
-               libraryJson("tiny", R"([{"name": "One", "type": "Block", "description": "first"}])"));
-    HostFixture fixture(root.path());
-    const auto before = fixture.children("tiny");
-    ASSERT_EQ(before.size(), 1u);
-
-    QThread::msleep(20);
-    root.write("toolbox/kinetics/tiny.tdlib.json",
-               libraryJson("tiny", R"([{"name": "One", "type": "Block", "description": "second"},
-                                      {"name": "Two", "type": "Block"}])"));
-    const auto after = fixture.children("tiny");
-    ASSERT_EQ(after.size(), 2u);
-    EXPECT_EQ(fixture.blockData(after[0]).at(1).toString(), "second");
-    EXPECT_EQ(fixture.blockData(before[0]).at(1).toString(), "first") << "an old handle keeps what it named";
-}
-
 TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
 {
     SyntheticRootGenerator::Settings settings;
-    settings.products = 3;
-    settings.blocksPerProduct = 200;
-    settings.depth = 4;
-    settings.referenceShare = 0.2;
-    settings.seed = 7;
+    std::tie(settings.products, settings.blocksPerProduct, settings.depth, settings.referenceShare, settings.seed) =
+        std::make_tuple(3, 200, 4, 0.2, 7);
     QTemporaryDir a, b, c;
     QString error;
     ASSERT_TRUE(SyntheticRootGenerator(settings).write(a.path(), error)) << error.toStdString();
@@ -121,13 +124,12 @@ TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
     const auto products = fixture.tdprivate("lb_getTdBlocksData", 9, {});
     ASSERT_EQ(products.outputs.at(1).toStringList(),
               (std::vector<std::string>{"synth_0000", "synth_0001", "synth_0002"}));
-    Census census;
-    takeCensus(fixture, "synth_0001", census);
-    EXPECT_EQ(census.blocks, 200);
-    EXPECT_EQ(census.deepest, 4);
-    EXPECT_GT(census.references, 20);
-    EXPECT_LT(census.references, 60);
-    EXPECT_TRUE(census.problems.empty()) << census.problems.front();
+    Walked walked;
+    walk(fixture, "synth_0001", walked);
+    EXPECT_EQ(walked.blocks, 200);
+    EXPECT_EQ(walked.deepest, 4);
+    EXPECT_GT(walked.references, 20);
+    EXPECT_LT(walked.references, 60);
     EXPECT_TRUE(fixture.errors().empty());
 }
 

@@ -17,6 +17,11 @@ protected:
         return fixture.host().callWithTrap(command, outputs, inputs);
     }
     static HostValue s(const std::string& text) { return HostValue::string(text); }
+    std::string current() { return run("private_td_get_current_open_mdl", {}, 1).outputs.at(0).toString(); }
+    double loaded(const std::string& name)
+    {
+        return run("private_td_is_system_loaded", {s(name)}, 1).outputs.at(0).scalar();
+    }
     std::vector<std::string> blockNames(const std::string& system)
     {
         std::vector<std::string> names;
@@ -28,63 +33,50 @@ protected:
     HostFixture fixture{HostOptions::bundledRoot()};
 };
 
-TEST_F(WindowCommandsTest, NewSystemsTakeTheFirstFreeUntitledName)
+TEST_F(WindowCommandsTest, NewSystemsTakeTheFirstFreeUntitledNameAndClosingFreesIt)
 {
-    EXPECT_EQ(run("private_td_get_current_open_mdl", {}, 3).outputs.at(0).toString(), "") << "nothing open yet";
-    EXPECT_EQ(run("private_td_is_system_loaded", {s("kinetics")}, 1).outputs.at(0).scalar(), 0.0);
-    EXPECT_EQ(run("private_td_new_system", {s("Model")}, 1).outputs.at(0).toString(), "untitled");
-    EXPECT_EQ(run("private_td_new_system", {s("Library")}, 1).outputs.at(0).toString(), "untitled1");
-    EXPECT_EQ(run("private_td_new_system", {s("Model")}, 1).outputs.at(0).toString(), "untitled2");
+    EXPECT_EQ(current(), "") << "nothing open yet";
+    for (const auto& [type, name] : std::vector<std::pair<std::string, std::string>>{
+             {"Model", "untitled"}, {"Library", "untitled1"}, {"Model", "untitled2"}})
+        EXPECT_EQ(run("private_td_new_system", {s(type)}, 1).outputs.at(0).toString(), name);
     EXPECT_FALSE(run("private_td_new_system", {s("Spreadsheet")}, 1).ok);
-
-    const auto current = run("private_td_get_current_open_mdl", {}, 3);
-    ASSERT_TRUE(current.ok);
-    EXPECT_EQ((std::vector<std::string>{current.outputs[0].toString(), current.outputs[1].toString()}),
+    const auto front = run("private_td_get_current_open_mdl", {}, 3);
+    ASSERT_EQ(front.outputs.size(), 3u);
+    EXPECT_EQ((std::vector<std::string>{front.outputs[0].toString(), front.outputs[1].toString()}),
               (std::vector<std::string>{"untitled2", "Model"}));
-    EXPECT_TRUE(current.outputs[2].isLogical());
-    EXPECT_EQ(current.outputs[2].scalar(), 0.0);
-    EXPECT_EQ(run("private_td_get_current_open_mdl", {}, 1).outputs.size(), 1u);
-}
+    EXPECT_TRUE(front.outputs[2].isLogical());
+    EXPECT_EQ(front.outputs[2].scalar(), 0.0);
 
-TEST_F(WindowCommandsTest, OpeningLoadsLockedLibrariesAndShowsOnlyWhenAsked)
-{
+    // Loading a library brings no window to the front; closing puts the last shown system there.
+    EXPECT_EQ(loaded("kinetics"), 0.0);
     ASSERT_TRUE(run("open_system", {s("kinetics"), s("loadOnly")}).ok);
-    EXPECT_EQ(run("private_td_is_system_loaded", {s("kinetics")}, 1).outputs.at(0).scalar(), 1.0);
-    EXPECT_EQ(run("private_td_get_current_open_mdl", {}, 1).outputs.at(0).toString(), "")
-        << "loading alone brings no window to the front";
-    ASSERT_TRUE(run("open_system", {s("kinetics/Mechanical/Rotational")}).ok);
-    const auto current = run("private_td_get_current_open_mdl", {}, 3);
-    ASSERT_EQ(current.outputs.size(), 3u);
-    EXPECT_EQ((std::vector<std::string>{current.outputs[0].toString(), current.outputs[1].toString()}),
-              (std::vector<std::string>{"kinetics", "Library"}));
-    EXPECT_EQ(current.outputs[2].scalar(), 1.0);
-    EXPECT_FALSE(run("open_system", {s("nowhere")}).ok);
-    EXPECT_FALSE(run("open_system", {s("kinetics/Nothing")}).ok);
-    EXPECT_FALSE(run("open_system", {s("kinetics"), s("loadEverything")}).ok);
-}
-
-TEST_F(WindowCommandsTest, ClosingPutsTheLastShownSystemInFrontAndFreesTheName)
-{
-    auto current = [&] { return run("private_td_get_current_open_mdl", {}, 1).outputs.at(0).toString(); };
-    run("private_td_new_system", {s("Model")}, 1);
-    run("private_td_new_system", {s("Library")}, 1);
-    ASSERT_TRUE(run("open_system", {s("kinetics"), s("loadOnly")}).ok);
-    ASSERT_EQ(current(), "untitled1");
-
-    // A library only loaded has no window to come to the front.
-    EXPECT_TRUE(run("close_system", {s("untitled1")}).ok);
-    EXPECT_EQ(current(), "untitled");
+    EXPECT_EQ(loaded("kinetics"), 1.0);
+    EXPECT_EQ(current(), "untitled2");
+    EXPECT_TRUE(run("close_system", {s("untitled2")}).ok);
+    EXPECT_EQ(current(), "untitled1");
     EXPECT_TRUE(run("close_system", {s("kinetics")}).ok);
-    EXPECT_EQ(run("private_td_is_system_loaded", {s("kinetics")}, 1).outputs.at(0).scalar(), 0.0);
-    EXPECT_EQ(current(), "untitled");
+    EXPECT_EQ(loaded("kinetics"), 0.0);
+    EXPECT_EQ(current(), "untitled1");
+    EXPECT_TRUE(run("close_system", {s("untitled1")}).ok);
     EXPECT_TRUE(run("close_system", {s("untitled")}).ok);
     EXPECT_EQ(current(), "");
-
     const auto again = run("close_system", {s("untitled")});
-    EXPECT_FALSE(again.ok);
     EXPECT_NE(again.errorMessage.find("no open system \"untitled\""), std::string::npos) << again.errorMessage;
     EXPECT_FALSE(run("close_system", {}).ok);
     EXPECT_EQ(run("private_td_new_system", {s("Model")}, 1).outputs.at(0).toString(), "untitled");
+}
+
+TEST_F(WindowCommandsTest, OpeningShowsALockedLibraryOnlyWhenAsked)
+{
+    ASSERT_TRUE(run("open_system", {s("kinetics/Mechanical/Rotational")}).ok);
+    const auto front = run("private_td_get_current_open_mdl", {}, 3);
+    ASSERT_EQ(front.outputs.size(), 3u);
+    EXPECT_EQ((std::vector<std::string>{front.outputs[0].toString(), front.outputs[1].toString()}),
+              (std::vector<std::string>{"kinetics", "Library"}));
+    EXPECT_EQ(front.outputs[2].scalar(), 1.0);
+    for (const auto& inputs : std::vector<std::vector<HostValue>>{
+             {s("nowhere")}, {s("kinetics/Nothing")}, {s("kinetics"), s("loadEverything")}})
+        EXPECT_FALSE(run("open_system", inputs).ok) << inputs[0].toString();
 }
 
 TEST_F(WindowCommandsTest, AddedBlocksAreCopiesWithUniqueNames)
@@ -112,17 +104,15 @@ TEST_F(WindowCommandsTest, AddedBlocksAreCopiesWithUniqueNames)
 
 TEST_F(WindowCommandsTest, AddingFailsForLockedMissingOrWrongTargets)
 {
+    const std::string gain = "arithmetica/Basic Operations/Gain";
     run("open_system", {s("switchyard")});
-    EXPECT_FALSE(run("private_td_add_block", {s("arithmetica/Basic Operations/Gain"), s("switchyard")}).ok)
-        << "a shipped library is locked";
+    EXPECT_FALSE(run("private_td_add_block", {s(gain), s("switchyard")}).ok) << "a shipped library is locked";
     fixture.host().systems().setLocked("switchyard", false);
-    EXPECT_TRUE(run("private_td_add_block", {s("arithmetica/Basic Operations/Gain"), s("switchyard/Logic")}).ok);
-    EXPECT_FALSE(run("private_td_add_block", {s("arithmetica/Basic Operations/Gain"), s("closed")}).ok);
-    EXPECT_FALSE(run("private_td_add_block", {s("arithmetica/Nope"), s("switchyard")}).ok);
-    EXPECT_FALSE(
-        run("private_td_add_block", {s("arithmetica/Basic Operations/Gain"), s("switchyard/Logic/AND Gate")}).ok);
-    EXPECT_FALSE(run("private_td_drop_block", {s("arithmetica/Basic Operations/Gain"), s("switchyard")}).ok)
-        << "a drop needs its point";
+    EXPECT_TRUE(run("private_td_add_block", {s(gain), s("switchyard/Logic")}).ok);
+    for (const auto& [block, target] : std::vector<std::pair<std::string, std::string>>{
+             {gain, "closed"}, {"arithmetica/Nope", "switchyard"}, {gain, "switchyard/Logic/AND Gate"}})
+        EXPECT_FALSE(run("private_td_add_block", {s(block), s(target)}).ok) << block << " into " << target;
+    EXPECT_FALSE(run("private_td_drop_block", {s(gain), s("switchyard")}).ok) << "a drop needs its point";
 }
 
 TEST_F(WindowCommandsTest, SavedSystemsReadBackAsLibraryFiles)
@@ -150,21 +140,23 @@ TEST_F(WindowCommandsTest, WindowlessCommandsAreRecordedAndCheckTheirBlocks)
 {
     std::vector<std::string> echoed;
     fixture.host().commandLog().setEcho([&](const std::string& line) { echoed.push_back(line); });
-    EXPECT_TRUE(run("private_td_open_block_dialog", {s("kinetics/Continuous/Integrator"), s("params")}).ok);
-    EXPECT_FALSE(run("private_td_open_block_dialog", {s("kinetics/Continuous/Integrator"), s("wide")}).ok);
-    EXPECT_FALSE(run("private_td_open_block_dialog", {s("kinetics/Continuous/Nope"), s("default")}).ok);
+    const std::string docroot = HostOptions::bundledRoot().toStdString() + "/help";
+    const std::vector<std::tuple<std::string, std::vector<HostValue>, bool>> commands{
+        {"private_td_open_block_dialog", {s("kinetics/Continuous/Integrator"), s("params")}, true},
+        {"private_td_open_block_dialog", {s("kinetics/Continuous/Integrator"), s("wide")}, false},
+        {"private_td_open_block_dialog", {s("kinetics/Continuous/Nope"), s("default")}, false},
+        {"private_td_show_block_help", {s("wavecraft/Displays/Scope")}, true},
+        {"private_td_show_block_help", {s("wavecraft/Displays/Oscilloscope")}, false},
+        {"uiopen", {s("*.mdl")}, true},
+        {"tdhelp", {}, true},
+        {"helpview", {s(docroot + "/toolbox/tandril/helptargets.map"), s("librarybrowsergui")}, true},
+        {"tdprivate", {s("showprefs")}, true}};
+    for (const auto& [command, inputs, ok] : commands)
+        EXPECT_EQ(run(command, inputs).ok, ok) << command;
     ASSERT_EQ(fixture.host().windowCommands().openDialogs().size(), 1u);
     EXPECT_TRUE(run("private_td_close_block_dialogs", {}).ok);
     EXPECT_TRUE(fixture.host().windowCommands().openDialogs().empty());
-
-    EXPECT_TRUE(run("private_td_show_block_help", {s("wavecraft/Displays/Scope")}).ok);
-    EXPECT_FALSE(run("private_td_show_block_help", {s("wavecraft/Displays/Oscilloscope")}).ok);
-    EXPECT_TRUE(run("uiopen", {s("*.mdl")}).ok);
-    EXPECT_TRUE(run("tdhelp", {}).ok);
-    const std::string docroot = run("docroot", {}, 1).outputs.at(0).toString();
-    EXPECT_EQ(docroot, HostOptions::bundledRoot().toStdString() + "/help");
-    EXPECT_TRUE(run("helpview", {s(docroot + "/toolbox/tandril/helptargets.map"), s("librarybrowsergui")}).ok);
-    EXPECT_TRUE(fixture.host().callWithTrap("tdprivate", 0, {s("showprefs")}).ok);
+    EXPECT_EQ(run("docroot", {}, 1).outputs.at(0).toString(), docroot);
     EXPECT_EQ(run("private_td_sys_name_under_mouse", {}, 1).outputs.at(0).toString(), "");
     fixture.host().windowCommands().setSystemUnderMouse("untitled");
     EXPECT_EQ(run("private_td_sys_name_under_mouse", {}, 1).outputs.at(0).toString(), "untitled");
@@ -172,9 +164,9 @@ TEST_F(WindowCommandsTest, WindowlessCommandsAreRecordedAndCheckTheirBlocks)
     const auto& log = fixture.host().commandLog().entries();
     ASSERT_EQ(log.size(), 13u);
     EXPECT_EQ(log[0].text(), "private_td_open_block_dialog('kinetics/Continuous/Integrator', 'params')");
-    EXPECT_EQ(log[10].text(), "tdprivate('showprefs')");
+    EXPECT_EQ(log[8].text(), "tdprivate('showprefs')");
     EXPECT_EQ(echoed.size(), log.size());
-    EXPECT_EQ(echoed[7], "host: tdhelp()\n");
+    EXPECT_EQ(echoed[6], "host: tdhelp()\n");
 }
 
 TEST(VerboseHost, EchoesCommandsToItsConsole)

@@ -1,23 +1,96 @@
-"""A Python program as the host: callables serve the host's operations, values cross both ways."""
+"""A Python program as the host: callables serve the host's operations for one
+product "Duo" of two blocks, from a root that holds no tdblocks data of its own;
+values cross both ways; the repository and the window browse it."""
+
+import os
 
 import pytest
 
 import tandril
-from tandril import Repository
-from twoblockhost import OPERATIONS, SVG, TwoBlockHost, make_root
+from tandril import Repository, StandaloneBrowser
+
+SVG = b'<svg xmlns="http://www.w3.org/2000/svg" width="40" height="30"><rect width="40" height="30"/></svg>'
+BLOCKS = {1.0: ("Alpha", "The first of two."), 2.0: ("Beta", "The second of two.")}
+OPERATIONS = ["lb_getTdBlocksData", "lb_getLibraryData", "lb_getChildrenHandles", "lb_getBlockData",
+              "lb_createSubSystemIcons"]
+WINDOW_COMMANDS = ["private_td_is_system_loaded", "private_td_open_block_dialog"]
 
 
 @pytest.fixture(scope="session")
 def root_dir(tmp_path_factory):
-    return make_root(tmp_path_factory.mktemp("python-host"))
+    root = tmp_path_factory.mktemp("python-host") / "root"
+    (root / "duo").mkdir(parents=True)
+    (root / "duo" / "duo.lib").write_text("two blocks, served from Python\n")
+    return root
+
+
+class TwoBlockHost:
+    """The repository operations for "Duo", and the window's commands on its blocks;
+    calls, reports and opened dialogs are noted."""
+
+    def __init__(self, root):
+        self.root = root
+        self.calls, self.reports, self.dialogs = [], [], []
+
+    def note(self, name, report):
+        self.calls.append(name)
+        self.reports.append(report)
+
+    def lb_getTdBlocksData(self, nargout, report, path):
+        self.note("lb_getTdBlocksData", report)
+        assert nargout == 9
+        return [["Duo"], ["duo"], ["duo"], [0.0], ["duo/duo.lib"], ["duo/duo.lib"], ["Product"], [[]],
+                [["duo/duo.lib"]]]
+
+    def lb_getLibraryData(self, nargout, report, path):
+        self.note("lb_getLibraryData", report)
+        info = os.stat(self.root / "duo" / "duo.lib")
+        return (["duo/duo.lib"], float(info.st_size), float(int(info.st_mtime)))
+
+    def lb_getChildrenHandles(self, nargout, report, parent):
+        self.note("lb_getChildrenHandles", report)
+        if parent != "duo":
+            raise LookupError("no children below %r" % (parent,))
+        return [sorted(BLOCKS)]
+
+    def lb_getBlockData(self, nargout, report, handle):
+        self.note("lb_getBlockData", report)
+        name, description = BLOCKS[handle]
+        report.log("served %s from Python" % name)
+        return [name, description, [0.0, 0.0, 40.0, 30.0], "Block", "", ""]
+
+    def lb_createSubSystemIcons(self, nargout, report, parent, children, files):
+        self.note("lb_createSubSystemIcons", report)
+        assert parent == "duo" and children == ["duo/Alpha", "duo/Beta"]
+        for file in files:
+            os.makedirs(os.path.dirname(file), exist_ok=True)
+            with open(file, "wb") as out:
+                out.write(SVG)
+
+    def private_td_is_system_loaded(self, nargout, name):
+        return [True]
+
+    def private_td_open_block_dialog(self, nargout, path, kind):
+        self.dialogs.append((path, kind))
 
 
 @pytest.fixture(scope="module")
 def python_host(session, root_dir):
     host = TwoBlockHost(root_dir)
-    host.register()
+    for name in OPERATIONS + WINDOW_COMMANDS:
+        tandril.register_host_function(name, getattr(host, name))
     yield host
-    TwoBlockHost.unregister_all()
+    for name in tandril.registered_host_functions():
+        tandril.register_host_function(name, None)
+
+
+def calls_with(name, function, call):
+    """call() with function registered for name, then without it."""
+    tandril.register_host_function(name, function)
+    try:
+        return call()
+    finally:
+        tandril.register_host_function(name, None)
 
 
 def test_a_two_block_library_served_from_python_is_browsed(python_host):
@@ -35,17 +108,7 @@ def test_a_two_block_library_served_from_python_is_browsed(python_host):
     assert set(python_host.calls) == set(OPERATIONS)
     assert all(isinstance(r, Repository.RepositoryReport) for r in python_host.reports)
     assert repository.isProductUpToDate("duo")
-
-
-def test_registrations_are_listed_and_handed_back(python_host):
-    assert tandril.registered_host_functions() == sorted(OPERATIONS)
-    tandril.register_host_function("echo", lambda nargout, *inputs: inputs)
-    assert "echo" in tandril.registered_host_functions()
-    tandril.register_host_function("echo", None)
-    assert "echo" not in tandril.registered_host_functions()
-    with pytest.raises(tandril.Error) as info:
-        tandril.call_host("echo", 1, "x")
-    assert info.value.identifier == "Tandril:Host:UndefinedFunction"
+    assert tandril.registered_host_functions() == sorted(OPERATIONS + WINDOW_COMMANDS)
 
 
 @pytest.mark.parametrize(
@@ -69,36 +132,32 @@ def test_registrations_are_listed_and_handed_back(python_host):
     ],
 )
 def test_values_cross_both_ways(session, value, back):
-    tandril.register_host_function("echo", lambda nargout, *inputs: list(inputs))
-    try:
-        assert tandril.call_host("echo", 1, value) == [back]
-    finally:
-        tandril.register_host_function("echo", None)
+    assert calls_with("echo", lambda nargout, *inputs: list(inputs), lambda: tandril.call_host("echo", 1, value)) \
+        == [back]
 
 
-def test_a_callable_that_fails_is_a_failed_call(session):
-    class Refusal(Exception):
-        identifier = "Test:Host:Refused"
+class Refusal(Exception):
+    identifier = "Test:Host:Refused"
 
-    def refuse(nargout, *inputs):
-        raise Refusal("not today")
 
-    tandril.register_host_function("refuse", refuse)
-    tandril.register_host_function("wrong", lambda nargout: "one output, not in a list")
-    try:
-        with pytest.raises(tandril.Error) as info:
-            tandril.call_host("refuse", 0)
-        assert info.value.identifier == "Test:Host:Refused"
-        assert "not today" in str(info.value)
-        with pytest.raises(tandril.Error) as info:
-            tandril.call_host("wrong", 1)
-        assert info.value.identifier == "Tandril:Host:PythonResult"
-        with pytest.raises(tandril.Error) as info:
-            tandril.call_host("refuse", 0, "too", "many")
-        assert "not today" in str(info.value)
-    finally:
-        tandril.register_host_function("refuse", None)
-        tandril.register_host_function("wrong", None)
+def refuse(nargout, *inputs):
+    raise Refusal("not today")
+
+
+@pytest.mark.parametrize(
+    "function, inputs, identifier, says",
+    [
+        (refuse, (), "Test:Host:Refused", "not today"),
+        (refuse, ("too", "many"), "Test:Host:Refused", "not today"),
+        (lambda nargout: "one output, not in a list", (), "Tandril:Host:PythonResult", ""),
+        (None, ("x",), "Tandril:Host:UndefinedFunction", ""),
+    ],
+)
+def test_a_callable_that_fails_or_is_gone_is_a_failed_call(session, function, inputs, identifier, says):
+    with pytest.raises(tandril.Error, match=says) as info:
+        calls_with("failing", function, lambda: tandril.call_host("failing", 1, *inputs))
+    assert info.value.identifier == identifier
+    assert "failing" not in tandril.registered_host_functions()
 
 
 def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_path):
@@ -111,16 +170,53 @@ def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_
     # The writer clears the error flag after each product; the log keeps the
     # error, and the callable's own words come before it.
     report = writer.getRepositoryReport()
-    log = report.getLog()
-    assert any("??? **Error**" in line for line in log), log
+    assert any("??? **Error**" in line for line in report.getLog())
     assert ("Tandril:Host:PythonError", "lb_getBlockData: ZeroDivisionError: division by zero") in \
         report.getWarnings()
     reader = Repository.Reader.open(str(tmp_path / "store"))
     assert [o.Name for o in reader.getChildrenIterator(reader.getTandrilObject("duo"))] == []
-
-
-def test_the_operations_not_registered_go_to_the_embedded_host(session, tmp_path):
+    # What is not registered goes to the embedded host.
     doomed = tmp_path / "doomed"
     (doomed / "inner").mkdir(parents=True)
     assert tandril.call_host("tdprivate", 3, "rmdir", str(doomed), "s") == [True, "", ""]
     assert not doomed.exists()
+
+
+def test_the_window_browses_the_library_and_survives_its_callables(python_host):
+    browser = StandaloneBrowser()
+    browser.show()
+    assert browser.getSortedLibraryNames() == ["Duo"]
+    browser.selectTreeNodeByName("Duo")
+    assert browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
+    browser.selectBlockByName("Duo/Beta")
+    browser.doubleClickBlock("Duo/Beta")
+    browser.showSelectedBlockParams()
+    assert python_host.dialogs == [("duo/Beta", "default"), ("duo/Beta", "params")]
+    browser.searchForBlock("bet")
+    assert browser.getResultsSectionBlockNames("Duo") == ["Duo/Beta"]
+
+    refusals = []
+
+    def refusing(nargout, path, kind):
+        refusals.append(path)
+        refuse(nargout)
+
+    def destroy(nargout, path, kind):
+        try:
+            StandaloneBrowser().destroyInstance()
+        except tandril.Error as error:
+            refusals.append(error.identifier)
+            raise
+
+    # A failing callable leaves the window working; one cannot destroy the window that waits for it.
+    browser.selectTabByIndex(0)
+    for function in (refusing, destroy):
+        tandril.register_host_function("private_td_open_block_dialog", function)
+        try:
+            browser.doubleClickBlock("Duo/Alpha")
+            assert browser.isEnabled() and browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
+        finally:
+            tandril.register_host_function("private_td_open_block_dialog", python_host.private_td_open_block_dialog)
+    assert refusals == ["duo/Alpha", "Tandril:StandaloneBrowser:Busy"]
+    browser.destroyInstance()
+    assert "destroyed" in repr(browser)
