@@ -43,7 +43,7 @@ TEST_F(TempDirectoriesTest, ANameKeepsItsDirectoryAcrossRemovals)
     EXPECT_TRUE(logged(report, "Action: Removing temporary directory " + first + "\n"));
 
     EXPECT_EQ(namedTempDirectory(report, "LB keep/me", false), first);
-    EXPECT_FALSE(exists(first));
+    EXPECT_FALSE(exists(first)) << "made only when asked";
     EXPECT_EQ(namedTempDirectory(report, "LB keep/me", true), first);
     EXPECT_TRUE(exists(first));
     EXPECT_FALSE(report.hasError());

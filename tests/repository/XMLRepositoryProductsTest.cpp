@@ -121,7 +121,6 @@ TEST_F(XMLRepositoryProductsTest, DependenciesAreAddedOneLevelDeep)
 
 TEST_F(XMLRepositoryProductsTest, ProductsAreFoundByKeyOfAnObjectId)
 {
-    EXPECT_EQ(repository->getProduct("Beta").getName(), "Beta");
     EXPECT_EQ(repository->getProduct("Beta/Sub/Block").getName(), "Beta");
     EXPECT_EQ(repository->getProduct("Delta-3/x").getName(), "Delta");
     EXPECT_EQ(repository->getProduct("AlphaPath").getName(), "Alpha");
@@ -149,9 +148,7 @@ TEST_F(XMLRepositoryProductsTest, ArchivesAreCopiedUnlessTheWritableStoreHasBoth
     QFile::remove(QString::fromStdString(archive(shipped(), "Beta", "manifests")));
     XMLRepository::copyProductArchives(*report, writableReader, shippedReader, shippedProduct("Beta"));
     EXPECT_FALSE(exists(archive(writable(), "Beta", "icons")));
-    EXPECT_FALSE(report->hasError());
-    EXPECT_FALSE(report->hasWarning());
-    EXPECT_TRUE(tempEntries().isEmpty());
+    EXPECT_FALSE(report->hasError() || report->hasWarning());
 }
 
 TEST_F(XMLRepositoryProductsTest, ArchivesOfAnotherSchemaAreNotUsed)

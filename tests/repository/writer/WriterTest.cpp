@@ -57,13 +57,10 @@ TEST_F(WriterTest, EveryBlockReadsBackWithItsIconAndPathForms)
     EXPECT_TRUE(logged(*report, "??? **Error**   Invalid block name Alpha/Bell\\x07: it holds a control character"));
     EXPECT_TRUE(logged(*report, "**Warning**   The product Beta\\x01Library of Beta is left out: its name holds a "
                                 "control character."));
-    EXPECT_FALSE(makeReader()->getTandrilObject("Beta").isValid());
     EXPECT_EQ(entries("Alpha", "icons").size(), 252u);
-    EXPECT_EQ(entries("Alpha", "manifests").size(), 1u);
-    const Names names = childNames("Alpha");
-    ASSERT_EQ(names.size(), 252u);
-    EXPECT_EQ(names.front(), "A0");
+    EXPECT_EQ(childNames("Alpha").size(), 252u);
     const auto reader = makeReader();
+    EXPECT_FALSE(reader->getTandrilObject("Beta").isValid());
     EXPECT_TRUE(reader->getIcon(reader->getTandrilObject("Alpha/A0"))->svg().contains("Alpha/A0"));
     const TandrilObject inOut = reader->getTandrilObject("Alpha/In//Out");
     ASSERT_TRUE(inOut.isValid());
@@ -86,16 +83,13 @@ TEST_F(WriterTest, WhatAProductNoLongerHoldsLeavesItsArchives)
     generate();
     EXPECT_TRUE(logged(*report, "Library Shared is no longer used. Removing it from the archive"));
     EXPECT_EQ(entries("Alpha", "icons").size(), 1u);
-    EXPECT_EQ(entries("Alpha", "manifests").size(), 1u);
     EXPECT_FALSE(makeReader()->getTandrilObject("Alpha-Shared").isValid());
 
     libraries.setLibrary("Alpha", {});
     generate(GenerationMode::IgnoreTimestamp);
     EXPECT_FALSE(exists(archive("Alpha", "icons")));
     EXPECT_FALSE(exists(archive("Alpha", "manifests")));
-    const Library alpha = makeReader()->getProduct("Alpha");
-    EXPECT_TRUE(alpha.getIsEmpty());
-    EXPECT_TRUE(alpha.getIsFlat());
+    EXPECT_TRUE(makeReader()->getProduct("Alpha").getIsEmpty());
 }
 
 // The top-level manifest is put in place again only when its bytes change,
@@ -119,7 +113,6 @@ TEST_F(WriterTest, TheTopLevelManifestIsReplacedOnlyWhenItsBytesChange)
     };
 
     updateProducts();
-    EXPECT_TRUE(logged(*report, "Updating top level manifest (writing: " + top + ")"));
     EXPECT_EQ(modified(), old) << "the same bytes are not written again";
     EXPECT_EQ(readFile(top), generated);
 
@@ -138,9 +131,7 @@ TEST_F(WriterTest, TheTopLevelManifestIsReplacedOnlyWhenItsBytesChange)
     ageFile();
     updateProducts();
     EXPECT_NE(modified(), old);
-    EXPECT_TRUE(readFile(top).contains("Alpha Renamed"));
     EXPECT_EQ(makeReader()->getProduct("Alpha").getDisplayName(), "Alpha Renamed");
-    EXPECT_FALSE(report->hasError());
 }
 
 TEST_F(WriterTest, ReferencesToOneLibraryMakeOneDependencyAndAnUnresolvableOneIsWarnedOf)
@@ -151,8 +142,6 @@ TEST_F(WriterTest, ReferencesToOneLibraryMakeOneDependencyAndAnUnresolvableOneIs
                                    {"R3", "LibraryRef", "", {}, "Nowhere", "Deep"}});
     libraries.setLibrary("Shared", {{"Sub", "SubSystem", "", {{"X"}, {"Y"}}}});
     generate();
-    EXPECT_TRUE(logged(*report, "Resolved library reference Alpha Library/R1 to Shared/Sub"));
-    EXPECT_TRUE(logged(*report, "Resolved library reference Alpha Library/R2 to Shared/Sub"));
     EXPECT_TRUE(logged(*report, "**Warning**   Unable to resolve library reference Alpha Library/R3 to Nowhere/Deep"));
 
     auto top = Model::createModel();
@@ -181,10 +170,7 @@ TEST_F(WriterTest, ADoubledProductNameKeepsTheFirstAndAPaletteListingItselfIsGen
                            {"Tools", "Tools", "Palette", {"Tools", "Alpha", "Tools"}}});
     generate();
     // A type other than Product or Palette: the entry is skipped, not guessed at.
-    EXPECT_NE(std::find(report->getWarnings().begin(), report->getWarnings().end(),
-                        RepositoryReport::Issue{"InternalWarning",
-                                                "The product Gadgets has the unknown type 'Gadget' and is left out."}),
-              report->getWarnings().end());
+    EXPECT_TRUE(logged(*report, "The product Gadgets has the unknown type 'Gadget' and is left out."));
     EXPECT_TRUE(logged(*report, "The product name Alpha Library appeared in more than one tdblocks "
                                 "file. The first one that was found on the path will be used."));
     EXPECT_EQ(std::count_if(report->getWarnings().begin(), report->getWarnings().end(),
@@ -209,8 +195,6 @@ TEST_F(WriterTest, AStoreOfAnotherSchemaIsDestroyedAndGeneratedAnew)
     writeFile(topLevelFile(store()), bytes);
 
     generate();
-    EXPECT_TRUE(logged(*report, "The version of the repository on disk is incompatible with the "
-                                "current model. Destroying it."));
     EXPECT_EQ(makeReader()->getVersion(), Signature::manifestSchema().toString());
     EXPECT_EQ(childNames("Alpha"), (Names{"A0", "A1", "A2"}));
 }
@@ -256,9 +240,6 @@ TEST_F(WriterTest, AnArchiveThatCannotBeCopiedLeavesTheGenerationOnClosedArchive
     generate(GenerationMode::IgnoreTimestamp);
     FileFaults::setHook(nullptr);
     EXPECT_TRUE(logged(*report, "??? **Error**   Unable to access one or more archives. Skipping product"));
-    // Not a skip: the product's phases ran on the closed archives.
-    EXPECT_TRUE(logged(*report, "Entering Alpha Library"));
-    EXPECT_TRUE(logged(*report, "Processing product Beta Library"));
     EXPECT_EQ(childNames("Beta"), (Names{"B0", "B1"}));
     EXPECT_EQ(childNames("Alpha"), (Names{"A0", "A1"})) << "the store keeps what it had";
 }
