@@ -74,7 +74,6 @@ TEST_F(XMLRepositoryProductsTest, MergeTakesTheWritableCopyOnlyWhileTheShippedOn
     addProduct(*shippedModel, "Beta", "shipped-0");
     saveManifest(*shippedModel, topLevelFile(shipped()));
     ReaderCacheRegistry::unloadTopLevelCaches(shipped());
-    EXPECT_EQ(describe(repository->getMergedProducts()), (Messages{"s:Alpha", "w:Beta", "w:Gamma"}));
     EXPECT_EQ(describe(repository->getProductsIterator()), (Messages{"s:Alpha", "w:Beta", "w:Gamma"}));
 }
 
@@ -115,7 +114,6 @@ TEST_F(XMLRepositoryProductsTest, DependenciesAreAddedOneLevelDeep)
     writeWritableManifest(*model);
 
     EXPECT_EQ(describe(repository->getMergedProducts()), (Messages{"w:Alpha", "s:Beta"}));
-    EXPECT_EQ(describe(repository->getMergedProductsAndDependencies()), (Messages{"w:Alpha", "s:Beta", "s:Shared"}));
     EXPECT_EQ(describe(repository->getAllProductsIterator()), (Messages{"w:Alpha", "s:Beta", "s:Shared"}));
 }
 
