@@ -148,19 +148,6 @@ TEST_F(XMLRepositorySyncTest, AnUnwritableTokenIsAnErrorAndTheNextOpenTriesAgain
     expectSeeded();
 }
 
-TEST_F(XMLRepositorySyncTest, AMissingShippedStoreIsRegeneratedFromTheHost)
-{
-    QDir(QString::fromStdString(shipped())).removeRecursively();
-    auto repository = openRepository();
-    const auto report = repository->getRepositoryReport();
-
-    EXPECT_TRUE(repository->exists());
-    EXPECT_FALSE(logged(*report, "Unable to generate the numora repository."));
-    EXPECT_FALSE(report->isLoggingToConsole());
-    EXPECT_EQ(productPaths(topLevelFile(shipped())), (Messages{"Alpha", "Beta"}));
-    expectSeeded();
-}
-
 TEST_F(XMLRepositorySyncTest, AShippedStoreThatCannotBeRegeneratedStopsTheSync)
 {
     QDir(QString::fromStdString(hostRoot())).removeRecursively();
