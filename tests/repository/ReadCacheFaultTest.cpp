@@ -58,17 +58,6 @@ TEST_F(ReadCacheFaultTest, AFileThatIsNotAZipGivesTwoErrors)
     EXPECT_GT(messages[1].size(), std::string("Error returned from zip archiver: ").size());
 }
 
-TEST_F(ReadCacheFaultTest, AZipWithoutTheEntryGivesAWarning)
-{
-    writeArchive(archive("Beta", "manifests"), {{"Beta/other.xml", "<x/>"}});
-    breakStore();
-    EXPECT_EQ(betaChildren(), 0);
-    EXPECT_FALSE(report->hasError());
-    ASSERT_EQ(report->getWarnings().size(), 1u);
-    EXPECT_EQ(report->getWarnings().front().message.rfind("Unable to locate file Beta/lbBetamanifest.xml in archive ", 0),
-              0u);
-}
-
 TEST_F(ReadCacheFaultTest, ACorruptManifestEntryGivesAnErrorAndKeepsWhatWasRead)
 {
     auto children = Model::createModel();

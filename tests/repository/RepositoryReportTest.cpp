@@ -21,16 +21,13 @@ Lines lines(const RepositoryReport& report)
 TEST(RepositoryReportTest, LinesCarryIndentationAndPrefixes)
 {
     RepositoryReport report;
-    report.log("top");
     report.indentation = 2;
-    report.log("nested");
     report.logWarning("W:id", "careful");
     report.logError("E:id", "broken");
     report.indentation = -3;
     report.log("below zero");
 
-    EXPECT_EQ(lines(report), (Lines{"Action: top\n", "    Action: nested\n", "**Warning**   careful\n",
-                                    "??? **Error**   broken\n", "Action: below zero\n"}));
+    EXPECT_EQ(lines(report), (Lines{"**Warning**   careful\n", "??? **Error**   broken\n", "Action: below zero\n"}));
     EXPECT_EQ(report.getWarnings(), (Issues{{"W:id", "careful"}}));
     EXPECT_EQ(report.getErrors(), (Issues{{"E:id", "broken"}}));
 
