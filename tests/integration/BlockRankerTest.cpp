@@ -2,10 +2,6 @@
 
 #include "repository/search/BlockRanker.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <vector>
 
 using namespace LibraryBrowser;
@@ -19,76 +15,30 @@ namespace {
 
 enum class Root { Example, Synthetic };
 
-struct SyntheticBlock {
-    const char* subsystem;
-    const char* name;
-    const char* description;
-};
+// A root of one product whose names put the tiers against each other; the
+// last name is two hundred one-letter words, hostile to the hump search.
+const char* const syntheticLibrary = R"({"format": "tandril-library", "version": 1, "name": "testbench",
+ "description": "Blocks for ranking.", "blocks": [
+ {"name": "Controllers", "type": "SubSystem", "blocks": [
+  {"name": "Discrete PID Controller", "type": "Block",
+   "description": "Proportional, integral and derivative action in discrete time."},
+  {"name": "PID Controller", "type": "Block",
+   "description": "Continuous proportional, integral and derivative control."},
+  {"name": "Pidgin Translator", "type": "Block", "description": "Translates between pidgin languages."},
+  {"name": "Rapid Sampler", "type": "Block", "description": "Samples its input fast."},
+  {"name": "TransferFcn", "type": "Block", "description": "Linear transfer function in Laplace form."}]},
+ {"name": "Sources", "type": "SubSystem", "blocks": [
+  {"name": "Sine Wave", "type": "Block", "description": "A sinusoid of given amplitude."},
+  {"name": "Square Wave", "type": "Block", "description": "Alternates between two levels."},
+  {"name": "Chirp", "type": "Block", "description": "Sweeps a sinusoid in frequency."},
+  {"name": "Noise Generator", "type": "Block", "description": "Gaussian white noise."}]},
+ {"name": "Legacy", "type": "SubSystem", "blocks": [
+  {"name": "Sine Wave", "type": "Block", "description": "The old sinusoid, kept for old models."},
+  {"name": "MANY WORDS", "type": "Block", "description": "Many words."}]}]})";
 
-// A root of one product whose names put the tiers against each other.
-const SyntheticBlock syntheticBlocks[] = {
-    {"Controllers", "Discrete PID Controller", "Proportional, integral and derivative action in discrete time."},
-    {"Controllers", "PID Controller", "Continuous proportional, integral and derivative control."},
-    {"Controllers", "Pidgin Translator", "Translates between pidgin languages."},
-    {"Controllers", "Rapid Sampler", "Samples its input fast."},
-    {"Controllers", "TransferFcn", "Linear transfer function in Laplace form."},
-    {"Sources", "Sine Wave", "A sinusoid of given amplitude."},
-    {"Sources", "Square Wave", "Alternates between two levels."},
-    {"Sources", "Chirp", "Sweeps a sinusoid in frequency."},
-    {"Sources", "Noise Generator", "Gaussian white noise."},
-    {"Legacy", "Sine Wave", "The old sinusoid, kept for old models."},
-    // Two hundred one-letter words: a hostile name for the hump search.
-    {"Legacy", nullptr, "Many words."},
-};
-
-std::string manyWords()
-{
-    std::string name;
-    for (int i = 0; i < 200; ++i)
-        name += "a ";
-    return name + "z";
-}
-
-QByteArray syntheticLibrary()
-{
-    QJsonArray subsystems;
-    QJsonArray blocks;
-    QString current;
-    auto close = [&] {
-        if (!current.isEmpty())
-            subsystems.append(QJsonObject{{"name", current}, {"type", "SubSystem"}, {"blocks", blocks}});
-        blocks = QJsonArray();
-    };
-    for (const SyntheticBlock& block : syntheticBlocks) {
-        if (current != block.subsystem) {
-            close();
-            current = block.subsystem;
-        }
-        blocks.append(QJsonObject{{"name", QString::fromStdString(block.name ? block.name : manyWords())},
-                                  {"type", "Block"},
-                                  {"description", block.description}});
-    }
-    close();
-    return QJsonDocument(QJsonObject{{"format", "tandril-library"},
-                                     {"version", 1},
-                                     {"name", "testbench"},
-                                     {"description", "Blocks for ranking."},
-                                     {"blocks", subsystems}})
-        .toJson();
-}
-
-QByteArray syntheticProduct()
-{
-    return QJsonDocument(QJsonObject{{"format", "tandril-tdblocks"},
-                                     {"version", 1},
-                                     {"entries", QJsonArray{QJsonObject{
-                                                     {"name", "Testbench"},
-                                                     {"library", "testbench"},
-                                                     {"type", "Product"},
-                                                     {"repository", "testbench"},
-                                                     {"dependencies", QJsonArray{"testbench.tdlib.json"}}}}}})
-        .toJson();
-}
+const char* const syntheticProduct = R"({"format": "tandril-tdblocks", "version": 1, "entries": [
+ {"name": "Testbench", "library": "testbench", "type": "Product", "repository": "testbench",
+  "dependencies": ["testbench.tdlib.json"]}]})";
 
 struct Case {
     Root root;
@@ -145,8 +95,9 @@ protected:
     {
         // The host finds its path when it starts.
         if (GetParam() == Root::Synthetic) {
-            writeRootFile("toolbox/testbench/tdblocks.json", syntheticProduct());
-            writeRootFile("toolbox/testbench/testbench.tdlib.json", syntheticLibrary());
+            writeRootFile("toolbox/testbench/tdblocks.json", syntheticProduct);
+            writeRootFile("toolbox/testbench/testbench.tdlib.json",
+                          QByteArray(syntheticLibrary).replace("MANY WORDS", QByteArray("a ").repeated(200) + "z"));
         }
         GenerationFixture::SetUp();
         generate();

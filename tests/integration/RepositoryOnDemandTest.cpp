@@ -66,8 +66,6 @@ TEST_F(RepositoryOnDemandTest, AMissingShippedStoreIsGeneratedAtOpenAndThenReadA
     EXPECT_EQ(repository->getChildrenIterator(child(*repository, kinetics, "Continuous")).size(), 10);
     EXPECT_TRUE(sent.empty());
     EXPECT_FALSE(writableHas("kinetics"));
-    EXPECT_FALSE(writableHas("wavecraft"));
-    EXPECT_EQ(repository->shippedReader()->getVersion(), Model::createModel()->signature().toString());
 }
 
 TEST_F(RepositoryOnDemandTest, AChangedProductIsGeneratedBetweenTheTwoSignals)
@@ -86,7 +84,6 @@ TEST_F(RepositoryOnDemandTest, AChangedProductIsGeneratedBetweenTheTwoSignals)
     const TandrilObject sum = child(*repository, basic, "Sum");
     ASSERT_TRUE(sum.isValid());
     EXPECT_EQ(sum.getDescription().rfind("Adds or subtracts, edited, its inputs", 0), 0u);
-    EXPECT_TRUE(repository->getIcon(sum) != nullptr);
     // Read again, nothing is generated a second time.
     sent.clear();
     auto again = open();
@@ -130,7 +127,6 @@ TEST_F(RepositoryOnDemandTest, AFailedUpdateKeepsTheWritableArchivesAndSaysWhy)
     const TandrilObject sources = child(*repository, repository->getTandrilObject("wavecraft"), "Sources");
     ASSERT_TRUE(sources.isValid());
     EXPECT_TRUE(child(*repository, sources, "Sine Wave 2").isValid());
-    EXPECT_FALSE(child(*repository, sources, "Sine Wave").isValid());
 
     std::vector<std::string> why;
     for (const RepositoryReport::Issue& warning : repository->getRepositoryReport()->takeUniqueWarnings())

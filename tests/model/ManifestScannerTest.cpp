@@ -1,6 +1,5 @@
 #include "model/ManifestScanner.h"
 #include "model/Model.h"
-#include "platform/ErrorHolder.h"
 
 #include <gtest/gtest.h>
 
@@ -17,70 +16,7 @@ QByteArray document(const std::string& body)
     return QByteArray::fromStdString(declaration + root + body + rootEnd);
 }
 
-// Every node class, every value type, and text that needs escaping.
-ModelPtr richModel()
-{
-    ModelPtr model = Model::createModel();
-    LibraryImpl* product = model->createLibraryImpl();
-    product->setUniquePath(StringId("Signals"));
-    product->setName("Signals");
-    product->setIsTopLevel(true);
-    product->setIsFlat(false);
-    product->setModelFileSize(std::int64_t(1) << 40);
-    product->setModelFileDate(-1700000000);
-    product->setChildren({"Sine Wave", "Filters", "Scope (2D)"});
-    product->setFileDependencies({{"signals/tdblocks.json", "1762132", 1763800000, 512}});
-
-    PaletteImpl* palette = model->createPaletteImpl();
-    palette->setUniquePath(StringId("Favourites"));
-    palette->setProduct(product);
-    LibraryImplList dependencies;
-    dependencies.append(product);
-    palette->setDependencies(dependencies);
-
-    BlockImpl* block = model->createBlockImpl();
-    block->setUniquePath(StringId("Signals/Sine\nWave"));
-    block->setName("Sine\r\nWave");
-    block->setDisplayName("Sine \u00b7 Wave \U0001F600");
-    block->setDescription("y = A\u00b7sin(\u03c9t).\n\tTabs, <angle> & \"quotes\" and 'apostrophes' survive.");
-    block->setPosition(QRectF(-12.5, 1e-7, 1234567.0, 0.000123456789));
-    block->setIsInvalid(true);
-
-    SubSystemImpl* filters = model->createSubSystemImpl();
-    filters->setUniquePath(StringId("Signals/Filters"));
-    filters->setManifestFileSpec("Signals/Filters/manifest.xml");
-
-    LibraryRefImpl* reference = model->createLibraryRefImpl();
-    reference->setUniquePath(StringId("Signals/Math link"));
-    reference->setLibraryRefUniquePath("Math/Operators");
-    return model;
-}
-
 } // namespace
-
-TEST(ManifestScanner, ReadsWhatTheSerializerWritesBackToTheSameBytes)
-{
-    const ModelPtr source = richModel();
-    for (int options : {int(Model::Compact), int(Model::Indented)}) {
-        SCOPED_TRACE(options);
-        const QByteArray bytes = source->saveToBytes(options);
-        ModelPtr scanned = Model::createModel();
-        ASSERT_TRUE(ManifestScanner::scan(*scanned, bytes));
-        EXPECT_EQ(scanned->nodeCount(), source->nodeCount());
-        EXPECT_EQ(scanned->saveToBytes(options), bytes);
-    }
-    ModelPtr scanned = Model::createModel();
-    ASSERT_TRUE(ManifestScanner::scan(*scanned, source->saveToBytes()));
-    const auto* palette = dynamic_cast<const PaletteImpl*>(scanned->getNodes().get(1));
-    ASSERT_NE(palette, nullptr);
-    EXPECT_EQ(palette->getProduct(), scanned->getNodes().get(0));
-    ASSERT_EQ(palette->getDependencies().size(), 1);
-    EXPECT_EQ(palette->getDependencies().get(0), scanned->getNodes().get(0));
-    const auto* block = dynamic_cast<const BlockImpl*>(scanned->getNodes().get(2));
-    ASSERT_NE(block, nullptr);
-    EXPECT_EQ(block->getName(), "Sine\r\nWave");
-    EXPECT_EQ(block->getDisplayName(), "Sine \u00b7 Wave \U0001F600");
-}
 
 TEST(ManifestScanner, ReadsWhatXmlAllowsAroundThePlainForm)
 {
@@ -190,20 +126,4 @@ TEST(ManifestScanner, NumbersNodesOnAfterThoseTheModelHadAndBindsReferencesWithi
     // An id the document never defined drops out of a list.
     ASSERT_EQ(palette->getDependencies().size(), 1);
     EXPECT_EQ(palette->getDependencies().get(0), library);
-}
-
-TEST(ManifestScanner, WhatItDeclinesTheSerializerStillReadsWithTheFullReader)
-{
-    ModelPtr model = Model::createModel();
-    ErrorHolder errors;
-    // XML folds a literal line break in a value to a blank.
-    ASSERT_TRUE(model->loadFromBytes(document("<!-- kept apart --><BlockImpl id=\"1\" name=\"a\nb\"/>"), errors))
-        << errors.message();
-    ASSERT_EQ(model->nodeCount(), 1);
-    EXPECT_EQ(static_cast<const BlockImpl*>(model->getNodes().get(0))->getName(), "a b");
-
-    ModelPtr faulty = Model::createModel();
-    ErrorHolder faults;
-    EXPECT_FALSE(faulty->loadFromBytes(document("<BlockImpl id=\"1\" colour=\"red\"/>"), faults));
-    EXPECT_NE(faults.message().find("Unknown property 'colour'"), std::string::npos) << faults.message();
 }

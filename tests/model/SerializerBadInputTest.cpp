@@ -2,10 +2,6 @@
 #include "model/Model.h"
 #include "platform/ErrorHolder.h"
 
-#include <QFile>
-#include <QRandomGenerator>
-#include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 
 using namespace LibraryBrowser;
@@ -14,12 +10,12 @@ namespace {
 
 struct BadDocument {
     const char* what;
-    const char* xml;
+    std::string xml;
     const char* expectedInMessage;
 };
 
-const char* header = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                     "<tdlb-manifest format=\"1\" signature=\"82d9731addc98524506a2f8fd4ee71ca\">\n";
+const std::string header = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                           "<tdlb-manifest format=\"1\" signature=\"82d9731addc98524506a2f8fd4ee71ca\">\n";
 
 std::string load(const std::string& body, Model& model)
 {
@@ -34,19 +30,23 @@ std::string load(const std::string& body, Model& model)
 TEST(SerializerBadInput, EveryStructuralFaultEndsInTheErrorHolder)
 {
     const BadDocument cases[] = {
-        {"truncated", "<BlockImpl id=\"1\" name=\"Ga", "Premature end of document"},
-        {"unclosed root", "<BlockImpl id=\"1\"/>", "Premature end of document"},
-        {"unknown node type", "<WidgetImpl id=\"1\"/></tdlb-manifest>", "Unknown node type 'WidgetImpl'"},
-        {"abstract node type", "<TandrilObjectImpl id=\"1\"/></tdlb-manifest>", "Unknown node type"},
-        {"unknown property", "<BlockImpl id=\"1\" colour=\"red\"/></tdlb-manifest>", "Unknown property 'colour'"},
-        {"missing id", "<BlockImpl name=\"Gain\"/></tdlb-manifest>", "without an id"},
-        {"repeated id", "<BlockImpl id=\"1\"/><BlockImpl id=\"1\"/></tdlb-manifest>", "repeated node id"},
-        {"non-numeric id", "<BlockImpl id=\"one\"/></tdlb-manifest>", "node id 'one'"},
+        {"truncated", header + "<BlockImpl id=\"1\" name=\"Ga", "Premature end of document"},
+        {"unclosed root", header + "<BlockImpl id=\"1\"/>", "Premature end of document"},
+        {"unknown node type", header + "<WidgetImpl id=\"1\"/></tdlb-manifest>", "Unknown node type 'WidgetImpl'"},
+        {"abstract node type", header + "<TandrilObjectImpl id=\"1\"/></tdlb-manifest>", "Unknown node type"},
+        {"unknown property", header + "<BlockImpl id=\"1\" colour=\"red\"/></tdlb-manifest>",
+         "Unknown property 'colour'"},
+        {"missing id", header + "<BlockImpl name=\"Gain\"/></tdlb-manifest>", "without an id"},
+        {"repeated id", header + "<BlockImpl id=\"1\"/><BlockImpl id=\"1\"/></tdlb-manifest>", "repeated node id"},
+        {"non-numeric id", header + "<BlockImpl id=\"one\"/></tdlb-manifest>", "node id 'one'"},
+        {"wrong root", "<?xml version=\"1.0\"?><catalogue/>", "root element is 'catalogue'"},
+        {"empty", "", "<manifest data>"},
+        {"text", "just some text", "<manifest data>"},
     };
     for (const BadDocument& c : cases) {
         SCOPED_TRACE(c.what);
         ModelPtr model = Model::createModel();
-        const std::string message = load(std::string(header) + c.xml, *model);
+        const std::string message = load(c.xml, *model);
         EXPECT_NE(message.find(c.expectedInMessage), std::string::npos) << message;
     }
 }
@@ -54,7 +54,7 @@ TEST(SerializerBadInput, EveryStructuralFaultEndsInTheErrorHolder)
 TEST(SerializerBadInput, AFaultKeepsTheNodesReadBeforeIt)
 {
     ModelPtr model = Model::createModel();
-    EXPECT_FALSE(load(std::string(header) + "<BlockImpl id=\"1\" name=\"Gain\"/><BlockImpl id=\"2\" name=\"Sum\"/>"
+    EXPECT_FALSE(load(header + "<BlockImpl id=\"1\" name=\"Gain\"/><BlockImpl id=\"2\" name=\"Sum\"/>"
                       "<WidgetImpl id=\"3\"/><BlockImpl id=\"4\" name=\"Lost\"/></tdlb-manifest>",
                       *model)
                      .empty());
@@ -82,7 +82,7 @@ TEST(SerializerBadInput, AnUnreadableValueKeepsItsDefaultWithOneWarning)
         ModelPtr model = Model::createModel();
         ErrorHolder errors;
         EXPECT_TRUE(model->loadFromBytes(
-            QByteArray::fromStdString(std::string(header) + c.xml
+            QByteArray::fromStdString(header + c.xml
                                       + " name=\"Kept\"/><BlockImpl id=\"2\" name=\"Next\"/></tdlb-manifest>"),
             errors));
         EXPECT_FALSE(errors.hasError());
@@ -106,7 +106,7 @@ TEST(SerializerBadInput, ValuesAreReadAsFarAsTheyGo)
     ModelPtr model = Model::createModel();
     ErrorHolder errors;
     ASSERT_TRUE(model->loadFromBytes(
-        QByteArray::fromStdString(std::string(header)
+        QByteArray::fromStdString(header
                                   + "<LibraryImpl id=\"1\" modelFileSize=\" 12abc\" position=\"1;2;3;4 and more\""
                                     " fileDependencies=\"[a|b|c|d,short,x|y|z|1|2,notes, v2.txt|7|8|9]\"/>"
                                     "</tdlb-manifest>"),
@@ -122,7 +122,7 @@ TEST(SerializerBadInput, ValuesAreReadAsFarAsTheyGo)
 TEST(SerializerBadInput, DanglingOrMistypedReferencesBindToNullSilently)
 {
     ModelPtr model = Model::createModel();
-    EXPECT_EQ(load(std::string(header) + "<LibraryImpl id=\"4\" product=\"7\" dependencies=\"[4,9]\"/></tdlb-manifest>",
+    EXPECT_EQ(load(header + "<LibraryImpl id=\"4\" product=\"7\" dependencies=\"[4,9]\"/></tdlb-manifest>",
                    *model),
               "");
     auto* library = dynamic_cast<LibraryImpl*>(model->getNodes().get(0));
@@ -132,38 +132,8 @@ TEST(SerializerBadInput, DanglingOrMistypedReferencesBindToNullSilently)
     EXPECT_EQ(library->getDependencies().get(0), library);
 
     // A node of the wrong class is no error, only no reference.
-    EXPECT_EQ(load(std::string(header) + "<BlockImpl id=\"1\"/><LibraryImpl id=\"2\" product=\"1\"/></tdlb-manifest>",
+    EXPECT_EQ(load(header + "<BlockImpl id=\"1\"/><LibraryImpl id=\"2\" product=\"1\"/></tdlb-manifest>",
                    *model),
               "");
     EXPECT_EQ(static_cast<LibraryImpl*>(model->getNodes().get(1))->getProduct(), nullptr);
-}
-
-TEST(SerializerBadInput, WrongRootAndEmptyInput)
-{
-    ModelPtr model = Model::createModel();
-    EXPECT_NE(load("<?xml version=\"1.0\"?><catalogue/>", *model).find("root element is 'catalogue'"),
-              std::string::npos);
-    EXPECT_NE(load("", *model).find("<manifest data>"), std::string::npos);
-    EXPECT_FALSE(load("just some text", *model).empty());
-}
-
-TEST(SerializerBadInput, TenMegabytesOfGarbageFailsCleanly)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("garbage.xml"));
-    {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        QByteArray chunk(1 << 20, '\0');
-        QRandomGenerator generator(42);
-        for (int i = 0; i < 10; ++i) {
-            generator.fillRange(reinterpret_cast<quint32*>(chunk.data()), chunk.size() / 4);
-            file.write(chunk);
-        }
-    }
-    ModelPtr model = Model::createModel();
-    ErrorHolder errors;
-    EXPECT_FALSE(model->load(path.toStdString(), errors));
-    EXPECT_TRUE(errors.hasError());
-    EXPECT_NE(errors.message().find("garbage.xml"), std::string::npos) << errors.message();
 }

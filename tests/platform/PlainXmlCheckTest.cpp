@@ -31,41 +31,21 @@ const QByteArray Icon = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0
                         "  <text x=\"60\" y=\"44\" text-anchor=\"middle\">Gain &amp; Offset &lt;1&gt;</text >\n"
                         "</svg>\n";
 
-TEST(PlainXmlCheckTest, OurWritersOutputIsWellFormedWithoutTheFullParser)
+// What our writers make passes without the full parser; anything broken or
+// outside the plain form is left to the full parser.
+TEST(PlainXmlCheckTest, OnlyThePlainFormPassesWithoutTheFullParser)
 {
     EXPECT_TRUE(quick(Icon));
     EXPECT_TRUE(quick("<svg/>"));
     EXPECT_TRUE(quick("  \r\n<svg a=\"x > y\"></svg>\t"));
-}
-
-TEST(PlainXmlCheckTest, AnythingBrokenOrOutsideThePlainFormIsLeftToTheFullParser)
-{
-    const QByteArray cases[] = {
-        "",
-        "<svg>",
-        "<svg><g></svg></g>",
-        "<svg></svg><svg/>",
-        "<svg></svg>tail",
-        "lead<svg/>",
-        "<g/>",
-        "<svg a=\"1\" a=\"2\"/>",
-        "<svg a=\"1\"b=\"2\"/>",
-        "<svg a=1/>",
-        "<svg a=\"<\"/>",
-        "<svg>&nbsp;</svg>",
-        "<svg>&amp</svg>",
-        "<svg>]]></svg>",
-        "<svg></ svg>",
-        "<svg/ >",
-        "<?xml version=\"1.0\"?><svg/>",
-        "<!-- c --><svg/>",
-        "<svg><![CDATA[x]]></svg>",
-        "<svg xmlns:x=\"urn:x\"><x:g/></svg>",
-        "<svg>caf\xc3\xa9</svg>",
-        "<svg>\x01</svg>",
-        "<svg><1a/></svg>",
+    const QByteArray leftToParser[] = {
+        "", "<svg>", "<svg><g></svg></g>", "<svg></svg><svg/>", "<svg></svg>tail", "lead<svg/>", "<g/>",
+        "<svg a=\"1\" a=\"2\"/>", "<svg a=\"1\"b=\"2\"/>", "<svg a=1/>", "<svg a=\"<\"/>", "<svg>&nbsp;</svg>",
+        "<svg>&amp</svg>", "<svg>]]></svg>", "<svg></ svg>", "<svg/ >", "<?xml version=\"1.0\"?><svg/>",
+        "<!-- c --><svg/>", "<svg><![CDATA[x]]></svg>", "<svg xmlns:x=\"urn:x\"><x:g/></svg>",
+        "<svg>caf\xc3\xa9</svg>", "<svg>\x01</svg>", "<svg><1a/></svg>",
     };
-    for (const QByteArray& bytes : cases)
+    for (const QByteArray& bytes : leftToParser)
         EXPECT_FALSE(quick(bytes)) << bytes.constData();
 }
 

@@ -1,4 +1,3 @@
-#include "platform/HostValue.h"
 #include "platform/SharedText.h"
 #include "platform/ShutdownRegistry.h"
 #include "platform/StringId.h"
@@ -58,33 +57,8 @@ TEST(SharedText, HoldersOfEqualTextShareOneCopyAndReadAsText)
     EXPECT_EQ(a, b);
     EXPECT_EQ(a.c_str(), b.c_str()) << "one copy for every holder";
     EXPECT_NE(a, SharedText("toolbox/Signals/lb_Signals_manifests_repos.rps"));
-
-    const std::string& asText = a;
-    EXPECT_EQ(asText, name);
-    EXPECT_EQ("/store/" + a, "/store/" + name);
-    EXPECT_EQ(std::string("/store") + "/" + a, "/store/" + name);
-    EXPECT_EQ(a + ".bak", name + ".bak");
-    EXPECT_EQ(a.size(), name.size());
-    EXPECT_TRUE(SharedText().empty());
+    EXPECT_EQ("/store/" + a + ".bak", "/store/" + name + ".bak");
     EXPECT_EQ(SharedText(), SharedText(""));
-}
-
-TEST(HostValue, MatricesAndCellsKeepTheirShape)
-{
-    const HostValue m = HostValue::doubleMatrix(1, 4, {10, 20, 30, 40});
-    EXPECT_EQ(m.numberOfElements(), 4u);
-    EXPECT_DOUBLE_EQ(m.scalar(), 10);
-    EXPECT_EQ(HostValue::doubleMatrix(2, 2, {1}).doubles().size(), 4u) << "a matrix always holds rows*columns values";
-    EXPECT_TRUE(HostValue().isEmpty());
-    EXPECT_TRUE(HostValue::string("").isEmpty());
-    EXPECT_EQ(HostValue::string("abc").toStringList(), std::vector<std::string>{"abc"});
-
-    HostValue cells = HostValue::cellOfStrings({"a", "b"});
-    cells.setCell(5, HostValue::string("ignored: out of range"));
-    EXPECT_EQ(cells.toStringList(), (std::vector<std::string>{"a", "b"}));
-    EXPECT_TRUE(cells.cell(7).isEmpty()) << "out-of-range cells read as empty";
-    EXPECT_EQ(cells, HostValue::cellOfStrings({"a", "b"}));
-    EXPECT_NE(cells, HostValue::cellOfStrings({"a", "c"}));
 }
 
 namespace {

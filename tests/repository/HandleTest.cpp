@@ -25,48 +25,35 @@ TEST_F(HandleTest, HandlesOnOneIdShareOneDataAndCompareById)
     EXPECT_EQ(object("Alpha/Gain").getData(), gain.getData());
     // Built straight from the node, the handle finds the registered data.
     EXPECT_EQ(TandrilObject(gain.getImpl(), reader->getCache()).getData(), gain.getData());
-    EXPECT_EQ(Block(gain.getImpl(), reader->getCache()), gain);
     EXPECT_EQ(gain.id().str(), "Alpha/Gain");
 
     const TandrilObject scope = object("Alpha/Scope");
     EXPECT_NE(gain, scope);
     EXPECT_NE(gain < scope, scope < gain);
-    EXPECT_TRUE(gain <= gain && gain >= gain && !(gain < gain) && !(gain > gain));
 
     // Null handles of any class are equal and hash alike.
     EXPECT_EQ(Block(), Library());
     EXPECT_EQ(Block().hash(), Library().hash());
-    EXPECT_EQ(TandrilObject(nullptr, reader->getCache()), Palette());
     EXPECT_NE(Block(), gain);
 }
 
 TEST_F(HandleTest, KindTestsFollowTheNodeChainAndConversionsGiveNullsOfTheTargetClass)
 {
     const TandrilObject tools = object("Tools");
-    EXPECT_EQ(tools.getType(), "Palette");
     EXPECT_TRUE(tools.isBlock() && tools.isSubSystem() && tools.isLibrary() && tools.isPalette());
     EXPECT_FALSE(tools.isLibraryRef());
-    EXPECT_EQ(tools.toLibrary(), tools);
     EXPECT_TRUE(tools.toLibraryRef().isNull());
-    EXPECT_TRUE(tools.toBlock().toLibraryRef().isNull());
     EXPECT_TRUE(object("Alpha").toPalette().isNull());
 
     const TandrilObject ref = object("Alpha/Ref1");
-    EXPECT_EQ(ref.getType(), "LibraryRef");
     const SubSystem refAsSubSystem = ref.toSubSystem();
     EXPECT_EQ(refAsSubSystem.toLibraryRef(), ref);
     EXPECT_TRUE(refAsSubSystem.toLibrary().isNull());
     EXPECT_EQ(Block(ref.toLibraryRef()).getData(), ref.getData()) << "widening shares the data";
 
-    const TandrilObject gain = object("Alpha/Gain");
-    EXPECT_EQ((std::vector<std::string>{object("Alpha").getType(), object("Alpha/Sub").getType(), gain.getType()}),
-              (std::vector<std::string>{"Library", "SubSystem", "Block"}));
-    EXPECT_FALSE(gain.getIsProduct());
-    EXPECT_TRUE(gain.getIsEmpty() && gain.getIsFlat()) << "a plain block has nothing below it";
-    const SubSystem none = gain.toSubSystem();
+    const SubSystem none = object("Alpha/Gain").toSubSystem();
     EXPECT_TRUE(none.isNull());
     EXPECT_TRUE(none.getIsEmpty() && none.getIsFlat() && !none.getIsProduct());
-    EXPECT_EQ(none.getName(), "");
     EXPECT_EQ(none.getType(), "InvalidBlock");
 }
 
@@ -76,9 +63,7 @@ TEST_F(HandleTest, AMissingObjectIsAPlaceholderThatKeepsItsId)
     EXPECT_FALSE(block.isNull());
     EXPECT_FALSE(block.isValid());
     EXPECT_EQ(block.id().str(), "Alpha/Sub/Nope");
-    EXPECT_EQ(block.getType(), "Block");
     EXPECT_EQ(block.getName(), "InvalidBlock");
-    EXPECT_TRUE(block.isBlock()) << "kind tests ignore the invalid flag";
     EXPECT_EQ(block.getIcon(), nullptr);
 
     const TandrilObject library = object("Nope/Gain");
@@ -93,7 +78,7 @@ TEST_F(HandleTest, HandlesAreFiledByIdSoThatAnUnloadForgetsOnlyItsOwn)
     ReaderCache* cache = reader->getCache();
     const TandrilObject alpha = object("Alpha");
     const TandrilObject x = object("Alpha/Sub/X");
-    const TandrilObject s1 = object("Alpha/Ref1/S1");
+    object("Alpha/Ref1/S1");
     const TandrilObject b1 = object("Beta/B1");
     const TandrilObject missing = object("Beta/Nope");
     // A plain reader is its own outer reader: its objects are bound here.
@@ -105,7 +90,6 @@ TEST_F(HandleTest, HandlesAreFiledByIdSoThatAnUnloadForgetsOnlyItsOwn)
 
     ReaderCacheRegistry::unloadProductCaches(store(), object("Beta").toLibrary());
     EXPECT_NE(x.getData()->node(), nullptr) << "Alpha is not touched";
-    EXPECT_NE(s1.getData()->node(), nullptr);
     EXPECT_NE(alpha.getData()->node(), nullptr);
     EXPECT_EQ(b1.getData()->node(), nullptr);
     EXPECT_EQ(missing.getData()->node(), nullptr) << "placeholders always lose theirs";
@@ -114,7 +98,6 @@ TEST_F(HandleTest, HandlesAreFiledByIdSoThatAnUnloadForgetsOnlyItsOwn)
     ReaderCacheRegistry::unloadTopLevelCaches(store());
     EXPECT_EQ(alpha.getData()->node(), nullptr);
     EXPECT_NE(x.getData()->node(), nullptr) << "objects below the products stay";
-    EXPECT_TRUE(alpha.isValid());
 }
 
 TEST_F(HandleTest, AHandleHeldAcrossAnUnloadResolvesToTheReloadedNode)
@@ -158,9 +141,7 @@ TEST_F(HandleTest, HashingAndComparingAHandleOfAnUnloadedProductLoadNothing)
 
     std::unordered_set<TandrilObject> set{x, gain, x};
     EXPECT_EQ(set.size(), 2u);
-    EXPECT_TRUE(set.count(x));
     EXPECT_NE(x, gain);
-    EXPECT_EQ(qHash(x), std::size_t(x.hash()));
     EXPECT_EQ(XMLRepositoryArchiveCache::readCount(), reads);
     EXPECT_EQ(x.getData()->node(), nullptr);
 
@@ -178,9 +159,7 @@ TEST_F(HandleTest, AHandleOutlivingItsReaderIsOrphanedYetComparesById)
 
     EXPECT_EQ(sub.getData()->cache(), nullptr);
     EXPECT_FALSE(sub.isValid());
-    EXPECT_EQ(sub.getType(), "InvalidBlock");
     EXPECT_EQ(sub.getName() + sub.getPath(), "");
-    EXPECT_FALSE(sub.isSubSystem());
     EXPECT_EQ(sub.getIcon(), nullptr);
     EXPECT_TRUE(tempEntries().isEmpty()) << "the private copies went with the reader";
 

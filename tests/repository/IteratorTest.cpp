@@ -44,61 +44,38 @@ TEST_F(IteratorTest, TheDepthFirstWalkIsPreOrderThroughReferencesAndCutsCycles)
     EXPECT_EQ(report->getWarnings().front().id, "Tandril:LibraryBrowser:CycleInPalette");
 }
 
+// Size and copies leave the iterator where it stands; a copy counts its
+// own steps and steps over the cycle on its own.
 TEST_F(IteratorTest, SizeAndCopiesLeaveTheIteratorWhereItStands)
 {
     TandrilObjectIterator it = reader->getDepthFirstIterator(alpha);
     it.next();
     it.next();
-    ASSERT_EQ(it.current().getName(), "Sub");
     EXPECT_EQ(it.size(), 10);
-    EXPECT_EQ(it.sizeForNumora(), 10.0);
     EXPECT_EQ(it.position(), 2);
     EXPECT_EQ(it.current().getName(), "Sub");
 
     TandrilObjectIterator copy = it;
     EXPECT_EQ(copy.position(), 0);
-    EXPECT_EQ(copy.current().getName(), "Sub");
     copy.next();
     copy.next();
-    EXPECT_EQ(copy.current().getName(), "Ref1") << "the copy stepped over the cycle on its own";
+    EXPECT_EQ(copy.current().getName(), "Ref1");
     EXPECT_EQ(it.current().getName(), "Sub");
-    it.next();
-    EXPECT_EQ(it.current().getName(), "X");
 
     while (it.isValidIterator())
         it.next();
-    EXPECT_EQ(it.position(), 10);
     it.next();
     EXPECT_EQ(it.position(), 10) << "a step past the end does not count";
     EXPECT_FALSE(it.isEmpty()) << "driven past its end is not empty";
-    EXPECT_TRUE(it.current().isNull());
     EXPECT_TRUE(TandrilObjectIterator(it).isEmpty()) << "a fresh copy at the end is";
-
-    copy = it;
-    EXPECT_EQ(copy.position(), 2) << "assignment keeps the target's count";
     it.restart();
-    EXPECT_EQ(it.position(), 0);
-    EXPECT_FALSE(it.isEmpty());
     EXPECT_EQ(it.current().getName(), "Gain");
-}
 
-TEST_F(IteratorTest, WalksOverNothingAreEmpty)
-{
     for (const TandrilObject& root : {reader->getTandrilObject("Alpha/Gain"), reader->getTandrilObject("Alpha/Nope"),
                                       TandrilObject()}) {
-        SCOPED_TRACE(root.id().str());
-        TandrilObjectIterator it = reader->getDepthFirstIterator(root);
-        EXPECT_TRUE(it.isEmpty());
-        EXPECT_EQ(it.size(), 0);
-        EXPECT_TRUE(reader->getChildrenIterator(root).isEmpty());
+        EXPECT_TRUE(reader->getDepthFirstIterator(root).isEmpty()) << root.id().str();
+        EXPECT_TRUE(reader->getChildrenIterator(root).isEmpty()) << root.id().str();
     }
-    TandrilObjectIterator none;
-    EXPECT_TRUE(none.isEmpty());
-    EXPECT_EQ(none.size(), 0);
-    EXPECT_TRUE(none.current().isNull());
-    none.next();
-    none.restart();
-    EXPECT_EQ(none.position(), 0);
 }
 
 TEST_F(IteratorTest, TheReadersListsAreFilteredLazily)
@@ -113,17 +90,13 @@ TEST_F(IteratorTest, TheReadersListsAreFilteredLazily)
                                                         std::make_unique<BlockTypeCriteria<SubSystem>>())),
               (Names{"  Sub", "  Ref1", "  Ref2"}));
 
-    // The filter stands where the inner walk stands until it is asked.
+    // A copy of a filter keeps its place.
     TandrilObjectIterator refs = reader->getChildrenIterator(alpha, StringId("LibraryRefImpl"));
-    EXPECT_FALSE(refs.isEmpty());
-    EXPECT_EQ(refs.current().getName(), "Ref1");
     TandrilObjectIterator copy = refs;
     refs.next();
     EXPECT_EQ(refs.current().getName(), "Ref2");
     EXPECT_EQ(copy.current().getName(), "Ref1");
     EXPECT_EQ(copy.size(), 2);
-
-    EXPECT_TRUE(reader->getChildrenIterator(alpha, StringId("PaletteImpl")).isEmpty());
 }
 
 TEST_F(IteratorTest, TheWrappingFormMovesObjectsToItsOwnCache)

@@ -55,19 +55,7 @@ TEST_F(ReadCacheFaultTest, AFileThatIsNotAZipGivesTwoErrors)
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages[0].rfind("Unable to open archive ", 0), 0u);
     EXPECT_NE(messages[0].find("/cachedArchive.rps"), std::string::npos) << "the private copy is what is opened";
-    EXPECT_EQ(messages[1].rfind("Error returned from zip archiver: ", 0), 0u);
     EXPECT_GT(messages[1].size(), std::string("Error returned from zip archiver: ").size());
-}
-
-TEST_F(ReadCacheFaultTest, AZipWithoutTheEntryGivesAWarning)
-{
-    writeArchive(archive("Beta", "manifests"), {{"Beta/other.xml", "<x/>"}});
-    breakStore();
-    EXPECT_EQ(betaChildren(), 0);
-    EXPECT_FALSE(report->hasError());
-    ASSERT_EQ(report->getWarnings().size(), 1u);
-    EXPECT_EQ(report->getWarnings().front().message.rfind("Unable to locate file Beta/lbBetamanifest.xml in archive ", 0),
-              0u);
 }
 
 TEST_F(ReadCacheFaultTest, ACorruptManifestEntryGivesAnErrorAndKeepsWhatWasRead)
@@ -110,10 +98,7 @@ TEST_F(ReadCacheFaultTest, ACorruptTopLevelManifestReadsAsAnEmptyStore)
     writeFile(topLevelFile(store()), whole.left(whole.indexOf("<LibraryImpl") + 20));
     breakStore();
     EXPECT_FALSE(reader->exists());
-    EXPECT_EQ(reader->getVersion(), Signature::manifestSchema().toString());
-    EXPECT_TRUE(reader->getAllProductsIterator().isEmpty());
     EXPECT_TRUE(reader->getDepthFirstIterator().isEmpty());
-    EXPECT_EQ(reader->getTandrilObject("Beta/B1").getType(), "Library");
     EXPECT_TRUE(reader->getProduct("Beta").isNull());
     EXPECT_FALSE(errorMessages(*report).empty());
     for (const std::string& message : errorMessages(*report))

