@@ -82,9 +82,14 @@ class Display:
         openbox = subprocess.Popen(["openbox", "--sm-disable"], env=self.env, stdout=subprocess.DEVNULL,
                                    stderr=self._log("openbox.log"))
         self.processes.append(openbox)
-        # The manager is up when it has announced itself on the root window.
-        wait_for(lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False),
-                 "the window manager", timeout=30)
+        # The manager is up when it has announced itself on the root window;
+        # one that ended says why in its log, rather than after the time-out.
+        def announced():
+            if openbox.poll() is not None:
+                with open(os.path.join(self.workdir, "openbox.log")) as log:
+                    raise HarnessError(f"openbox ended ({openbox.returncode}): {log.read().strip()}")
+            return "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False)
+        wait_for(announced, "the window manager", timeout=30)
 
     def _log(self, name):
         log = open(os.path.join(self.workdir, name), "w")
