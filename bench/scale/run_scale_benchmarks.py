@@ -98,8 +98,11 @@ def run_measured(command, capture=False):
 
 def run_shell(script):
     """A floor made of standard tools: wall time of one shell script."""
+    # From standard input: a script naming a thousand products' files is
+    # longer than the system takes as one argument.
     start = time.perf_counter()
-    result = subprocess.run(["sh", "-c", script], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+    result = subprocess.run(["sh", "-s"], input=script, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                            text=True)
     if result.returncode != 0:
         raise BenchmarkError(f"floor script failed: {script[:200]}\n{result.stderr[-2000:]}")
     return time.perf_counter() - start
@@ -131,7 +134,7 @@ class Measure:
 
 
 class ScaleRun:
-    def __init__(self, build, work, blocks, icons, runs, pattern, log):
+    def __init__(self, build, work, blocks, icons, runs, pattern, log, reuse_root=False):
         self.tdlb = build / "app" / "tdlb"
         self.shipped = build / "app" / "tdlb_shipped_store"
         self.generator = build / "bench" / "host" / "td_make_synthetic_root"
@@ -149,6 +152,7 @@ class ScaleRun:
         self.prefs = work / f"prefs-{blocks}-{icons}"
         self.stage = work / f"stage-{blocks}-{icons}"
         self.log = log
+        self.reuse_root = reuse_root
         self.measures = []
 
     def tdlb_command(self, *arguments):
@@ -161,8 +165,13 @@ class ScaleRun:
         self.log(f"[{self.title()}] {text}")
 
     def prepare(self):
-        for path in (self.root, self.prefs, self.stage, *self.prefs.parent.glob(f"{self.prefs.name}-*")):
+        keep_root = self.reuse_root and (self.root / STORE).is_dir()
+        for path in (self.prefs, self.stage, *self.prefs.parent.glob(f"{self.prefs.name}-*")):
             shutil.rmtree(path, ignore_errors=True)
+        if keep_root:
+            self.say("using the root and shipped store an earlier run made")
+            return
+        shutil.rmtree(self.root, ignore_errors=True)
         self.say("making the root and its shipped store")
         run_measured([str(self.generator), "--out", str(self.root), "--products", str(self.products), "--blocks",
                       str(self.blocks // self.products), "--refs", "none", "--icons", self.icons])
@@ -298,6 +307,8 @@ class ScaleRun:
 def seconds(value):
     if value != value:
         return "n/a"
+    if value < 1e-5:
+        return f"{value * 1e9:.0f} ns"
     if value < 0.001:
         return f"{value * 1e6:.0f} µs"
     if value < 0.01:
@@ -468,6 +479,8 @@ def main():
                         help="runs of each measure (default 3), or one number per size, comma separated")
     parser.add_argument("--pattern", default=DEFAULT_PATTERN, help=f"what to search for (default '{DEFAULT_PATTERN}')")
     parser.add_argument("--work", type=pathlib.Path, help="where the roots go (default: a temporary directory)")
+    parser.add_argument("--reuse-roots", action="store_true",
+                        help="keep a root and shipped store that an earlier run left in --work")
     parser.add_argument("--output", type=pathlib.Path, default=PROJECT / "BENCHMARKS.md",
                         help="the file whose section is rewritten")
     arguments = parser.parse_args()
@@ -494,19 +507,6 @@ def main():
     work.mkdir(parents=True, exist_ok=True)
     os.environ["QT_QPA_PLATFORM"] = "offscreen"
     log = lambda text: print(f"{time.strftime('%H:%M:%S')} {text}", file=sys.stderr, flush=True)
-    runs = []
-    try:
-        for size, size_runs in zip(sizes, runs_per_size):
-            for icons in icon_kinds:
-                run = ScaleRun(arguments.build.resolve(), work, size, icons, size_runs, arguments.pattern, log)
-                run.run()
-                runs.append(run)
-    except (BenchmarkError, subprocess.CalledProcessError, OSError) as error:
-        print(f"run_scale_benchmarks: {error}", file=sys.stderr)
-        return 1
-    finally:
-        if not arguments.work:
-            shutil.rmtree(work, ignore_errors=True)
     def shown(argument):
         if argument == str(arguments.work):
             return "WORKDIR"
@@ -515,6 +515,22 @@ def main():
         return argument.replace(str(arguments.build.resolve()), build_name(arguments.build))
 
     invocation = "bench/scale/run_scale_benchmarks.py " + " ".join(shown(a) for a in sys.argv[1:])
+    runs = []
+    try:
+        for size, size_runs in zip(sizes, runs_per_size):
+            for icons in icon_kinds:
+                run = ScaleRun(arguments.build.resolve(), work, size, icons, size_runs, arguments.pattern, log,
+                               arguments.reuse_roots)
+                run.run()
+                runs.append(run)
+                # Each size as it ends: a later one may take an hour.
+                write_section(arguments.output, section(runs, arguments.pattern, invocation, started))
+    except (BenchmarkError, subprocess.CalledProcessError, OSError) as error:
+        print(f"run_scale_benchmarks: {error}", file=sys.stderr)
+        return 1
+    finally:
+        if not arguments.work:
+            shutil.rmtree(work, ignore_errors=True)
     write_section(arguments.output, section(runs, arguments.pattern, invocation, started))
     log(f"wrote {arguments.output}")
     return 0
