@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
+#include <QSet>
 
 namespace LibraryBrowser::Host {
 
@@ -30,13 +31,22 @@ void SearchPath::refresh()
     }
     below.sort();
     m_found.clear();
-    m_listed.clear();
+    m_listedIn.clear();
+    m_unlisted.clear();
     m_directories.clear();
-    for (const QString& directory : m_given + below)
-        if (!m_directories.contains(directory))
-            m_directories << directory;
-    for (const QString& directory : below)
-        m_listed.insert(directory, libraries.value(directory));
+    const QSet<QString> listed(below.cbegin(), below.cend());
+    QSet<QString> seen;
+    for (const QString& directory : m_given + below) {
+        if (seen.contains(directory))
+            continue;
+        seen.insert(directory);
+        const int index = int(m_directories.size());
+        m_directories << directory;
+        if (!listed.contains(directory))
+            m_unlisted << index;
+        for (const QString& name : libraries.value(directory))
+            m_listedIn[name] << index;
+    }
 }
 
 QString SearchPath::findLibraryFile(const std::string& library) const
@@ -51,21 +61,26 @@ QString SearchPath::findLibraryFile(const std::string& library) const
     // A name that reaches into a subdirectory, or a hidden one, was not
     // listed by the walk.
     const bool listable = !name.contains(QLatin1Char('/')) && !name.startsWith(QLatin1Char('.'));
-    const auto firstWith = [&](bool useListing) {
-        for (const QString& directory : m_directories) {
-            const auto listing = m_listed.constFind(directory);
-            if (useListing && listing != m_listed.cend() && !listing->contains(name))
-                continue;
-            const QString candidate = directory + QLatin1Char('/') + name;
-            if (QFileInfo::exists(candidate))
-                return candidate;
-        }
-        return QString();
+    const auto existing = [&](int index) {
+        const QString candidate = m_directories[index] + QLatin1Char('/') + name;
+        return QFileInfo::exists(candidate) ? candidate : QString();
     };
-    QString file = listable ? firstWith(true) : QString();
+    QString file;
+    if (listable) {
+        // The directories not listed, and the listed ones that hold the
+        // name, in the order of the path.
+        const QList<int> holding = m_listedIn.value(name);
+        auto unlisted = m_unlisted.cbegin();
+        auto listed = holding.cbegin();
+        while (file.isEmpty() && (unlisted != m_unlisted.cend() || listed != holding.cend())) {
+            const bool takeUnlisted =
+                listed == holding.cend() || (unlisted != m_unlisted.cend() && *unlisted < *listed);
+            file = existing(takeUnlisted ? *unlisted++ : *listed++);
+        }
+    }
     // A file added since the walk is found all the same.
-    if (file.isEmpty())
-        file = firstWith(false);
+    for (int index = 0; file.isEmpty() && index < int(m_directories.size()); ++index)
+        file = existing(index);
     if (!file.isEmpty())
         m_found.emplace(library, file);
     return file;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QHash>
-#include <QSet>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -43,9 +43,12 @@ private:
     QStringList m_given;
     QStringList m_directories;
     mutable std::unordered_map<std::string, QString> m_found;
-    // The library file names in each directory of the path that the walk
-    // below the root listed.
-    QHash<QString, QSet<QString>> m_listed;
+    // For each library file name the walk below the root listed, the
+    // indices in m_directories of the directories that hold it, ascending;
+    // and the indices of the directories the walk did not list. A look-up
+    // then tries only those, whatever the length of the path.
+    QHash<QString, QList<int>> m_listedIn;
+    QList<int> m_unlisted;
 };
 
 } // namespace LibraryBrowser::Host

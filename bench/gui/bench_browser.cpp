@@ -125,6 +125,14 @@ double readChildren(Repository& repository, const TandrilObject& library)
     return names ? msSince(start) : -1;
 }
 
+// Each figure on standard error as soon as it is known: on a root of a
+// million blocks the visit of every product at the end takes many minutes.
+void progress(const char* measure, double value, const char* unit)
+{
+    std::fprintf(stderr, "bench_browser: %s: %.0f %s\n", measure, value, unit);
+    std::fflush(stderr);
+}
+
 [[noreturn]] void usage(const char* problem)
 {
     std::fprintf(stderr, "bench_browser: %s\nusage: bench_browser --root DIR --prefdir DIR [--search TEXT] "
@@ -174,6 +182,7 @@ int main(int argc, char** argv)
     }
     const double treeFromProcess = msSinceProcessStart();
     const double treeFromMain = msSince(mainStart);
+    progress("first painted tree, from process start", treeFromProcess, "ms");
 
     // Floor: a bare tree of as many top-level items, made and painted.
     const std::vector<std::string> names = browser->getSortedLibraryNames();
@@ -202,6 +211,8 @@ int main(int argc, char** argv)
         warm.push_back(showNode(*browser, names[last - 2 * i]));
     }
     const int tiles = int(browser->libraryPage()->getBlocksDisplayPathNames().size());
+    progress("page, cold", median(cold), "ms");
+    progress("page, warm", median(warm), "ms");
 
     // The search, from Return to the painted results, with the longest gap
     // between two turns of the event loop: first on manifests not read yet,
@@ -230,9 +241,14 @@ int main(int argc, char** argv)
     double coldStall = 0;
     double warmStall = 0;
     const double coldSearch = measureSearch(coldStall);
+    progress("search, manifests not read yet", coldSearch, "ms");
+    progress("longest stall during it", coldStall, "ms");
+    progress("peak resident memory after it", double(peakResidentMB()), "MB");
     browser->setSearchOptions({false, true, false});
     const double search = measureSearch(warmStall);
     const std::string status = browser->getCurrentStatusBarMessage();
+    progress("search again, manifests read", search, "ms");
+    progress("longest stall during it", warmStall, "ms");
 
     double searchFloor = 0;
     int hits = 0;

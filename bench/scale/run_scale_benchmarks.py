@@ -1,7 +1,10 @@
 #!/usr/bin/python3
-"""End-to-end benchmarks of tdlb on synthetic roots of 100 products.
+"""End-to-end benchmarks of tdlb on synthetic roots of many blocks.
 
-For each root size and icon kind (the generator's simple shapes, and
+Roots of up to 100,000 blocks have 100 products; larger ones products of
+1,000 blocks (1,000 products at a million), as a site that installs every
+library it finds has many products rather than huge ones. For each root size
+and icon kind (the generator's simple shapes, and
 realistic SVG documents of 50 to 200 elements) it makes the root, its shipped
 store, and then measures, each several times in new processes: cold
 generation of the writable store, in a quiet file system and right after the
@@ -11,12 +14,15 @@ with nothing changed, regeneration after one library changed, a cold
 Every figure stands beside a floor measured in the same run on the same
 files: `zip -r` of the stored icons and manifests, `unzip -p` of every
 manifests archive, reading the files `update` reads, and the bare expression
-loop over the shown names. The results replace the section between the
-markers in BENCHMARKS.md (or are appended to it).
+loop over the shown names. With more than one size, a table per icon kind
+gives each figure per block (per library changed for that measure) at every
+size beside its ratio to the floor, and the goals of the largest size
+against 100,000 blocks. The results replace the section between the markers
+in BENCHMARKS.md (or are appended to it).
 
     bench/scale/run_scale_benchmarks.py --build BUILD_DIR [--sizes 10000,100000]
-        [--icons shapes,realistic] [--runs 3] [--pattern TEXT] [--work DIR]
-        [--output BENCHMARKS.md]
+        [--icons shapes,realistic] [--runs 3 | --runs 3,3,1] [--pattern TEXT]
+        [--work DIR] [--output BENCHMARKS.md]
 """
 
 import argparse
@@ -36,6 +42,7 @@ import time
 BEGIN = "<!-- tdlb-scale:begin -->"
 END = "<!-- tdlb-scale:end -->"
 PRODUCTS = 100
+BLOCKS_PER_LARGE_PRODUCT = 1000
 DEFAULT_PATTERN = "Block 12"
 # Goals for the 100,000-block root with shape icons, in a quiet file system:
 # (wall seconds or None, largest ratio to the floor or None). Peak memory in MB.
@@ -48,12 +55,28 @@ GOALS = {
     "warm search (in process)": (0.1, 1.5),
 }
 MEMORY_GOAL = 194
+# Goals of the largest size against 100,000 blocks, for each icon kind: the
+# largest growth of the cost per block (per library for one library changed)
+# and the largest ratio to the floor of the same run.
+GROWTH_GOALS = {
+    "cold generation": (1.2, 1.5),
+    "update, nothing changed": (1.2, 1.5),
+    "generate, one library changed": (1.2, 2.5),
+    "cold search": (1.2, 1.5),
+    "full tree": (1.2, 1.5),
+}
+# The cold search at the largest size: wall seconds and peak memory in MB.
+LARGE_SEARCH_GOAL = (10.0, 1024)
 STORE = "toolbox/tandril/tandril/private/td_library_browser_repos"
 TOP_LEVEL = "td_library_browser_repos/toolbox/tandril/blocks/lbtoplevelmanifest.xml"
 
 
 class BenchmarkError(Exception):
     pass
+
+
+def products_for(blocks):
+    return PRODUCTS if blocks <= PRODUCTS * BLOCKS_PER_LARGE_PRODUCT else blocks // BLOCKS_PER_LARGE_PRODUCT
 
 
 def run_measured(command, capture=False):
@@ -75,8 +98,11 @@ def run_measured(command, capture=False):
 
 def run_shell(script):
     """A floor made of standard tools: wall time of one shell script."""
+    # From standard input: a script naming a thousand products' files is
+    # longer than the system takes as one argument.
     start = time.perf_counter()
-    result = subprocess.run(["sh", "-c", script], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+    result = subprocess.run(["sh", "-s"], input=script, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                            text=True)
     if result.returncode != 0:
         raise BenchmarkError(f"floor script failed: {script[:200]}\n{result.stderr[-2000:]}")
     return time.perf_counter() - start
@@ -108,7 +134,7 @@ class Measure:
 
 
 class ScaleRun:
-    def __init__(self, build, work, blocks, icons, runs, pattern, log):
+    def __init__(self, build, work, blocks, icons, runs, pattern, log, reuse_root=False):
         self.tdlb = build / "app" / "tdlb"
         self.shipped = build / "app" / "tdlb_shipped_store"
         self.generator = build / "bench" / "host" / "td_make_synthetic_root"
@@ -118,6 +144,7 @@ class ScaleRun:
                 raise BenchmarkError(f"{program} is missing: build the targets tdlb, tdlb_shipped_store, "
                                      "td_make_synthetic_root and bench_search first")
         self.blocks = blocks
+        self.products = products_for(blocks)
         self.icons = icons
         self.runs = runs
         self.pattern = pattern
@@ -125,23 +152,29 @@ class ScaleRun:
         self.prefs = work / f"prefs-{blocks}-{icons}"
         self.stage = work / f"stage-{blocks}-{icons}"
         self.log = log
+        self.reuse_root = reuse_root
         self.measures = []
 
     def tdlb_command(self, *arguments):
         return [str(self.tdlb), "--root", str(self.root), "--prefdir", str(self.prefs), *arguments]
 
     def title(self):
-        return f"{self.blocks:,} blocks, {self.icons} icons"
+        return f"{self.blocks:,} blocks in {self.products:,} products, {self.icons} icons"
 
     def say(self, text):
         self.log(f"[{self.title()}] {text}")
 
     def prepare(self):
-        for path in (self.root, self.prefs, self.stage, *self.prefs.parent.glob(f"{self.prefs.name}-*")):
+        keep_root = self.reuse_root and (self.root / STORE).is_dir()
+        for path in (self.prefs, self.stage, *self.prefs.parent.glob(f"{self.prefs.name}-*")):
             shutil.rmtree(path, ignore_errors=True)
+        if keep_root:
+            self.say("using the root and shipped store an earlier run made")
+            return
+        shutil.rmtree(self.root, ignore_errors=True)
         self.say("making the root and its shipped store")
-        run_measured([str(self.generator), "--out", str(self.root), "--products", str(PRODUCTS), "--blocks",
-                      str(self.blocks // PRODUCTS), "--refs", "none", "--icons", self.icons])
+        run_measured([str(self.generator), "--out", str(self.root), "--products", str(self.products), "--blocks",
+                      str(self.blocks // self.products), "--refs", "none", "--icons", self.icons])
         run_measured([str(self.shipped), str(self.root)])
 
     def archives(self, kind):
@@ -214,6 +247,10 @@ class ScaleRun:
                                   "`zip -r` of every stored archive's files", before=removed_prefs)
         self.prefs.rename(final_prefs)
         self.prefs = final_prefs
+        # The store's record of archives read whole names them by path: the
+        # first update after the rename reads every archive whole once, which
+        # is not what "nothing changed" measures.
+        run_measured(self.tdlb_command("update"))
         for measure in (cold, removed):
             measure.command = self.tdlb_command("generate", "--mode", "Regenerate")
         self.stage_archives()
@@ -274,6 +311,8 @@ class ScaleRun:
 def seconds(value):
     if value != value:
         return "n/a"
+    if value < 1e-5:
+        return f"{value * 1e9:.0f} ns"
     if value < 0.001:
         return f"{value * 1e6:.0f} µs"
     if value < 0.01:
@@ -320,6 +359,67 @@ def target_text(run, measure):
     return f"{', '.join(parts)}: {'met' if met else 'missed'}"
 
 
+def per_unit(run, measure):
+    """Seconds per block, or per library for the one changed library: (figure, floor)."""
+    unit = 1 if measure.name == "generate, one library changed" else run.blocks
+    return measure.median() / unit, measure.floor() / unit
+
+
+def growth_goal_text(reference, largest, measure):
+    """Goal of the largest size against the 100,000-block run, met or missed, or the empty string."""
+    if reference is None or measure.name not in GROWTH_GOALS:
+        return ""
+    growth_limit, floor_limit = GROWTH_GOALS[measure.name]
+    before = next((m for m in reference.measures if m.name == measure.name), None)
+    if before is None:
+        return ""
+    growth = per_unit(largest, measure)[0] / per_unit(reference, before)[0]
+    met = growth <= growth_limit and ratio_of(measure) <= floor_limit
+    parts = [f"<= {growth_limit:.1f}x per {'library' if measure.name.startswith('generate,') else 'block'} "
+             f"of {reference.blocks:,} blocks", f"<= {floor_limit:.1f}x floor"]
+    if measure.name == "cold search":
+        wall, memory = LARGE_SEARCH_GOAL
+        parts += [f"< {seconds(wall)}", f"< {memory} MB"]
+        met = met and measure.median() < wall and measure.peak() < memory
+    return f"{', '.join(parts)}: {'met' if met else 'missed'}"
+
+
+def growth_table(runs):
+    """Each figure per block at every size of one icon kind, beside its ratio to the floor."""
+    runs = sorted(runs, key=lambda run: run.blocks)
+    if len(runs) < 2:
+        return []
+    largest = runs[-1]
+    reference = next((run for run in runs if run.blocks == PRODUCTS * BLOCKS_PER_LARGE_PRODUCT), None)
+    if reference is largest:
+        reference = None
+    previous = runs[-2]
+    lines = [f"### Per block, {largest.icons} icons", "",
+             "Each figure divided by the blocks of its root (\"generate, one library changed\": per library, "
+             "the figure itself), the ratio to the floor of the same run in parentheses; growth is the cost "
+             f"per block at {largest.blocks:,} blocks over that at {previous.blocks:,}.", "",
+             "| Measure | " + " | ".join(f"{run.blocks:,} blocks" for run in runs)
+             + f" | Growth | Goal ({largest.blocks:,} blocks) |",
+             "|---|" + "---|" * len(runs) + "---|---|"]
+    for measure in largest.measures:
+        cells, figures = [], []
+        for run in runs:
+            same = next((m for m in run.measures if m.name == measure.name), None)
+            if same is None:
+                cells.append("n/a")
+                figures.append(float("nan"))
+                continue
+            figure, _ = per_unit(run, same)
+            ratio = ratio_of(same)
+            figures.append(figure)
+            cells.append(f"{seconds(figure)} ({ratio:.1f}x)" if ratio == ratio else seconds(figure))
+        growth = figures[-1] / figures[-2] if figures[-2] == figures[-2] and figures[-2] > 0 else float("nan")
+        lines.append(f"| {measure.name} | " + " | ".join(cells)
+                     + f" | {growth:.2f} | {growth_goal_text(reference, largest, measure)} |")
+    lines.append("")
+    return lines
+
+
 def section(runs, pattern, invocation, started):
     load = os.getloadavg()
     lines = [
@@ -327,8 +427,9 @@ def section(runs, pattern, invocation, started):
         "## Command line at scale",
         "",
         "Written by `bench/scale/run_scale_benchmarks.py`; do not edit by hand. Roots of "
-        f"{PRODUCTS} products from `td_make_synthetic_root --refs none --icons KIND` (each product reaches only "
-        f"its own library), searched for \"{pattern}\". Each figure is the median of its runs, each run a new "
+        f"{PRODUCTS} products up to {PRODUCTS * BLOCKS_PER_LARGE_PRODUCT:,} blocks and of products of "
+        f"{BLOCKS_PER_LARGE_PRODUCT:,} blocks above, from `td_make_synthetic_root --refs none --icons KIND` (each "
+        f"product reaches only its own library), searched for \"{pattern}\". Each figure is the median of its runs, each run a new "
         "process except the warm search; peak memory is the largest resident set of the runs. The floor is "
         "measured in the same run on the same files; the ratio is figure / floor. A quiet cold generation "
         "writes a new store beside the earlier ones; one \"right after removal\" first removes the store of "
@@ -357,6 +458,8 @@ def section(runs, pattern, invocation, started):
         lines += ["", "Checks: " + "; ".join(extra) + ".", "", "Commands:", "", "```"]
         lines += [command_text(m.command, run) for m in run.measures]
         lines += ["```", ""]
+    for icons in dict.fromkeys(run.icons for run in runs):
+        lines += growth_table([run for run in runs if run.icons == icons])
     lines.append(END)
     return "\n".join(lines) + "\n"
 
@@ -376,20 +479,28 @@ def main():
     parser.add_argument("--sizes", default="10000,100000", help="block counts, comma separated")
     parser.add_argument("--icons", default="shapes,realistic",
                         help="icon kinds of the synthetic roots, comma separated (default shapes,realistic)")
-    parser.add_argument("--runs", default=3, type=int, help="runs of each measure (default 3)")
+    parser.add_argument("--runs", default="3",
+                        help="runs of each measure (default 3), or one number per size, comma separated")
     parser.add_argument("--pattern", default=DEFAULT_PATTERN, help=f"what to search for (default '{DEFAULT_PATTERN}')")
     parser.add_argument("--work", type=pathlib.Path, help="where the roots go (default: a temporary directory)")
+    parser.add_argument("--reuse-roots", action="store_true",
+                        help="keep a root and shipped store that an earlier run left in --work")
     parser.add_argument("--output", type=pathlib.Path, default=PROJECT / "BENCHMARKS.md",
                         help="the file whose section is rewritten")
     arguments = parser.parse_args()
     try:
         sizes = [int(s) for s in arguments.sizes.split(",")]
+        runs_per_size = [int(r) for r in arguments.runs.split(",")]
     except ValueError:
-        parser.error("--sizes takes whole numbers separated by commas")
+        parser.error("--sizes and --runs take whole numbers separated by commas")
+    if len(runs_per_size) == 1:
+        runs_per_size *= len(sizes)
+    if len(runs_per_size) != len(sizes):
+        parser.error("--runs takes one number, or one for each size")
     icon_kinds = arguments.icons.split(",")
     if any(kind not in ("shapes", "realistic") for kind in icon_kinds):
         parser.error("--icons takes shapes, realistic or both, separated by a comma")
-    if arguments.runs < 1 or any(s < PRODUCTS for s in sizes):
+    if any(r < 1 for r in runs_per_size) or any(s < PRODUCTS for s in sizes):
         parser.error(f"--runs must be at least 1 and every size at least {PRODUCTS}")
     for tool in ("zip", "unzip"):
         if not shutil.which(tool):
@@ -400,19 +511,6 @@ def main():
     work.mkdir(parents=True, exist_ok=True)
     os.environ["QT_QPA_PLATFORM"] = "offscreen"
     log = lambda text: print(f"{time.strftime('%H:%M:%S')} {text}", file=sys.stderr, flush=True)
-    runs = []
-    try:
-        for size in sizes:
-            for icons in icon_kinds:
-                run = ScaleRun(arguments.build.resolve(), work, size, icons, arguments.runs, arguments.pattern, log)
-                run.run()
-                runs.append(run)
-    except (BenchmarkError, subprocess.CalledProcessError, OSError) as error:
-        print(f"run_scale_benchmarks: {error}", file=sys.stderr)
-        return 1
-    finally:
-        if not arguments.work:
-            shutil.rmtree(work, ignore_errors=True)
     def shown(argument):
         if argument == str(arguments.work):
             return "WORKDIR"
@@ -421,6 +519,22 @@ def main():
         return argument.replace(str(arguments.build.resolve()), build_name(arguments.build))
 
     invocation = "bench/scale/run_scale_benchmarks.py " + " ".join(shown(a) for a in sys.argv[1:])
+    runs = []
+    try:
+        for size, size_runs in zip(sizes, runs_per_size):
+            for icons in icon_kinds:
+                run = ScaleRun(arguments.build.resolve(), work, size, icons, size_runs, arguments.pattern, log,
+                               arguments.reuse_roots)
+                run.run()
+                runs.append(run)
+                # Each size as it ends: a later one may take an hour.
+                write_section(arguments.output, section(runs, arguments.pattern, invocation, started))
+    except (BenchmarkError, subprocess.CalledProcessError, OSError) as error:
+        print(f"run_scale_benchmarks: {error}", file=sys.stderr)
+        return 1
+    finally:
+        if not arguments.work:
+            shutil.rmtree(work, ignore_errors=True)
     write_section(arguments.output, section(runs, arguments.pattern, invocation, started))
     log(f"wrote {arguments.output}")
     return 0

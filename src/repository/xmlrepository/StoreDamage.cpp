@@ -8,6 +8,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <sys/stat.h>
+
 #include <unordered_map>
 
 namespace LibraryBrowser {
@@ -27,10 +29,16 @@ struct FileStamp {
     bool operator==(const FileStamp& o) const { return size == o.size && modified == o.modified; }
 };
 
+// The date as QFileInfo gives it, in milliseconds, but from stat itself:
+// QFileInfo's date passes through the local time zone, which cost more than
+// the rest of an unchanged product's up-to-date test.
 FileStamp stampOf(const QString& path)
 {
-    const QFileInfo info(path);
-    return info.isFile() ? FileStamp{info.size(), info.lastModified().toMSecsSinceEpoch()} : FileStamp{};
+    struct stat status {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0 || !S_ISREG(status.st_mode))
+        return FileStamp{};
+    return FileStamp{qint64(status.st_size),
+                     qint64(status.st_mtim.tv_sec) * 1000 + qint64(status.st_mtim.tv_nsec) / 1000000};
 }
 
 // The verified records of one writable store, read once per process and
@@ -149,6 +157,17 @@ void StoreDamage::forget(const std::string& storeDirectory, const std::string& p
 void StoreDamage::forgetAll(const std::string& writableDirectory)
 {
     QDir(qs(notesDirectory(writableDirectory))).removeRecursively();
+}
+
+bool StoreDamage::archiveVerified(const std::string& storeDirectory, const std::string& archivePath)
+{
+    const auto found = places().find(forwardSlashes(storeDirectory));
+    if (found == places().end())
+        return false;
+    const FileStamp stamp = stampOf(qs(archivePath));
+    const VerifiedRecords& records = recordsOf(found->second.verifiedFile);
+    const auto known = records.stamps.find(archivePath);
+    return stamp.size >= 0 && known != records.stamps.end() && known->second == stamp;
 }
 
 std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const std::string& archivePath)

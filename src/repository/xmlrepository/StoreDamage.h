@@ -34,6 +34,10 @@ public:
     // changed since is read again. Bytes changed inside an entry are found
     // so without a read having to meet them.
     static std::string archiveDamage(const std::string& storeDirectory, const std::string& archivePath);
+    // Whether the archive is as the record of a registered store has it:
+    // published by this store's writer or read whole after its product's
+    // check, and not changed since. Such an archive needs no check again.
+    static bool archiveVerified(const std::string& storeDirectory, const std::string& archivePath);
     // Records an archive just published as read whole.
     static void archiveWritten(const std::string& storeDirectory, const std::string& archivePath);
     // Writes the records changed since the last call, once for many

@@ -73,11 +73,17 @@ bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool i
         if (dynamic_cast<const PaletteImpl*>(node))
             return true;
         // Damaged data counts as out of date, so that it is generated again.
-        problem = StoredDataCheck::productProblem(m_directory, *node);
-        for (const std::string& spec : {node->getReposIconsArchiveSpec().str(),
-                                        node->getReposManifestsArchiveSpec().str()})
+        // Archives unchanged since they were published or checked need no
+        // check again: at a thousand products the checks cost more than
+        // what is asked of most commands.
+        const std::string archives[] = {m_directory + "/" + node->getReposIconsArchiveSpec().str(),
+                                        m_directory + "/" + node->getReposManifestsArchiveSpec().str()};
+        if (!StoreDamage::archiveVerified(m_directory, archives[0])
+            || !StoreDamage::archiveVerified(m_directory, archives[1]))
+            problem = StoredDataCheck::productProblem(m_directory, *node);
+        for (const std::string& archive : archives)
             if (problem.empty())
-                problem = StoreDamage::archiveDamage(m_directory, m_directory + "/" + spec);
+                problem = StoreDamage::archiveDamage(m_directory, archive);
     }
     if (!problem.empty()) {
         m_report->logWarning("The stored data of " + node->getDisplayName() + " in " + m_directory
