@@ -21,4 +21,4 @@ ctest --test-dir "$build" -j2 --timeout 1800 || echo "== some tests failed (cove
 mkdir -p "$build/coverage"
 gcovr -r . --object-directory "$build" -j 2 --gcov-ignore-parse-errors \
   --filter 'src/' --filter 'app/' --filter 'host/' --filter 'python/' \
-  --html-details "$build/coverage/index.html" --print-summary
+  --json "$build/coverage/coverage.json" --html-details "$build/coverage/index.html" --print-summary

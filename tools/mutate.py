@@ -329,9 +329,12 @@ def group_targets(group, tests):
     return sorted(targets)
 
 
+EXTRA_ENV = []
+
+
 def environment(entries):
     env = dict(os.environ)
-    for e in entries:
+    for e in list(entries) + EXTRA_ENV:
         k, _, v = e.partition("=")
         env[k] = v
     return env
@@ -415,6 +418,8 @@ def groups_for(mutant, text, cover, allowed):
     if not known:
         return ordered
     reaching = set(g for ln in known for g in per_line[ln])
+    if "*" in reaching:
+        return ordered
     return [g for g in ordered if g in reaching]
 
 # ---------------------------------------------------------------- commands
@@ -432,6 +437,7 @@ def load_report(paths):
 
 
 def cmd_run(args):
+    EXTRA_ENV.extend(args.env)
     work = Path(args.work).resolve()
     if REPO in work.parents or work == REPO:
         raise SystemExit("mutate: --work must be outside the working tree")
@@ -571,16 +577,34 @@ def cmd_list(args):
     return 0
 
 
+def add_coverage(cover, gcovr_json, group):
+    for f in json.loads(Path(gcovr_json).read_text())["files"]:
+        lines = cover.setdefault(f["file"], {})
+        for ln in f["lines"]:
+            entry = lines.setdefault(str(ln["line_number"]), [])
+            if ln["count"] > 0 and group not in entry:
+                entry.append(group)
+
+
 def cmd_coverage_map(args):
-    """Runs each test group alone in a --coverage build and records which
-    lines of the sources it reaches; also writes one gcovr JSON per group,
-    which gcovr --add-tracefile merges into the whole suite's coverage."""
+    """Which lines of the sources the tests reach. From gcovr JSON files of
+    whole-suite runs (tools/coverage.sh writes one), a reached line runs every
+    group of its folder; with --build, each test group runs alone in that
+    --coverage build, so that a mutant runs only the groups that reach it."""
+    cover = {}
+    if args.json:
+        for j in args.json:
+            add_coverage(cover, j, "*")
+        Path(args.out).write_text(json.dumps(cover))
+        return 0
+    if not args.build:
+        print("coverage-map: give --json or --build", file=sys.stderr)
+        return 2
     build = Path(args.build).resolve()
     root = Path(args.root).resolve()
     out_dir = Path(args.out).resolve().parent / "coverage-groups"
     out_dir.mkdir(parents=True, exist_ok=True)
     groups = ctest_groups(build)
-    cover = {}
     for g, tests in groups.items():
         if args.groups and g not in args.groups:
             continue
@@ -594,12 +618,7 @@ def cmd_coverage_map(args):
              "--gcov-ignore-parse-errors", "--json", str(part)] +
             [a for f in ("src", "host", "python", "app") for a in ("--filter", str(root / f) + "/")],
             check=True, stdout=subprocess.DEVNULL)
-        for f in json.loads(part.read_text())["files"]:
-            lines = cover.setdefault(f["file"], {})
-            for ln in f["lines"]:
-                entry = lines.setdefault(str(ln["line_number"]), [])
-                if ln["count"] > 0 and g not in entry:
-                    entry.append(g)
+        add_coverage(cover, part, g)
         print(f"coverage-map: {g} ({len(tests)} tests, {time.monotonic() - t0:.0f} s)", flush=True)
     Path(args.out).write_text(json.dumps(cover))
     return 0
@@ -671,6 +690,9 @@ def main(argv=None):
     r.add_argument("--min-timeout", type=float, default=60.0)
     r.add_argument("--build-timeout", type=float, default=1200.0)
     r.add_argument("--configure", action="append", help="an extra cmake argument for a new copy")
+    r.add_argument("--env", action="append", default=[],
+                   help="NAME=VALUE for every test, over ctest's own (e.g. TDLB_REALDISPLAY_TIME_SCALE=4 "
+                        "on a busy machine)")
     r.set_defaults(func=cmd_run)
     s = sub.add_parser("summary", help="markdown tables of one or more reports")
     s.add_argument("reports", nargs="+")
@@ -682,7 +704,8 @@ def main(argv=None):
     ls.add_argument("--path", action="append")
     ls.set_defaults(func=cmd_list)
     c = sub.add_parser("coverage-map", help="which test group reaches which line, from a --coverage build")
-    c.add_argument("--build", required=True)
+    c.add_argument("--json", nargs="*", help="gcovr JSON files of whole-suite runs")
+    c.add_argument("--build", help="a --coverage build whose groups run one by one")
     c.add_argument("--root", default=str(REPO), help="the sources the build was made from")
     c.add_argument("--out", required=True)
     c.add_argument("--groups", nargs="*", help="only these groups")
