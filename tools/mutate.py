@@ -31,6 +31,7 @@ import os
 import random
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tarfile
@@ -437,6 +438,8 @@ def load_report(paths):
 
 
 def cmd_run(args):
+    # A stopped run still writes the mutated file back (the finally below).
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     EXTRA_ENV.extend(args.env)
     work = Path(args.work).resolve()
     if REPO in work.parents or work == REPO:
@@ -503,8 +506,12 @@ def cmd_run(args):
             t0 = time.monotonic()
             try:
                 path.write_text(m.apply(original))
-                targets = sorted({t for g in (chosen or allowed[:1]) for t in group_targets(g, groups[g])})
-                ok, why = build_targets(build, targets, args.build_timeout)
+                # Each group's programs are built just before it runs: a mutant
+                # the first group kills links nothing else (a host mutant would
+                # otherwise relink every program on the static host library).
+                first_group = (chosen or groups_for(m, original, None, allowed))[:1]
+                ok, why = build_targets(build, group_targets(first_group[0], groups[first_group[0]]),
+                                        args.build_timeout)
                 if not ok:
                     record.update(status="not-compiled", note=why[:300])
                 elif not chosen:
@@ -512,6 +519,10 @@ def cmd_run(args):
                 else:
                     record.update(status="survived", note="ran " + " ".join(chosen))
                     for g in chosen:
+                        ok, why = build_targets(build, group_targets(g, groups[g]), args.build_timeout)
+                        if not ok:
+                            record.update(status="not-compiled", note=why[:300])
+                            break
                         limit = max(args.min_timeout, args.timeout_factor * timing["seconds"][g])
                         result, test = run_group(groups[g], time.monotonic() + limit,
                                                  first_test if g == chosen[0] else None)
