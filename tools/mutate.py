@@ -448,6 +448,8 @@ def cmd_run(args):
     timing_file = work / ".mutate-timing.json"
     timing = json.loads(timing_file.read_text()) if timing_file.exists() else {}
     head = run(["git", "-C", str(REPO), "rev-parse", args.rev], capture_output=True, text=True).stdout.strip()
+    if args.keep_timing and timing:
+        timing["rev"] = head
     if timing.get("rev") != head:
         # The test programs list their tests once built.
         print("mutate: building the unmutated copy", flush=True)
@@ -699,6 +701,9 @@ def main(argv=None):
                    help="with --prior: carry over what the earlier run did not kill instead of testing it")
     r.add_argument("--timeout-factor", type=float, default=5.0, help="time limit per group, times its unmutated run")
     r.add_argument("--min-timeout", type=float, default=60.0)
+    r.add_argument("--keep-timing", action="store_true",
+                   help="keep the group times of the copy's earlier revision instead of building and "
+                        "testing the unmutated copy again (its tests were checked elsewhere)")
     r.add_argument("--build-timeout", type=float, default=1200.0)
     r.add_argument("--configure", action="append", help="an extra cmake argument for a new copy")
     r.add_argument("--env", action="append", default=[],
