@@ -363,15 +363,19 @@ def failing_gtest(output):
     return runs[-1] if runs else "?"
 
 
+WHOLE_PROGRAMS = [True]
+
+
 def run_group(tests, deadline, first=None):
     """Runs one group until its first failure: ("pass"|"fail"|"timeout", test).
-    A gtest program runs its tests in one process; first, when given, runs
-    alone before the rest."""
+    A gtest program runs its tests in one process, all of them unless the run
+    is limited to some tests (so a test added since ctest listed them runs
+    too); first, when given, runs alone before the rest."""
     if tests and tests[0]["gtest"]:
         base = [a for a in tests[0]["command"] if not a.startswith("--gtest_filter=")]
         names = [t["name"] for t in tests]
         passes = [[first]] if first in names else []
-        passes.append(names)
+        passes.append(["*"] if WHOLE_PROGRAMS[0] else names)
         for chosen in passes:
             cmd = base + ["--gtest_fail_fast", "--gtest_filter=" + ":".join(chosen)]
             code, out = run_process(cmd, environment(tests[0]["env"]), tests[0]["cwd"], deadline)
@@ -456,6 +460,7 @@ def cmd_run(args):
         if run(["cmake", "--build", str(build), "-j2"], stdout=subprocess.DEVNULL).returncode != 0:
             raise SystemExit("mutate: the unmutated copy does not build")
     groups = ctest_groups(build, args.tests_regex, args.label)
+    WHOLE_PROGRAMS[0] = not (args.tests_regex or args.label)
     allowed = [g for g in groups if args.with_slow or g not in SLOW_GROUPS]
     if not allowed:
         raise SystemExit("mutate: no test matches")
