@@ -468,7 +468,7 @@ def cmd_run(args):
     shard, shards = (int(x) for x in args.shard.split("/"))
     mine = [m for i, m in enumerate(mutants) if i % shards == shard]
     cover = json.loads(Path(args.coverage_map).read_text()) if args.coverage_map else None
-    prior = load_report([args.prior]) if args.prior else {}
+    prior = load_report(args.prior) if args.prior else {}
     done = load_report([args.report])
     print(f"mutate: {len(mine)} of {len(mutants)} mutants (of {total} sites), seed {args.seed}, "
           f"{len(done)} done already", flush=True)
@@ -499,6 +499,8 @@ def cmd_run(args):
             record = {"id": m.ident, "file": m.file, "line": m.line, "operator": m.operator,
                       "original": m.original, "replacement": m.replacement, "diff": m.diff(original)}
             before = prior.get(m.ident)
+            if args.only_prior and not before:
+                continue
             if args.rerun_killed_only and before and before["status"] not in ("killed", "timeout"):
                 record.update(status=before["status"], note="carried from the earlier run: " + before.get("note", ""))
                 report.write(json.dumps(record) + "\n")
@@ -701,7 +703,10 @@ def main(argv=None):
     r.add_argument("--tests-regex", help="only the ctest tests matching this")
     r.add_argument("--label", help="only the ctest tests with this label")
     r.add_argument("--with-slow", action="store_true", help="also run the monkey and the torture test")
-    r.add_argument("--prior", help="an earlier report: the group and test that killed a mutant go first")
+    r.add_argument("--prior", action="append",
+                   help="an earlier report (repeatable): the group and test that killed a mutant go first")
+    r.add_argument("--only-prior", action="store_true",
+                   help="with --prior: leave out the mutants the earlier run has not done (yet)")
     r.add_argument("--rerun-killed-only", action="store_true",
                    help="with --prior: carry over what the earlier run did not kill instead of testing it")
     r.add_argument("--timeout-factor", type=float, default=5.0, help="time limit per group, times its unmutated run")
