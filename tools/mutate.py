@@ -467,6 +467,8 @@ def cmd_run(args):
     mutants, total = sample(work, args.seed, args.count, args.path)
     shard, shards = (int(x) for x in args.shard.split("/"))
     mine = [m for i, m in enumerate(mutants) if i % shards == shard and (not args.ids or m.ident in args.ids)]
+    if args.reverse:
+        mine.reverse()
     cover = json.loads(Path(args.coverage_map).read_text()) if args.coverage_map else None
     prior = load_report(args.prior) if args.prior else {}
     done = load_report([args.report])
@@ -698,6 +700,8 @@ def main(argv=None):
     r.add_argument("--count", type=int, default=260, help="mutants in the sample")
     r.add_argument("--path", action="append", help="only sources below this folder (repeatable)")
     r.add_argument("--ids", type=lambda text: text.split(","), help="only these mutants of the sample (ID,ID,...)")
+    r.add_argument("--reverse", action="store_true",
+                   help="take the mutants from the end: a further worker on a shard another one takes from the start")
     r.add_argument("--shard", default="0/1", help="I/N: this run takes every N-th mutant from the I-th")
     r.add_argument("--report", required=True, help="JSON lines, one per mutant; a rerun skips those in it")
     r.add_argument("--coverage-map", help="from coverage-map: run only the groups that reach a mutant")
