@@ -13,6 +13,7 @@ packages=(
   xvfb xauth zip unzip
   openbox xdotool x11-utils imagemagick
   fonts-dejavu-core
+  gcovr
 )
 if [ "${1:-}" = "--fuzz" ]; then
   packages+=(clang)
