@@ -111,6 +111,20 @@ void WindowStateLog::write()
         history.append(box->itemText(i));
     state["history"] = history;
     state["treeNode"] = QString::fromStdString(browser.getCurrentTreeNode());
+    // Branches below the current node that could open and are closed.
+    QJsonArray closedBelow;
+    std::vector<QTreeWidgetItem*> below{browser.tree()->currentItem()};
+    while (!below.empty()) {
+        QTreeWidgetItem* item = below.back();
+        below.pop_back();
+        for (int i = 0; item && i < item->childCount(); ++i) {
+            QTreeWidgetItem* child = item->child(i);
+            if (browser.tree()->isItemExpandable(LibraryTreeView::uidOf(child)) && !child->isExpanded())
+                closedBelow.append(child->text(0));
+            below.push_back(child);
+        }
+    }
+    state["closedBelow"] = closedBelow;
     BlocksPage* page = browser.getCurrentTabIndex() == 1 ? static_cast<BlocksPage*>(browser.resultsPage())
                                                          : static_cast<BlocksPage*>(browser.libraryPage());
     state["tiles"] = toArray(page->getBlocksDisplayPathNames());

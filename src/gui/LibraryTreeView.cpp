@@ -1,6 +1,7 @@
 #include "gui/LibraryTreeView.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 
 namespace LibraryBrowser {
 
@@ -203,6 +204,18 @@ std::vector<int> LibraryTreeView::getItemChildren(int uid) const
         for (int i = 0; i < item->childCount(); ++i)
             children.push_back(uidOf(item->child(i)));
     return children;
+}
+
+void LibraryTreeView::keyPressEvent(QKeyEvent* event)
+{
+    // The view's own * walks only the children already made; ours are made
+    // as a branch opens, so the window opens the branches one by one.
+    if (event->key() == Qt::Key_Asterisk && currentItem()) {
+        emit expandAllRequested(uidOf(currentItem()));
+        event->accept();
+        return;
+    }
+    QTreeWidget::keyPressEvent(event);
 }
 
 int LibraryTreeView::currentUID() const { return uidOf(currentItem()); }

@@ -53,7 +53,12 @@ signals:
     void selectionMoved(int uid);
     void itemPressedWithMouse(int uid);
     void expandRequested(int uid);
+    // The * key over a node: open it and every branch below it.
+    void expandAllRequested(int uid);
     void contextMenuRequested(const QPoint& globalPosition, int uid);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QTreeWidgetItem* makeItem(const std::string& label, int uid, bool expandable);

@@ -220,6 +220,8 @@ void StandaloneBrowser::internalCreateGUI()
     connect(m_tree, &LibraryTreeView::itemPressedWithMouse, this,
             [this](int uid) { handleMouseButtonClickOnTreeItem(uid); });
     connect(m_tree, &LibraryTreeView::expandRequested, this, [this](int uid) { handleOnExpandTreeNode(uid); });
+    connect(m_tree, &LibraryTreeView::expandAllRequested, this,
+            [this](int uid) { internalExpandTreeNodeAndBelow(uid); });
     connect(m_tree, &LibraryTreeView::contextMenuRequested, this,
             [this](const QPoint& at, int uid) { internalPopupContextMenuForTreeItemAtPoint(at, uid); });
 

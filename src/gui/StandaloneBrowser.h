@@ -271,6 +271,10 @@ private:
     // again becomes current, else the fallback.
     void internalAdoptCurrentTreeNode(const std::vector<std::string>& chain, int fallbackUID);
     void internalExpandTreeNode(int uid);
+    // uid's branch and every branch below it, at most MaxExpandAllDepth
+    // levels down (library references can nest without end).
+    void internalExpandTreeNodeAndBelow(int uid);
+    static constexpr int MaxExpandAllDepth = 32;
     void internalCollapseTreeNode(int uid);
     void internalEnsureTreeNodeVisible(int uid);
     void handleOnExpandTreeNode(int uid);

@@ -171,6 +171,22 @@ void StandaloneBrowser::internalExpandTreeNode(int uid)
     m_tree->setItemExpanded(uid, true);
 }
 
+void StandaloneBrowser::internalExpandTreeNodeAndBelow(int uid)
+{
+    // Each opening makes the branch's children anew: they are read after it.
+    std::vector<std::pair<int, int>> pending{{uid, 0}};
+    while (!pending.empty()) {
+        const auto [next, depth] = pending.back();
+        pending.pop_back();
+        internalExpandTreeNode(next);
+        if (depth + 1 < MaxExpandAllDepth)
+            for (int child : m_tree->getItemChildren(next))
+                if (m_tree->isItemExpandable(child))
+                    pending.emplace_back(child, depth + 1);
+    }
+    internalEnsureTreeNodeVisible(m_currentNodeUID);
+}
+
 void StandaloneBrowser::internalCollapseTreeNode(int uid)
 {
     // The selection moves up before the node closes over it; a top-level

@@ -27,6 +27,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <functional>
 
 namespace LibraryBrowser::Testing {
 namespace {
@@ -96,6 +97,36 @@ TEST_F(BrowserWindowTest, ExpandingANodeListsItsSubsystemsOnly)
     window.internalOpenSubsystemInTree(nested);
     window.goToParent();
     EXPECT_EQ(window.getCurrentTreeNode(), "Tandril/Ports & Subsystems");
+}
+
+// The * key opens every branch below the node, though their children are
+// made only as each opens; the node stays current.
+TEST_F(BrowserWindowTest, TheStarKeyOpensEveryBranchBelowTheNode)
+{
+    StandaloneBrowser& window = open();
+    LibraryTreeView* tree = window.tree();
+    std::function<int(QTreeWidgetItem*)> openBelow = [&](QTreeWidgetItem* item) {
+        int opened = 0;
+        for (int i = 0; i < item->childCount(); ++i) {
+            QTreeWidgetItem* child = item->child(i);
+            if (tree->isItemExpandable(LibraryTreeView::uidOf(child))) {
+                EXPECT_TRUE(child->isExpanded()) << child->text(0).toStdString();
+                opened += 1 + openBelow(child);
+            }
+        }
+        return opened;
+    };
+    // A branch not opened yet and one already open. (At a real display the
+    // view's own * left branches closed whose children are made as they open.)
+    for (const std::string node : {"Kinetics/Mechanical", "Tandril"}) {
+        window.selectTreeNodeByName(node);
+        tree->setFocus();
+        QTest::keyClick(tree, Qt::Key_Asterisk);
+        settle();
+        EXPECT_GT(openBelow(tree->itemOf(window.getCurrentNodeUID())), 0) << node;
+        EXPECT_EQ(window.getCurrentTreeNode(), node);
+        EXPECT_TRUE(tree->itemOf(window.getCurrentNodeUID())->isExpanded());
+    }
 }
 
 // The expander closes a branch over the current node without moving the

@@ -135,6 +135,17 @@ class Journey(unittest.TestCase):
         browser.wait_state(lambda s: s["treeNode"].startswith(node + "/"), "the first key to move in the tree")
         browser.display.key("Up")
         browser.wait_state(lambda s: s["treeNode"] == node, f"the tree back at {node}")
+        # * opens every branch below a node not opened yet, those made only
+        # as it opens too.
+        for key in ("Down", "Down", "Down", "Down"):
+            browser.display.key(key)
+        closed = browser.wait_state(lambda s: s["treeNode"] == node + "/Mechanical",
+                                    "the tree at a branch not opened yet")["treeNode"]
+        browser.display.key("asterisk")
+        browser.wait_state(lambda s: s["treeNode"] == closed and not s["closedBelow"],
+                           f"every branch below {closed} open")
+        browser.display.key("Home")
+        browser.wait_state(lambda s: s["treeNode"] != closed, "the tree back at the top")
         # Tab goes to the page; the first key there acts.
         browser.display.key("Tab")
         state = browser.wait_state(lambda s: s["focus"] == "library page" and s["focusMark"],
