@@ -84,9 +84,12 @@ class Mutant:
     replacement: str
     operator: str
     line: int        # 1-based line of start
+    origin: str = ""  # the id it had in an earlier revision (relocate)
 
     @property
     def ident(self):
+        if self.origin:
+            return self.origin
         key = f"{self.file}:{self.start}:{self.end}:{self.original}:{self.replacement}"
         return hashlib.sha1(key.encode()).hexdigest()[:12]
 
@@ -245,6 +248,35 @@ def sample(tree, seed, count, paths):
     rng = random.Random(seed)
     rng.shuffle(everything)
     return everything[:count], len(everything)
+
+def relocate(tree, record):
+    """An earlier report's mutant found again in a later revision of its file:
+    the lines its diff changed, at the occurrence nearest the old line. None
+    when those lines are no longer there."""
+    diff = record["diff"].splitlines()
+    old = "".join(ln[1:] + "\n" for ln in diff if ln.startswith("-") and not ln.startswith("---"))
+    new = "".join(ln[1:] + "\n" for ln in diff if ln.startswith("+") and not ln.startswith("+++"))
+    path = tree / record["file"]
+    if not old or not path.exists():
+        return None
+    text = path.read_text()
+    starts, at = [], text.find(old)
+    while at >= 0:
+        if at == 0 or text[at - 1] == "\n":
+            starts.append(at)
+        at = text.find(old, at + 1)
+    if not starts:
+        return None
+    block = min(starts, key=lambda a: abs(text.count("\n", 0, a) + 1 - record["line"]))
+    original, replacement = record["original"], record["replacement"]
+    at = old.find(original)
+    while at >= 0 and old[:at] + replacement + old[at + len(original):] != new:
+        at = old.find(original, at + 1)
+    if at < 0:
+        return None
+    start = block + at
+    return Mutant(record["file"], start, start + len(original), original, replacement, record["operator"],
+                  text.count("\n", 0, start) + 1, record["id"])
 
 # ---------------------------------------------------------------- the copy
 
@@ -464,7 +496,14 @@ def cmd_run(args):
     allowed = [g for g in groups if args.with_slow or g not in SLOW_GROUPS]
     if not allowed:
         raise SystemExit("mutate: no test matches")
-    mutants, total = sample(work, args.seed, args.count, args.path)
+    gone = []
+    if args.same_as:
+        earlier = sorted(load_report(args.same_as).values(), key=lambda r: (r["file"], r["line"]))
+        found = [(r, relocate(work, r)) for r in earlier]
+        gone = [r for r, m in found if m is None]
+        mutants, total = [m for _, m in found if m is not None], len(earlier)
+    else:
+        mutants, total = sample(work, args.seed, args.count, args.path)
     shard, shards = (int(x) for x in args.shard.split("/"))
     mine = [m for i, m in enumerate(mutants) if i % shards == shard and (not args.ids or m.ident in args.ids)]
     if args.reverse:
@@ -493,6 +532,9 @@ def cmd_run(args):
         timing_file.write_text(json.dumps(timing))
 
     with open(args.report, "a") as report:
+        for r in gone:
+            if r["id"] not in done and shard == 0:
+                report.write(json.dumps(dict(r, status="gone", note="its lines are no longer in the file")) + "\n")
         for n, m in enumerate(mine, 1):
             if m.ident in done:
                 continue
@@ -559,6 +601,9 @@ def cmd_summary(args):
     by = {}
     for r in records.values():
         by.setdefault(r["status"], []).append(r)
+    for r in by.pop("gone", []):
+        records.pop(r["id"])
+        print(f"mutate: {r['id']} ({r['file']}:{r['line']}) left out, its lines are gone", file=sys.stderr)
     compiled = len(records) - len(by.get("not-compiled", []))
     caught = len(by.get("killed", [])) + len(by.get("timeout", []))
     print(f"| mutants | compiled | killed | timed out | survived | not compiled | score |")
@@ -681,6 +726,20 @@ def cmd_self_test(_args):
         changed = [d for d in difflib.ndiff(source.splitlines(), mutated.splitlines()) if d[:1] in "+-"]
         if len(changed) != 2:
             failures.append(f"{m.operator} changed {len(changed)} lines instead of one")
+    with tempfile.TemporaryDirectory() as tmp:
+        tree = Path(tmp)
+        m = next(m for m in mutants if m.operator == "relational")
+        record = {"id": m.ident, "file": "x.cpp", "line": m.line, "operator": m.operator, "original": m.original,
+                  "replacement": m.replacement, "diff": m.diff(source)}
+        later = source.replace("#include <vector>\n", "#include <vector>\n// moved\nint g();\n")
+        (tree / "x.cpp").write_text(later)
+        moved = relocate(tree, record)
+        if moved is None or moved.ident != m.ident or moved.line != m.line + 2 or \
+                moved.apply(later) != m.apply(source).replace("#include <vector>\n", "#include <vector>\n// moved\nint g();\n"):
+            failures.append("a mutant was not found again two lines further down")
+        (tree / "x.cpp").write_text(later.replace("a < 3", "a < 4"))
+        if relocate(tree, record) is not None:
+            failures.append("a mutant whose line changed was found again")
     raw = 'auto x = R"(if (a < b) f();)";\nint y = 1\'000;\n'
     if find_mutants(raw, "r.cpp"):
         failures.append("a raw string or a digit separator was mutated")
@@ -700,6 +759,9 @@ def main(argv=None):
     r.add_argument("--count", type=int, default=260, help="mutants in the sample")
     r.add_argument("--path", action="append", help="only sources below this folder (repeatable)")
     r.add_argument("--ids", type=lambda text: text.split(","), help="only these mutants of the sample (ID,ID,...)")
+    r.add_argument("--same-as", action="append",
+                   help="instead of a sample, the mutants of an earlier report (repeatable), found again in this "
+                        "revision by the lines they changed (status 'gone' where those lines are no longer there)")
     r.add_argument("--reverse", action="store_true",
                    help="take the mutants from the end: a further worker on a shard another one takes from the start")
     r.add_argument("--shard", default="0/1", help="I/N: this run takes every N-th mutant from the I-th")
