@@ -90,7 +90,9 @@ protected:
     Host::ModelWindowPrompts::Unsaved unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Cancel;
 };
 
-TEST_F(ModelWindowsTest, TheCurrentSystemIsTheOneWhoseWindowWasActivatedLast)
+// The current system is the one whose window was activated last; a model
+// saved from its window opens again with its blocks where they were dropped.
+TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereTheyWereDropped)
 {
     const std::string first = newModel();
     const std::string second = newModel();
@@ -107,12 +109,11 @@ TEST_F(ModelWindowsTest, TheCurrentSystemIsTheOneWhoseWindowWasActivatedLast)
     EXPECT_EQ(current(), "arithmetica");
     EXPECT_TRUE(window("arithmetica")->windowTitle().contains("locked"));
     EXPECT_FALSE(window("arithmetica")->fileAction(Host::ModelWindow::FileCommand::Save)->isEnabled());
-}
 
-TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereTheyWereDropped)
-{
     const std::string model = newModel();
     EXPECT_EQ(window(model)->windowTitle().toStdString(), model);
+    window(model)->activateWindow();
+    QApplication::setActiveWindow(window(model));
     dropAt(gain, model, {150, 90});
     dropAt(sum, model, {40, 210});
     EXPECT_EQ(window(model)->windowTitle().toStdString(), model + " *");
@@ -219,7 +220,9 @@ TEST_F(ModelWindowsTest, UnsavedChangesAskBeforeTheWindowCloses)
     EXPECT_EQ(askedAboutUnsaved.size(), 5);
 }
 
-TEST_F(ModelWindowsTest, BlockDialogsShowNamePathDescriptionPortsAndParametersAndCloseTogether)
+// Block dialogs show name, path, description, ports and parameters; help
+// shows the block's description and the browser's own; all close together.
+TEST_F(ModelWindowsTest, BlockDialogsAndHelpShowTheBlockAndCloseTogether)
 {
     EXPECT_TRUE(call("private_td_open_block_dialog", {HostValue::string(gain), HostValue::string("params")}).ok);
     EXPECT_TRUE(call("private_td_open_block_dialog", {HostValue::string(sum), HostValue::string("default")}).ok);
@@ -237,13 +240,6 @@ TEST_F(ModelWindowsTest, BlockDialogsShowNamePathDescriptionPortsAndParametersAn
         EXPECT_TRUE(sumLabels.contains(expected)) << expected << " in " << sumLabels.join(" | ").toStdString();
     EXPECT_TRUE(sumLabels.filter("Adds or subtracts its inputs").size() == 1);
 
-    EXPECT_TRUE(call("private_td_close_block_dialogs", {}).ok);
-    QApplication::processEvents();
-    EXPECT_TRUE(dialogs().empty());
-}
-
-TEST_F(ModelWindowsTest, HelpShowsTheBlocksDescriptionAndTheBrowsersOwnHelp)
-{
     EXPECT_TRUE(call("private_td_show_block_help", {HostValue::string(gain)}).ok);
     Host::HelpWindow* help = windows().helpWindow();
     ASSERT_NE(help, nullptr);
@@ -270,7 +266,9 @@ TEST_F(ModelWindowsTest, HelpShowsTheBlocksDescriptionAndTheBrowsersOwnHelp)
     EXPECT_FALSE(help->plainText().contains("Quick start"));
 
     EXPECT_TRUE(call("private_td_close_block_dialogs", {}).ok);
+    QApplication::processEvents();
     EXPECT_FALSE(help->isVisible());
+    EXPECT_TRUE(dialogs().empty());
 }
 
 } // namespace
