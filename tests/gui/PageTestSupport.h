@@ -28,7 +28,6 @@ public:
 
     Repository& repository() { return *m_repository; }
     const RepositoryPtr& repositoryPtr() const { return m_repository; }
-    std::string preferencesDirectory() const { return m_prefs.path().toStdString(); }
     std::string root() const { return m_root.path().toStdString(); }
     Host::EmbeddedHost& host() { return *m_host; }
     // The object of a unique path; fails the test when there is none.
@@ -41,13 +40,11 @@ private:
     RepositoryPtr m_repository;
 };
 
-// A window as small as a page needs, for a page host of either kind: tree
-// nodes by UID, a status bar and a tab label as texts, and a record of what
-// the page asked for.
-template <class Host>
-class FakeHost : public Host {
+// A window as small as a page needs: tree nodes by UID, a status bar and a
+// tab label as texts, and a record of what the page asked for.
+class FakePageHost : public BlocksPageHost {
 public:
-    explicit FakeHost(Repository& repository) : m_repository(repository) {}
+    explicit FakePageHost(Repository& repository) : m_repository(repository) {}
 
     // A tree node for the object; gives its UID.
     int addNode(const TandrilObject& object)
@@ -62,9 +59,7 @@ public:
     int currentNode = 0;
     BlocksPage* currentPage = nullptr;
     std::string status;
-    std::vector<std::string> statusMessages;
     std::string tabLabel;
-    std::string emptyWarning;
     std::string description;
     int searchFocusRequests = 0;
     std::vector<std::string> menus;
@@ -87,13 +82,9 @@ public:
     BlocksPage* internalGetCurrentBlocksPage() override { return currentPage; }
     void internalSetTabLabel(BlocksPage*, const std::string& label) override { tabLabel = label; }
     void internalUpdateDescription(GuiBlock* tile) override { description = tile ? tile->getDisplayPath() : ""; }
-    void internalWarnAboutEmptyLibrary(const std::string& name) override { emptyWarning = name; }
+    void internalWarnAboutEmptyLibrary(const std::string&) override {}
     std::string getCurrentStatusBarMessage() const override { return status; }
-    void internalSetStatusBarMessage(const std::string& text) override
-    {
-        status = text;
-        statusMessages.push_back(text);
-    }
+    void internalSetStatusBarMessage(const std::string& text) override { status = text; }
     void internalFocusSearchBox() override { ++searchFocusRequests; }
     void internalSetCursor(Qt::CursorShape) override {}
     void internalUnsetCursor() override {}
@@ -110,7 +101,5 @@ private:
     Repository& m_repository;
     std::map<int, Block> m_nodes;
 };
-
-using FakePageHost = FakeHost<BlocksPageHost>;
 
 } // namespace LibraryBrowser::Testing
