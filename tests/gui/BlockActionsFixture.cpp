@@ -10,7 +10,6 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QTest>
-#include <QTimer>
 #include <QWindow>
 
 namespace LibraryBrowser::Testing {
@@ -124,27 +123,6 @@ BlockActionsFixture::MenuEntry BlockActionsFixture::editMenuAddEntry()
     edit->hide();
     settle();
     return entry;
-}
-
-QStringList BlockActionsFixture::menuOpenedBy(const std::function<void()>& action)
-{
-    QStringList entries;
-    QTimer closer;
-    closer.setInterval(0);
-    QObject::connect(&closer, &QTimer::timeout, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu)
-            return;
-        for (const QAction* entry : menu->actions())
-            if (!entry->isSeparator())
-                entries.append(entry->text());
-        menu->close();
-    });
-    closer.start();
-    action();
-    settle();
-    closer.stop();
-    return entries;
 }
 
 } // namespace LibraryBrowser::Testing

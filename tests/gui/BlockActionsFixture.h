@@ -9,7 +9,6 @@
 #include <QPoint>
 #include <QStringList>
 
-#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -70,10 +69,6 @@ protected:
         bool enabled = false;
     };
     MenuEntry editMenuAddEntry();
-
-    // The entries of any popup menu that opens while the action runs; the
-    // menu is closed without a choice.
-    static QStringList menuOpenedBy(const std::function<void()>& action);
 
     // What the user saw in the status bar, and what the host was asked,
     // since the mark.

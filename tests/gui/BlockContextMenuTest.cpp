@@ -2,7 +2,7 @@
 // and system in front; the window's host commands against the embedded host:
 // what reaches the host, and the warnings muted while they run.
 
-#include "PageTestSupport.h"
+#include "BrowserWindowFixture.h"
 
 #include "gui/BlockContextMenu.h"
 #include "gui/BrowserHostCommands.h"
@@ -17,7 +17,7 @@ namespace {
 
 using Action = BlockContextMenu::Action;
 
-class BlockContextMenuTest : public ::testing::Test {
+class BlockContextMenuTest : public BrowserWindowFixture {
 protected:
     static std::vector<std::string> labels(const std::vector<BlockContextMenu::Entry>& entries)
     {
@@ -27,14 +27,11 @@ protected:
                             (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]"));
         return texts;
     }
-    ExampleRootSession session;
-    FakePageHost host{session.repository()};
-    GuiBlock gain{&host, session.object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
-    GuiSubsystem routing{&host, session.object("switchyard/Routing").toBlock(), nullptr};
 };
 
 TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
 {
+    GuiBlock gain{&open(), session().object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
     const OpenSystemState none;
     const OpenSystemState model{"untitled", ModelType::Model, false};
     const OpenSystemState lockedLibrary{"arithmetica", ModelType::Library, true};
@@ -54,6 +51,7 @@ TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
 
 TEST_F(BlockContextMenuTest, ASubsystemsMenuOpensItsLibrary)
 {
+    GuiSubsystem routing{&open(), session().object("switchyard/Routing").toBlock(), nullptr};
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, false, true, {})),
               (std::vector<std::string>{"Go to parent", "-- Open Routing library"}));
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, false, false, {})),

@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QMenu>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace LibraryBrowser::Testing {
 
@@ -29,6 +31,27 @@ void BrowserWindowFixture::settle(int milliseconds)
     do
         QApplication::processEvents(QEventLoop::AllEvents, 10);
     while (clock.elapsed() < milliseconds);
+}
+
+QStringList BrowserWindowFixture::menuOpenedBy(const std::function<void()>& action)
+{
+    QStringList entries;
+    QTimer closer;
+    closer.setInterval(0);
+    QObject::connect(&closer, &QTimer::timeout, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        for (const QAction* entry : menu->actions())
+            if (!entry->isSeparator())
+                entries.append(entry->text());
+        menu->close();
+    });
+    closer.start();
+    action();
+    settle();
+    closer.stop();
+    return entries;
 }
 
 } // namespace LibraryBrowser::Testing

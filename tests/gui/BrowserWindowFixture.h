@@ -12,6 +12,7 @@
 #include <QMainWindow>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -51,6 +52,9 @@ protected:
     // What the user saw in the status bar since the window opened.
     QStringList statusTexts() const { return *m_statusTexts; }
     QDockWidget* dock(const char* name) const { return m_browser->window()->findChild<QDockWidget*>(name); }
+    // The entries of any popup menu that opens while the action runs; the
+    // menu is closed without a choice.
+    static QStringList menuOpenedBy(const std::function<void()>& action);
     // Lets timers and queued events run for a while.
     static void settle(int milliseconds = 0);
 
