@@ -35,24 +35,19 @@ protected:
         QTest::keyClicks(edit, text);
         QTest::keyClick(edit, Qt::Key_Return);
     }
-    QStringList history() const
+    QStringList history()
     {
         QStringList items;
-        for (int i = 0; i < m_window->searchComboBox()->count(); ++i)
-            items.append(m_window->searchComboBox()->itemText(i));
+        for (int i = 0; i < browser().searchComboBox()->count(); ++i)
+            items.append(browser().searchComboBox()->itemText(i));
         return items;
     }
-    QString resultsTabTitle() const
-    {
-        return m_window->window()->findChild<QTabWidget*>("LBTabContainer")->tabText(1);
-    }
+    QString resultsTabTitle() { return browser().window()->findChild<QTabWidget*>("LBTabContainer")->tabText(1); }
     void SetUp() override
     {
         BrowserWindowFixture::SetUp();
-        m_window = &open();
+        open();
     }
-
-    StandaloneBrowser* m_window = nullptr;
 };
 
 // The walk names each library as it goes and gives a section per library in
