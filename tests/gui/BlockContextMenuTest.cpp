@@ -40,9 +40,9 @@ TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, false, true, none)),
               (std::vector<std::string>{"Add to a new model [Ctrl+I]", "Help for the Gain block", "Go to parent",
                                         "-- Block parameters"}));
-    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, model).front().label, "Add to untitled");
-    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, lockedLibrary).front().label, "Add to a new model");
-    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, library).front().label, "Add to Library: mylib");
+    for (const auto& [state, label] : {std::pair{model, "Add to untitled"}, {lockedLibrary, "Add to a new model"},
+                                       {library, "Add to Library: mylib"}})
+        EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, state).front().label, label);
     // On the results page the way back to the library replaces the parent.
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, true, true, model)),
               (std::vector<std::string>{"Add to untitled [Ctrl+I]", "Help for the Gain block",
