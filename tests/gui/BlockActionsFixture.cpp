@@ -1,6 +1,5 @@
 #include "BlockActionsFixture.h"
 
-#include "ModelWindows.h"
 #include "gui/BlocksPanel.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
@@ -11,7 +10,6 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QTest>
-#include <QTimer>
 #include <QWindow>
 
 namespace LibraryBrowser::Testing {
@@ -29,28 +27,11 @@ void BlockActionsFixture::SetUp()
     settle();
 }
 
-void BlockActionsFixture::TearDown()
-{
-    call("private_td_close_block_dialogs");
-    BrowserWindowFixture::TearDown();
-}
-
-HostInterpreter::CallResult BlockActionsFixture::call(const std::string& command, std::vector<HostValue> inputs,
-                                                      int outputs)
-{
-    return session().host().callWithTrap(command, outputs, inputs);
-}
-
 std::string BlockActionsFixture::newSystem(const char* type)
 {
     const auto result = call("private_td_new_system", {HostValue::string(type)}, 1);
     EXPECT_TRUE(result.ok) << result.errorMessage;
     return result.ok ? result.outputs.front().toString() : std::string();
-}
-
-Host::ModelWindow* BlockActionsFixture::modelWindow(const std::string& name)
-{
-    return session().host().modelWindows()->window(name);
 }
 
 QStringList BlockActionsFixture::blocksOf(const std::string& system)
@@ -60,13 +41,6 @@ QStringList BlockActionsFixture::blocksOf(const std::string& system)
         for (const Host::BlockRecord& block : open->document.blocks)
             names.append(QString::fromStdString(block.name));
     return names;
-}
-
-void BlockActionsFixture::placeBesideBrowser(Host::ModelWindow* window)
-{
-    const QRect browserFrame = browser().window()->frameGeometry();
-    window->move(browserFrame.right() + 30, browserFrame.top());
-    settle();
 }
 
 StandaloneBrowser& BlockActionsFixture::openOn(const std::string& node)
@@ -88,12 +62,6 @@ GuiBlock* BlockActionsFixture::tile(const std::string& displayPath)
     GuiBlock* found = browser().libraryPage()->getBlockByPathName(displayPath);
     EXPECT_NE(found, nullptr) << displayPath;
     return found;
-}
-
-void BlockActionsFixture::mark()
-{
-    m_statusMark = int(statusTexts().size());
-    m_commandMark = session().host().commandLog().entries().size();
 }
 
 QStringList BlockActionsFixture::commandsSinceMark()
@@ -155,27 +123,6 @@ BlockActionsFixture::MenuEntry BlockActionsFixture::editMenuAddEntry()
     edit->hide();
     settle();
     return entry;
-}
-
-QStringList BlockActionsFixture::menuOpenedBy(const std::function<void()>& action)
-{
-    QStringList entries;
-    QTimer closer;
-    closer.setInterval(0);
-    QObject::connect(&closer, &QTimer::timeout, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu)
-            return;
-        for (const QAction* entry : menu->actions())
-            if (!entry->isSeparator())
-                entries.append(entry->text());
-        menu->close();
-    });
-    closer.start();
-    action();
-    settle();
-    closer.stop();
-    return entries;
 }
 
 } // namespace LibraryBrowser::Testing

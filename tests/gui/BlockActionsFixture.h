@@ -3,12 +3,12 @@
 #include "BrowserWindowFixture.h"
 
 #include "ModelWindow.h"
+#include "ModelWindows.h"
 #include "platform/HostInterpreter.h"
 
 #include <QPoint>
 #include <QStringList>
 
-#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -28,17 +28,27 @@ namespace LibraryBrowser::Testing {
 class BlockActionsFixture : public BrowserWindowFixture {
 protected:
     void SetUp() override;
-    void TearDown() override;
+    void TearDown() override
+    {
+        call("private_td_close_block_dialogs");
+        BrowserWindowFixture::TearDown();
+    }
 
-    HostInterpreter::CallResult call(const std::string& command, std::vector<HostValue> inputs = {},
-                                     int outputs = 0);
+    HostInterpreter::CallResult call(const std::string& command, std::vector<HostValue> inputs = {}, int outputs = 0)
+    {
+        return session().host().callWithTrap(command, outputs, inputs);
+    }
     // A new untitled system of the type ("Model" or "Library"); its name.
     std::string newSystem(const char* type);
-    Host::ModelWindow* modelWindow(const std::string& name);
+    Host::ModelWindow* modelWindow(const std::string& name) { return session().host().modelWindows()->window(name); }
     // The blocks of an open system as the host holds them.
     QStringList blocksOf(const std::string& system);
     // Places the model window to the right of the browser, clear of it.
-    void placeBesideBrowser(Host::ModelWindow* window);
+    void placeBesideBrowser(Host::ModelWindow* window)
+    {
+        window->move(browser().window()->frameGeometry().topRight() + QPoint(30, 0));
+        settle();
+    }
 
     // The browser on the tree node; the tile of the block on its page.
     StandaloneBrowser& openOn(const std::string& node);
@@ -60,13 +70,13 @@ protected:
     };
     MenuEntry editMenuAddEntry();
 
-    // The entries of any popup menu that opens while the action runs; the
-    // menu is closed without a choice.
-    static QStringList menuOpenedBy(const std::function<void()>& action);
-
     // What the user saw in the status bar, and what the host was asked,
     // since the mark.
-    void mark();
+    void mark()
+    {
+        m_statusMark = int(statusTexts().size());
+        m_commandMark = session().host().commandLog().entries().size();
+    }
     QStringList statusSinceMark() const { return statusTexts().mid(m_statusMark); }
     QStringList commandsSinceMark();
 

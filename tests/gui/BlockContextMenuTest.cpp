@@ -2,7 +2,7 @@
 // and system in front; the window's host commands against the embedded host:
 // what reaches the host, and the warnings muted while they run.
 
-#include "PageTestSupport.h"
+#include "BrowserWindowFixture.h"
 
 #include "gui/BlockContextMenu.h"
 #include "gui/BrowserHostCommands.h"
@@ -17,7 +17,7 @@ namespace {
 
 using Action = BlockContextMenu::Action;
 
-class BlockContextMenuTest : public ::testing::Test {
+class BlockContextMenuTest : public BrowserWindowFixture {
 protected:
     static std::vector<std::string> labels(const std::vector<BlockContextMenu::Entry>& entries)
     {
@@ -27,14 +27,11 @@ protected:
                             (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]"));
         return texts;
     }
-    ExampleRootSession session;
-    FakePageHost host{session.repository()};
-    GuiBlock gain{&host, session.object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
-    GuiSubsystem routing{&host, session.object("switchyard/Routing").toBlock(), nullptr};
 };
 
 TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
 {
+    GuiBlock gain{&open(), session().object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
     const OpenSystemState none;
     const OpenSystemState model{"untitled", ModelType::Model, false};
     const OpenSystemState lockedLibrary{"arithmetica", ModelType::Library, true};
@@ -43,9 +40,9 @@ TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, false, true, none)),
               (std::vector<std::string>{"Add to a new model [Ctrl+I]", "Help for the Gain block", "Go to parent",
                                         "-- Block parameters"}));
-    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, model).front().label, "Add to untitled");
-    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, lockedLibrary).front().label, "Add to a new model");
-    EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, library).front().label, "Add to Library: mylib");
+    for (const auto& [state, label] : {std::pair{model, "Add to untitled"}, {lockedLibrary, "Add to a new model"},
+                                       {library, "Add to Library: mylib"}})
+        EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, state).front().label, label);
     // On the results page the way back to the library replaces the parent.
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, true, true, model)),
               (std::vector<std::string>{"Add to untitled [Ctrl+I]", "Help for the Gain block",
@@ -54,6 +51,7 @@ TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
 
 TEST_F(BlockContextMenuTest, ASubsystemsMenuOpensItsLibrary)
 {
+    GuiSubsystem routing{&open(), session().object("switchyard/Routing").toBlock(), nullptr};
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, false, true, {})),
               (std::vector<std::string>{"Go to parent", "-- Open Routing library"}));
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, false, false, {})),

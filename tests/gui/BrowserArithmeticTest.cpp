@@ -24,11 +24,7 @@ ScreenLayout oneScreen(int width = 1920, int height = 1080)
 
 TEST(BrowserLayoutRulesTest, ASavedWindowIsBroughtBackOntoASingleScreen)
 {
-    struct Case {
-        QRect saved;
-        QRect expected;
-    };
-    const Case cases[] = {
+    const std::pair<QRect, QRect> cases[] = {
         // Fits: untouched.
         {{32, 64, 600, 640}, {32, 64, 600, 640}},
         // Beyond the width less 80: back to x 32, and clipped to what is left.
@@ -44,8 +40,8 @@ TEST(BrowserLayoutRulesTest, ASavedWindowIsBroughtBackOntoASingleScreen)
         // Below the height less 120: back to y 64.
         {{100, 1000, 600, 640}, {100, 64, 600, 640}},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(fitBrowserOnScreens(c.saved, oneScreen()), c.expected) << c.saved.x() << "," << c.saved.y();
+    for (const auto& [saved, expected] : cases)
+        EXPECT_EQ(fitBrowserOnScreens(saved, oneScreen()), expected) << saved.x() << "," << saved.y();
 }
 
 TEST(BrowserLayoutRulesTest, ASecondScreenKeepsAWindowThatWasOnIt)
@@ -65,12 +61,13 @@ TEST(BrowserLayoutRulesTest, ASecondScreenKeepsAWindowThatWasOnIt)
 
 TEST(BrowserLayoutRulesTest, DescriptionTextGoesWhereItHasMoreRoom)
 {
-    // A wide, low panel: beside the icon.
-    EXPECT_FALSE(BrowserLayoutRules::isDescriptionTextBelow(QSize(600, 90), 5, 4, 60, 60));
-    // A narrow, tall panel: below it.
-    EXPECT_TRUE(BrowserLayoutRules::isDescriptionTextBelow(QSize(150, 400), 5, 4, 60, 60));
-    // Equal areas: below.
-    EXPECT_TRUE(BrowserLayoutRules::isDescriptionTextBelow(QSize(100, 100), 0, 0, 50, 50));
+    // A wide, low panel: beside the icon; a narrow, tall one: below it; equal
+    // areas: below.
+    using BrowserLayoutRules::isDescriptionTextBelow;
+    EXPECT_EQ((std::vector<bool>{isDescriptionTextBelow(QSize(600, 90), 5, 4, 60, 60),
+                                 isDescriptionTextBelow(QSize(150, 400), 5, 4, 60, 60),
+                                 isDescriptionTextBelow(QSize(100, 100), 0, 0, 50, 50)}),
+              (std::vector<bool>{false, true, true}));
 }
 
 TEST(SearchHistoryTest, TextsAreTrimmedAndNeedTwoCharacters)
@@ -104,13 +101,8 @@ TEST(SearchHistoryTest, ATextSearchedAgainKeepsItsPlaceAndOnlyAFailedOneLeaves)
 
 TEST(NameWrapTest, NamesWrapWhereAReaderExpectsBeforeAnywhereElse)
 {
-    struct Case {
-        const char* name;
-        int width;
-        QStringList lines;
-    };
     // One unit per character; two lines at most, the second keeps the rest.
-    const Case cases[] = {
+    const std::tuple<const char*, int, QStringList> cases[] = {
         {"Gain", 10, {"Gain"}},
         {"Transport Delay", 10, {"Transport", "Delay"}},
         {"Integrator Limited", 12, {"Integrator", "Limited"}},
@@ -124,8 +116,8 @@ TEST(NameWrapTest, NamesWrapWhereAReaderExpectsBeforeAnywhereElse)
         {"Unit  Delay ", 5, {"Unit", "Delay"}},
     };
     const auto widthOf = [](const QString& text) { return int(text.size()); };
-    for (const Case& c : cases)
-        EXPECT_EQ(NameWrap::wrapName(c.name, c.width, 2, widthOf), c.lines) << c.name << " in " << c.width;
+    for (const auto& [name, width, lines] : cases)
+        EXPECT_EQ(NameWrap::wrapName(name, width, 2, widthOf), lines) << name << " in " << width;
     EXPECT_EQ(NameWrap::wrapName("Discrete Transfer Fcn", 9, 3, widthOf),
               (QStringList{"Discrete", "Transfer", "Fcn"}));
 }

@@ -39,14 +39,12 @@ TEST_F(BrowserPreferencesTest, EveryTypeRoundTripsThroughTheFile)
     EXPECT_TRUE(text.contains("LBColorSearchResultsBackgroundTop=0.25, 0.5, 0.75, 1"));
 
     const BrowserPreferences prefs(file());
-    EXPECT_EQ(prefs.getString(PrefKey::LBLayout), "List");
-    EXPECT_EQ(prefs.getString(PrefKey::LBFontFamily), "Noto Sans, Bold");
-    EXPECT_EQ(prefs.getInt(PrefKey::LBFontSize), 14);
-    EXPECT_FALSE(prefs.getBool(PrefKey::LBShowBlockDesc));
-    EXPECT_EQ(prefs.getRect(PrefKey::LBGeometry4Window), QRect(-10, 20, 800, 700));
-    EXPECT_EQ(prefs.getStringList(PrefKey::LBSearchHistory), (QStringList{"gain", "a, b", "sum"}));
-    EXPECT_EQ(prefs.getColor(PrefKey::LBColorSearchResultsBackgroundTop),
-              QColor::fromRgbF(0.25f, 0.5f, 0.75f, 1));
+    EXPECT_EQ(std::make_tuple(prefs.getString(PrefKey::LBLayout), prefs.getString(PrefKey::LBFontFamily),
+                              prefs.getInt(PrefKey::LBFontSize), prefs.getBool(PrefKey::LBShowBlockDesc),
+                              prefs.getRect(PrefKey::LBGeometry4Window), prefs.getStringList(PrefKey::LBSearchHistory),
+                              prefs.getColor(PrefKey::LBColorSearchResultsBackgroundTop)),
+              std::make_tuple(QString("List"), QString("Noto Sans, Bold"), 14, false, QRect(-10, 20, 800, 700),
+                              QStringList{"gain", "a, b", "sum"}, QColor::fromRgbF(0.25f, 0.5f, 0.75f, 1)));
 }
 
 // What can't be read, like what isn't there, is the default.
@@ -58,12 +56,11 @@ TEST_F(BrowserPreferencesTest, UnreadableValuesFallBackToTheDefaults)
              "LBGeometry4Blocks=a, b, c, d\n"
              "LBColorBlocksDescriptionBackground=0.5, 2, 0, 1\n");
     const BrowserPreferences prefs(file());
-    EXPECT_EQ(prefs.getInt(PrefKey::LBTreeSelectionTimeout), 111);
-    EXPECT_TRUE(prefs.getBool(PrefKey::LBShowBlockDesc));
-    EXPECT_EQ(prefs.getRect(PrefKey::LBGeometry4Window), QRect(32, 64, 600, 640));
-    EXPECT_EQ(prefs.getRect(PrefKey::LBGeometry4Blocks), QRect(0, 0, 390, 410));
-    EXPECT_EQ(prefs.getColor(PrefKey::LBColorBlocksDescriptionBackground), QColor(Qt::white));
-    EXPECT_TRUE(prefs.getStringList(PrefKey::LBSearchHistory).isEmpty());
+    EXPECT_EQ(std::make_tuple(prefs.getInt(PrefKey::LBTreeSelectionTimeout), prefs.getBool(PrefKey::LBShowBlockDesc),
+                              prefs.getRect(PrefKey::LBGeometry4Window), prefs.getRect(PrefKey::LBGeometry4Blocks),
+                              prefs.getColor(PrefKey::LBColorBlocksDescriptionBackground),
+                              prefs.getStringList(PrefKey::LBSearchHistory)),
+              std::make_tuple(111, true, QRect(32, 64, 600, 640), QRect(0, 0, 390, 410), QColor(Qt::white), QStringList()));
     // The library page's bottom shares its default with the results page's.
     EXPECT_EQ(prefs.getColor(PrefKey::LBColorLibraryBlocksBackgroundBot),
               prefs.getColor(PrefKey::LBColorSearchResultsBackgroundBot));
@@ -72,9 +69,9 @@ TEST_F(BrowserPreferencesTest, UnreadableValuesFallBackToTheDefaults)
 TEST(BrowserPreferenceWords, LayoutIconSizeAndFontSizeRules)
 {
     // Words are exact; what isn't one is the default, and Model is not offered.
-    EXPECT_EQ(BrowserPreferences::layoutFromWord("List"), LayoutType::List);
-    EXPECT_EQ(BrowserPreferences::layoutFromWord("Model"), LayoutType::Grid);
-    EXPECT_EQ(BrowserPreferences::layoutFromWord("list"), LayoutType::Grid);
+    EXPECT_EQ((std::vector<LayoutType>{BrowserPreferences::layoutFromWord("List"), BrowserPreferences::layoutFromWord("Model"),
+                                       BrowserPreferences::layoutFromWord("list")}),
+              (std::vector<LayoutType>{LayoutType::List, LayoutType::Grid, LayoutType::Grid}));
     EXPECT_EQ(BrowserPreferences::iconSizeFromWord("Huge"), IconSize::Compact);
     for (IconSize size : {IconSize::Compact, IconSize::Small, IconSize::Medium, IconSize::Large})
         EXPECT_EQ(BrowserPreferences::iconSizeFromWord(BrowserPreferences::wordOf(size)), size);

@@ -1,38 +1,14 @@
 #include "BrowserWindowFixture.h"
 
-#include "gui/BrowserPreferences.h"
-#include "gui/LibraryTreeView.h"
-
 #include <QApplication>
-#include <QDockWidget>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QMainWindow>
+#include <QMenu>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace LibraryBrowser::Testing {
 
 ExampleRootSession* BrowserWindowFixture::s_session = nullptr;
-
-void BrowserWindowFixture::SetUpTestSuite() { s_session = new ExampleRootSession(); }
-
-void BrowserWindowFixture::TearDownTestSuite()
-{
-    delete s_session;
-    s_session = nullptr;
-}
-
-void BrowserWindowFixture::SetUp()
-{
-    BrowserUtils::setScreenDPIOverride(96);
-    QFile::remove(preferencesFile());
-}
-
-void BrowserWindowFixture::TearDown()
-{
-    m_browser.reset();
-    BrowserUtils::setScreenDPIOverride(0);
-}
 
 StandaloneBrowser& BrowserWindowFixture::open()
 {
@@ -48,21 +24,6 @@ StandaloneBrowser& BrowserWindowFixture::open()
     return *m_browser;
 }
 
-QString BrowserWindowFixture::preferencesFile() { return BrowserPreferences::defaultFileName(); }
-
-QDockWidget* BrowserWindowFixture::dock(const char* name) const
-{
-    return m_browser->window()->findChild<QDockWidget*>(name);
-}
-
-QStringList BrowserWindowFixture::treeTopLevel() const
-{
-    QStringList labels;
-    for (int i = 0; i < m_browser->tree()->topLevelItemCount(); ++i)
-        labels.append(m_browser->tree()->topLevelItem(i)->text(0));
-    return labels;
-}
-
 void BrowserWindowFixture::settle(int milliseconds)
 {
     QElapsedTimer clock;
@@ -70,6 +31,27 @@ void BrowserWindowFixture::settle(int milliseconds)
     do
         QApplication::processEvents(QEventLoop::AllEvents, 10);
     while (clock.elapsed() < milliseconds);
+}
+
+QStringList BrowserWindowFixture::menuOpenedBy(const std::function<void()>& action)
+{
+    QStringList entries;
+    QTimer closer;
+    closer.setInterval(0);
+    QObject::connect(&closer, &QTimer::timeout, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        for (const QAction* entry : menu->actions())
+            if (!entry->isSeparator())
+                entries.append(entry->text());
+        menu->close();
+    });
+    closer.start();
+    action();
+    settle();
+    closer.stop();
+    return entries;
 }
 
 } // namespace LibraryBrowser::Testing

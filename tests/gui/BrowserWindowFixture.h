@@ -2,16 +2,19 @@
 
 #include "PageTestSupport.h"
 
+#include "gui/BrowserPreferences.h"
 #include "gui/StandaloneBrowser.h"
 
 #include <gtest/gtest.h>
 
+#include <QDockWidget>
+#include <QFile>
+#include <QMainWindow>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <string>
-
-class QDockWidget;
 
 namespace LibraryBrowser::Testing {
 
@@ -20,10 +23,22 @@ namespace LibraryBrowser::Testing {
 // store are made once per suite; each test gets a new window.
 class BrowserWindowFixture : public ::testing::Test {
 protected:
-    static void SetUpTestSuite();
-    static void TearDownTestSuite();
-    void SetUp() override;
-    void TearDown() override;
+    static void SetUpTestSuite() { s_session = new ExampleRootSession(); }
+    static void TearDownTestSuite()
+    {
+        delete s_session;
+        s_session = nullptr;
+    }
+    void SetUp() override
+    {
+        BrowserUtils::setScreenDPIOverride(96);
+        QFile::remove(preferencesFile());
+    }
+    void TearDown() override
+    {
+        m_browser.reset();
+        BrowserUtils::setScreenDPIOverride(0);
+    }
 
     // A window on the suite's repository, shown; the preferences file holds
     // what the test wrote before.
@@ -32,13 +47,14 @@ protected:
     StandaloneBrowser& browser() { return *m_browser; }
 
     // The preferences file as the browser reads and writes it.
-    static QString preferencesFile();
+    static QString preferencesFile() { return BrowserPreferences::defaultFileName(); }
 
     // What the user saw in the status bar since the window opened.
     QStringList statusTexts() const { return *m_statusTexts; }
-    QDockWidget* dock(const char* name) const;
-    // Top-level labels of the tree, as shown.
-    QStringList treeTopLevel() const;
+    QDockWidget* dock(const char* name) const { return m_browser->window()->findChild<QDockWidget*>(name); }
+    // The entries of any popup menu that opens while the action runs; the
+    // menu is closed without a choice.
+    static QStringList menuOpenedBy(const std::function<void()>& action);
     // Lets timers and queued events run for a while.
     static void settle(int milliseconds = 0);
 

@@ -1,220 +1,171 @@
-// The library page on the example root, driven as a user would: keys and
-// clicks on the real widgets, offscreen.
+// The library page of the real window on the example root, driven as a user
+// would: keys and clicks on the page's widgets, offscreen.
 
-#include "PageTestSupport.h"
+#include "BrowserWindowFixture.h"
 
 #include "gui/BlocksPanel.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTabWidget>
 #include <QTest>
-
-#include <gtest/gtest.h>
 
 namespace LibraryBrowser::Testing {
 namespace {
 
-class LibraryBlocksPageTest : public ::testing::Test {
+class LibraryBlocksPageTest : public BrowserWindowFixture {
 protected:
-    static void SetUpTestSuite() { session = new ExampleRootSession(); }
-    static void TearDownTestSuite()
+    // The window in the layout and icon size, as wide as gives the page's
+    // view the width, on the node.
+    LibraryBlocksPage& showNode(const std::string& path, int viewWidth, LayoutType layout = LayoutType::Grid,
+                                IconSize size = IconSize::Small)
     {
-        delete session;
-        session = nullptr;
+        StandaloneBrowser& window = open();
+        window.setLayout(layout);
+        window.setIconSize(size);
+        resizeView(viewWidth);
+        window.internalOpenSubsystemInTree(path);
+        settle();
+        return *window.libraryPage();
     }
-
-    void SetUp() override
+    void resizeView(int width)
     {
-        BrowserUtils::setScreenDPIOverride(96);
-        host = std::make_unique<FakePageHost>(session->repository());
-        page = std::make_unique<LibraryBlocksPage>(*host, host->layout, host->iconSize, host->font, Qt::white);
-        host->currentPage = page.get();
-        // Three columns of small grid tiles: 273 to 361 pixels of view.
-        view()->resize(320 + 2 * view()->frameWidth(), 420);
-        view()->show();
-        QApplication::processEvents();
+        QWidget* top = browser().window();
+        top->resize(top->width() + width - view()->viewport()->width(), 600);
+        settle();
     }
-    void TearDown() override { BrowserUtils::setScreenDPIOverride(0); }
-
-    QScrollArea* view() { return page->getScrollView(); }
-
-    void showNode(const std::string& path)
+    QScrollArea* view() { return browser().libraryPage()->getScrollView(); }
+    std::string selected()
     {
-        host->currentNode = host->addNode(session->object(path));
-        page->updateBlocks(host->currentNode);
-        QApplication::processEvents();
-    }
-
-    std::string selected() const
-    {
-        const GuiBlock* tile = page->getSelectedBlock();
+        const GuiBlock* tile = browser().libraryPage()->getSelectedBlock();
         return tile ? tile->getDisplayName() : "";
     }
-
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
         QTest::keyClick(view(), Qt::Key(key), modifiers);
     }
-
-    static ExampleRootSession* session;
-    std::unique_ptr<FakePageHost> host;
-    std::unique_ptr<LibraryBlocksPage> page;
 };
 
-ExampleRootSession* LibraryBlocksPageTest::session = nullptr;
+const std::string ports = "Tandril/Ports & Subsystems";
+const std::string signalAttributes = "Tandril/Signal Attributes";
 
-const char* const signalAttributes = "tandril/Signal Attributes";
-
-TEST_F(LibraryBlocksPageTest, ShowsTheNodeWithItsLabelStatusAndFirstTileSelected)
+// A node's page: its label, status and first tile selected, subsystems
+// first; initials cycle; the menu keys open the selected tile's menu; the
+// mouse selects and a double click opens a subsystem in the tree, but not on
+// a page that isn't the window's current one.
+TEST_F(LibraryBlocksPageTest, ShowsTheNodeAndTheKeysAndTheMouseActOnIt)
 {
-    showNode("tandril/Ports & Subsystems");
-    EXPECT_EQ(host->tabLabel, "Library: Tandril/Ports && Subsystems");
-    EXPECT_EQ(host->status, "Showing: Tandril/Ports & Subsystems");
-    // Subsystems come first, then the plain blocks, each in library order.
-    const std::vector<std::string> paths = page->getBlocksDisplayPathNames();
+    LibraryBlocksPage& page = showNode(ports, 320);
+    StandaloneBrowser& window = browser();
+    EXPECT_EQ(window.window()->findChild<QTabWidget*>("LBTabContainer")->tabText(0),
+              "Library: Tandril/Ports && Subsystems");
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Showing: " + ports);
+    const std::vector<std::string> paths = page.getBlocksDisplayPathNames();
     ASSERT_EQ(paths.size(), 6u);
+    const std::string container = ports + "/Container";
+    const std::string input = ports + "/Input Port";
     EXPECT_EQ(std::vector<std::string>(paths.begin(), paths.begin() + 3),
-              (std::vector<std::string>{"Tandril/Ports & Subsystems/Container",
-                                        "Tandril/Ports & Subsystems/Conditional Container",
-                                        "Tandril/Ports & Subsystems/Input Port"}));
+              (std::vector<std::string>{container, ports + "/Conditional Container", input}));
     EXPECT_EQ(selected(), "Container");
-    EXPECT_EQ(host->description, paths[0]);
-    EXPECT_TRUE(page->getBlockByPathName(paths[1])->isSubsystem());
-    EXPECT_FALSE(page->getBlockByPathName(paths[2])->isSubsystem());
-}
+    EXPECT_TRUE(window.descriptionText()->text().startsWith("<b>Tandril/Ports &amp; Subsystems/Container</b>"));
+    EXPECT_TRUE(page.getBlockByPathName(paths[1])->isSubsystem());
+    EXPECT_FALSE(page.getBlockByPathName(paths[2])->isSubsystem());
 
-TEST_F(LibraryBlocksPageTest, KeyboardMovesInAGridOfSevenInThreeColumns)
-{
-    showNode(signalAttributes);
-    ASSERT_EQ(page->getNumIconCols(), 3);
-    const std::vector<std::string> paths = page->getBlocksDisplayPathNames();
-    ASSERT_EQ(paths.size(), 7u);
-    auto at = [&](int index) { return page->getBlockByPathName(paths[index])->getDisplayName(); };
+    for (const auto& [key, modifiers, expected] : {std::tuple{Qt::Key_C, Qt::NoModifier, "Conditional Container"},
+                                                   {Qt::Key_O, Qt::ShiftModifier, "Output Port"},
+                                                   {Qt::Key_Q, Qt::NoModifier, "Output Port"}}) {
+        press(key, modifiers);
+        EXPECT_EQ(selected(), expected) << char(key);
+    }
+    EXPECT_TRUE(menuOpenedBy([&] { press(Qt::Key_F10); }).isEmpty());
+    for (const auto& [key, modifiers] : {std::pair{Qt::Key_F10, Qt::ShiftModifier}, {Qt::Key_Menu, Qt::NoModifier}})
+        EXPECT_TRUE(menuOpenedBy([&] { press(key, modifiers); }).contains("Help for the Output Port block")) << key;
 
-    // Where each move lands is SelectionMoves' to pin; here each key reaches
-    // its move with the page's columns.
-    press(Qt::Key_Right);
-    press(Qt::Key_Right);
-    EXPECT_EQ(selected(), at(2));
-    press(Qt::Key_Down);
-    EXPECT_EQ(selected(), at(5));
-    press(Qt::Key_Up);
-    press(Qt::Key_Left);
-    EXPECT_EQ(selected(), at(1));
-    press(Qt::Key_End);
-    EXPECT_EQ(selected(), at(6));
-    press(Qt::Key_Home);
-    EXPECT_EQ(selected(), at(0));
-    // Control or Alt leave the page's keys alone.
-    press(Qt::Key_End, Qt::ControlModifier);
-    press(Qt::Key_Right, Qt::AltModifier);
-    EXPECT_EQ(selected(), at(0));
-    // Tab hands the focus to the search box.
-    press(Qt::Key_Tab);
-    EXPECT_EQ(host->searchFocusRequests, 1);
-}
-
-TEST_F(LibraryBlocksPageTest, InitialsCycleAndTheMenuKeysAskForTheSelectedTilesMenu)
-{
-    showNode("tandril/Ports & Subsystems");
-    press(Qt::Key_C);
-    EXPECT_EQ(selected(), "Conditional Container");
-    press(Qt::Key_O, Qt::ShiftModifier);
+    auto* panel = static_cast<BlocksPanel*>(page.getMainPanel());
+    const QPoint inputAt = page.getBlockByPathName(input)->geometry().center();
+    const QPoint containerAt = page.getBlockByPathName(container)->geometry().center();
+    window.selectTabByIndex(1);
+    QTest::mouseClick(panel, Qt::LeftButton, {}, inputAt);
+    QTest::mouseDClick(panel, Qt::LeftButton, {}, containerAt);
     EXPECT_EQ(selected(), "Output Port");
-    press(Qt::Key_Q);
-    EXPECT_EQ(selected(), "Output Port");
-
-    press(Qt::Key_F10);
-    EXPECT_TRUE(host->menus.empty());
-    press(Qt::Key_F10, Qt::ShiftModifier);
-    press(Qt::Key_Menu);
-    EXPECT_EQ(host->menus, (std::vector<std::string>{"Output Port", "Output Port"}));
-}
-
-TEST_F(LibraryBlocksPageTest, MouseSelectsAndADoubleClickOpensASubsystemInTheTree)
-{
-    showNode("tandril/Ports & Subsystems");
-    auto* panel = static_cast<BlocksPanel*>(page->getMainPanel());
-    const GuiBlock* input = page->getBlockByPathName("Tandril/Ports & Subsystems/Input Port");
-    QTest::mouseClick(panel, Qt::LeftButton, {}, input->geometry().center());
+    EXPECT_EQ(window.getCurrentTreeNode(), ports);
+    window.selectTabByIndex(0);
+    QTest::mouseClick(panel, Qt::LeftButton, {}, inputAt);
     EXPECT_EQ(selected(), "Input Port");
-
-    const GuiBlock* container = page->getBlockByPathName("Tandril/Ports & Subsystems/Container");
-    QTest::mouseDClick(panel, Qt::LeftButton, {}, container->geometry().center());
-    EXPECT_EQ(host->openedInTree, std::vector<std::string>{"Tandril/Ports & Subsystems/Container"});
-
-    // A page that isn't the window's current one ignores the mouse.
-    QTest::mouseClick(panel, Qt::LeftButton, {}, container->geometry().center());
-    host->currentPage = nullptr;
-    QTest::mouseClick(panel, Qt::LeftButton, {}, input->geometry().center());
-    QTest::mouseDClick(panel, Qt::LeftButton, {}, container->geometry().center());
-    EXPECT_EQ(selected(), "Container");
-    EXPECT_EQ(host->openedInTree.size(), 1u);
+    QTest::mouseDClick(panel, Qt::LeftButton, {}, containerAt);
+    EXPECT_EQ(window.getCurrentTreeNode(), container);
 }
 
-TEST_F(LibraryBlocksPageTest, AResizeReflowsTheSameTilesAndKeepsTheSelection)
+// Seven tiles in three columns: each key reaches its move (where each move
+// lands is SelectionMoves' to pin); a resize reflows the same tiles and keeps
+// the selection; another layout makes them anew and keeps it too; unknown
+// nodes change nothing.
+TEST_F(LibraryBlocksPageTest, KeysResizeAndRebuildInAGridOfSeven)
 {
-    showNode(signalAttributes);
+    LibraryBlocksPage& page = showNode(signalAttributes, 320);
+    ASSERT_EQ(page.getNumIconCols(), 3);
+    const std::vector<std::string> paths = page.getBlocksDisplayPathNames();
+    ASSERT_EQ(paths.size(), 7u);
+    const auto at = [&](int index) { return page.getBlockByPathName(paths[index])->getDisplayName(); };
+    const std::vector<std::tuple<std::vector<int>, Qt::KeyboardModifiers, int>> steps{
+        {{Qt::Key_Right, Qt::Key_Right}, Qt::NoModifier, 2}, {{Qt::Key_Down}, Qt::NoModifier, 5},
+        {{Qt::Key_Up, Qt::Key_Left}, Qt::NoModifier, 1},     {{Qt::Key_End}, Qt::NoModifier, 6},
+        {{Qt::Key_Home}, Qt::NoModifier, 0},                 {{Qt::Key_End}, Qt::ControlModifier, 0},
+        {{Qt::Key_Right}, Qt::AltModifier, 0},
+    };
+    for (const auto& [keys, modifiers, expected] : steps) {
+        for (int key : keys)
+            press(key, modifiers);
+        EXPECT_EQ(selected(), at(expected)) << keys.front() << " with " << modifiers;
+    }
+    browser().window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(browser().window()));
+    view()->setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), browser().searchComboBox()) << "Tab hands the focus to the search box";
+
     press(Qt::Key_End);
     const long long made = GuiBlock::instancesCreated();
-    const GuiBlock* third = page->getBlockByPathName(page->getBlocksDisplayPathNames()[2]);
+    const GuiBlock* third = page.getBlockByPathName(paths[2]);
     const QRect before = third->geometry();
-
-    view()->resize(230 + 2 * view()->frameWidth(), 420); // room for two columns
-    QApplication::processEvents();
-    EXPECT_EQ(page->getNumIconCols(), 2);
+    resizeView(230); // room for two columns
+    EXPECT_EQ(page.getNumIconCols(), 2);
     EXPECT_EQ(GuiBlock::instancesCreated(), made);
     EXPECT_EQ(third->geometry().topLeft(), QPoint(before.left() - 2 * (before.width() + 4), before.bottom() + 1 + 4));
-    EXPECT_EQ(selected(), page->getBlockByPathName(page->getBlocksDisplayPathNames()[6])->getDisplayName());
-
+    EXPECT_EQ(selected(), at(6));
     // Widening within the same columns changes nothing at all.
-    view()->resize(240 + 2 * view()->frameWidth(), 420);
-    QApplication::processEvents();
+    resizeView(240);
     EXPECT_EQ(third->geometry().topLeft(), QPoint(5, 5 + 98 + 4));
     EXPECT_EQ(GuiBlock::instancesCreated(), made);
-}
 
-TEST_F(LibraryBlocksPageTest, ASelectionSurvivesARebuildForAnotherLayout)
-{
-    showNode(signalAttributes);
     press(Qt::Key_T);
     EXPECT_EQ(selected(), "Terminator");
-    const long long made = GuiBlock::instancesCreated();
-    host->layout = LayoutType::List;
-    page->updateBlocks(host->currentNode);
-    EXPECT_GT(GuiBlock::instancesCreated(), made); // a new layout makes the tiles anew
+    browser().setLayout(LayoutType::List);
+    EXPECT_GT(GuiBlock::instancesCreated(), made);
     EXPECT_EQ(selected(), "Terminator");
-    EXPECT_EQ(page->getNumIconCols(), 1);
+    EXPECT_EQ(page.getNumIconCols(), 1);
+    page.updateBlocks(0);
+    page.updateBlocks(999999);
+    EXPECT_EQ(page.getBlocksDisplayPathNames(), paths);
 }
 
 TEST_F(LibraryBlocksPageTest, AWideNameInTheListGetsAHorizontalScrollBarNotACut)
 {
-    host->layout = LayoutType::List;
-    host->iconSize = IconSize::Large;
-    view()->resize(160, 420);
-    QApplication::processEvents();
-    showNode(signalAttributes);
-    const GuiBlock* widest = page->getBlockByPathName("Tandril/Signal Attributes/Signal Attributes");
-    const int nameWidth = BrowserUtils::getFontInfoStringWidth(host->font, widest->getDisplayName());
-    const TileMetrics& metrics = page->getTileMetrics();
+    LibraryBlocksPage& page = showNode(signalAttributes, 160, LayoutType::List, IconSize::Large);
+    const GuiBlock* widest = page.getBlockByPathName(signalAttributes + "/Signal Attributes");
+    const int nameWidth = BrowserUtils::getFontInfoStringWidth(browser().getGuiFont(), widest->getDisplayName());
+    const TileMetrics& metrics = page.getTileMetrics();
     EXPECT_GE(widest->geometry().width(), metrics.listWidthFor(nameWidth));
     EXPECT_GE(metrics.nameRect(widest->geometry().width()).width(), nameWidth);
     EXPECT_TRUE(view()->horizontalScrollBar()->isVisible());
     // Every item is as wide as the widest, so the selection bar runs to the edge.
-    for (const std::string& path : page->getBlocksDisplayPathNames())
-        EXPECT_EQ(page->getBlockByPathName(path)->geometry().width(), widest->geometry().width());
-}
-
-TEST_F(LibraryBlocksPageTest, UnknownNodesChangeNothing)
-{
-    showNode(signalAttributes);
-    const std::vector<std::string> shown = page->getBlocksDisplayPathNames();
-    page->updateBlocks(0);
-    page->updateBlocks(999);
-    EXPECT_EQ(page->getBlocksDisplayPathNames(), shown);
+    for (const std::string& path : page.getBlocksDisplayPathNames())
+        EXPECT_EQ(page.getBlockByPathName(path)->geometry().width(), widest->geometry().width());
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "PageTestSupport.h"
 
 #include "ModelWindows.h"
+#include "support/Files.h"
 
 #include <QAction>
 #include <QApplication>
@@ -15,6 +16,8 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QTemporaryDir>
+
+#include <map>
 
 #include <gtest/gtest.h>
 
@@ -55,7 +58,6 @@ protected:
     }
     Host::ModelWindows& windows() { return *session.host().modelWindows(); }
     Host::ModelWindow* window(const std::string& name) { return windows().window(name); }
-    const Host::OpenSystem* system(const std::string& name) { return session.host().systems().find(name); }
     // Drops the block where the model point of the window lies on the screen.
     void dropAt(const std::string& block, const std::string& model, QPoint modelPoint)
     {
@@ -64,20 +66,15 @@ protected:
                                                    HostValue::doubleMatrix(1, 2, {double(screen.x()), double(screen.y())})})
                         .ok);
     }
-    std::vector<QDialog*> dialogs() const
+    // The labels of every visible dialog, one text per dialog, by title.
+    static std::map<QString, QString> dialogs()
     {
-        std::vector<QDialog*> shown;
+        std::map<QString, QString> shown;
         for (QWidget* widget : QApplication::topLevelWidgets())
             if (auto* dialog = qobject_cast<QDialog*>(widget); dialog && dialog->isVisible())
-                shown.push_back(dialog);
+                for (const QLabel* label : dialog->findChildren<QLabel*>())
+                    shown[dialog->windowTitle()] += label->text() + " | ";
         return shown;
-    }
-    static QStringList labelsOf(QDialog* dialog)
-    {
-        QStringList texts;
-        for (const QLabel* label : dialog->findChildren<QLabel*>())
-            texts.append(label->text());
-        return texts;
     }
 
     ExampleRootSession session;
@@ -90,7 +87,9 @@ protected:
     Host::ModelWindowPrompts::Unsaved unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Cancel;
 };
 
-TEST_F(ModelWindowsTest, TheCurrentSystemIsTheOneWhoseWindowWasActivatedLast)
+// The current system is the one whose window was activated last; a model
+// saved from its window opens again with its blocks where they were dropped.
+TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereTheyWereDropped)
 {
     const std::string first = newModel();
     const std::string second = newModel();
@@ -107,12 +106,11 @@ TEST_F(ModelWindowsTest, TheCurrentSystemIsTheOneWhoseWindowWasActivatedLast)
     EXPECT_EQ(current(), "arithmetica");
     EXPECT_TRUE(window("arithmetica")->windowTitle().contains("locked"));
     EXPECT_FALSE(window("arithmetica")->fileAction(Host::ModelWindow::FileCommand::Save)->isEnabled());
-}
 
-TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereTheyWereDropped)
-{
     const std::string model = newModel();
     EXPECT_EQ(window(model)->windowTitle().toStdString(), model);
+    window(model)->activateWindow();
+    QApplication::setActiveWindow(window(model));
     dropAt(gain, model, {150, 90});
     dropAt(sum, model, {40, 210});
     EXPECT_EQ(window(model)->windowTitle().toStdString(), model + " *");
@@ -147,17 +145,13 @@ TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereThe
     // host's own tests' to check).
     EXPECT_EQ(reopened->blockNames(), (QStringList{"Gain", "Sum", "Gain1"}));
     std::vector<QPointF> places;
-    for (const Host::BlockRecord& block : system("pendulum")->document.blocks)
+    for (const Host::BlockRecord& block : session.host().systems().find("pendulum")->document.blocks)
         places.emplace_back(block.position.left, block.position.top);
     EXPECT_EQ(places, (std::vector<QPointF>{{150, 90}, {40, 210}, {300, 40}}));
 
     // A file that is no model is refused with its reason, and opens nothing.
-    const QString broken = directory.filePath("broken.tdlib.json");
-    QFile out(broken);
-    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-    out.write("{\"format\": \"tandril-library\"");
-    out.close();
-    openAnswer = broken;
+    openAnswer = directory.filePath("broken.tdlib.json");
+    writeFile(openAnswer.toStdString(), "{\"format\": \"tandril-library\"");
     EXPECT_FALSE(call("uiopen", {HostValue::string("*.mdl")}).ok);
     ASSERT_EQ(failures.size(), 1);
     EXPECT_TRUE(failures.front().contains("broken.tdlib.json")) << failures.front().toStdString();
@@ -169,81 +163,68 @@ TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereThe
     EXPECT_EQ(failures.size(), 2);
 }
 
+// Unsaved changes ask before the window closes: Cancel, Save with the file
+// dialog cancelled, and Save to a file that can't be written (the person is
+// told why) keep the window with its name and changes; Save to a file saves
+// and closes; Discard closes and writes nothing.
 TEST_F(ModelWindowsTest, UnsavedChangesAskBeforeTheWindowCloses)
 {
+    using Unsaved = Host::ModelWindowPrompts::Unsaved;
     const std::string model = newModel();
     dropAt(gain, model, {60, 60});
-
-    unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Cancel;
-    EXPECT_FALSE(window(model)->close());
-    QApplication::processEvents();
-    EXPECT_EQ(askedAboutUnsaved, QStringList{QString::fromStdString(model)});
-    ASSERT_NE(window(model), nullptr);
-    EXPECT_TRUE(window(model)->isVisible());
-    EXPECT_TRUE(session.host().systems().isLoaded(model));
-
-    // Save, but the person cancels the file dialog: the window stays.
-    unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Save;
-    saveAnswer.clear();
-    EXPECT_FALSE(window(model)->close());
-    QApplication::processEvents();
-    ASSERT_NE(window(model), nullptr);
-
-    // Save, and the file can't be written: the window stays, with its name
-    // and its changes, and the person is told why.
-    saveAnswer = "/proc/no-such-directory/lost.tdlib.json";
-    EXPECT_FALSE(window(model)->close());
-    QApplication::processEvents();
-    ASSERT_NE(window(model), nullptr) << failures.join(" | ").toStdString();
-    EXPECT_EQ(window(model)->windowTitle().toStdString(), model + " *");
-    EXPECT_TRUE(session.host().systems().isLoaded(model));
-    EXPECT_FALSE(session.host().systems().isLoaded("lost"));
+    const QString kept = directory.filePath("kept.tdlib.json");
+    const std::vector<std::tuple<Unsaved, QString, bool>> answers{
+        {Unsaved::Cancel, "", false},
+        {Unsaved::Save, "", false},
+        {Unsaved::Save, "/proc/no-such-directory/lost.tdlib.json", false},
+        {Unsaved::Save, kept, true},
+    };
+    for (const auto& [answer, file, closes] : answers) {
+        unsavedAnswer = answer;
+        saveAnswer = file;
+        EXPECT_EQ(window(model)->close(), closes) << file.toStdString();
+        QApplication::processEvents();
+        EXPECT_EQ(session.host().systems().isLoaded(model), !closes);
+        if (!closes) {
+            ASSERT_NE(window(model), nullptr) << failures.join(" | ").toStdString();
+            EXPECT_TRUE(window(model)->isVisible());
+            EXPECT_EQ(window(model)->windowTitle().toStdString(), model + " *");
+        }
+    }
+    EXPECT_EQ(askedAboutUnsaved.front().toStdString(), model);
     ASSERT_EQ(failures.size(), 1);
     EXPECT_TRUE(failures.front().contains("lost.tdlib.json")) << failures.front().toStdString();
-
-    // Save to a file: saved, then closed.
-    saveAnswer = directory.filePath("kept.tdlib.json");
-    EXPECT_TRUE(window(model)->close());
-    QApplication::processEvents();
-    EXPECT_TRUE(QFileInfo::exists(saveAnswer));
-    EXPECT_FALSE(session.host().systems().isLoaded("kept"));
+    EXPECT_TRUE(QFileInfo::exists(kept));
+    for (const char* name : {"lost", "kept"})
+        EXPECT_FALSE(session.host().systems().isLoaded(name)) << name;
     EXPECT_EQ(window("kept"), nullptr);
 
-    // Discard: closed, nothing written.
     const std::string other = newModel();
     dropAt(sum, other, {20, 20});
-    unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Discard;
+    unsavedAnswer = Unsaved::Discard;
     EXPECT_TRUE(window(other)->close());
     QApplication::processEvents();
     EXPECT_FALSE(session.host().systems().isLoaded(other));
     EXPECT_EQ(askedAboutUnsaved.size(), 5);
 }
 
-TEST_F(ModelWindowsTest, BlockDialogsShowNamePathDescriptionPortsAndParametersAndCloseTogether)
+// Block dialogs show name, path, description, ports and parameters; help
+// shows the block's description and the browser's own; all close together.
+TEST_F(ModelWindowsTest, BlockDialogsAndHelpShowTheBlockAndCloseTogether)
 {
     EXPECT_TRUE(call("private_td_open_block_dialog", {HostValue::string(gain), HostValue::string("params")}).ok);
     EXPECT_TRUE(call("private_td_open_block_dialog", {HostValue::string(sum), HostValue::string("default")}).ok);
-    const std::vector<QDialog*> shown = dialogs();
+    const std::map<QString, QString> shown = dialogs();
     ASSERT_EQ(shown.size(), 2u);
-    QDialog* gainDialog = shown[0]->windowTitle().contains("Gain") ? shown[0] : shown[1];
-    QDialog* sumDialog = gainDialog == shown[0] ? shown[1] : shown[0];
-    EXPECT_EQ(gainDialog->windowTitle(), "Block Parameters: Gain");
-    const QStringList gainLabels = labelsOf(gainDialog);
-    for (const char* expected : {"<b>Gain</b>", gain, "1 input, 1 output", "Element-wise (K.*u)"})
-        EXPECT_TRUE(gainLabels.contains(expected)) << expected << " in " << gainLabels.join(" | ").toStdString();
-    EXPECT_TRUE(gainLabels.filter("Multiplies its input by a constant").size() == 1);
-    const QStringList sumLabels = labelsOf(sumDialog);
-    for (const char* expected : {"<b>Sum</b>", sum, "2 inputs, 1 output"})
-        EXPECT_TRUE(sumLabels.contains(expected)) << expected << " in " << sumLabels.join(" | ").toStdString();
-    EXPECT_TRUE(sumLabels.filter("Adds or subtracts its inputs").size() == 1);
+    const std::vector<std::pair<const char*, std::vector<const char*>>> expected{
+        {"Block Parameters: Gain",
+         {"<b>Gain</b> | ", gain, "1 input, 1 output", "Element-wise (K.*u)", "Multiplies its input by a constant"}},
+        {"Sum", {"<b>Sum</b> | ", sum, "2 inputs, 1 output", "Adds or subtracts its inputs"}},
+    };
+    for (const auto& [title, texts] : expected)
+        for (const char* text : texts)
+            EXPECT_TRUE(shown.count(title) && shown.at(title).contains(text)) << title << ": " << text;
 
-    EXPECT_TRUE(call("private_td_close_block_dialogs", {}).ok);
-    QApplication::processEvents();
-    EXPECT_TRUE(dialogs().empty());
-}
-
-TEST_F(ModelWindowsTest, HelpShowsTheBlocksDescriptionAndTheBrowsersOwnHelp)
-{
     EXPECT_TRUE(call("private_td_show_block_help", {HostValue::string(gain)}).ok);
     Host::HelpWindow* help = windows().helpWindow();
     ASSERT_NE(help, nullptr);
@@ -259,18 +240,17 @@ TEST_F(ModelWindowsTest, HelpShowsTheBlocksDescriptionAndTheBrowsersOwnHelp)
                                   HostValue::string("librarybrowsergui")})
                     .ok);
     EXPECT_EQ(help->windowTitle(), "Library Browser Help");
-    const QString browserHelp = help->plainText();
-    EXPECT_TRUE(browserHelp.contains("The first five minutes")) << browserHelp.toStdString();
-    EXPECT_TRUE(browserHelp.contains("Pick a block")) << browserHelp.toStdString();
-    EXPECT_FALSE(browserHelp.contains("The command line"));
-    EXPECT_FALSE(browserHelp.contains("screenshots/"));
+    for (const auto& [text, shown] : {std::pair{"The first five minutes", true}, {"Pick a block", true},
+                                      {"The command line", false}, {"screenshots/", false}})
+        EXPECT_EQ(help->plainText().contains(text), shown) << text;
     ASSERT_TRUE(call("tdhelp", {}).ok);
     EXPECT_EQ(help->windowTitle(), "Tandril Help");
-    EXPECT_TRUE(help->plainText().contains("block library browser")) << help->plainText().toStdString();
-    EXPECT_FALSE(help->plainText().contains("Quick start"));
+    EXPECT_TRUE(help->plainText().contains("block library browser") && !help->plainText().contains("Quick start"));
 
     EXPECT_TRUE(call("private_td_close_block_dialogs", {}).ok);
+    QApplication::processEvents();
     EXPECT_FALSE(help->isVisible());
+    EXPECT_TRUE(dialogs().empty());
 }
 
 } // namespace

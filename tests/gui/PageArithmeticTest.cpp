@@ -44,15 +44,14 @@ TEST_F(TileSizes, MatchHandComputedValuesAtEveryIconSizeAndLayout)
 {
     for (const SizeRow& row : sizeRows) {
         SCOPED_TRACE(int(row.layout) * 10 + int(row.size));
-        EXPECT_EQ(getIconWidgetWidth(row.layout, row.size, 10), row.widgetWidth);
-        EXPECT_EQ(getIconWidgetHeight(row.layout, row.size, 10), row.widgetHeight);
-        EXPECT_EQ(getIconBoxWidth(row.layout, row.size, 10), row.boxWidth);
-        EXPECT_EQ(getIconBoxHeight(row.layout, row.size, 10), row.boxHeight);
-        EXPECT_EQ(getGridSpacing(row.layout, row.size), row.spacing);
-        EXPECT_EQ(getBlockPanelMargin(row.layout, row.size), row.panelMargin);
         const TileMetrics metrics = TileMetrics::compute(row.layout, row.size, 10);
-        EXPECT_EQ(metrics.height, row.widgetHeight);
-        EXPECT_EQ(metrics.box.size(), QSize(row.boxWidth, row.boxHeight));
+        EXPECT_EQ((std::vector<int>{getIconWidgetWidth(row.layout, row.size, 10),
+                                    getIconWidgetHeight(row.layout, row.size, 10),
+                                    getIconBoxWidth(row.layout, row.size, 10), getIconBoxHeight(row.layout, row.size, 10),
+                                    getGridSpacing(row.layout, row.size), getBlockPanelMargin(row.layout, row.size),
+                                    metrics.height, metrics.box.width(), metrics.box.height()}),
+                  (std::vector<int>{row.widgetWidth, row.widgetHeight, row.boxWidth, row.boxHeight, row.spacing,
+                                    row.panelMargin, row.widgetHeight, row.boxWidth, row.boxHeight}));
     }
     EXPECT_EQ(getHeaderHeight(QFont("Arial", 10)), 22);
 }
@@ -60,11 +59,12 @@ TEST_F(TileSizes, MatchHandComputedValuesAtEveryIconSizeAndLayout)
 TEST_F(TileSizes, ColumnsTruncateAndMayDropBelowOne)
 {
     // (390 - 85 - 10) / 89 + 1
-    EXPECT_EQ(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 390, 10), 4);
-    EXPECT_EQ(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 273, 10), 3);
-    EXPECT_EQ(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 272, 10), 2);
+    EXPECT_EQ((std::vector<int>{calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 390, 10),
+                                calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 273, 10),
+                                calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 272, 10),
+                                calculateMaxNumIconCols(LayoutType::List, IconSize::Large, 20, 10)}),
+              (std::vector<int>{4, 3, 2, 1}));
     EXPECT_LE(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Large, 20, 10), 1);
-    EXPECT_EQ(calculateMaxNumIconCols(LayoutType::List, IconSize::Large, 20, 10), 1);
     EXPECT_EQ(getListIconWidth(LayoutType::List, IconSize::Small, 100, 10), 63 + 4 + 3 + 100);
 }
 
@@ -88,10 +88,7 @@ TEST_F(TileSizes, IconsAreScaledIntoTheirBoxAndCentred)
 TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)
 {
     struct Row {
-        const char* path;
-        const char* parent;
-        const char* last;
-        const char* root;
+        const char *path, *parent, *last, *root;
     } rows[] = {
         {"", "", "", ""},
         {"lib", "", "lib", "lib"},
@@ -101,67 +98,46 @@ TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)
         {"lib///x", "lib", "x", "lib"},
         {"lib////x/y", "lib////x", "y", "lib////x"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.path);
-        EXPECT_EQ(tokenizeBlockPath(row.path, TokenType::ParentPath), row.parent);
-        EXPECT_EQ(tokenizeBlockPath(row.path, TokenType::LastName), row.last);
-        EXPECT_EQ(tokenizeBlockPath(row.path, TokenType::RootName), row.root);
-    }
+    for (const Row& row : rows)
+        EXPECT_EQ(tokenizeBlockPath(row.path, TokenType::ParentPath) + "|" + tokenizeBlockPath(row.path, TokenType::LastName) +
+                      "|" + tokenizeBlockPath(row.path, TokenType::RootName),
+                  std::string(row.parent) + "|" + row.last + "|" + row.root)
+            << row.path;
 }
 
 TEST(TextHelpers, LongestWordReplaceAndAmpersands)
 {
-    std::string word;
+    std::string word, first, none;
     EXPECT_EQ(computeLongestWordInString("gain  integrator sum", word), 10);
-    EXPECT_EQ(word, "integrator");
-    EXPECT_EQ(computeLongestWordInString("abc def", word), 3);
-    EXPECT_EQ(word, "abc");
-    EXPECT_EQ(computeLongestWordInString("", word), 0);
+    EXPECT_EQ(computeLongestWordInString("abc def", first), 3);
+    EXPECT_EQ(computeLongestWordInString("", none), 0);
+    EXPECT_EQ(word + "/" + first, "integrator/abc");
     std::string text = "a-b-A";
     strReplace(text, "a", "xa");
     EXPECT_EQ(text, "xa-b-A");
     EXPECT_EQ(escapeAmpersands("R&D & Co"), "R&&D && Co");
 }
 
-// Seven tiles in three columns: 0 1 2 / 3 4 5 / 6.
-TEST(SelectionMoves, GridOfSevenInThreeColumns)
+// Seven tiles in three columns: 0 1 2 / 3 4 5 / 6. One row, one column, or
+// a list: down and up step along. Nothing selected: down counts from -1 and
+// lands at the end of the first row. Initials cycle and end on the selected
+// tile.
+TEST(SelectionMoves, GridOfSevenInThreeColumnsAndInitials)
 {
     using namespace SelectionMoves;
-    EXPECT_EQ(down(2, 7, 3, false), 5);
-    EXPECT_EQ(down(5, 7, 3, false), -1);
-    EXPECT_EQ(down(3, 7, 3, false), 6);
-    EXPECT_EQ(up(6, 7, 3, false), 3);
-    EXPECT_EQ(up(1, 7, 3, false), -1);
-    EXPECT_EQ(right(2, 7), 3);
-    EXPECT_EQ(right(6, 7), -1);
-    EXPECT_EQ(left(0), -1);
-    EXPECT_EQ(left(-1), -1);
-    // One row, one column, or a list: down and up step along.
-    EXPECT_EQ(down(1, 4, 4, false), 2);
-    EXPECT_EQ(up(1, 4, 4, false), 0);
-    EXPECT_EQ(down(1, 7, 1, false), 2);
-    EXPECT_EQ(down(1, 7, 3, true), 2);
-    EXPECT_EQ(home(-1), -1);
-    EXPECT_EQ(home(0), -1);
-    EXPECT_EQ(home(3), 0);
-    EXPECT_EQ(end(-1, 7), 6);
-    EXPECT_EQ(end(6, 7), -1);
-    // Nothing selected: down counts from -1 and lands at the end of the first row.
-    EXPECT_EQ(down(-1, 7, 3, false), 2);
-}
-
-TEST(SelectionMoves, InitialsCycleAndEndOnTheSelectedTile)
-{
+    using Ints = std::vector<int>;
+    EXPECT_EQ((Ints{down(2, 7, 3, false), down(5, 7, 3, false), down(3, 7, 3, false), up(6, 7, 3, false),
+                    up(1, 7, 3, false), right(2, 7), right(6, 7), left(0), left(-1)}),
+              (Ints{5, -1, 6, 3, -1, 3, -1, -1, -1}));
+    EXPECT_EQ((Ints{down(1, 4, 4, false), up(1, 4, 4, false), down(1, 7, 1, false), down(1, 7, 3, true),
+                    down(-1, 7, 3, false)}),
+              (Ints{2, 0, 2, 2, 2}));
+    EXPECT_EQ((Ints{home(-1), home(0), home(3), end(-1, 7), end(6, 7)}), (Ints{-1, -1, 0, 6, -1}));
     const std::vector<std::string> names{"Container", "conditional", "Input", "Output", "Cast", "_x"};
-    using SelectionMoves::byInitial;
-    EXPECT_EQ(byInitial(0, names, 'C'), 1);
-    EXPECT_EQ(byInitial(1, names, 'C'), 4);
-    EXPECT_EQ(byInitial(4, names, 'C'), 0);
-    EXPECT_EQ(byInitial(2, names, 'I'), 2);
-    EXPECT_EQ(byInitial(2, names, 'Z'), -1);
-    EXPECT_EQ(byInitial(-1, names, 'O'), 3);
-    EXPECT_EQ(byInitial(-1, names, '_'), 5);
-    EXPECT_EQ(byInitial(-1, {"Only"}, 'O'), -1);
+    EXPECT_EQ((Ints{byInitial(0, names, 'C'), byInitial(1, names, 'C'), byInitial(4, names, 'C'),
+                    byInitial(2, names, 'I'), byInitial(2, names, 'Z'), byInitial(-1, names, 'O'),
+                    byInitial(-1, names, '_'), byInitial(-1, {"Only"}, 'O')}),
+              (Ints{1, 4, 0, 2, -1, 3, 5, -1}));
 }
 
 } // namespace

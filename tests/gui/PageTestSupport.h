@@ -1,16 +1,12 @@
 #pragma once
 
 #include "EmbeddedHost.h"
-#include "gui/BlocksPageHost.h"
-#include "gui/GuiBlock.h"
 #include "repository/Repository.h"
 
 #include <QTemporaryDir>
 
-#include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace LibraryBrowser::Testing {
 
@@ -28,7 +24,6 @@ public:
 
     Repository& repository() { return *m_repository; }
     const RepositoryPtr& repositoryPtr() const { return m_repository; }
-    std::string preferencesDirectory() const { return m_prefs.path().toStdString(); }
     std::string root() const { return m_root.path().toStdString(); }
     Host::EmbeddedHost& host() { return *m_host; }
     // The object of a unique path; fails the test when there is none.
@@ -40,77 +35,5 @@ private:
     std::unique_ptr<Host::EmbeddedHost> m_host;
     RepositoryPtr m_repository;
 };
-
-// A window as small as a page needs, for a page host of either kind: tree
-// nodes by UID, a status bar and a tab label as texts, and a record of what
-// the page asked for.
-template <class Host>
-class FakeHost : public Host {
-public:
-    explicit FakeHost(Repository& repository) : m_repository(repository) {}
-
-    // A tree node for the object; gives its UID.
-    int addNode(const TandrilObject& object)
-    {
-        m_nodes[int(m_nodes.size()) + 1] = object.toBlock();
-        return int(m_nodes.size());
-    }
-
-    LayoutType layout = LayoutType::Grid;
-    IconSize iconSize = IconSize::Small;
-    QFont font{"Arial", 10};
-    int currentNode = 0;
-    BlocksPage* currentPage = nullptr;
-    std::string status;
-    std::vector<std::string> statusMessages;
-    std::string tabLabel;
-    std::string emptyWarning;
-    std::string description;
-    int searchFocusRequests = 0;
-    std::vector<std::string> menus;
-    std::vector<std::string> openedInTree;
-
-    LayoutType getLayoutType() const override { return layout; }
-    IconSize getIconSize() const override { return iconSize; }
-    QFont getGuiFont() const override { return font; }
-    QColor getColorPref(const char*) const override { return Qt::white; }
-    RepositoryReader* getReader() override { return &m_repository; }
-    Block getTreeNodeBlock(int uid) const override
-    {
-        const auto found = m_nodes.find(uid);
-        return found == m_nodes.end() ? Block() : found->second;
-    }
-    int getCurrentNodeUID() const override { return currentNode; }
-    bool nodeHasParent(int) const override { return false; }
-    QRect getBlocksGeometry() const override { return QRect(0, 0, 390, 410); }
-    QRect getPosition() const override { return QRect(0, 0, 10, 10); }
-    BlocksPage* internalGetCurrentBlocksPage() override { return currentPage; }
-    void internalSetTabLabel(BlocksPage*, const std::string& label) override { tabLabel = label; }
-    void internalUpdateDescription(GuiBlock* tile) override { description = tile ? tile->getDisplayPath() : ""; }
-    void internalWarnAboutEmptyLibrary(const std::string& name) override { emptyWarning = name; }
-    std::string getCurrentStatusBarMessage() const override { return status; }
-    void internalSetStatusBarMessage(const std::string& text) override
-    {
-        status = text;
-        statusMessages.push_back(text);
-    }
-    void internalFocusSearchBox() override { ++searchFocusRequests; }
-    void internalSetCursor(Qt::CursorShape) override {}
-    void internalUnsetCursor() override {}
-    void internalLoadRootLibrary(const std::string&, const std::string&) override {}
-    void internalOpenSubsystemInTree(const std::string& path) override { openedInTree.push_back(path); }
-    void goToParent() override {}
-    void internalShowBlockContextMenu(GuiBlock* tile, const QPoint&) override
-    {
-        menus.push_back(tile->getDisplayName());
-    }
-    void internalSelectInLibraryView(GuiBlock*) override {}
-
-private:
-    Repository& m_repository;
-    std::map<int, Block> m_nodes;
-};
-
-using FakePageHost = FakeHost<BlocksPageHost>;
 
 } // namespace LibraryBrowser::Testing

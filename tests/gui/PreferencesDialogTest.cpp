@@ -54,25 +54,20 @@ TEST_F(PreferencesDialogTest, AppliedValuesChangeTheOpenWindowAndAreSaved)
     press(dialog, QDialogButtonBox::Apply);
     settle();
 
-    EXPECT_DOUBLE_EQ(window.getFontPointSize(), 14);
-    EXPECT_EQ(window.window()->font().pointSize(), 14);
-    EXPECT_EQ(window.getLayoutType(), LayoutType::List);
-    EXPECT_EQ(window.getIconSize(), IconSize::Large);
-    EXPECT_EQ(window.libraryPage()->getBackgroundColor(), sand);
+    EXPECT_EQ(std::make_tuple(window.getFontPointSize(), window.window()->font().pointSize(), window.getLayoutType(),
+                              window.getIconSize(), window.libraryPage()->getBackgroundColor()),
+              std::make_tuple(14.0, 14, LayoutType::List, IconSize::Large, sand));
     // The page is painted in the new colour at its top.
     const QColor painted = window.libraryPage()->getMainPanel()->grab().toImage().pixelColor(1, 1);
     EXPECT_LE(std::abs(painted.red() - sand.red()) + std::abs(painted.green() - sand.green()) +
                   std::abs(painted.blue() - sand.blue()),
               6)
         << painted.name().toStdString();
-    {
-        BrowserPreferences stored(preferencesFile());
-        EXPECT_EQ(stored.getInt(PrefKey::LBFontSize), 14);
-        EXPECT_EQ(stored.getString(PrefKey::LBLayout), "List");
-        EXPECT_EQ(stored.getString(PrefKey::LBIconSize), "Large");
-        EXPECT_EQ(stored.getInt(PrefKey::LBTreeSelectionTimeout), 400);
-        EXPECT_EQ(stored.getColor(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb(), sand.rgb());
-    }
+    const BrowserPreferences stored(preferencesFile());
+    EXPECT_EQ(std::make_tuple(stored.getInt(PrefKey::LBFontSize), stored.getString(PrefKey::LBLayout),
+                              stored.getString(PrefKey::LBIconSize), stored.getInt(PrefKey::LBTreeSelectionTimeout),
+                              stored.getColor(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb()),
+              std::make_tuple(14, QString("List"), QString("Large"), 400, sand.rgb()));
 
     // Restore Defaults fills the fields only; Cancel leaves the window as it is.
     press(dialog, QDialogButtonBox::RestoreDefaults);
@@ -85,10 +80,10 @@ TEST_F(PreferencesDialogTest, AppliedValuesChangeTheOpenWindowAndAreSaved)
     // A restart opens with what was applied.
     closeWindow();
     StandaloneBrowser& again = open();
-    EXPECT_DOUBLE_EQ(again.getFontPointSize(), 14);
-    EXPECT_EQ(again.getIconSize(), IconSize::Large);
-    EXPECT_EQ(again.getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb(), sand.rgb());
-    EXPECT_EQ(again.getSettings().treeSelectionTimeout, 400);
+    EXPECT_EQ(std::make_tuple(again.getFontPointSize(), again.getIconSize(),
+                              again.getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb(),
+                              again.getSettings().treeSelectionTimeout),
+              std::make_tuple(14.0, IconSize::Large, sand.rgb(), 400));
 }
 
 } // namespace

@@ -68,22 +68,19 @@ protected:
         QSettings file(preferencesFile(), QSettings::IniFormat);
         return file.value(QString(BrowserPreferences::Group) + "/" + key).toStringList();
     }
-    const Host::BlockRecord* block(const std::string& system, const QString& name)
-    {
-        if (const Host::OpenSystem* open = session().host().systems().find(system))
-            for (const Host::BlockRecord& record : open->document.blocks)
-                if (QString::fromStdString(record.name) == name)
-                    return &record;
-        return nullptr;
-    }
 };
 
 // A letter typed on the drawing opens the popup where the mouse is, kept on
-// the screen; Enter puts the first match into that model with its corner
-// exactly at that point. (The real-display journey takes the same road with
-// a person's keys, the favourite and the restart.)
+// the screen, but not on a locked library's; Enter puts the first match into
+// that model with its corner exactly at that point. (The real-display journey
+// takes the same road with a person's keys, the favourite and the restart.)
 TEST_F(QuickInsertTest, TypingOnAModelInsertsTheBestMatchAtTheMouse)
 {
+    ASSERT_TRUE(call("open_system", {HostValue::string("kinetics")}).ok);
+    ASSERT_TRUE(session().host().systems().current()->locked);
+    QTest::keyClick(modelWindow("kinetics")->findChild<QGraphicsView*>(), Qt::Key_P);
+    settle();
+    EXPECT_EQ(popup(), nullptr);
     const std::string model = newSystem("Model");
     Host::ModelWindow* window = modelWindow(model);
     ASSERT_NE(window, nullptr);
@@ -103,10 +100,9 @@ TEST_F(QuickInsertTest, TypingOnAModelInsertsTheBestMatchAtTheMouse)
     EXPECT_EQ(rows().front().toStdString(), pid);
     key(Qt::Key_Return);
     EXPECT_EQ(popup(), nullptr);
-    const Host::BlockRecord* inserted = block(model, "PID Controller");
-    ASSERT_NE(inserted, nullptr) << blocksOf(model).join(", ").toStdString();
-    const QPointF corner = window->toModel(at);
-    EXPECT_EQ(QPointF(inserted->position.left, inserted->position.top), corner);
+    const auto& blocks = session().host().systems().find(model)->document.blocks;
+    ASSERT_EQ(blocksOf(model), QStringList{"PID Controller"});
+    EXPECT_EQ(QPointF(blocks[0].position.left, blocks[0].position.top), window->toModel(at));
 
     // Shortcuts and a lone space keep their meaning on the drawing.
     QTest::keyClick(drawing, Qt::Key_Space);
@@ -181,7 +177,8 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     EXPECT_EQ(blocksOf(model).size(), 2);
 }
 
-// The context menu's entry after the design's, and the recents' bound.
+// The context menu's entry after the design's, the recents' bound, and a
+// history whose file can't be written.
 TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty)
 {
     closeWindow();
@@ -210,24 +207,21 @@ TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty
     EXPECT_EQ(recents[1], "lib/Block 24");
     EXPECT_EQ(recents.back(), "lib/Block 5");
     EXPECT_EQ(again.getStringList(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(path)});
-}
 
-// A preferences file that can't be written: the history works on for the
-// session and says so, and the popup tells the user.
-TEST_F(QuickInsertTest, AnUnwritablePreferencesFileIsToldAndTheSessionGoesOn)
-{
+    // A preferences file that can't be written: the history works on for the
+    // session and says so.
     const QString blocker = QDir(QFileInfo(preferencesFile()).absolutePath()).filePath("not-a-directory");
     {
         QFile file(blocker);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     }
     BrowserPreferences prefs(blocker + "/LibraryBrowser.ini");
-    BlockHistory history(prefs);
-    EXPECT_FALSE(history.noteAdded("lib/Gain"));
-    EXPECT_FALSE(history.setFavourite("lib/Gain", true));
-    EXPECT_TRUE(history.isFavourite("lib/Gain"));
-    EXPECT_EQ(history.recents(), QStringList{"lib/Gain"});
-    EXPECT_TRUE(history.saveFailureMessage().contains(blocker)) << history.saveFailureMessage().toStdString();
+    BlockHistory lost(prefs);
+    EXPECT_FALSE(lost.noteAdded("lib/Gain"));
+    EXPECT_FALSE(lost.setFavourite("lib/Gain", true));
+    EXPECT_TRUE(lost.isFavourite("lib/Gain"));
+    EXPECT_EQ(lost.recents(), QStringList{"lib/Gain"});
+    EXPECT_TRUE(lost.saveFailureMessage().contains(blocker)) << lost.saveFailureMessage().toStdString();
     QFile::remove(blocker);
 }
 

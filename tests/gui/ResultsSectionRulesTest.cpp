@@ -58,15 +58,10 @@ TEST(ResultsSectionRulesTest, MovesAcrossSections)
     // Three columns: 7 tiles (rows of 3, 3, 1), a hidden one of 4 with its
     // tiles kept, 5 tiles (3, 2), and a last of 2.
     const std::vector<Section> sections{{7, true}, {4, false}, {5, true}, {2, true}};
-    struct Case {
-        const char* what;
-        Position (*move)(const std::vector<Section>&, Position, int);
-        Position from;
-        Position to;
-    };
-    const auto left = [](const std::vector<Section>& s, Position p, int) { return SectionMoves::left(s, p); };
-    const auto right = [](const std::vector<Section>& s, Position p, int) { return SectionMoves::right(s, p); };
-    const std::vector<Case> cases{
+    using Move = Position (*)(const std::vector<Section>&, Position, int);
+    const Move left = [](const std::vector<Section>& s, Position p, int) { return SectionMoves::left(s, p); };
+    const Move right = [](const std::vector<Section>& s, Position p, int) { return SectionMoves::right(s, p); };
+    const std::vector<std::tuple<const char*, Move, Position, Position>> cases{
         {"left within", left, {0, 4}, {0, 3}},
         {"left from the first tile to the previous section's last", left, {2, 0}, {0, 6}},
         {"left at the very first tile stays", left, {0, 0}, {0, 0}},
@@ -88,10 +83,10 @@ TEST(ResultsSectionRulesTest, MovesAcrossSections)
         {"up into a full last row", &up, {3, 1}, {2, 4}},
         {"nothing selected starts at the first shown tile", &down, {}, {0, 0}},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(c.move(sections, c.from, 3), c.to) << c.what;
+    for (const auto& [what, move, from, to] : cases)
+        EXPECT_EQ(move(sections, from, 3), to) << what;
 
-    EXPECT_EQ(first({{3, false}, {0, true}}), Position()) << "a shown section without tiles";
-    EXPECT_EQ(first({{3, false}}), Position()) << "nothing shown";
-    EXPECT_EQ(first({{3, false}, {2, true}}), (Position{1, 0}));
+    // A shown section without tiles, nothing shown, and a shown one after a hidden one.
+    EXPECT_EQ((std::vector<Position>{first({{3, false}, {0, true}}), first({{3, false}}), first({{3, false}, {2, true}})}),
+              (std::vector<Position>{{}, {}, {1, 0}}));
 }

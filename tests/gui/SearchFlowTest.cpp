@@ -1,5 +1,6 @@
 // The search bar of the real window: texts typed and entered, options,
-// history, the walk over the libraries and what the results tab shows.
+// the search of descriptions, history, the walk over the libraries and what
+// the results tab shows.
 
 #include "BrowserWindowFixture.h"
 
@@ -9,6 +10,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
@@ -21,6 +23,8 @@
 namespace LibraryBrowser::Testing {
 namespace {
 
+using Names = std::vector<std::string>;
+
 class SearchFlowTest : public BrowserWindowFixture {
 protected:
     // Types the text into the search box and presses Return, as a user does.
@@ -31,45 +35,40 @@ protected:
         QTest::keyClicks(edit, text);
         QTest::keyClick(edit, Qt::Key_Return);
     }
-    QStringList history() const
+    QStringList history()
     {
         QStringList items;
-        for (int i = 0; i < m_window->searchComboBox()->count(); ++i)
-            items.append(m_window->searchComboBox()->itemText(i));
+        for (int i = 0; i < browser().searchComboBox()->count(); ++i)
+            items.append(browser().searchComboBox()->itemText(i));
         return items;
     }
-    QString resultsTabTitle() const
-    {
-        return m_window->window()->findChild<QTabWidget*>("LBTabContainer")->tabText(1);
-    }
+    QString resultsTabTitle() { return browser().window()->findChild<QTabWidget*>("LBTabContainer")->tabText(1); }
     void SetUp() override
     {
         BrowserWindowFixture::SetUp();
-        m_window = &open();
+        open();
     }
-
-    StandaloneBrowser* m_window = nullptr;
 };
 
+// The walk names each library as it goes and gives a section per library in
+// tree order; Escape stops it and shows what was found; an identical search
+// is not walked again, an option change is; the options and the search of
+// descriptions shape the match and are kept.
 TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
 {
-    enter("Delay");
     StandaloneBrowser& window = browser();
+    enter("Delay");
     EXPECT_EQ(window.getCurrentTabIndex(), 1);
-    EXPECT_EQ(window.getResultsPageSectionNames(), (std::vector<std::string>{"Tandril", "Kinetics"}));
+    EXPECT_EQ(window.getResultsPageSectionNames(), (Names{"Tandril", "Kinetics"}));
     EXPECT_EQ(window.getResultsSectionBlockNames("Kinetics"),
-              (std::vector<std::string>{"Kinetics/Continuous/Transport Delay", "Kinetics/Continuous/Variable Delay",
-                                        "Kinetics/Discrete/Unit Delay"}));
-    EXPECT_EQ(window.getCurrentStatusBarMessage(),
-              "Matches for 'Delay'    2 blocksets    0 subsystems    6 blocks");
+              (Names{"Kinetics/Continuous/Transport Delay", "Kinetics/Continuous/Variable Delay",
+                     "Kinetics/Discrete/Unit Delay"}));
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'Delay'    2 blocksets    0 subsystems    6 blocks");
     EXPECT_EQ(resultsTabTitle(), "Found: 'Delay'");
     EXPECT_EQ(window.getSearchResultsDisplayPathNames().size(), 6u);
     EXPECT_TRUE(window.isEnabled());
-    // The running text named each library as the walk reached it.
-    const QStringList texts = statusTexts();
-    EXPECT_TRUE(texts.contains("Searching for 'Delay'"));
-    EXPECT_TRUE(texts.contains("Matches for 'Delay'    1 blocksets    0 subsystems    3 blocks    Searching Kinetics"));
-
+    EXPECT_TRUE(statusTexts().contains("Searching for 'Delay'"));
+    EXPECT_TRUE(statusTexts().contains("Matches for 'Delay'    1 blocksets    0 subsystems    3 blocks    Searching Kinetics"));
     // Ctrl+R goes to the selected hit in its library, and back by the tab.
     window.selectSearchResultByDisplayPathName("Kinetics/Discrete/Unit Delay");
     QTest::keyClick(window.window(), Qt::Key_R, Qt::ControlModifier);
@@ -78,15 +77,103 @@ TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
     EXPECT_EQ(window.getSelectedBlockName(), "Kinetics/Discrete/Unit Delay");
     window.selectTabByIndex(1);
     EXPECT_EQ(window.getSelectedBlockName(), "Kinetics/Discrete/Unit Delay");
+
+    // Escape arrives while the first library is being searched.
+    QTimer::singleShot(0, window.window(), [&window] {
+        QTest::keyClick(window.window()->focusWidget() ? window.window()->focusWidget() : window.window(),
+                        Qt::Key_Escape);
+    });
+    window.searchForBlock("Unit Delay");
+    EXPECT_EQ(window.getResultsPageSectionNames(), (Names{"Tandril"}));
+    EXPECT_NE(window.getCurrentStatusBarMessage().find("Search cancelled"), std::string::npos);
+    EXPECT_TRUE(window.isEnabled());
+    // The same text again is a new walk, not a repeat of the cut one.
+    window.searchForBlock("Unit Delay");
+    EXPECT_EQ(window.getResultsPageSectionNames().size(), 2u);
+    window.searchForBlock("Unit Delay");
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'Unit Delay'    0 blocksets    0 subsystems    0 blocks");
+    EXPECT_TRUE(window.getSearchResultsDisplayPathNames().empty());
+    EXPECT_EQ(window.getResultsPageSectionNames().size(), 2u) << "the page still shows the first search";
+    window.setSearchOptions({false, true, false});
+    window.searchForBlock("Unit Delay");
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'Unit Delay'    2 blocksets    0 subsystems    2 blocks");
+
+    // "Search descriptions too": only the PID controller's description speaks
+    // of windup; names still count, and the other options shape the match.
+    window.setSearchOptions({false, false, false});
+    auto* descriptions = window.window()->findChild<QAction*>("searchDescriptionsAction");
+    ASSERT_NE(descriptions, nullptr);
+    EXPECT_FALSE(descriptions->isChecked());
+    const auto noResultsText = [&window] {
+        const auto* label = window.window()->findChild<QLabel*>("noResultsText");
+        return label ? label->text() : QString();
+    };
+    window.searchForBlock("windup");
+    EXPECT_TRUE(window.getResultsPageBlockNames().empty());
+    EXPECT_FALSE(noResultsText().isEmpty());
+    EXPECT_FALSE(noResultsText().contains("Search options"));
+    descriptions->trigger();
+    window.searchForBlock("windup");
+    EXPECT_EQ(window.getResultsPageSectionNames(), (Names{"Tandril", "Kinetics"}));
+    EXPECT_EQ(window.getResultsSectionBlockNames("Kinetics"), (Names{"Kinetics/Continuous/PID Controller"}));
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'windup'    2 blocksets    0 subsystems    2 blocks");
+    window.searchForBlock("Unit Delay");
+    EXPECT_EQ(window.getResultsPageBlockNames().size(), 2u);
+    window.setSearchOptions({false, true, false});
+    window.searchForBlock("Windup");
+    EXPECT_TRUE(window.getResultsPageBlockNames().empty());
+    EXPECT_TRUE(noResultsText().endsWith(", Search descriptions too")) << noResultsText().toStdString();
+    descriptions->trigger();
+
+    window.setSearchOptions({true, false, false});
+    window.searchForBlock("^Unit");
+    EXPECT_EQ(window.getResultsPageBlockNames(),
+              (Names{"Tandril/Frequently Used/Discrete Dynamics/Unit Delay", "Kinetics/Discrete/Unit Delay"}));
+    window.setSearchOptions({false, false, true});
+    window.searchForBlock("Dela");
+    EXPECT_EQ(resultsTabTitle(), "Not found: 'Dela'");
+    window.searchForBlock("Delay");
+    EXPECT_EQ(window.getResultsPageBlockNames().size(), 6u);
+    // A broken expression is no match, and no message box.
+    window.setSearchOptions({true, false, false});
+    window.searchForBlock("(Delay");
+    EXPECT_EQ(resultsTabTitle(), "Not found: '(Delay'");
+    EXPECT_TRUE(window.window()->findChildren<QMessageBox*>().isEmpty());
+    window.action(BrowserAction::MatchCase)->trigger();
+    EXPECT_EQ(window.getSearchOptions(), (std::vector<bool>{true, true, false}));
+    EXPECT_THROW(window.setSearchOptions({true}), std::out_of_range);
+    descriptions->trigger();
+    window.closeBrowser();
+    BrowserPreferences stored(preferencesFile());
+    EXPECT_TRUE(stored.getBool(PrefKey::LBSearch_UseRegExp));
+    EXPECT_TRUE(stored.getBool(PrefKey::LBSearch_MatchCase));
+    EXPECT_FALSE(stored.getBool(PrefKey::LBSearch_MatchWholeWord));
+    EXPECT_TRUE(stored.getBool(PrefKey::LBSearch_Descriptions));
 }
 
-TEST_F(SearchFlowTest, TheHistoryKeepsTwentyFourAndForgetsWhatFoundNothing)
+// Short texts and the prompt run no search; the box's tip shows with the
+// prompt only; the history keeps twenty-four and forgets what found nothing.
+TEST_F(SearchFlowTest, ShortTextsRunNoSearchAndTheHistoryKeepsTwentyFour)
 {
     StandaloneBrowser& window = browser();
+    const std::string before = window.getCurrentStatusBarMessage();
+    const QString tip = window.searchComboBox()->toolTip();
+    ASSERT_FALSE(tip.isEmpty());
+    enter("  a ");
+    EXPECT_EQ(window.searchComboBox()->currentText(), "Enter search term");
+    EXPECT_EQ(window.getCurrentTabIndex(), 0);
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), before);
+    EXPECT_TRUE(history().isEmpty());
+    // Two characters between blanks are searched without the blanks.
+    enter("  in ");
+    EXPECT_EQ(resultsTabTitle(), "Found: 'in'");
+    EXPECT_TRUE(window.searchComboBox()->toolTip().isEmpty());
+    window.searchForBlock("  a ");
+    EXPECT_EQ(window.searchComboBox()->toolTip(), tip);
+
     enter("zzzz");
     EXPECT_EQ(resultsTabTitle(), "Not found: 'zzzz'");
-    EXPECT_EQ(window.getSearchResultsDisplayPathNames(),
-              (std::vector<std::string>{"No search results found for 'zzzz'"}));
+    EXPECT_EQ(window.getSearchResultsDisplayPathNames(), (Names{"No search results found for 'zzzz'"}));
     EXPECT_EQ(history().front(), "zzzz");
     enter("Delay");
     EXPECT_FALSE(history().contains("zzzz"));
@@ -105,86 +192,7 @@ TEST_F(SearchFlowTest, TheHistoryKeepsTwentyFourAndForgetsWhatFoundNothing)
     EXPECT_EQ(items.front(), "zzzz");
     // The last one found nothing, and isn't kept on disk.
     window.closeBrowser();
-    const QStringList saved = BrowserPreferences(preferencesFile()).getStringList(PrefKey::LBSearchHistory);
-    EXPECT_EQ(saved, items.mid(1));
-}
-
-TEST_F(SearchFlowTest, ShortTextsAndThePromptRunNoSearch)
-{
-    StandaloneBrowser& window = browser();
-    const std::string before = window.getCurrentStatusBarMessage();
-    enter("  a ");
-    EXPECT_EQ(window.searchComboBox()->currentText(), "Enter search term");
-    EXPECT_EQ(window.getCurrentTabIndex(), 0);
-    EXPECT_EQ(window.getCurrentStatusBarMessage(), before);
-    EXPECT_TRUE(history().isEmpty());
-    // Two characters between blanks are searched without the blanks.
-    enter("  in ");
-    EXPECT_EQ(resultsTabTitle(), "Found: 'in'");
-}
-
-TEST_F(SearchFlowTest, OptionsChangeTheMatchAndAreKept)
-{
-    StandaloneBrowser& window = browser();
-    window.setSearchOptions({true, false, false});
-    window.searchForBlock("^Unit");
-    EXPECT_EQ(window.getResultsPageBlockNames(),
-              (std::vector<std::string>{"Tandril/Frequently Used/Discrete Dynamics/Unit Delay",
-                                        "Kinetics/Discrete/Unit Delay"}));
-
-    window.setSearchOptions({false, false, true});
-    window.searchForBlock("Dela");
-    EXPECT_EQ(resultsTabTitle(), "Not found: 'Dela'");
-    window.searchForBlock("Delay");
-    EXPECT_EQ(window.getResultsPageBlockNames().size(), 6u);
-
-    // A broken expression is no match, and no message box.
-    window.setSearchOptions({true, false, false});
-    window.searchForBlock("(Delay");
-    EXPECT_EQ(resultsTabTitle(), "Not found: '(Delay'");
-    EXPECT_TRUE(window.window()->findChildren<QMessageBox*>().isEmpty());
-
-    window.action(BrowserAction::MatchCase)->trigger();
-    EXPECT_EQ(window.getSearchOptions(), (std::vector<bool>{true, true, false}));
-    EXPECT_THROW(window.setSearchOptions({true}), std::out_of_range);
-    window.closeBrowser();
-    BrowserPreferences stored(preferencesFile());
-    EXPECT_TRUE(stored.getBool(PrefKey::LBSearch_UseRegExp));
-    EXPECT_TRUE(stored.getBool(PrefKey::LBSearch_MatchCase));
-    EXPECT_FALSE(stored.getBool(PrefKey::LBSearch_MatchWholeWord));
-}
-
-TEST_F(SearchFlowTest, AnIdenticalSearchIsNotWalkedAgainButAnOptionChangeIs)
-{
-    StandaloneBrowser& window = browser();
-    window.searchForBlock("Delay");
-    window.searchForBlock("Delay");
-    EXPECT_EQ(window.getCurrentStatusBarMessage(),
-              "Matches for 'Delay'    0 blocksets    0 subsystems    0 blocks");
-    EXPECT_TRUE(window.getSearchResultsDisplayPathNames().empty());
-    // The page still shows what the first search found.
-    EXPECT_EQ(window.getResultsPageSectionNames().size(), 2u);
-    window.setSearchOptions({false, true, false});
-    window.searchForBlock("Delay");
-    EXPECT_EQ(window.getCurrentStatusBarMessage(),
-              "Matches for 'Delay'    2 blocksets    0 subsystems    6 blocks");
-}
-
-TEST_F(SearchFlowTest, EscapeStopsTheWalkAndShowsWhatWasFound)
-{
-    StandaloneBrowser& window = browser();
-    // Escape arrives while the first library is being searched.
-    QTimer::singleShot(0, window.window(), [&window] {
-        QTest::keyClick(window.window()->focusWidget() ? window.window()->focusWidget() : window.window(),
-                        Qt::Key_Escape);
-    });
-    window.searchForBlock("Delay");
-    EXPECT_EQ(window.getResultsPageSectionNames(), (std::vector<std::string>{"Tandril"}));
-    EXPECT_NE(window.getCurrentStatusBarMessage().find("Search cancelled"), std::string::npos);
-    EXPECT_TRUE(window.isEnabled());
-    // The same text again is a new walk, not a repeat of the cut one.
-    window.searchForBlock("Delay");
-    EXPECT_EQ(window.getResultsPageSectionNames().size(), 2u);
+    EXPECT_EQ(BrowserPreferences(preferencesFile()).getStringList(PrefKey::LBSearchHistory), items.mid(1));
 }
 
 // Keys reach an editable combo box, not its line edit: the box forwards
