@@ -5,6 +5,7 @@
 #include "LibraryFileWriter.h"
 
 #include "platform/Platform.h"
+#include "support/Files.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -35,6 +36,8 @@ TEST(BlockPathTest, OddRunsSeparateEvenRunsStandForSlashesInNames)
     EXPECT_TRUE(BlockPath::isAddressable("in/out"));
 }
 
+// Save As may name a folder that is not there yet; where no folder can be
+// made, the save fails with the reason and the file in the way stays as it was.
 TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
 {
     const BlockRecord plain{"Rate\nLimiter", BlockType::Block, "Limits the slope.", true, {1.5, 2, 70, 52.25},
@@ -44,12 +47,11 @@ TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
     const BlockRecord ref{"Über", BlockType::LibraryRef, "", false, {}, {}, false, {}, {"kinetics", "Continuous"}, {}};
     const BlockRecord sub{"Group", BlockType::SubSystem, "", false, {}, {}, false, {plain, ref}, {}, {}};
     LibraryDocument document;
-    document.name = "roundtrip";
-    document.description = "Everything the format can say.";
-    document.blocks = {plain, drawn, sub};
+    std::tie(document.name, document.description, document.blocks) =
+        std::make_tuple("roundtrip", "Everything the format can say.", std::vector<BlockRecord>{plain, drawn, sub});
 
     QTemporaryDir directory;
-    const QString file = directory.path() + "/roundtrip.tdlib.json";
+    const QString file = directory.path() + "/new/roundtrip.tdlib.json";
     QString error;
     ASSERT_TRUE(LibraryFileWriter::save(document, file, error)) << error.toStdString();
     FileIssue issue;
@@ -62,23 +64,29 @@ TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
     EXPECT_EQ(read->blocks[1].icon.svg, drawn.icon.svg);
     EXPECT_EQ(read->blocks[2].blocks[1].target.path, "Continuous");
     EXPECT_FALSE(read->blocks[2].blocks[1].hasDescription);
+
+    const QByteArray saved = LibraryBrowser::Testing::readFile(file.toStdString());
+    EXPECT_FALSE(LibraryFileWriter::save(document, file + "/inner.tdlib.json", error));
+    EXPECT_TRUE(error.startsWith("cannot make the directory ")) << error.toStdString();
+    EXPECT_EQ(LibraryBrowser::Testing::readFile(file.toStdString()), saved);
 }
 
+// Side by side, a new row after five; an icon may have up to 64 ports a side.
 TEST(LibraryFileTest, MissingPositionsAndIconsGetDefaults)
 {
     FileIssue issue;
     const auto document = LibraryFileParser::parseBytes(
         "mem", libraryJson("defaults", R"([{"name": "A", "type": "Block"}, {"name": "B", "type": "SubSystem"},
             {"name": "C", "type": "Block"}, {"name": "D", "type": "Block"}, {"name": "E", "type": "Block"},
-            {"name": "F", "type": "Block"}])"),
+            {"name": "F", "type": "Block", "icon": {"inputs": 64, "outputs": 64}}])"),
         "", issue);
     ASSERT_TRUE(document) << issue.toString();
     const auto& blocks = document->blocks;
     EXPECT_EQ(std::make_tuple(blocks[0].position.left, blocks[1].position.left, blocks[5].position.top),
-              std::make_tuple(30.0, 140.0, 120.0)) << "side by side, a new row after five";
-    EXPECT_EQ(std::make_pair(blocks[0].icon.shape, blocks[1].icon.shape),
-              std::make_pair(IconShape::Rectangle, IconShape::Rounded));
-    EXPECT_EQ(blocks[0].icon.inputs, 1);
+              std::make_tuple(30.0, 140.0, 120.0));
+    EXPECT_EQ(std::make_tuple(blocks[0].icon.shape, blocks[1].icon.shape, blocks[0].icon.inputs, blocks[5].icon.inputs,
+                              blocks[5].icon.outputs),
+              std::make_tuple(IconShape::Rectangle, IconShape::Rounded, 1, 64, 64));
 }
 
 TEST(HostOptionsTest, FlagsBeatEnvironmentWhichBeatsDefaults)
@@ -121,20 +129,25 @@ TEST(HostOptionsTest, FlagsBeatEnvironmentWhichBeatsDefaults)
     EXPECT_FALSE(HostOptions::resolve({"--root="}, environment, options, rest, error));
 }
 
+// A verbose host echoes the commands it runs to its console.
 TEST(HostInstall, InstallsItselfAsInterpreterAndEnvironmentAndLeavesCleanly)
 {
     QTemporaryDir preferences;
     HostOptions options;
-    options.root = HostOptions::bundledRoot();
-    options.preferencesDirectory = preferences.path();
+    std::tie(options.root, options.preferencesDirectory, options.verbose) =
+        std::make_tuple(HostOptions::bundledRoot(), preferences.path(), true);
     {
         EmbeddedHost host(options);
         host.install();
+        std::string console;
+        host.environment().setConsole([&](const std::string& text) { console += text; });
         EXPECT_EQ(&Platform::interpreter(), &host);
         EXPECT_EQ(Platform::environment().root(), options.root.toStdString());
         EXPECT_EQ(Platform::environment().preferencesDirectory(), preferences.path().toStdString());
         EXPECT_TRUE(Platform::environment().isWarningModeOn(3));
         EXPECT_TRUE(Platform::interpreter().callWithTrap("docroot", 1, {}).ok);
+        host.callWithTrap("uiopen", 0, {str("*.mdl")});
+        EXPECT_EQ(console, "host: docroot()\nhost: uiopen('*.mdl')\n");
     }
     EXPECT_FALSE(Platform::interpreter().callWithTrap("docroot", 1, {}).ok) << "the standalone default is back";
 }

@@ -85,4 +85,12 @@ QByteArray libraryJson(const std::string& name, const std::string& blocksJson)
                                      + "\",\n  \"blocks\": " + blocksJson + "\n}\n");
 }
 
+QByteArray libraryOf(const std::string& name, const std::vector<std::string>& blocks)
+{
+    std::string lines;
+    for (const std::string& block : blocks)
+        lines += (lines.empty() ? "[\n    " : ",\n    ") + block;
+    return libraryJson(name, lines + "\n  ]");
+}
+
 } // namespace LibraryBrowser::Host::Testing
