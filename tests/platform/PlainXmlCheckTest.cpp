@@ -13,18 +13,6 @@ bool quick(const QByteArray& bytes)
     return PlainXmlCheck::check(bytes, "svg") == PlainXmlCheck::Verdict::WellFormed;
 }
 
-bool fullParserAccepts(const QByteArray& bytes)
-{
-    QXmlStreamReader reader(bytes);
-    QString root;
-    while (!reader.atEnd()) {
-        reader.readNext();
-        if (reader.isStartElement() && root.isEmpty())
-            root = reader.name().toString();
-    }
-    return !reader.hasError() && root == QLatin1String("svg");
-}
-
 const QByteArray Icon = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 120 80\">\n"
                         "  <rect x='4' y='4' width=\"112\" height=\"72\" rx=\"6\" fill=\"#f7f8f4\"/>\n"
                         "  <g stroke=\"#1f5fa8\"><line x1=\"10\" y1=\"40\" x2=\"11.02\" y2=\"46.6\"/></g>\n"
@@ -56,11 +44,9 @@ TEST(PlainXmlCheckTest, NeverCallsWellFormedWhatTheFullParserRejects)
     QRandomGenerator random(20261123);
     const QByteArray alphabet = "<>/=\"'& ;ampltgquos!?-[]:xa1\n";
     int agreedWellFormed = 0;
-    int leftToParser = 0;
     for (int round = 0; round < 20000; ++round) {
         QByteArray bytes = Icon;
-        const int edits = 1 + random.bounded(3);
-        for (int edit = 0; edit < edits; ++edit) {
+        for (int edit = random.bounded(3); edit >= 0; --edit) {
             const int at = random.bounded(bytes.size());
             const char c = alphabet[random.bounded(alphabet.size())];
             switch (random.bounded(3)) {
@@ -69,15 +55,18 @@ TEST(PlainXmlCheckTest, NeverCallsWellFormedWhatTheFullParserRejects)
             default: bytes.remove(at, 1 + random.bounded(4)); break;
             }
         }
-        if (quick(bytes)) {
-            ASSERT_TRUE(fullParserAccepts(bytes)) << bytes.constData();
-            ++agreedWellFormed;
-        } else {
-            ++leftToParser;
-        }
+        if (!quick(bytes))
+            continue;
+        ++agreedWellFormed;
+        QXmlStreamReader reader(bytes);
+        QString root;
+        while (!reader.atEnd())
+            if (reader.readNext() == QXmlStreamReader::StartElement && root.isEmpty())
+                root = reader.name().toString();
+        ASSERT_TRUE(!reader.hasError() && root == QLatin1String("svg")) << bytes.constData();
     }
     EXPECT_GT(agreedWellFormed, 1000);
-    EXPECT_GT(leftToParser, 1000);
+    EXPECT_LT(agreedWellFormed, 19000) << "some cases are left to the full parser";
 }
 
 } // namespace
