@@ -1,6 +1,9 @@
 #include "HostTestSupport.h"
 
 #include "IconRenderer.h"
+#include "LibraryCatalog.h"
+#include "SyntheticRootGenerator.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,6 +11,8 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace LibraryBrowser::Host::Testing {
 
@@ -25,6 +30,10 @@ protected:
         return data.size() == 6 ? Strings{data[0].toString(), data[3].toString(), data[4].toString(), data[5].toString()}
                                 : Strings{};
     }
+    bool describedAs(double handle, const std::string& start)
+    {
+        return fixture.blockData(handle).at(1).toString().rfind(start, 0) == 0;
+    }
 
     HostFixture fixture{HostOptions::bundledRoot()};
 };
@@ -32,21 +41,19 @@ protected:
 TEST_F(ExampleRoot, TdBlocksChildrenBlockAndLibraryDataInFileOrderWithStableHandles)
 {
     const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {HostValue::cellArray(0, 0)});
-    ASSERT_TRUE(result.ok) << result.errorMessage;
-    ASSERT_EQ(result.outputs.size(), 9u);
+    ASSERT_TRUE(result.ok && result.outputs.size() == 9) << result.errorMessage;
     const auto& out = result.outputs;
     EXPECT_EQ(out[0].toStringList(),
               (Strings{"Arithmetica", "Kinetics", "Switchyard", "Tandril", "Wavecraft Signals", "Signal Workbench"}));
     EXPECT_EQ(out[1].toStringList(),
               (Strings{"arithmetica", "kinetics", "switchyard", "tandril", "wavecraft", "signal_workbench"}));
-    EXPECT_EQ(out[0].columns(), 6u);
-    EXPECT_EQ(out[3].doubles(), std::vector<double>(6, 1.0));
-    EXPECT_EQ((Strings{out[2].toStringList()[3], out[4].toStringList()[3], out[5].toStringList()[0]}),
-              (Strings{"tandril", "toolbox/tandril/blocks/tree.svg", "toolbox/arithmetica/tree.svg"}));
     EXPECT_EQ(out[6].toStringList(), (Strings{"Product", "Product", "Product", "Product", "Product", "Palette"}));
+    EXPECT_TRUE(out[0].columns() == 6 && out[3].doubles() == std::vector<double>(6, 1.0) && out[7].cell(0).isEmpty());
+    EXPECT_EQ((Strings{out[2].toStringList()[3], out[4].toStringList()[3], out[5].toStringList()[0],
+                       out[8].cell(1).toStringList().at(0)}),
+              (Strings{"tandril", "toolbox/tandril/blocks/tree.svg", "toolbox/arithmetica/tree.svg",
+                       "toolbox/kinetics/kinetics.tdlib.json"}));
     EXPECT_EQ(out[7].cell(5).toStringList(), (Strings{"Wavecraft Signals", "Arithmetica"}));
-    EXPECT_TRUE(out[7].cell(0).isEmpty());
-    EXPECT_EQ(out[8].cell(1).toStringList(), (Strings{"toolbox/kinetics/kinetics.tdlib.json"}));
 
     const auto top = fixture.children("tandril");
     Strings names;
@@ -57,34 +64,28 @@ TEST_F(ExampleRoot, TdBlocksChildrenBlockAndLibraryDataInFileOrderWithStableHand
     EXPECT_EQ(fixture.children(HostValue::doubleScalar(top.at(0))), fixture.children("tandril/Ports & Subsystems"));
     const auto leaf = fixture.tdprivate(
         "lb_getChildrenHandles", 1, {HostValue::doubleScalar(fixture.childNamed("arithmetica/Basic Operations", "Gain"))});
-    ASSERT_TRUE(leaf.ok);
-    EXPECT_TRUE(leaf.outputs[0].isEmpty() && leaf.outputs[0].rows() == 1) << "a block has no children";
+    EXPECT_TRUE(leaf.ok && leaf.outputs[0].isEmpty() && leaf.outputs[0].rows() == 1) << "a block has no children";
 
     const double sine = fixture.childNamed("wavecraft/Sources", "Sine Wave");
-    const auto data = fixture.blockData(sine);
-    ASSERT_EQ(data.size(), 6u);
-    EXPECT_EQ(data[1].toString().rfind("Produces a sinusoid", 0), 0u);
-    EXPECT_EQ(data[2].doubles(), (std::vector<double>{30, 30, 100, 80}));
-    EXPECT_EQ(data[2].rows(), 1u);
     EXPECT_EQ(kind(sine), (Strings{"Sine Wave", "Block", "", ""}));
+    EXPECT_TRUE(describedAs(sine, "Produces a sinusoid"));
+    const HostValue position = fixture.blockData(sine).at(2);
+    EXPECT_TRUE(position.doubles() == std::vector<double>({30, 30, 100, 80}) && position.rows() == 1);
     const double sources = fixture.childNamed("wavecraft", "Sources");
     EXPECT_EQ(kind(sources), (Strings{"Sources", "SubSystem", "", ""}));
-
     // A reference names its target and borrows its description unless it has its own.
     const double ref = fixture.childNamed("tandril/Frequently Used", "Wave Sources");
     EXPECT_EQ(kind(ref), (Strings{"Wave Sources", "LibraryRef", "wavecraft", "wavecraft/Sources"}));
     EXPECT_EQ(fixture.blockData(ref).at(1).toString(), fixture.blockData(sources).at(1).toString());
     EXPECT_EQ(kind(fixture.childNamed("tandril/Frequently Used", "Arithmetic")).at(3), "arithmetica");
-    const auto own = fixture.blockData(fixture.childNamed("tandril/Frequently Used", "Logic"));
-    EXPECT_EQ(own.at(1).toString().rfind("Logical operators", 0), 0u);
+    EXPECT_TRUE(describedAs(fixture.childNamed("tandril/Frequently Used", "Logic"), "Logical operators"));
     EXPECT_EQ(fixture.children(HostValue::doubleScalar(ref)), fixture.children("wavecraft/Sources"))
         << "a reference's children are its target's";
 
     const auto library = fixture.tdprivate("lb_getLibraryData", 3, {str("kinetics")});
     ASSERT_TRUE(library.ok) << library.errorMessage;
     const QFileInfo info(HostOptions::bundledRoot() + "/toolbox/kinetics/kinetics.tdlib.json");
-    EXPECT_EQ(std::make_tuple(library.outputs[0].cell(0).toString(), library.outputs[1].scalar(),
-                              library.outputs[2].scalar()),
+    EXPECT_EQ(std::make_tuple(library.outputs[0].cell(0).toString(), library.outputs[1].scalar(), library.outputs[2].scalar()),
               std::make_tuple(std::string("toolbox/kinetics/kinetics.tdlib.json"), double(info.size()),
                               double(info.lastModified().toSecsSinceEpoch())));
     EXPECT_TRUE(fixture.errors().empty());
@@ -92,8 +93,7 @@ TEST_F(ExampleRoot, TdBlocksChildrenBlockAndLibraryDataInFileOrderWithStableHand
 
 TEST_F(ExampleRoot, DoubledSlashesAndLineFeedsInPathsAndBadArgumentsFailWithAReportLine)
 {
-    EXPECT_EQ(fixture.blockData(fixture.children("wavecraft/Signal Conversion").at(0)).at(0).toString(),
-              "A//D Converter");
+    EXPECT_EQ(fixture.blockData(fixture.children("wavecraft/Signal Conversion").at(0)).at(0).toString(), "A//D Converter");
     EXPECT_NE(fixture.childNamed("kinetics/Discrete", "Zero-Order\nHold"), 0) << "the name keeps its line feed";
     for (const char* path :
          {"arithmetica/Functions/Min//Max", "kinetics/Discrete/Zero-Order Hold", "kinetics/Discrete/Zero-Order\nHold"})
@@ -101,8 +101,7 @@ TEST_F(ExampleRoot, DoubledSlashesAndLineFeedsInPathsAndBadArgumentsFailWithARep
     EXPECT_TRUE(fixture.errors().empty());
 
     EXPECT_FALSE(childrenOk("wavecraft/Signal Conversion/A/D Converter")) << "a single slash separates";
-    EXPECT_FALSE(childrenOk(""));
-    EXPECT_FALSE(fixture.tdprivate("lb_getLibraryData", 3, {str("nowhere")}).ok);
+    EXPECT_FALSE(childrenOk("") || fixture.tdprivate("lb_getLibraryData", 3, {str("nowhere")}).ok);
     for (const HostValue& bad : {HostValue::doubleScalar(1e9), HostValue::doubleScalar(0.5), str("tandril")})
         EXPECT_FALSE(fixture.tdprivate("lb_getBlockData", 6, {bad}).ok);
     EXPECT_FALSE(fixture.tdprivate("lb_getChildrenHandles", 1, {HostValue::logicalScalar(true)}).ok);
@@ -110,25 +109,23 @@ TEST_F(ExampleRoot, DoubledSlashesAndLineFeedsInPathsAndBadArgumentsFailWithARep
     EXPECT_EQ(fixture.tdprivate("lb_getChildrenHandles", 2, {str("tandril")}).errorId, "Tandril:Host:TooManyOutputs");
     EXPECT_EQ(fixture.run("tdprivate", {str("lb_frobnicate")}).errorId, "Tandril:Host:UnknownOperation");
     EXPECT_FALSE(fixture.run("no_such_function", {}).ok);
-}
 
-TEST_F(ExampleRoot, SubSystemIconsAreWrittenOnePerChildAsValidSvgOrNotAtAll)
-{
+    // Subsystem icons: an unknown child or lists of unequal length write nothing.
     QTemporaryDir out;
     const std::string parent = "switchyard/Logic";
     const auto icons = [&](const Strings& paths, const Strings& files) {
         return fixture.tdprivate("lb_createSubSystemIcons", 0,
                                  {str(parent), HostValue::cellOfStrings(paths), HostValue::cellOfStrings(files)});
     };
-    // An unknown child or lists of unequal length write nothing.
+    fixture.clearErrors();
     const Strings wrong{parent + "/AND Gate", parent + "/Nothing Here"};
-    const Strings wrongFiles{(out.path() + "/a.svg").toStdString(), (out.path() + "/b.svg").toStdString()};
-    EXPECT_FALSE(icons(wrong, wrongFiles).ok);
+    const std::string a = (out.path() + "/a.svg").toStdString();
+    EXPECT_FALSE(icons(wrong, {a, a + "b"}).ok);
     ASSERT_EQ(fixture.errors().size(), 1u);
     EXPECT_TRUE(contains(fixture.errors()[0], "Nothing Here"));
-    EXPECT_FALSE(icons(wrong, {wrongFiles[0]}).ok);
+    EXPECT_FALSE(icons(wrong, {a}).ok);
     EXPECT_TRUE(QDir(out.path()).isEmpty());
-
+    // Otherwise one valid drawing per child.
     const auto handles = fixture.children(parent);
     Strings paths, files;
     for (std::size_t i = 0; i < handles.size(); ++i) {
@@ -139,9 +136,7 @@ TEST_F(ExampleRoot, SubSystemIconsAreWrittenOnePerChildAsValidSvgOrNotAtAll)
     ASSERT_TRUE(result.ok) << result.errorMessage;
     for (const std::string& file : files)
         EXPECT_TRUE(QSvgRenderer(QString::fromStdString(file)).isValid()) << file;
-    QFile zaehler(QString::fromStdString(files.at(10)));
-    ASSERT_TRUE(zaehler.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(zaehler.readAll().contains("n++"));
+    EXPECT_TRUE(LibraryBrowser::Testing::readFile(files.at(10)).contains("n++"));
 }
 
 // Only a subsystem carries the filled corner mark and only a reference the
@@ -155,9 +150,7 @@ TEST(IconRendererTest, IconsAreSmallValidAndTheSameEachTime)
             const IconSpec icon{shape, "K<&>", 3, 2, ""};
             const QByteArray svg = IconRenderer::render(icon, "Gain", type, box);
             EXPECT_EQ(svg, IconRenderer::render(icon, "Gain", type, box));
-            EXPECT_LT(svg.size(), 2048);
-            EXPECT_TRUE(QSvgRenderer(svg).isValid()) << svg.constData();
-            EXPECT_TRUE(svg.contains("K&lt;&amp;&gt;"));
+            EXPECT_TRUE(svg.size() < 2048 && QSvgRenderer(svg).isValid() && svg.contains("K&lt;&amp;&gt;")) << svg.constData();
             const QByteArray plain = IconRenderer::render(IconSpec{}, "Gain", type, box);
             EXPECT_EQ(std::make_pair(plain.count("fill=\"#5a6f8c\""), plain.count("stroke=\"#5a6f8c\"")),
                       std::make_pair(qsizetype(type == BlockType::SubSystem), qsizetype(type == BlockType::LibraryRef)));
@@ -167,8 +160,7 @@ TEST(IconRendererTest, IconsAreSmallValidAndTheSameEachTime)
     EXPECT_TRUE(plain.contains(">Integrator<")) << "no label given: the name";
     EXPECT_EQ(plain.count("M0 "), 1) << "one input mark";
     EXPECT_NE(IconRenderer::render(IconSpec{}, "Gain", BlockType::Block, {0, 0, 90, 50}), plain);
-    EXPECT_TRUE(IconRenderer::render(IconSpec{}, "Gain", BlockType::Block, {0, 0, 70.5, 50})
-                    .contains("width=\"70.5\" height=\"50\""));
+    EXPECT_TRUE(IconRenderer::render({}, "Gain", BlockType::Block, {0, 0, 70.5, 50}).contains("width=\"70.5\" height=\"50\""));
     const std::string own = "<svg xmlns=\"http://www.w3.org/2000/svg\"><circle r=\"3\"/></svg>";
     EXPECT_EQ(IconRenderer::render(IconSpec{IconShape::Circle, "", 0, 0, own}, "x", BlockType::Block, box),
               QByteArray::fromStdString(own));
@@ -184,27 +176,175 @@ TEST(RemoveDirectory, RemovesATreeAndAnswersStatusMessageAndId)
     QTemporaryDir temp;
     const QString doomed = temp.path() + "/LBwriter1";
     QDir().mkpath(doomed + "/inner");
+    // Removed (as a logical), message, id.
     const auto rmdir = [&](const QString& path, std::vector<HostValue> flag = {str("s")}) {
         flag.insert(flag.begin(), {str("rmdir"), str(path.toStdString())});
-        const auto result = fixture.run("tdprivate", flag, 3);
-        EXPECT_TRUE(result.ok);
-        return result.ok ? Strings{result.outputs[0].isLogical() ? "logical" : "double",
-                                   std::to_string(int(result.outputs[0].scalar())), result.outputs[1].toString(),
-                                   result.outputs[2].toString()}
-                         : Strings{};
+        const auto out = fixture.run("tdprivate", flag, 3).outputs;
+        return out.size() == 3 && out[0].isLogical()
+                   ? Strings{std::to_string(int(out[0].scalar())), out[1].toString(), out[2].toString()}
+                   : Strings{};
     };
-    EXPECT_EQ(rmdir(doomed, {}), (Strings{"logical", "0", "Could not remove " + doomed.toStdString() + ": it is not empty.",
-                                          "Tandril:Host:rmdir:Failed"}));
+    const std::string path = doomed.toStdString();
+    EXPECT_EQ(rmdir(doomed, {}), (Strings{"0", "Could not remove " + path + ": it is not empty.", "Tandril:Host:rmdir:Failed"}));
     EXPECT_TRUE(QFileInfo::exists(doomed + "/inner"));
-    EXPECT_EQ(rmdir(doomed), (Strings{"logical", "1", "", ""}));
+    EXPECT_EQ(rmdir(doomed), (Strings{"1", "", ""}));
     EXPECT_FALSE(QFileInfo::exists(doomed));
-    const Strings again = rmdir(doomed);
-    ASSERT_EQ(again.size(), 4u);
-    EXPECT_EQ((Strings{again[1], again[3]}), (Strings{"0", "Tandril:Host:rmdir:NotFound"}));
-    EXPECT_FALSE(again[2].empty());
-    const Strings holder = rmdir(QDir(HostOptions::bundledRoot()).absoluteFilePath(".."));
-    EXPECT_EQ((Strings{holder.at(1), holder.at(3)}), (Strings{"0", "Tandril:Host:rmdir:Refused"}));
+    EXPECT_EQ(rmdir(doomed), (Strings{"0", "No directory " + path + " to remove.", "Tandril:Host:rmdir:NotFound"}));
+    EXPECT_EQ(rmdir(QDir(HostOptions::bundledRoot()).absoluteFilePath("..")).at(2), "Tandril:Host:rmdir:Refused");
     EXPECT_TRUE(QFileInfo::exists(HostOptions::bundledRoot()));
+}
+
+TEST(SearchPathOrder, GivenDirectoriesComeFirstAndDuplicatesAreAllListed)
+{
+    RootCopy root;
+    QTemporaryDir extra;
+    QFile::copy(root.file("toolbox/kinetics/kinetics.tdlib.json"), extra.path() + "/kinetics.tdlib.json");
+    LibraryBrowser::Testing::writeFile((extra.path() + "/tdblocks.json").toStdString(),
+                                       R"({"format": "tandril-tdblocks", "version": 1, "entries": [
+        {"name": "Kinetics Preview", "library": "kinetics", "type": "Product"},
+        {"name": "Tandril", "library": "tandril_next", "type": "Product"}]})");
+    HostFixture fixture(root.path(), {extra.path()});
+    const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {});
+    ASSERT_TRUE(result.ok);
+    const auto names = result.outputs[0].toStringList();
+    const auto files = result.outputs[1].toStringList();
+    ASSERT_EQ(names.size(), 8u);
+    // The later entry is still reported; the first one wins for the module. The
+    // repository defaults to the library name.
+    EXPECT_EQ((Strings{names[0], files[0], files[3], names[1], names[5], result.outputs[2].toStringList()[0]}),
+              (Strings{"Kinetics Preview", "kinetics", "kinetics", "Tandril", "Tandril", "kinetics"}));
+    const auto library = fixture.tdprivate("lb_getLibraryData", 3, {str("kinetics")});
+    EXPECT_EQ(library.outputs.at(0).cell(0).toString(), (extra.path() + "/kinetics.tdlib.json").toStdString())
+        << "outside the root a file is named absolutely";
+    const auto given = fixture.tdprivate("lb_getTdBlocksData", 9,
+                                         {HostValue::cellOfStrings({root.file("toolbox/switchyard").toStdString()})});
+    EXPECT_EQ(given.outputs.at(0).toStringList(), (Strings{"Switchyard"})) << "a path list in the call replaces the host's own";
+}
+
+// Library files are looked for in what the walk below the root listed; files
+// added, moved or removed after it are found or missed as on the disk.
+TEST(SearchPathOrder, LibraryFilesAreFoundWhereTheyAreNow)
+{
+    RootCopy root;
+    const QByteArray empty = libraryJson("any", "[]");
+    for (const char* file : {"wavecraft/late", "kinetics/twice", "wavecraft/twice"})
+        root.write(QStringLiteral("toolbox/%1.tdlib.json").arg(file), empty);
+    HostFixture fixture(root.path());
+    const auto fileOf = [&](const std::string& library) {
+        const auto result = fixture.tdprivate("lb_getLibraryData", 3, {str(library)});
+        return result.ok ? result.outputs.at(0).cell(0).toString() : "failed: " + result.errorMessage;
+    };
+    EXPECT_EQ(fileOf("late"), "toolbox/wavecraft/late.tdlib.json");
+    EXPECT_EQ(fileOf("twice"), "toolbox/kinetics/twice.tdlib.json") << "the first directory on the path wins";
+    root.write("toolbox/arithmetica/fresh.tdlib.json", empty);
+    EXPECT_EQ(fileOf("fresh"), "toolbox/arithmetica/fresh.tdlib.json") << "added after the host started";
+    ASSERT_TRUE(QFile::rename(root.file("toolbox/wavecraft/late.tdlib.json"), root.file("toolbox/switchyard/late.tdlib.json")));
+    EXPECT_EQ(fileOf("late"), "toolbox/switchyard/late.tdlib.json") << "moved to another directory of the path";
+    ASSERT_TRUE(QFile::remove(root.file("toolbox/kinetics/twice.tdlib.json")));
+    EXPECT_EQ(fileOf("twice"), "toolbox/wavecraft/twice.tdlib.json") << "the next one on the path";
+    ASSERT_TRUE(QFile::remove(root.file("toolbox/switchyard/late.tdlib.json")));
+    EXPECT_EQ(fileOf("late"), "failed: lb_getLibraryData: no library \"late\" on the path");
+    EXPECT_EQ(fixture.errors().size(), 1u);
+}
+
+// Handles stay valid when their library's document is let go (libraries of
+// half the bytes the catalog keeps: loading the third lets the first go): it
+// is read again while its file is unchanged. Once the file has changed, what
+// the handle named is gone, and the call says so instead of answering for the
+// new file.
+TEST(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChanges)
+{
+    RootCopy root;
+    const auto writeLibrary = [&](int i, const std::string& description) {
+        static const std::string padding(std::size_t(LibraryCatalog::keptBytes / 2), 'p');
+        root.write(QStringLiteral("toolbox/kinetics/lib%1.tdlib.json").arg(i),
+                   libraryOf("lib" + std::to_string(i),
+                             {R"({"name": "A", "type": "Block", "description": ")" + description + "\"}",
+                              R"({"name": "S", "type": "SubSystem", "blocks": [{"name": "Inner", "type": "Block"}]})",
+                              R"({"name": "Pad", "type": "Block", "description": ")" + padding + "\"}"}));
+    };
+    for (int i = 0; i < 3; ++i)
+        writeLibrary(i, "first");
+    HostFixture fixture(root.path());
+    const auto releaseFirst = [&] {
+        EXPECT_EQ(std::make_pair(fixture.children("lib1").size(), fixture.children("lib2").size()), std::make_pair(3ul, 3ul));
+    };
+    const auto description = [&](double handle) { return fixture.blockData(handle).at(1).toString(); };
+    const std::vector<double> handles = fixture.children("lib0");
+    ASSERT_EQ(handles.size(), 3u);
+    const std::vector<HostValue> block = fixture.blockData(handles[0]);
+    ASSERT_EQ(block.size(), 6u);
+    EXPECT_EQ(block[1].toString(), "first");
+    releaseFirst();
+
+    EXPECT_EQ(fixture.blockData(handles[0]), block);
+    EXPECT_EQ(fixture.children("lib0"), handles) << "the same reading keeps its nodes";
+    const std::vector<double> inner = fixture.children(HostValue::doubleScalar(handles[1]));
+    ASSERT_EQ(inner.size(), 1u);
+    EXPECT_EQ(fixture.blockData(inner[0]).at(0).toString(), "Inner");
+    const auto icon = fixture.tdprivate("lb_createSubSystemIcons", 0,
+                                        {str("lib0/S"), HostValue::cellOfStrings({"lib0/S/Inner"}),
+                                         HostValue::cellOfStrings({root.file("inner.svg").toStdString()})});
+    EXPECT_TRUE(icon.ok && fixture.errors().empty()) << icon.errorMessage;
+
+    releaseFirst();
+    writeLibrary(0, "second");
+    const auto stale = fixture.tdprivate("lb_getBlockData", 6, {HostValue::doubleScalar(handles[0])});
+    EXPECT_TRUE(!stale.ok && contains(stale.errorMessage, "the library file changed after the handle of \"lib0/A\" was given"))
+        << stale.errorMessage;
+    EXPECT_EQ(fixture.children(HostValue::doubleScalar(handles[1])), inner) << "children once listed are the node's own";
+    const std::vector<double> fresh = fixture.children("lib0");
+    ASSERT_EQ(fresh.size(), 3u);
+    EXPECT_NE(fresh, handles);
+    EXPECT_EQ(description(fresh[0]), "second");
+
+    // A change while the document is still kept: new handles read the new
+    // file, the old ones keep what they named.
+    writeLibrary(0, "third reading");
+    const std::vector<double> third = fixture.children("lib0");
+    ASSERT_EQ(third.size(), 3u);
+    EXPECT_EQ((Strings{description(third[0]), description(fresh[0])}), (Strings{"third reading", "second"}));
+}
+
+// What a walk through the host operations alone finds below a path, the way
+// the module's generation walks a library: blocks, deepest level, references.
+void walk(HostFixture& fixture, const std::string& path, std::array<int, 3>& walked, int depth = 1)
+{
+    for (double handle : fixture.children(path)) {
+        const auto data = fixture.blockData(handle);
+        ASSERT_EQ(data.size(), 6u) << "no data below " << path;
+        ++walked[0];
+        walked[1] = std::max(walked[1], depth);
+        if (data[3].toString() == "SubSystem")
+            walk(fixture, path + "/" + data[0].toString(), walked, depth + 1);
+        else if (data[3].toString() == "LibraryRef" && ++walked[2])
+            EXPECT_FALSE(fixture.children(data[5].toString()).empty()) << "reference to nothing: " << data[0].toString();
+    }
+}
+
+TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
+{
+    SyntheticRootGenerator::Settings settings;
+    std::tie(settings.products, settings.blocksPerProduct, settings.depth, settings.referenceShare, settings.seed) =
+        std::make_tuple(3, 200, 4, 0.2, 7);
+    QTemporaryDir a, b, c;
+    QString error;
+    ASSERT_TRUE(SyntheticRootGenerator(settings).write(a.path(), error)) << error.toStdString();
+    ASSERT_TRUE(SyntheticRootGenerator(settings).write(b.path(), error));
+    settings.seed = 8;
+    ASSERT_TRUE(SyntheticRootGenerator(settings).write(c.path(), error));
+    using LibraryBrowser::Testing::snapshot;
+    EXPECT_EQ(snapshot(a.path().toStdString()), snapshot(b.path().toStdString()));
+    EXPECT_NE(snapshot(a.path().toStdString()), snapshot(c.path().toStdString()));
+
+    HostFixture fixture(a.path());
+    ASSERT_EQ(fixture.tdprivate("lb_getTdBlocksData", 9, {}).outputs.at(1).toStringList(),
+              (Strings{"synth_0000", "synth_0001", "synth_0002"}));
+    std::array<int, 3> walked{};
+    walk(fixture, "synth_0001", walked);
+    EXPECT_TRUE(walked[0] == 200 && walked[1] == 4 && walked[2] > 20 && walked[2] < 60)
+        << walked[0] << " blocks, " << walked[1] << " deep, " << walked[2] << " references";
+    EXPECT_TRUE(fixture.errors().empty());
 }
 
 } // namespace

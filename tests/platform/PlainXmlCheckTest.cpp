@@ -1,8 +1,5 @@
 #include "platform/PlainXmlCheck.h"
 
-#include <QRandomGenerator>
-#include <QXmlStreamReader>
-
 #include <gtest/gtest.h>
 
 namespace LibraryBrowser {
@@ -20,7 +17,8 @@ const QByteArray Icon = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0
                         "</svg>\n";
 
 // What our writers make passes without the full parser; anything broken or
-// outside the plain form is left to the full parser.
+// outside the plain form is left to the full parser. That nothing it passes
+// is rejected by the full parser is the plain_xml fuzz target's check.
 TEST(PlainXmlCheckTest, OnlyThePlainFormPassesWithoutTheFullParser)
 {
     EXPECT_TRUE(quick(Icon));
@@ -31,42 +29,10 @@ TEST(PlainXmlCheckTest, OnlyThePlainFormPassesWithoutTheFullParser)
         "<svg a=\"1\" a=\"2\"/>", "<svg a=\"1\"b=\"2\"/>", "<svg a=1/>", "<svg a=\"<\"/>", "<svg>&nbsp;</svg>",
         "<svg>&amp</svg>", "<svg>]]></svg>", "<svg></ svg>", "<svg/ >", "<?xml version=\"1.0\"?><svg/>",
         "<!-- c --><svg/>", "<svg><![CDATA[x]]></svg>", "<svg xmlns:x=\"urn:x\"><x:g/></svg>",
-        "<svg>caf\xc3\xa9</svg>", "<svg>\x01</svg>", "<svg><1a/></svg>",
+        "<svg>caf\xc3\xa9</svg>", "<svg>\x01</svg>", "<svg><1a/></svg>", "xsvg/>",
     };
     for (const QByteArray& bytes : leftToParser)
         EXPECT_FALSE(quick(bytes)) << bytes.constData();
-}
-
-// Random damage to an icon: the quick check may leave a case to the full
-// parser, but what it calls well formed the full parser must accept.
-TEST(PlainXmlCheckTest, NeverCallsWellFormedWhatTheFullParserRejects)
-{
-    QRandomGenerator random(20261123);
-    const QByteArray alphabet = "<>/=\"'& ;ampltgquos!?-[]:xa1\n";
-    int agreedWellFormed = 0;
-    for (int round = 0; round < 20000; ++round) {
-        QByteArray bytes = Icon;
-        for (int edit = random.bounded(3); edit >= 0; --edit) {
-            const int at = random.bounded(bytes.size());
-            const char c = alphabet[random.bounded(alphabet.size())];
-            switch (random.bounded(3)) {
-            case 0: bytes[at] = c; break;
-            case 1: bytes.insert(at, c); break;
-            default: bytes.remove(at, 1 + random.bounded(4)); break;
-            }
-        }
-        if (!quick(bytes))
-            continue;
-        ++agreedWellFormed;
-        QXmlStreamReader reader(bytes);
-        QString root;
-        while (!reader.atEnd())
-            if (reader.readNext() == QXmlStreamReader::StartElement && root.isEmpty())
-                root = reader.name().toString();
-        ASSERT_TRUE(!reader.hasError() && root == QLatin1String("svg")) << bytes.constData();
-    }
-    EXPECT_GT(agreedWellFormed, 1000);
-    EXPECT_LT(agreedWellFormed, 19000) << "some cases are left to the full parser";
 }
 
 } // namespace
