@@ -25,8 +25,8 @@ public:
 
     EmbeddedHost& host() { return *m_host; }
     // The error messages the report got, oldest first.
-    std::vector<std::string> errors() const;
-    std::vector<std::string> warnings() const;
+    std::vector<std::string> errors() const { return messages(m_report->getErrors()); }
+    std::vector<std::string> warnings() const { return messages(m_report->getWarnings()); }
     void clearErrors() { m_report->takeErrors(); }
 
     HostInterpreter::CallResult tdprivate(const std::string& operation, int outputs, std::vector<HostValue> rest);
@@ -44,6 +44,8 @@ public:
     double childNamed(const std::string& parentPath, const std::string& name);
 
 private:
+    static std::vector<std::string> messages(const RepositoryReport::IssueList& issues);
+
     QTemporaryDir m_preferences;
     RepositoryReportPtr m_report = RepositoryReport::create();
     std::unique_ptr<EmbeddedHost> m_host;
