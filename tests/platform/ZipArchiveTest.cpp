@@ -13,7 +13,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <map>
 
 using namespace LibraryBrowser;
 using Testing::readFile;
@@ -25,6 +24,16 @@ class ZipArchiveTest : public ::testing::Test {
 protected:
     std::string path(const char* name) const { return m_dir.filePath(QString::fromUtf8(name)).toStdString(); }
 
+    // A new archive of the entries, in the order given.
+    std::string archiveOf(const char* name, const std::vector<std::pair<std::string, QByteArray>>& entries)
+    {
+        ZipArchive archive;
+        EXPECT_TRUE(archive.open(path(name), ZipArchive::CreateNew));
+        for (const auto& [entryName, bytes] : entries)
+            EXPECT_TRUE(archive.add(entryName, bytes));
+        EXPECT_TRUE(archive.close()) << archive.errorString();
+        return path(name);
+    }
     static QByteArray entry(const std::string& file, const std::string& name)
     {
         QByteArray bytes("not read");
@@ -125,10 +134,7 @@ TEST_F(ZipArchiveTest, DamagedOrMissingFilesLeaveItClosedAndHarmless)
     EXPECT_FALSE(ZipArchive::readEntry(garbage, "x", bytes, error));
     EXPECT_FALSE(error.empty());
 
-    ASSERT_TRUE(archive.open(garbage, ZipArchive::CreateNew)) << "a new archive replaces a damaged file";
-    archive.add("fresh", "1");
-    ASSERT_TRUE(archive.close());
-    EXPECT_EQ(entry(garbage, "fresh"), "1");
+    EXPECT_EQ(entry(archiveOf("damaged.rps", {{"fresh", "1"}}), "fresh"), "1") << "a new archive replaces a damaged file";
 
     // Reopening what the same object has just written skips the consistency
     // check, but only while the file holds exactly those bytes: the first
@@ -179,11 +185,7 @@ bool anyReadSucceeds(const std::string& file)
 // a byte was read, so a few kilobytes claiming 4 GiB took 4 GiB.
 TEST_F(ZipArchiveTest, AnEntryIsReadOnlyAsFarAsItsBytesReallyGo)
 {
-    const std::string file = path("claims.rps");
-    ZipArchive archive;
-    ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew));
-    archive.add("manifest.xml", QByteArray(5000, 'm'));
-    ASSERT_TRUE(archive.close());
+    const std::string file = archiveOf("claims.rps", {{"manifest.xml", QByteArray(5000, 'm')}});
     const QByteArray honest = readFile(file);
     writeFile(file, claimingSize(honest, 0xfffffff0u));
     EXPECT_FALSE(anyReadSucceeds(file)) << "an entry shorter than it claims is refused";
@@ -213,38 +215,20 @@ TEST_F(ZipArchiveTest, AnEntryIsReadOnlyAsFarAsItsBytesReallyGo)
     EXPECT_TRUE(anyReadSucceeds(file));
 }
 
-namespace {
-
-class ZipEntryIndexTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        QByteArray noise(3000, Qt::Uninitialized);
-        QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
-        entries = {{"Alpha/lbAlphamanifest.xml", QByteArray("<tdlb-manifest/>").repeated(200)},
-                   {"icons/Gain \u00fc.svg", "<svg/>"},
-                   {"empty", ""},
-                   {"noise.bin", noise}};
-        ZipArchive archive;
-        ASSERT_TRUE(archive.open(file, ZipArchive::CreateNew));
-        for (const auto& [name, bytes] : entries)
-            ASSERT_TRUE(archive.add(name, bytes));
-        ASSERT_TRUE(archive.close()) << archive.errorString();
-        whole = readFile(file);
-    }
-
-    QTemporaryDir dir;
-    std::string file = dir.filePath("archive.rps").toStdString();
-    std::map<std::string, QByteArray> entries;
-    QByteArray whole;
-};
-
-} // namespace
-
-// As libzip wrote it, and with a comment behind the directory's end, as a
-// hand-made archive may have.
-TEST_F(ZipEntryIndexTest, ReadsEveryEntryOfAnArchiveAlsoBehindAComment)
+// The index of an archive's entries, as libzip wrote it and with a comment
+// behind the directory's end, as a hand-made archive may have; files that are
+// no archive fail to load with a reason; and each byte of the archive damaged
+// in turn: the index either refuses the file, or every read gives the entry's
+// true bytes or fails with a reason. Never wrong bytes, never a crash.
+TEST_F(ZipArchiveTest, TheEntryIndexReadsTrueBytesOrRefusesWithAReason)
 {
+    QByteArray noise(3000, Qt::Uninitialized);
+    QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
+    const std::vector<std::pair<std::string, QByteArray>> entries{
+        {"Alpha/lbAlphamanifest.xml", QByteArray("<tdlb-manifest/>").repeated(200)},
+        {"icons/Gain \u00fc.svg", "<svg/>"}, {"empty", ""}, {"noise.bin", noise}};
+    const std::string file = archiveOf("archive.rps", entries);
+    const QByteArray whole = readFile(file);
     const QByteArray comment = QByteArray("made by hand ").repeated(300);
     QByteArray commented = whole;
     commented[commented.size() - 2] = char(comment.size() & 0xFF);
@@ -265,17 +249,14 @@ TEST_F(ZipEntryIndexTest, ReadsEveryEntryOfAnArchiveAlsoBehindAComment)
         EXPECT_FALSE(index.read(file, "Alpha", read, error)) << "names are whole entry names";
         EXPECT_TRUE(read.isEmpty());
     }
-}
 
-TEST_F(ZipEntryIndexTest, FilesThatAreNoArchiveFailToLoadWithAReason)
-{
-    const std::pair<const char*, QByteArray> cases[] = {
+    const std::pair<const char*, QByteArray> noArchive[] = {
         {"empty file", ""},
         {"text", "this is no zip archive"},
         {"cut before the directory's end", whole.left(whole.size() - 10)},
         {"directory offset beyond the end", whole.left(whole.size() - 6) + QByteArray("\xff\xff\xff\x7f\0\0", 6)},
     };
-    for (const auto& [what, bytes] : cases) {
+    for (const auto& [what, bytes] : noArchive) {
         SCOPED_TRACE(what);
         writeFile(file, bytes);
         ZipEntryIndex index;
@@ -284,24 +265,16 @@ TEST_F(ZipEntryIndexTest, FilesThatAreNoArchiveFailToLoadWithAReason)
         EXPECT_FALSE(ZipEntryIndex::check(file, checkError));
         EXPECT_EQ(checkError, error);
     }
-    ZipEntryIndex index;
     std::string error;
-    EXPECT_FALSE(index.load(dir.filePath("missing.rps").toStdString(), error));
+    EXPECT_FALSE(ZipEntryIndex().load(path("missing.rps"), error));
     EXPECT_NE(error.find("Can't open file"), std::string::npos) << error;
-}
 
-// Each byte of the archive damaged in turn: the index either refuses the
-// file, or every read gives the entry's true bytes or fails with a reason.
-// Never wrong bytes, never a crash.
-TEST_F(ZipEntryIndexTest, ADamagedByteNeverGivesWrongBytes)
-{
     int refused = 0, failedReads = 0;
     for (qsizetype at = 0; at < whole.size(); ++at) {
         QByteArray damaged = whole;
         damaged[at] = char(damaged[at] ^ 0x5a);
         writeFile(file, damaged);
         ZipEntryIndex index;
-        std::string error;
         if (!index.load(file, error)) {
             EXPECT_FALSE(error.empty());
             ++refused;
