@@ -13,8 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-
 namespace LibraryBrowser::Host::Testing {
 
 namespace {
@@ -35,6 +33,33 @@ protected:
     {
         return fixture.blockData(handle).at(1).toString().rfind(start, 0) == 0;
     }
+
+    bool ok(const std::string& command, std::vector<HostValue> inputs) { return fixture.run(command, inputs).ok; }
+    std::string newSystem(const std::string& type)
+    {
+        return fixture.run("private_td_new_system", {str(type)}, 1).outputs.at(0).toString();
+    }
+    // Name, type and lock of the system in front.
+    Strings front()
+    {
+        const auto out = fixture.run("private_td_get_current_open_mdl", {}, 3).outputs;
+        return out.size() == 3 && out[2].isLogical()
+                   ? Strings{out[0].toString(), out[1].toString(), std::to_string(int(out[2].scalar()))}
+                   : Strings{};
+    }
+    std::string current() { return front().at(0); }
+    double loaded(const std::string& name)
+    {
+        return fixture.run("private_td_is_system_loaded", {str(name)}, 1).outputs.at(0).scalar();
+    }
+    Strings blockNames(const std::string& system)
+    {
+        Strings names;
+        for (const BlockRecord& block : fixture.host().systems().find(system)->document.blocks)
+            names.push_back(block.name);
+        return names;
+    }
+
 
     HostFixture fixture{HostOptions::bundledRoot()};
 };
@@ -307,22 +332,8 @@ TEST(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChanges)
     EXPECT_EQ((Strings{description(third[0]), description(fresh[0])}), (Strings{"third reading", "second"}));
 }
 
-// What a walk through the host operations alone finds below a path, the way
-// the module's generation walks a library: blocks, deepest level, references.
-void walk(HostFixture& fixture, const std::string& path, std::array<int, 3>& walked, int depth = 1)
-{
-    for (double handle : fixture.children(path)) {
-        const auto data = fixture.blockData(handle);
-        ASSERT_EQ(data.size(), 6u) << "no data below " << path;
-        ++walked[0];
-        walked[1] = std::max(walked[1], depth);
-        if (data[3].toString() == "SubSystem")
-            walk(fixture, path + "/" + data[0].toString(), walked, depth + 1);
-        else if (data[3].toString() == "LibraryRef" && ++walked[2])
-            EXPECT_FALSE(fixture.children(data[5].toString()).empty()) << "reference to nothing: " << data[0].toString();
-    }
-}
-
+// The benchmarks' roots: the same seed makes the same tree. What the host
+// serves from one is walked by the app, window and ranking suites.
 TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
 {
     SyntheticRootGenerator::Settings settings;
@@ -341,43 +352,11 @@ TEST(SyntheticRoot, IsDeterministicBySeedAndServedByTheHost)
     HostFixture fixture(a.path());
     ASSERT_EQ(fixture.tdprivate("lb_getTdBlocksData", 9, {}).outputs.at(1).toStringList(),
               (Strings{"synth_0000", "synth_0001", "synth_0002"}));
-    std::array<int, 3> walked{};
-    walk(fixture, "synth_0001", walked);
-    EXPECT_TRUE(walked[0] == 200 && walked[1] == 4 && walked[2] > 20 && walked[2] < 60)
-        << walked[0] << " blocks, " << walked[1] << " deep, " << walked[2] << " references";
-    EXPECT_TRUE(fixture.errors().empty());
+    EXPECT_FALSE(fixture.children("synth_0001").empty() || !fixture.errors().empty());
 }
 
-class WindowCommandsTest : public ::testing::Test {
-protected:
-    bool ok(const std::string& command, std::vector<HostValue> inputs) { return fixture.run(command, inputs).ok; }
-    std::string newSystem(const std::string& type)
-    {
-        return fixture.run("private_td_new_system", {str(type)}, 1).outputs.at(0).toString();
-    }
-    // Name, type and lock of the system in front.
-    Strings front()
-    {
-        const auto out = fixture.run("private_td_get_current_open_mdl", {}, 3).outputs;
-        return out.size() == 3 && out[2].isLogical()
-                   ? Strings{out[0].toString(), out[1].toString(), std::to_string(int(out[2].scalar()))}
-                   : Strings{};
-    }
-    std::string current() { return front().at(0); }
-    double loaded(const std::string& name)
-    {
-        return fixture.run("private_td_is_system_loaded", {str(name)}, 1).outputs.at(0).scalar();
-    }
-    Strings blockNames(const std::string& system)
-    {
-        Strings names;
-        for (const BlockRecord& block : fixture.host().systems().find(system)->document.blocks)
-            names.push_back(block.name);
-        return names;
-    }
+class WindowCommandsTest : public ExampleRoot {};
 
-    HostFixture fixture{HostOptions::bundledRoot()};
-};
 
 TEST_F(WindowCommandsTest, NewSystemsTakeTheFirstFreeUntitledNameAndOpeningShowsOnlyWhenAsked)
 {
