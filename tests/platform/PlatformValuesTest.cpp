@@ -109,10 +109,7 @@ TEST(ShutdownRegistry, RunsStagesInOrderAndHonoursAVeto)
 
 namespace {
 
-bool quick(const QByteArray& bytes)
-{
-    return PlainXmlCheck::check(bytes, "svg") == PlainXmlCheck::Verdict::WellFormed;
-}
+bool quick(const QByteArray& bytes) { return PlainXmlCheck::check(bytes, "svg") == PlainXmlCheck::Verdict::WellFormed; }
 
 const QByteArray Icon = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 120 80\">\n"
                         "  <rect x='4' y='4' width=\"112\" height=\"72\" rx=\"6\" fill=\"#f7f8f4\"/>\n"
