@@ -220,7 +220,10 @@ TEST(RemoveDirectory, RemovesATreeAndAnswersStatusMessageAndId)
     EXPECT_TRUE(QFileInfo::exists(HostOptions::bundledRoot()));
 }
 
-TEST(SearchPathOrder, GivenDirectoriesComeFirstAndDuplicatesAreAllListed)
+// Given directories come first and duplicates are all listed. Library files
+// are looked for in what the walk below the root listed; files added, moved or
+// removed after it are found or missed as on the disk.
+TEST(SearchPathOrder, GivenDirectoriesComeFirstAndLibraryFilesAreFoundWhereTheyAreNow)
 {
     RootCopy root;
     QTemporaryDir extra;
@@ -229,6 +232,9 @@ TEST(SearchPathOrder, GivenDirectoriesComeFirstAndDuplicatesAreAllListed)
                                        R"({"format": "tandril-tdblocks", "version": 1, "entries": [
         {"name": "Kinetics Preview", "library": "kinetics", "type": "Product"},
         {"name": "Tandril", "library": "tandril_next", "type": "Product"}]})");
+    const QByteArray empty = libraryJson("any", "[]");
+    for (const char* file : {"wavecraft/late", "kinetics/twice", "wavecraft/twice"})
+        root.write(QStringLiteral("toolbox/%1.tdlib.json").arg(file), empty);
     HostFixture fixture(root.path(), {extra.path()});
     const auto result = fixture.tdprivate("lb_getTdBlocksData", 9, {});
     ASSERT_TRUE(result.ok);
@@ -239,27 +245,15 @@ TEST(SearchPathOrder, GivenDirectoriesComeFirstAndDuplicatesAreAllListed)
     // repository defaults to the library name.
     EXPECT_EQ((Strings{names[0], files[0], files[3], names[1], names[5], result.outputs[2].toStringList()[0]}),
               (Strings{"Kinetics Preview", "kinetics", "kinetics", "Tandril", "Tandril", "kinetics"}));
-    const auto library = fixture.tdprivate("lb_getLibraryData", 3, {str("kinetics")});
-    EXPECT_EQ(library.outputs.at(0).cell(0).toString(), (extra.path() + "/kinetics.tdlib.json").toStdString())
-        << "outside the root a file is named absolutely";
     const auto given = fixture.tdprivate("lb_getTdBlocksData", 9,
                                          {HostValue::cellOfStrings({root.file("toolbox/switchyard").toStdString()})});
     EXPECT_EQ(given.outputs.at(0).toStringList(), (Strings{"Switchyard"})) << "a path list in the call replaces the host's own";
-}
 
-// Library files are looked for in what the walk below the root listed; files
-// added, moved or removed after it are found or missed as on the disk.
-TEST(SearchPathOrder, LibraryFilesAreFoundWhereTheyAreNow)
-{
-    RootCopy root;
-    const QByteArray empty = libraryJson("any", "[]");
-    for (const char* file : {"wavecraft/late", "kinetics/twice", "wavecraft/twice"})
-        root.write(QStringLiteral("toolbox/%1.tdlib.json").arg(file), empty);
-    HostFixture fixture(root.path());
     const auto fileOf = [&](const std::string& library) {
-        const auto result = fixture.tdprivate("lb_getLibraryData", 3, {str(library)});
-        return result.ok ? result.outputs.at(0).cell(0).toString() : "failed: " + result.errorMessage;
+        const auto data = fixture.tdprivate("lb_getLibraryData", 3, {str(library)});
+        return data.ok ? data.outputs.at(0).cell(0).toString() : "failed: " + data.errorMessage;
     };
+    EXPECT_EQ(fileOf("kinetics"), (extra.path() + "/kinetics.tdlib.json").toStdString()) << "outside the root: absolute";
     EXPECT_EQ(fileOf("late"), "toolbox/wavecraft/late.tdlib.json");
     EXPECT_EQ(fileOf("twice"), "toolbox/kinetics/twice.tdlib.json") << "the first directory on the path wins";
     root.write("toolbox/arithmetica/fresh.tdlib.json", empty);
@@ -299,15 +293,13 @@ TEST(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChanges)
     const std::vector<double> handles = fixture.children("lib0");
     ASSERT_EQ(handles.size(), 3u);
     const std::vector<HostValue> block = fixture.blockData(handles[0]);
-    ASSERT_EQ(block.size(), 6u);
-    EXPECT_EQ(block[1].toString(), "first");
+    ASSERT_TRUE(block.size() == 6 && block[1].toString() == "first");
     releaseFirst();
 
     EXPECT_EQ(fixture.blockData(handles[0]), block);
     EXPECT_EQ(fixture.children("lib0"), handles) << "the same reading keeps its nodes";
     const std::vector<double> inner = fixture.children(HostValue::doubleScalar(handles[1]));
-    ASSERT_EQ(inner.size(), 1u);
-    EXPECT_EQ(fixture.blockData(inner[0]).at(0).toString(), "Inner");
+    ASSERT_TRUE(inner.size() == 1 && fixture.blockData(inner[0]).at(0).toString() == "Inner");
     const auto icon = fixture.tdprivate("lb_createSubSystemIcons", 0,
                                         {str("lib0/S"), HostValue::cellOfStrings({"lib0/S/Inner"}),
                                          HostValue::cellOfStrings({root.file("inner.svg").toStdString()})});
@@ -320,8 +312,7 @@ TEST(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChanges)
         << stale.errorMessage;
     EXPECT_EQ(fixture.children(HostValue::doubleScalar(handles[1])), inner) << "children once listed are the node's own";
     const std::vector<double> fresh = fixture.children("lib0");
-    ASSERT_EQ(fresh.size(), 3u);
-    EXPECT_NE(fresh, handles);
+    ASSERT_TRUE(fresh.size() == 3 && fresh != handles);
     EXPECT_EQ(description(fresh[0]), "second");
 
     // A change while the document is still kept: new handles read the new
