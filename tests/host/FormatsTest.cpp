@@ -63,7 +63,8 @@ TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
     const BlockRecord& back = read->blocks[0];
     EXPECT_EQ(std::make_tuple(back.name, back.icon.shape, back.icon.inputs, back.icon.outputs, back.position.bottom),
               std::make_tuple(plain.name, IconShape::Diamond, 64, 64, 52.25));
-    EXPECT_EQ(std::make_tuple(read->blocks[1].icon.svg, read->blocks[2].blocks[1].target.path, read->blocks[2].blocks[1].hasDescription),
+    const BlockRecord& inner = read->blocks[2].blocks[1];
+    EXPECT_EQ(std::make_tuple(read->blocks[1].icon.svg, inner.target.path, inner.hasDescription),
               std::make_tuple(drawn.icon.svg, std::string("Continuous"), false));
 
     const QByteArray saved = LibraryBrowser::Testing::readFile(file.toStdString());
@@ -90,7 +91,8 @@ TEST(HostOptionsTest, FlagsBeatEnvironmentWhichBeatsDefaults)
     };
     EXPECT_EQ(resolved({"--root", "/flag/root", "-x", "--path=/p1:/p2", "file.mdl"}, environment),
               (QStringList{"/flag/root", "/env/prefs", "/p1:/p2", "-x file.mdl", ""}));
-    EXPECT_EQ(resolved({"--verbose"}, environment), (QStringList{"/env/root", "/env/prefs", "/env/a:/env/b", "", "verbose"}));
+    EXPECT_EQ(resolved({"--verbose"}, environment),
+              (QStringList{"/env/root", "/env/prefs", "/env/a:/env/b", "", "verbose"}));
     EXPECT_EQ(resolved({"--prefdir"}, environment), QStringList{"refused: --prefdir needs a value"});
     EXPECT_TRUE(resolved({"--root="}, environment).front().startsWith("refused: "));
 
@@ -118,8 +120,9 @@ TEST(HostInstall, InstallsItselfAsInterpreterAndEnvironmentAndLeavesCleanly)
         std::string console;
         host.environment().setConsole([&](const std::string& text) { console += text; });
         EXPECT_EQ(&Platform::interpreter(), &host);
-        EXPECT_EQ(std::make_tuple(Platform::environment().root(), Platform::environment().preferencesDirectory(),
-                                  Platform::environment().isWarningModeOn(3), Platform::interpreter().callWithTrap("docroot", 1, {}).ok),
+        const HostEnvironment& environment = Platform::environment();
+        EXPECT_EQ(std::make_tuple(environment.root(), environment.preferencesDirectory(), environment.isWarningModeOn(3),
+                                  Platform::interpreter().callWithTrap("docroot", 1, {}).ok),
                   std::make_tuple(options.root.toStdString(), preferences.path().toStdString(), true, true));
         host.callWithTrap("uiopen", 0, {str("*.mdl")});
         EXPECT_EQ(console, "host: docroot()\nhost: uiopen('*.mdl')\n");
@@ -172,7 +175,8 @@ TEST_F(BadInput, FileErrorsNameFileLineColumnAndField)
         {one(R"({"name": "Bell\u0007", "type": "Block"})"), "6:14: blocks[0].name:", "control character"},
         {one(R"({"name": "R", "type": "LibraryRef"})"), "6:5: blocks[0].target:", "needs a target"},
         {one(R"({"name": "B", "type": "Block", "blocks": []})"), "6:46: blocks[0].blocks:", "only a SubSystem"},
-        {one(R"({"name": "I", "type": "Block", "icon": {"svg": "<svg><g></svg>"}})"), "6:52: blocks[0].icon.svg:", "well-formed"},
+        {one(R"({"name": "I", "type": "Block", "icon": {"svg": "<svg><g></svg>"}})"), "6:52: blocks[0].icon.svg:",
+         "well-formed"},
         {libraryJson("broken", "{}"), "5:13: blocks:", "expected an array"},
         {QByteArray(empty).replace("\"version\": 1", "\"version\": 7"), "3:14: version:", "version 7 is not supported"},
         {QByteArray(empty).replace("tandril-library", "something-else"), "2:13: format:", "expected \"tandril-library\""},

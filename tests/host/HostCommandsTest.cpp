@@ -111,7 +111,8 @@ TEST_F(ExampleRoot, TdBlocksChildrenBlockAndLibraryDataInFileOrderWithStableHand
     const auto library = fixture.tdprivate("lb_getLibraryData", 3, {str("kinetics")});
     ASSERT_TRUE(library.ok) << library.errorMessage;
     const QFileInfo info(HostOptions::bundledRoot() + "/toolbox/kinetics/kinetics.tdlib.json");
-    EXPECT_EQ(std::make_tuple(library.outputs[0].cell(0).toString(), library.outputs[1].scalar(), library.outputs[2].scalar()),
+    const auto& data = library.outputs;
+    EXPECT_EQ(std::make_tuple(data[0].cell(0).toString(), data[1].scalar(), data[2].scalar()),
               std::make_tuple(std::string("toolbox/kinetics/kinetics.tdlib.json"), double(info.size()),
                               double(info.lastModified().toSecsSinceEpoch())));
     EXPECT_TRUE(fixture.errors().empty());
@@ -176,7 +177,8 @@ TEST(IconRendererTest, IconsAreSmallValidAndTheSameEachTime)
             const IconSpec icon{shape, "K<&>", 3, 2, ""};
             const QByteArray svg = IconRenderer::render(icon, "Gain", type, box);
             EXPECT_EQ(svg, IconRenderer::render(icon, "Gain", type, box));
-            EXPECT_TRUE(svg.size() < 2048 && QSvgRenderer(svg).isValid() && svg.contains("K&lt;&amp;&gt;")) << svg.constData();
+            EXPECT_TRUE(svg.size() < 2048 && QSvgRenderer(svg).isValid() && svg.contains("K&lt;&amp;&gt;"))
+                << svg.constData();
             const QByteArray plain = IconRenderer::render(IconSpec{}, "Gain", type, box);
             EXPECT_EQ(std::make_pair(plain.count("fill=\"#5a6f8c\""), plain.count("stroke=\"#5a6f8c\"")),
                       std::make_pair(qsizetype(type == BlockType::SubSystem), qsizetype(type == BlockType::LibraryRef)));
@@ -186,7 +188,8 @@ TEST(IconRendererTest, IconsAreSmallValidAndTheSameEachTime)
     EXPECT_TRUE(plain.contains(">Integrator<")) << "no label given: the name";
     EXPECT_EQ(plain.count("M0 "), 1) << "one input mark";
     EXPECT_NE(IconRenderer::render(IconSpec{}, "Gain", BlockType::Block, {0, 0, 90, 50}), plain);
-    EXPECT_TRUE(IconRenderer::render({}, "Gain", BlockType::Block, {0, 0, 70.5, 50}).contains("width=\"70.5\" height=\"50\""));
+    EXPECT_TRUE(IconRenderer::render({}, "Gain", BlockType::Block, {0, 0, 70.5, 50})
+                    .contains("width=\"70.5\" height=\"50\""));
     const std::string own = "<svg xmlns=\"http://www.w3.org/2000/svg\"><circle r=\"3\"/></svg>";
     EXPECT_EQ(IconRenderer::render(IconSpec{IconShape::Circle, "", 0, 0, own}, "x", BlockType::Block, box),
               QByteArray::fromStdString(own));
@@ -211,7 +214,8 @@ TEST(RemoveDirectory, RemovesATreeAndAnswersStatusMessageAndId)
                    : Strings{};
     };
     const std::string path = doomed.toStdString();
-    EXPECT_EQ(rmdir(doomed, {}), (Strings{"0", "Could not remove " + path + ": it is not empty.", "Tandril:Host:rmdir:Failed"}));
+    EXPECT_EQ(rmdir(doomed, {}),
+              (Strings{"0", "Could not remove " + path + ": it is not empty.", "Tandril:Host:rmdir:Failed"}));
     EXPECT_TRUE(QFileInfo::exists(doomed + "/inner"));
     EXPECT_EQ(rmdir(doomed), (Strings{"1", "", ""}));
     EXPECT_FALSE(QFileInfo::exists(doomed));
@@ -247,7 +251,8 @@ TEST(SearchPathOrder, GivenDirectoriesComeFirstAndLibraryFilesAreFoundWhereTheyA
               (Strings{"Kinetics Preview", "kinetics", "kinetics", "Tandril", "Tandril", "kinetics"}));
     const auto given = fixture.tdprivate("lb_getTdBlocksData", 9,
                                          {HostValue::cellOfStrings({root.file("toolbox/switchyard").toStdString()})});
-    EXPECT_EQ(given.outputs.at(0).toStringList(), (Strings{"Switchyard"})) << "a path list in the call replaces the host's own";
+    EXPECT_EQ(given.outputs.at(0).toStringList(), (Strings{"Switchyard"}))
+        << "a path list in the call replaces the host's own";
 
     const auto fileOf = [&](const std::string& library) {
         const auto data = fixture.tdprivate("lb_getLibraryData", 3, {str(library)});
@@ -258,7 +263,8 @@ TEST(SearchPathOrder, GivenDirectoriesComeFirstAndLibraryFilesAreFoundWhereTheyA
     EXPECT_EQ(fileOf("twice"), "toolbox/kinetics/twice.tdlib.json") << "the first directory on the path wins";
     root.write("toolbox/arithmetica/fresh.tdlib.json", empty);
     EXPECT_EQ(fileOf("fresh"), "toolbox/arithmetica/fresh.tdlib.json") << "added after the host started";
-    ASSERT_TRUE(QFile::rename(root.file("toolbox/wavecraft/late.tdlib.json"), root.file("toolbox/switchyard/late.tdlib.json")));
+    ASSERT_TRUE(
+        QFile::rename(root.file("toolbox/wavecraft/late.tdlib.json"), root.file("toolbox/switchyard/late.tdlib.json")));
     EXPECT_EQ(fileOf("late"), "toolbox/switchyard/late.tdlib.json") << "moved to another directory of the path";
     ASSERT_TRUE(QFile::remove(root.file("toolbox/kinetics/twice.tdlib.json")));
     EXPECT_EQ(fileOf("twice"), "toolbox/wavecraft/twice.tdlib.json") << "the next one on the path";
@@ -287,7 +293,8 @@ TEST(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChanges)
         writeLibrary(i, "first");
     HostFixture fixture(root.path());
     const auto releaseFirst = [&] {
-        EXPECT_EQ(std::make_pair(fixture.children("lib1").size(), fixture.children("lib2").size()), std::make_pair(3ul, 3ul));
+        EXPECT_EQ(std::make_pair(fixture.children("lib1").size(), fixture.children("lib2").size()),
+                  std::make_pair(3ul, 3ul));
     };
     const auto description = [&](double handle) { return fixture.blockData(handle).at(1).toString(); };
     const std::vector<double> handles = fixture.children("lib0");
@@ -308,7 +315,8 @@ TEST(LibraryRelease, HandlesIntoALetGoDocumentAnswerAsBeforeUntilItsFileChanges)
     releaseFirst();
     writeLibrary(0, "second");
     const auto stale = fixture.tdprivate("lb_getBlockData", 6, {HostValue::doubleScalar(handles[0])});
-    EXPECT_TRUE(!stale.ok && contains(stale.errorMessage, "the library file changed after the handle of \"lib0/A\" was given"))
+    EXPECT_TRUE(!stale.ok
+                && contains(stale.errorMessage, "the library file changed after the handle of \"lib0/A\" was given"))
         << stale.errorMessage;
     EXPECT_EQ(fixture.children(HostValue::doubleScalar(handles[1])), inner) << "children once listed are the node's own";
     const std::vector<double> fresh = fixture.children("lib0");
@@ -385,15 +393,16 @@ TEST_F(WindowCommandsTest, AddedBlocksAreCopiesWithUniqueNamesAndOnlyIntoUnlocke
         return ok("private_td_add_block", {str(block), str(into)});
     };
     const std::string gain = "arithmetica/Basic Operations/Gain";
-    for (const std::string& block :
-         {gain, gain, gain, std::string("wavecraft/Signal Conversion/A//D Converter"), std::string("kinetics/Discrete/Zero-Order Hold")})
+    for (const std::string& block : {gain, gain, gain, std::string("wavecraft/Signal Conversion/A//D Converter"),
+                                     std::string("kinetics/Discrete/Zero-Order Hold")})
         ASSERT_TRUE(add(block, "untitled")) << block;
     EXPECT_EQ(blockNames("untitled"), (Strings{"Gain", "Gain1", "Gain2", "A/D Converter", "Zero-Order\nHold"}));
     const auto& blocks = fixture.host().systems().find("untitled")->document.blocks;
     EXPECT_LT(blocks[0].position.right, blocks[1].position.left) << "placed side by side";
     EXPECT_EQ(blocks[0].description.rfind("Multiplies its input", 0), 0u);
 
-    ASSERT_TRUE(ok("private_td_drop_block", {str("kinetics/Mechanical"), str("untitled"), HostValue::doubleMatrix(1, 2, {300, 200})}));
+    ASSERT_TRUE(ok("private_td_drop_block",
+                   {str("kinetics/Mechanical"), str("untitled"), HostValue::doubleMatrix(1, 2, {300, 200})}));
     const BlockRecord& dropped = fixture.host().systems().find("untitled")->document.blocks.back();
     EXPECT_EQ(std::make_tuple(dropped.name, dropped.position.left, dropped.position.top, dropped.blocks.size()),
               std::make_tuple(std::string("Mechanical"), 300.0, 200.0, std::size_t(2)))
@@ -427,7 +436,8 @@ TEST_F(WindowCommandsTest, SavedSystemsReadBackAsLibraryFilesAndOpenFromThem)
     ASSERT_TRUE(document && document->blocks.size() == 2) << issue.toString();
     EXPECT_EQ(std::make_tuple(document->blocks[0].name, document->blocks[1].type, document->blocks[1].target.library,
                               document->blocks[1].target.path),
-              std::make_tuple(std::string("Zähler"), BlockType::LibraryRef, std::string("wavecraft"), std::string("Displays")));
+              std::make_tuple(std::string("Zähler"), BlockType::LibraryRef, std::string("wavecraft"),
+                              std::string("Displays")));
 
     ASSERT_TRUE(ok("close_system", {str(name)}));
     ASSERT_FALSE(fixture.host().systems().isLoaded(name));
