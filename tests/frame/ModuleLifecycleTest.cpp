@@ -1,15 +1,19 @@
 #include "frame/MessageCatalogue.h"
+#include "frame/Messages.h"
 #include "frame/Module.h"
 #include "frame/ModuleEntry.h"
 #include "frame/TDLBApp.h"
 #include "platform/HostClass.h"
 #include "platform/HostPackage.h"
+#include "platform/MessageService.h"
 #include "platform/Platform.h"
 #include "support/RecordingHost.h"
 
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
+
+#include <set>
 
 using namespace LibraryBrowser;
 using Testing::RecordingEnvironment;
@@ -24,8 +28,7 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
     Platform::setFramework(&host);
     Platform::setEnvironment(&environment);
 
-    ASSERT_FALSE(Module::isInitialized());
-    ASSERT_EQ(Module::application(), nullptr);
+    ASSERT_TRUE(!Module::isInitialized() && Module::application() == nullptr);
 
     // A host may load the application before it initialises the module.
     load_td_lib_browse_application();
@@ -41,12 +44,11 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
     EXPECT_EQ(first->localClasses().size(), 1u) << "the class is registered once";
     EXPECT_EQ(environment.rootQueries, 1) << "the start fills the host root once";
     EXPECT_TRUE(host.shutdownRegistry().contains("TDLibBrowse"));
-    ASSERT_EQ(host.packages().size(), 1u);
-    EXPECT_EQ(host.packages().front()->name(), "Repository");
+    EXPECT_TRUE(host.packages().size() == 1 && host.packages().front()->name() == "Repository");
 
     NRInitialize_td_lib_browse();
-    EXPECT_EQ(host.events.size(), 4u) << "a second start does nothing";
-    EXPECT_EQ(host.shutdownRegistry().size(), 1u);
+    EXPECT_EQ(std::make_pair(host.events.size(), host.shutdownRegistry().size()), std::make_pair(4ul, 1ul))
+        << "a second start does nothing";
 
     // The application can be rebuilt, but the new one gets no classes.
     delete first;
@@ -68,10 +70,8 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
     EXPECT_TRUE(Module::isTerminated());
     EXPECT_EQ(host.events, (std::vector<std::string>{"removeApplication LibraryBrowser", "removePackage Repository",
                                                      "terminateDesignTools"}));
-    EXPECT_FALSE(second.isClassLoaded());
-    EXPECT_FALSE(probe.isInterfaceLoaded()) << "every class's interface mark is cleared";
-    EXPECT_FALSE(host.shutdownRegistry().contains("TDLibBrowse"));
-    EXPECT_TRUE(host.packages().empty());
+    EXPECT_FALSE(second.isClassLoaded() || probe.isInterfaceLoaded()) << "every class's interface mark is cleared";
+    EXPECT_FALSE(host.shutdownRegistry().contains("TDLibBrowse") || !host.packages().empty());
 
     host.events.clear();
     NRTerminate_td_lib_browse();
@@ -85,12 +85,51 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
 TEST(ModuleEntry, ExportsAnEmptyFunctionListAndVersionStrings)
 {
     const ModuleFunction* functions = QueryNRFcns_td_lib_browse();
-    ASSERT_NE(functions, nullptr);
-    EXPECT_EQ(functions[0].name, nullptr);
+    ASSERT_TRUE(functions && !functions[0].name);
     EXPECT_EQ(QueryNRFcnTable_td_lib_browse()->functions, functions);
     // Four dotted numbers, and a date "Mmm dd yyyy" with the day padded by a blank.
     EXPECT_TRUE(QRegularExpression("^\\d+\\.\\d+\\.\\d+\\.\\d+$").match(libtd_lib_browse_version).hasMatch())
         << libtd_lib_browse_version;
     EXPECT_TRUE(QRegularExpression("^[A-Z][a-z]{2} [ \\d]\\d \\d{4}$").match(libtd_lib_browse_build_date).hasMatch())
         << libtd_lib_browse_build_date;
+}
+
+// The message catalogue as the host's message service reads it, and the
+// lookups the window formats its texts with. The texts themselves are
+// checked where they are shown.
+// Every row has its full number, a mnemonic of its own and a text; the
+// reserved row 4 has a number and nothing else.
+TEST(MessagesTest, RowsAreNumberedNamedAndLookedUpAndFormattedByFullNumber)
+{
+    const MessageTable& table = MessageCatalogue::table();
+    MessageService::instance().addPrimaryTable(table);
+    ASSERT_EQ(std::make_pair(table.count, table.facility), std::make_pair(129u, 0x5Eu));
+    std::set<std::string> names;
+    for (std::uint32_t i = 0; i < table.count; ++i) {
+        SCOPED_TRACE("row " + std::to_string(i + 1));
+        EXPECT_EQ(table.numbers[i], 0x5E0001u + i);
+        if (i + 1 == 4) {
+            EXPECT_TRUE(table.names[i] == std::string() && table.texts[i] == nullptr);
+            continue;
+        }
+        EXPECT_TRUE(std::string(table.names[i]).rfind("TDLB_", 0) == 0 && names.insert(table.names[i]).second);
+        EXPECT_TRUE(table.texts[i] && *table.texts[i]);
+    }
+
+    EXPECT_EQ(Messages::xlatedMessageFromId(0x5E0002), "Tandril Library Browser");
+    EXPECT_EQ(Messages::xlatedMessageFromId(MessageId::TDLB_GuiLibraryBrowserShortTitle), "Library Browser");
+    EXPECT_EQ(Messages::xlatedMessageFromId(0x5E0004), "") << "reserved row";
+    EXPECT_EQ(Messages::xlatedMessageFromId(0x5F0001), "") << "other facility";
+    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, "Tandril/Sources"),
+              "Loading: Tandril/Sources");
+    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStarAndThreeInts(MessageId::TDLB_GuiStatusBarSearchResults,
+                                                                   "gain", 2, 3, 17),
+              "Matches for 'gain'    2 blocksets    3 subsystems    17 blocks");
+    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStarAndThreeIntsAndCharStar(
+                  MessageId::TDLB_GuiStatusBarSearchResultsNowSearching, "gain", 1, 0, 4, "Tandril"),
+              "Matches for 'gain'    1 blocksets    0 subsystems    4 blocks    Searching Tandril");
+    // Formatted text is cut at 4095 characters.
+    const std::string text =
+        Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, std::string(5000, 'x'));
+    EXPECT_EQ(std::make_pair(text.size(), text.substr(0, 9)), std::make_pair(std::size_t(4095), std::string("Loading: ")));
 }

@@ -7,38 +7,29 @@
 #include <QFile>
 #include <QFileInfo>
 
-
 namespace LibraryBrowser::Host::Testing {
 
 HostFixture::HostFixture(const QString& root, const QStringList& path)
 {
     HostOptions options;
-    options.root = root;
-    options.preferencesDirectory = m_preferences.path();
-    options.path = path;
+    std::tie(options.root, options.preferencesDirectory, options.path) = std::make_tuple(root, m_preferences.path(), path);
     m_host = std::make_unique<EmbeddedHost>(options);
 }
 
 HostInterpreter::CallResult HostFixture::tdprivate(const std::string& operation, int outputs,
                                                    std::vector<HostValue> rest)
 {
-    std::vector<HostValue> inputs{HostValue::string(operation), HostValue::object(m_report)};
-    inputs.insert(inputs.end(), rest.begin(), rest.end());
-    return m_host->callWithTrap("tdprivate", outputs, inputs);
+    rest.insert(rest.begin(), {HostValue::string(operation), HostValue::object(m_report)});
+    return m_host->callWithTrap("tdprivate", outputs, rest);
 }
 
-namespace {
-std::vector<std::string> messages(const RepositoryReport::IssueList& issues)
+std::vector<std::string> HostFixture::messages(const RepositoryReport::IssueList& issues)
 {
     std::vector<std::string> texts;
     for (const RepositoryReport::Issue& issue : issues)
         texts.push_back(issue.message);
     return texts;
 }
-} // namespace
-
-std::vector<std::string> HostFixture::errors() const { return messages(m_report->getErrors()); }
-std::vector<std::string> HostFixture::warnings() const { return messages(m_report->getWarnings()); }
 
 std::vector<double> HostFixture::children(const HostValue& of)
 {
@@ -54,21 +45,18 @@ std::vector<HostValue> HostFixture::blockData(double handle)
 
 double HostFixture::childNamed(const std::string& parentPath, const std::string& name)
 {
-    for (double handle : children(parentPath)) {
-        const auto data = blockData(handle);
-        if (!data.empty() && data[0].toString() == name)
+    for (double handle : children(parentPath))
+        if (const auto data = blockData(handle); !data.empty() && data[0].toString() == name)
             return handle;
-    }
     return 0;
 }
 
 RootCopy::RootCopy() : m_path(m_directory.path() + QStringLiteral("/root"))
 {
     const QString source = HostOptions::bundledRoot();
-    QDirIterator it(source, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
+    for (QDirIterator it(source, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
         const QString from = it.next();
-        const QString to = m_path + QLatin1Char('/') + QDir(source).relativeFilePath(from);
+        const QString to = file(QDir(source).relativeFilePath(from));
         QDir().mkpath(QFileInfo(to).absolutePath());
         QFile::copy(from, to);
     }
@@ -83,6 +71,14 @@ QByteArray libraryJson(const std::string& name, const std::string& blocksJson)
 {
     return QByteArray::fromStdString("{\n  \"format\": \"tandril-library\",\n  \"version\": 1,\n  \"name\": \"" + name
                                      + "\",\n  \"blocks\": " + blocksJson + "\n}\n");
+}
+
+QByteArray libraryOf(const std::string& name, const std::vector<std::string>& blocks)
+{
+    std::string lines;
+    for (const std::string& block : blocks)
+        lines += (lines.empty() ? "[\n    " : ",\n    ") + block;
+    return libraryJson(name, lines + "\n  ]");
 }
 
 } // namespace LibraryBrowser::Host::Testing

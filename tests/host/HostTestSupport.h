@@ -25,11 +25,16 @@ public:
 
     EmbeddedHost& host() { return *m_host; }
     // The error messages the report got, oldest first.
-    std::vector<std::string> errors() const;
-    std::vector<std::string> warnings() const;
+    std::vector<std::string> errors() const { return messages(m_report->getErrors()); }
+    std::vector<std::string> warnings() const { return messages(m_report->getWarnings()); }
     void clearErrors() { m_report->takeErrors(); }
 
     HostInterpreter::CallResult tdprivate(const std::string& operation, int outputs, std::vector<HostValue> rest);
+    // A host command as a script gives it.
+    HostInterpreter::CallResult run(const std::string& command, std::vector<HostValue> inputs, int outputs = 0)
+    {
+        return m_host->callWithTrap(command, outputs, inputs);
+    }
     // lb_getChildrenHandles by path or handle; empty on failure.
     std::vector<double> children(const HostValue& of);
     std::vector<double> children(const std::string& path) { return children(HostValue::string(path)); }
@@ -39,6 +44,8 @@ public:
     double childNamed(const std::string& parentPath, const std::string& name);
 
 private:
+    static std::vector<std::string> messages(const RepositoryReport::IssueList& issues);
+
     QTemporaryDir m_preferences;
     RepositoryReportPtr m_report = RepositoryReport::create();
     std::unique_ptr<EmbeddedHost> m_host;
@@ -60,5 +67,10 @@ private:
 
 // The library file form of a list of blocks given as JSON text.
 QByteArray libraryJson(const std::string& name, const std::string& blocksJson);
+// The same with one block per line, the first on line 6.
+QByteArray libraryOf(const std::string& name, const std::vector<std::string>& blocks);
+
+inline HostValue str(const std::string& text) { return HostValue::string(text); }
+inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 } // namespace LibraryBrowser::Host::Testing

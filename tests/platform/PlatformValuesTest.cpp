@@ -1,3 +1,5 @@
+#include "platform/HostValue.h"
+#include "platform/PlainXmlCheck.h"
 #include "platform/SharedText.h"
 #include "platform/ShutdownRegistry.h"
 #include "platform/StringId.h"
@@ -10,43 +12,35 @@
 
 using namespace LibraryBrowser;
 
-TEST(StringId, EqualTextGivesIdenticalIdAndHash)
+// Enough new texts to grow the table several times over, with texts that
+// differ only late and some that differ only in length.
+TEST(StringId, EqualTextGivesIdenticalIdAndHashAcrossTheTableGrowing)
 {
-    const std::string text = "Tandril/Sources/Sine Wave";
-    StringId a(text);
-    StringId b(std::string("Tandril/Sources/") + "Sine Wave");
-    EXPECT_EQ(a, b);
-    EXPECT_EQ(a.c_str(), b.c_str()) << "interned ids share one text";
-    EXPECT_EQ(a.hash(), b.hash());
+    const StringId a("Tandril/Sources/Sine Wave");
+    const StringId b(std::string("Tandril/Sources/") + "Sine Wave");
+    EXPECT_TRUE(a == b && a.c_str() == b.c_str() && a.hash() == b.hash()) << "interned ids share one text";
     EXPECT_NE(a, StringId("Tandril/Sources/Sine wave"));
-    std::unordered_set<StringId> set{a, b, StringId("other")};
-    EXPECT_EQ(set.size(), 2u);
-
+    EXPECT_EQ((std::unordered_set<StringId>{a, b, StringId("other")}.size()), 2u);
     EXPECT_TRUE(StringId().isEmpty());
     EXPECT_EQ(StringId(), StringId(""));
     EXPECT_EQ(StringId(static_cast<const char*>(nullptr)), StringId());
-}
+    EXPECT_NE(StringId(std::string("a\0b", 3)), StringId("a")) << "text after a zero byte counts";
 
-TEST(StringId, IdsSurviveTheTableGrowingAndCountEachTextOnce)
-{
-    // Enough new texts to grow the table several times over, with texts
-    // that differ only late and some that differ only in length.
     const std::size_t before = StringId::internedCount();
+    const auto text = [](int i) { return "StringIdGrowth/Subsystem/Block " + std::to_string(i); };
     std::vector<StringId> ids;
     std::vector<const char*> addresses;
     for (int i = 0; i < 20000; ++i) {
-        ids.emplace_back("StringIdGrowth/Subsystem/Block " + std::to_string(i));
+        ids.emplace_back(text(i));
         addresses.push_back(ids.back().c_str());
     }
     EXPECT_EQ(StringId::internedCount(), before + 20000);
     for (int i = 0; i < 20000; ++i) {
-        const StringId again("StringIdGrowth/Subsystem/Block " + std::to_string(i));
-        ASSERT_EQ(again, ids[std::size_t(i)]) << i;
-        ASSERT_EQ(again.c_str(), addresses[std::size_t(i)]) << "an id's text never moves";
-        ASSERT_EQ(again.str(), "StringIdGrowth/Subsystem/Block " + std::to_string(i));
+        const StringId again(text(i));
+        ASSERT_TRUE(again == ids[std::size_t(i)] && again.c_str() == addresses[std::size_t(i)]) << "moved: " << i;
+        ASSERT_EQ(again.str(), text(i));
     }
     EXPECT_EQ(StringId::internedCount(), before + 20000) << "looking up interns nothing new";
-    EXPECT_NE(StringId(std::string("a\0b", 3)), StringId("a")) << "text after a zero byte counts";
 }
 
 TEST(SharedText, HoldersOfEqualTextShareOneCopyAndReadAsText)
@@ -54,11 +48,28 @@ TEST(SharedText, HoldersOfEqualTextShareOneCopyAndReadAsText)
     const std::string name = "toolbox/Signals/lb_Signals_icons_repos.rps";
     const SharedText a(name);
     const SharedText b = std::string("toolbox/Signals/") + "lb_Signals_icons_repos.rps";
-    EXPECT_EQ(a, b);
-    EXPECT_EQ(a.c_str(), b.c_str()) << "one copy for every holder";
+    EXPECT_TRUE(a == b && a.c_str() == b.c_str()) << "one copy for every holder";
     EXPECT_NE(a, SharedText("toolbox/Signals/lb_Signals_manifests_repos.rps"));
     EXPECT_EQ("/store/" + a + ".bak", "/store/" + name + ".bak");
     EXPECT_EQ(SharedText(), SharedText(""));
+}
+
+// Two values the host passes are the same only when kind, shape and every
+// element agree: scripts compare what a call gave back with what they sent.
+TEST(HostValue, ValuesAreEqualOnlyInKindShapeAndEveryElement)
+{
+    EXPECT_EQ(HostValue::cellOfStrings({"a", "b"}), HostValue::cellOfStrings({"a", "b"}));
+    EXPECT_EQ(HostValue::doubleMatrix(1, 2, {1, 2}), HostValue::doubleMatrix(1, 2, {1, 2}));
+    const std::pair<HostValue, HostValue> different[] = {
+        {HostValue::string("a"), HostValue::string("b")},
+        {HostValue::doubleScalar(1), HostValue::doubleScalar(2)},
+        {HostValue::logicalScalar(true), HostValue::logicalScalar(false)},
+        {HostValue::doubleMatrix(1, 2, {1, 2}), HostValue::doubleMatrix(2, 1, {1, 2})},
+        {HostValue::string("1"), HostValue::cellOfStrings({"1"})},
+        {HostValue::cellOfStrings({"a", "b"}), HostValue::cellOfStrings({"a", "c"})},
+    };
+    for (const auto& [left, right] : different)
+        EXPECT_TRUE(left != right && right != left) << left.toString();
 }
 
 namespace {
@@ -82,11 +93,8 @@ TEST(ShutdownRegistry, RunsStagesInOrderAndHonoursAVeto)
         registry.registerObject(std::make_unique<Probe>("a", log));
         registry.registerObject(std::make_unique<Probe>("b", log));
         EXPECT_TRUE(registry.runExitSequence());
-        EXPECT_EQ(log, (std::vector<std::string>{"prepare a", "prepare b", "terminate a", "terminate b"}));
-
-        log.clear();
         registry.unregisterObject("a");
-        EXPECT_EQ(log, std::vector<std::string>{"destroyed a"});
+        EXPECT_EQ(log, (std::vector<std::string>{"prepare a", "prepare b", "terminate a", "terminate b", "destroyed a"}));
         EXPECT_FALSE(registry.contains("a"));
         registry.unregisterObject("never registered");
         EXPECT_EQ(registry.size(), 1u);
@@ -98,3 +106,34 @@ TEST(ShutdownRegistry, RunsStagesInOrderAndHonoursAVeto)
     }
     EXPECT_EQ(log.size(), 2u) << "the registry destroys what it still owns";
 }
+
+namespace {
+
+bool quick(const QByteArray& bytes) { return PlainXmlCheck::check(bytes, "svg") == PlainXmlCheck::Verdict::WellFormed; }
+
+const QByteArray Icon = "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 120 80\">\n"
+                        "  <rect x='4' y='4' width=\"112\" height=\"72\" rx=\"6\" fill=\"#f7f8f4\"/>\n"
+                        "  <g stroke=\"#1f5fa8\"><line x1=\"10\" y1=\"40\" x2=\"11.02\" y2=\"46.6\"/></g>\n"
+                        "  <text x=\"60\" y=\"44\" text-anchor=\"middle\">Gain &amp; Offset &lt;1&gt;</text >\n"
+                        "</svg>\n";
+
+// What our writers make passes without the full parser; anything broken or
+// outside the plain form is left to the full parser. That nothing it passes
+// is rejected by the full parser is the plain_xml fuzz target's check.
+TEST(PlainXmlCheckTest, OnlyThePlainFormPassesWithoutTheFullParser)
+{
+    EXPECT_TRUE(quick(Icon));
+    EXPECT_TRUE(quick("<svg/>"));
+    EXPECT_TRUE(quick("  \r\n<svg a=\"x > y\"></svg>\t"));
+    const QByteArray leftToParser[] = {
+        "", "<svg>", "<svg><g></svg></g>", "<svg></svg><svg/>", "<svg></svg>tail", "lead<svg/>", "<g/>",
+        "<svg a=\"1\" a=\"2\"/>", "<svg a=\"1\"b=\"2\"/>", "<svg a=1/>", "<svg a=\"<\"/>", "<svg>&nbsp;</svg>",
+        "<svg>&amp</svg>", "<svg>]]></svg>", "<svg></ svg>", "<svg/ >", "<?xml version=\"1.0\"?><svg/>",
+        "<!-- c --><svg/>", "<svg><![CDATA[x]]></svg>", "<svg xmlns:x=\"urn:x\"><x:g/></svg>",
+        "<svg>caf\xc3\xa9</svg>", "<svg>\x01</svg>", "<svg><1a/></svg>", "xsvg/>",
+    };
+    for (const QByteArray& bytes : leftToParser)
+        EXPECT_FALSE(quick(bytes)) << bytes.constData();
+}
+
+} // namespace
