@@ -20,6 +20,9 @@ struct LibraryDocument {
     int version = currentVersion;
     std::string name;
     std::string description;
+    // Saved from a library rather than a model: a file opened by name comes
+    // back as the kind it was saved as (files on the path are libraries anyway).
+    bool library = false;
     std::vector<BlockRecord> blocks;
 };
 

@@ -74,7 +74,7 @@ std::shared_ptr<LibraryDocument> LibraryFileParser::parse(const QString& path, c
     auto doc = std::make_shared<LibraryDocument>();
     doc->filePath = path;
     const FieldPath root;
-    m_reader.checkKeys(top, root, {"format", "version", "name", "description", "blocks"});
+    m_reader.checkKeys(top, root, {"format", "version", "name", "kind", "description", "blocks"});
     m_reader.header(top, format, LibraryDocument::currentVersion, doc->version);
     if (m_reader.requiredString(top, root, "name", doc->name)) {
         if (!isValidLibraryName(doc->name))
@@ -85,6 +85,13 @@ std::shared_ptr<LibraryDocument> LibraryFileParser::parse(const QString& path, c
                                                            "\"%2\"")
                                                 .arg(QString::fromStdString(doc->name),
                                                      QString::fromStdString(expectedName)));
+    }
+    std::string kind;
+    if (m_reader.optionalString(top, root, "kind", kind)) {
+        doc->library = kind == "library";
+        if (!doc->library && kind != "model")
+            m_reader.fail(root.key("kind"), QStringLiteral("unknown kind \"%1\" (expected model or library)")
+                                                .arg(QString::fromStdString(kind)));
     }
     m_reader.optionalString(top, root, "description", doc->description);
     QJsonArray blocks;

@@ -85,6 +85,8 @@ QByteArray LibraryFileWriter::toBytes(const LibraryDocument& document)
     top.insert("format", QLatin1String(LibraryFileParser::format));
     top.insert("version", LibraryDocument::currentVersion);
     top.insert("name", text(document.name));
+    if (document.library)
+        top.insert("kind", QLatin1String("library"));
     if (!document.description.empty())
         top.insert("description", text(document.description));
     top.insert("blocks", blocksToJson(document.blocks));

@@ -134,6 +134,7 @@ bool SystemRegistry::openFile(const QString& file, std::string& error)
     } else {
         OpenSystem system;
         system.name = document->name;
+        system.type = document->library ? SystemType::Library : SystemType::Model;
         system.file = file;
         system.document = *document;
         m_systems.push_back(std::move(system));
@@ -296,6 +297,7 @@ bool SystemRegistry::save(const std::string& name, const QString& file, std::str
         error = "the system \"" + name + "\" has no file yet; name one";
         return false;
     }
+    system->document.library = system->type == SystemType::Library;
     QString reason;
     if (!LibraryFileWriter::save(system->document, target, reason)) {
         error = reason.toStdString();

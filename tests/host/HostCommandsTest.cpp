@@ -445,6 +445,11 @@ TEST_F(WindowCommandsTest, SavedSystemsReadBackAsLibraryFilesAndOpenFromThem)
     ASSERT_TRUE(opened.ok) << opened.errorMessage;
     EXPECT_EQ(front(), (Strings{name, "Model", "0"}));
     EXPECT_EQ(blockNames(name), (Strings{"Zähler", "Displays"}));
+    const std::string library = newSystem("Library");
+    const std::string libraryFile = (out.path() + "/parts.tdlib.json").toStdString();
+    ASSERT_TRUE(ok("save_system", {str(library), str(libraryFile)}) && ok("close_system", {str(library)}));
+    ASSERT_TRUE(fixture.run("open_system", {str(libraryFile)}).ok);
+    EXPECT_EQ(front(), (Strings{library, "Library", "0"})) << "a saved library comes back a library";
     LibraryBrowser::Testing::writeFile(file, "{ not json");
     const auto failed = fixture.run("open_system", {str(file)});
     EXPECT_FALSE(failed.ok);
