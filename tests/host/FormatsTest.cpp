@@ -181,6 +181,8 @@ TEST_F(BadInput, FileErrorsNameFileLineColumnAndField)
         {QByteArray(empty).replace("\"version\": 1", "\"version\": 7"), "3:14: version:", "version 7 is not supported"},
         {QByteArray(empty).replace("tandril-library", "something-else"), "2:13: format:", "expected \"tandril-library\""},
         {libraryJson("other", "[]"), "4:11: name:", "the library is named \"other\""},
+        {QByteArray(empty).replace("\"version\": 1,", "\"version\": 1, \"kind\": \"palette\","), "3:25: kind:",
+         "unknown kind \"palette\""},
         {"[1, 2]", "1:1:", "one JSON object"},
         {empty.left(empty.size() - 8), "5:10:", "not valid JSON"},
     };
