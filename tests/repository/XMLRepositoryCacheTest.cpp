@@ -1,5 +1,4 @@
 #include "HandMadeStore.h"
-#include "writer/ScriptedLibraries.h"
 
 #include "repository/HandleData.h"
 #include "repository/ReaderCacheRegistry.h"
@@ -11,29 +10,21 @@ namespace LibraryBrowser {
 namespace {
 
 using Names = std::vector<std::string>;
+using XMLRepositoryCacheTest = Testing::HandMadeStore;
 
 // A repository whose shipped store is the hand-made one, on a host that
 // announces its products but knows none of their blocks: no product can be
 // brought up to date, so every product is read from the shipped store.
-class XMLRepositoryCacheTest : public Testing::HandMadeStore {
-protected:
-    void SetUp() override
-    {
-        HandMadeStore::SetUp();
-        libraries.setProducts({{"Alpha Library", "Alpha", "Product", {}, {}},
-                               {"Beta Library", "Beta", "Product", {}, {}},
-                               {"Tools", "Tools", "Palette", {"Beta", "Tools", "Nope"}, {}}});
-        writeStore(shipped());
-        repository = std::dynamic_pointer_cast<XMLRepository>(Repository::open(writable(), shipped(), {}));
-        ASSERT_NE(repository, nullptr);
-    }
-
-    Testing::ScriptedLibraries libraries{interpreter, hostRoot()};
-    XMLRepositoryPtr repository;
-};
-
+// Handles are bound to the repository and survive the unloading of their
+// product in either store.
 TEST_F(XMLRepositoryCacheTest, HandlesAreBoundToTheRepositoryAndReadFromTheChosenStore)
 {
+    libraries.setProducts({{"Alpha Library", "Alpha", "Product", {}, {}},
+                           {"Beta Library", "Beta", "Product", {}, {}},
+                           {"Tools", "Tools", "Palette", {"Beta", "Tools", "Nope"}, {}}});
+    writeStore(shipped());
+    auto repository = std::dynamic_pointer_cast<XMLRepository>(Repository::open(writable(), shipped(), {}));
+    ASSERT_NE(repository, nullptr);
     const TandrilObject alpha = repository->getTandrilObject("Alpha");
     ASSERT_TRUE(alpha.isValid());
     EXPECT_EQ(alpha.getData()->cache(), repository->getCache());
@@ -54,10 +45,7 @@ TEST_F(XMLRepositoryCacheTest, HandlesAreBoundToTheRepositoryAndReadFromTheChose
     EXPECT_FALSE(exists(writable() + "/toolbox/Alpha/lb_Alpha_manifests_repos.rps"));
     EXPECT_EQ(repository->shippedReader()->readerCache().productCacheCount(), 3u);
     EXPECT_EQ(repository->writableReader()->readerCache().productCacheCount(), 0u);
-}
 
-TEST_F(XMLRepositoryCacheTest, AHandleSurvivesTheUnloadingOfItsProductInEitherStore)
-{
     const TandrilObject x = repository->getTandrilObject("Alpha/Sub/X");
     ASSERT_EQ(x.getName(), "X");
     for (const std::string& store : {shipped(), writable()}) {

@@ -19,15 +19,11 @@ protected:
     void SetUp() override
     {
         StoreFixture::SetUp();
-        report = RepositoryReport::create();
-        writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": []}");
-        writeFile(hostRoot() + "/toolbox/signals/signals.tdlib.json", "{\"blocks\": [1, 2, 3]}");
-        setModified(hostRoot() + "/toolbox/signals/tdblocks.json", stamp);
-        setModified(hostRoot() + "/toolbox/signals/signals.tdlib.json", stamp);
+        put(tdblocks, "{\"entries\": []}");
+        put(model, "{\"blocks\": [1, 2, 3]}");
         writeFile(store() + "/signals/icons.rps", "icons");
         writeFile(store() + "/signals/manifests.rps", "manifests");
-
-        product = model->createLibraryImpl();
+        product = nodes->createLibraryImpl();
         product->setName("Signals");
         product->setPath("signals");
         product->setReposIconsArchiveSpec("signals/icons.rps");
@@ -36,7 +32,11 @@ protected:
         product->setFileDependencies({dependency("toolbox/signals/tdblocks.json")});
     }
 
-    std::string store() const { return path("store"); }
+    void put(const std::string& file, const char* content)
+    {
+        writeFile(file, content);
+        setModified(file, stamp);
+    }
 
     FileInfo dependency(const std::string& spec)
     {
@@ -51,97 +51,87 @@ protected:
         return LibraryComparison(*report, store(), host).compareLibrary(library, ignoreTimestamp);
     }
 
-    RepositoryReportPtr report;
-    ModelPtr model = Model::createModel();
+    const std::string tdblocks = hostRoot() + "/toolbox/signals/tdblocks.json";
+    const std::string model = hostRoot() + "/toolbox/signals/signals.tdlib.json";
+    ModelPtr nodes = Model::createModel();
     LibraryImpl* product = nullptr;
 };
 
 } // namespace
 
-TEST_F(LibraryComparisonTest, NothingChangedReadsNoFile)
+// Dates that match are trusted without reading; a touched file with the same
+// content stays up to date; changed content is out of date, whether the size
+// or only the checksum tells; ignoring timestamps reads every file.
+TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
 {
     EXPECT_TRUE(compare(*product));
     EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (Signals)"));
-    EXPECT_EQ(loggedCount(*report, "Computed check sum"), 0) << "dates that match are trusted without reading";
-}
+    EXPECT_EQ(loggedCount(*report, "Computed check sum"), 0);
 
-TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
-{
-    setModified(hostRoot() + "/toolbox/signals/tdblocks.json", stamp.addSecs(60));
-    setModified(hostRoot() + "/toolbox/signals/signals.tdlib.json", stamp.addSecs(60));
-    EXPECT_TRUE(compare(*product));
-    EXPECT_TRUE(logged(*report, "The checksums matched! (toolbox/signals/tdblocks.json)"));
-    EXPECT_TRUE(logged(*report, "The checksums matched! (Signals)"));
-}
-
-TEST_F(LibraryComparisonTest, ChangedContentIsOutOfDate)
-{
-    // Same size, other bytes: only the checksum can tell.
-    writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": [1]}");
-    EXPECT_FALSE(compare(*product));
-    EXPECT_TRUE(logged(*report, "The files have different sizes (toolbox/signals/tdblocks.json)"));
-
-    writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": {}}");
-    EXPECT_FALSE(compare(*product));
-    EXPECT_TRUE(logged(*report, "The checksums did not match. (toolbox/signals/tdblocks.json)"));
-
-    writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": []}");
-    writeFile(hostRoot() + "/toolbox/signals/signals.tdlib.json", "{\"blocks\": [1, 2, 4]}");
-    EXPECT_FALSE(compare(*product));
-    EXPECT_TRUE(logged(*report, "The checksums did not match. (Signals)"));
-}
-
-TEST_F(LibraryComparisonTest, IgnoringTimestampsReadsEveryFileAndQuotesPaths)
-{
     EXPECT_TRUE(compare(*product, true));
     EXPECT_TRUE(logged(*report, "The timestamp of toolbox/signals/tdblocks.json has been ignored"));
     EXPECT_TRUE(logged(*report, "The timestamp of toolbox/signals/signals.tdlib.json has been ignored"))
         << "the model file's line quotes the host's path, not the library's name";
     EXPECT_EQ(loggedCount(*report, "Computed check sum"), 2);
+
+    setModified(tdblocks, stamp.addSecs(60));
+    setModified(model, stamp.addSecs(60));
+    EXPECT_TRUE(compare(*product));
+    EXPECT_TRUE(logged(*report, "The checksums matched! (toolbox/signals/tdblocks.json)"));
+    EXPECT_TRUE(logged(*report, "The checksums matched! (Signals)"));
+
+    const struct {
+        const char* tdblocksContent;
+        const char* modelContent;
+        const char* line;
+    } changes[] = {
+        {"{\"entries\": [1]}", "{\"blocks\": [1, 2, 3]}", "The files have different sizes (toolbox/signals/tdblocks.json)"},
+        {"{\"entries\": {}}", "{\"blocks\": [1, 2, 3]}", "The checksums did not match. (toolbox/signals/tdblocks.json)"},
+        {"{\"entries\": []}", "{\"blocks\": [1, 2, 4]}", "The checksums did not match. (Signals)"},
+    };
+    for (const auto& change : changes) {
+        writeFile(tdblocks, change.tdblocksContent);
+        writeFile(model, change.modelContent);
+        EXPECT_FALSE(compare(*product)) << change.line;
+        EXPECT_TRUE(logged(*report, change.line));
+    }
 }
 
-TEST_F(LibraryComparisonTest, MissingStoredDataOrFilesAreOutOfDateSilently)
+// Missing stored data or files are out of date silently; a library below a
+// product counts the product's files and its own model; a palette passes on
+// its files alone.
+TEST_F(LibraryComparisonTest, MissingFilesLibrariesBelowAProductAndPalettes)
 {
-    QFile::remove(QString::fromStdString(store() + "/signals/icons.rps"));
-    EXPECT_FALSE(compare(*product)) << "a library without its icons archive is out of date";
-    EXPECT_EQ(report->getLog().size(), 1u) << "the dependency's line and nothing more";
-
-    writeFile(store() + "/signals/icons.rps", "icons");
-    QFile::remove(QString::fromStdString(hostRoot() + "/toolbox/signals/tdblocks.json"));
-    EXPECT_FALSE(compare(*product));
-    EXPECT_TRUE(report->getLog().empty());
-
-    product->setFileDependencies({});
-    product->setPath("forgotten"); // the host no longer knows the library
-    EXPECT_FALSE(compare(*product));
-    EXPECT_TRUE(logged(*report, "The timestamps did not match (Signals)"));
-    EXPECT_TRUE(logged(*report, "The files have different sizes (Signals)"));
-}
-
-TEST_F(LibraryComparisonTest, ALibraryBelowAProductCountsTheProductsFilesAndItsOwnModel)
-{
-    writeFile(hostRoot() + "/toolbox/signals/filters.tdlib.json", "{\"blocks\": []}");
-    setModified(hostRoot() + "/toolbox/signals/filters.tdlib.json", stamp);
-    LibraryImpl* filters = model->createLibraryImpl();
+    put(hostRoot() + "/toolbox/signals/filters.tdlib.json", "{\"blocks\": []}");
+    LibraryImpl* filters = nodes->createLibraryImpl();
     filters->setName("Filters");
     filters->setPath("filters");
     filters->setProduct(product);
     filters->setFileDependencies({{"toolbox/never/read.json", "", 0, 0}});
     recordModelFile(*filters, "toolbox/signals/filters.tdlib.json");
-
     EXPECT_TRUE(compare(*filters));
     EXPECT_TRUE(logged(*report, "The timestamps matched! (toolbox/signals/tdblocks.json)"));
     EXPECT_TRUE(logged(*report, "The timestamps matched! (Filters)"));
 
-    writeFile(hostRoot() + "/toolbox/signals/tdblocks.json", "{\"entries\": {}}");
-    EXPECT_FALSE(compare(*filters)) << "the product's dependency changed";
-}
-
-TEST_F(LibraryComparisonTest, APalettePassesOnItsFilesAlone)
-{
-    PaletteImpl* palette = model->createPaletteImpl();
+    PaletteImpl* palette = nodes->createPaletteImpl();
     palette->setName("Workbench");
     palette->setFileDependencies({dependency("toolbox/signals/tdblocks.json")});
+    const std::size_t libraryData = interpreter.callCount("tdprivate:lb_getLibraryData");
     EXPECT_TRUE(compare(*palette)) << "no archives and no model file are asked of a palette";
-    EXPECT_EQ(interpreter.callCount("tdprivate:lb_getLibraryData"), 0u);
+    EXPECT_EQ(interpreter.callCount("tdprivate:lb_getLibraryData"), libraryData);
+
+    QFile::remove(QString::fromStdString(store() + "/signals/icons.rps"));
+    EXPECT_FALSE(compare(*product)) << "a library without its icons archive is out of date";
+    EXPECT_EQ(report->getLog().size(), 1u) << "the dependency's line and nothing more";
+    writeFile(store() + "/signals/icons.rps", "icons");
+    writeFile(tdblocks, "{\"entries\": {}}");
+    EXPECT_FALSE(compare(*filters)) << "the product's dependency changed";
+    QFile::remove(QString::fromStdString(tdblocks));
+    EXPECT_FALSE(compare(*product));
+    EXPECT_TRUE(report->getLog().empty());
+    product->setFileDependencies({});
+    product->setPath("forgotten"); // the host no longer knows the library
+    EXPECT_FALSE(compare(*product));
+    EXPECT_TRUE(logged(*report, "The timestamps did not match (Signals)"));
+    EXPECT_TRUE(logged(*report, "The files have different sizes (Signals)"));
 }
