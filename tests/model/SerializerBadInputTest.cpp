@@ -27,6 +27,8 @@ std::string load(const std::string& body, Model& model)
 
 } // namespace
 
+// Every structural fault ends in the error holder, and the nodes read before
+// it stay.
 TEST(SerializerBadInput, EveryStructuralFaultEndsInTheErrorHolder)
 {
     const BadDocument cases[] = {
@@ -49,10 +51,7 @@ TEST(SerializerBadInput, EveryStructuralFaultEndsInTheErrorHolder)
         const std::string message = load(c.xml, *model);
         EXPECT_NE(message.find(c.expectedInMessage), std::string::npos) << message;
     }
-}
-
-TEST(SerializerBadInput, AFaultKeepsTheNodesReadBeforeIt)
-{
+    // A fault keeps the nodes read before it.
     ModelPtr model = Model::createModel();
     EXPECT_FALSE(load(header + "<BlockImpl id=\"1\" name=\"Gain\"/><BlockImpl id=\"2\" name=\"Sum\"/>"
                       "<WidgetImpl id=\"3\"/><BlockImpl id=\"4\" name=\"Lost\"/></tdlb-manifest>",
@@ -100,7 +99,8 @@ TEST(SerializerBadInput, AnUnreadableValueKeepsItsDefaultWithOneWarning)
     }
 }
 
-// Numbers are read as stream input reads them, and a file record as far as it goes.
+// Numbers are read as stream input reads them, and a file record as far as it
+// goes; references that lead nowhere are no fault.
 TEST(SerializerBadInput, ValuesAreReadAsFarAsTheyGo)
 {
     ModelPtr model = Model::createModel();
@@ -117,19 +117,17 @@ TEST(SerializerBadInput, ValuesAreReadAsFarAsTheyGo)
     EXPECT_EQ(library->getPosition(), QRectF(1, 2, 3, 4));
     const FileInfoVector expected{{"a", "b", 0, 0}, {"short,x", "y", 0, 1}, {"notes, v2.txt", "7", 8, 9}};
     EXPECT_EQ(library->getFileDependencies(), expected);
-}
 
-TEST(SerializerBadInput, DanglingOrMistypedReferencesBindToNullSilently)
-{
-    ModelPtr model = Model::createModel();
+    // Dangling or mistyped references bind to null, silently.
+    model = Model::createModel();
     EXPECT_EQ(load(header + "<LibraryImpl id=\"4\" product=\"7\" dependencies=\"[4,9]\"/></tdlb-manifest>",
                    *model),
               "");
-    auto* library = dynamic_cast<LibraryImpl*>(model->getNodes().get(0));
-    ASSERT_NE(library, nullptr);
-    EXPECT_EQ(library->getProduct(), nullptr);
-    ASSERT_EQ(library->getDependencies().size(), 1) << "the unknown id is dropped, the known one kept";
-    EXPECT_EQ(library->getDependencies().get(0), library);
+    auto* dangling = dynamic_cast<LibraryImpl*>(model->getNodes().get(0));
+    ASSERT_NE(dangling, nullptr);
+    EXPECT_EQ(dangling->getProduct(), nullptr);
+    ASSERT_EQ(dangling->getDependencies().size(), 1) << "the unknown id is dropped, the known one kept";
+    EXPECT_EQ(dangling->getDependencies().get(0), dangling);
 
     // A node of the wrong class is no error, only no reference.
     EXPECT_EQ(load(header + "<BlockImpl id=\"1\"/><LibraryImpl id=\"2\" product=\"1\"/></tdlb-manifest>",
