@@ -30,6 +30,7 @@ protected:
 
     void SetUp() override;
 
+    TandrilObject object(const std::string& id) { return reader->getTandrilObject(id); }
     // Writes the store above into the directory.
     void writeStore(const std::string& directory);
     // Replaces one entry of a product's manifests archive.

@@ -22,16 +22,19 @@ TEST(RepositoryPathsTest, SanitizeNameEscapesAllButLettersDigitsAndUnderscore)
     for (const auto& [name, sanitized] : cases)
         EXPECT_EQ(sanitizeName(name), sanitized) << name;
     EXPECT_EQ(sanitizePath("my lib/a//b/c_d"), "my_20lib/a_2f_2fb/c__d");
-}
 
-TEST(RepositoryPathsTest, SplitBlockPathKeepsDoubledSlashesInNames)
-{
-    const std::pair<const char*, Segments> cases[] = {
+    // Splitting keeps doubled slashes in names; absolute and relative forms.
+    const std::pair<const char*, Segments> splits[] = {
         {"lib/sub/block", {"lib", "sub", "block"}}, {"lib/a//b", {"lib", "a//b"}}, {"a////b/c", {"a////b", "c"}},
         {"a///b", {"a", "b"}}, {"/a", {"", "a"}}, {"a", {"a"}}, {"", {}},
     };
-    for (const auto& [path, segments] : cases)
+    for (const auto& [path, segments] : splits)
         EXPECT_EQ(splitBlockPath(path), segments) << path;
+    EXPECT_EQ(absolutePath("/root", "toolbox/lib.json"), "/root/toolbox/lib.json");
+    EXPECT_EQ(absolutePath("/root", "/elsewhere/lib.json"), "/elsewhere/lib.json");
+    EXPECT_EQ(relativePath("/root", "/root/toolbox/lib.json"), "toolbox/lib.json");
+    EXPECT_EQ(relativePath("/root", "toolbox/lib.json"), "toolbox/lib.json");
+    EXPECT_EQ(relativePath("/r", "/x/r/y"), "x/y") << "every occurrence of the root goes, not only a leading one";
 }
 
 TEST(RepositoryPathsTest, OnlyRelativePathsWithinTheStoreServeAsRepositoryDirectories)
@@ -61,16 +64,7 @@ TEST(RepositoryPathsTest, OnlyRelativePathsWithinTheStoreServeAsRepositoryDirect
     EXPECT_EQ(showControlCharacters("Bell\a\x1f"), "Bell\\x07\\x1f");
 }
 
-TEST(RepositoryPathsTest, AbsoluteAndRelativePaths)
-{
-    EXPECT_EQ(absolutePath("/root", "toolbox/lib.json"), "/root/toolbox/lib.json");
-    EXPECT_EQ(absolutePath("/root", "/elsewhere/lib.json"), "/elsewhere/lib.json");
-    EXPECT_EQ(relativePath("/root", "/root/toolbox/lib.json"), "toolbox/lib.json");
-    EXPECT_EQ(relativePath("/root", "toolbox/lib.json"), "toolbox/lib.json");
-    EXPECT_EQ(relativePath("/r", "/x/r/y"), "x/y") << "every occurrence of the root goes, not only a leading one";
-}
-
-class RepositoryDirectoriesTest : public Testing::StoreFixture {};
+using RepositoryDirectoriesTest = Testing::StoreFixture;
 
 TEST_F(RepositoryDirectoriesTest, UnmakeableWritableStoreIsAWarning)
 {
@@ -78,11 +72,10 @@ TEST_F(RepositoryDirectoriesTest, UnmakeableWritableStoreIsAWarning)
     writeFile(path("prefs-file"), "x");
     Testing::RecordingEnvironment blocked(hostRoot(), path("prefs-file"));
     Platform::setEnvironment(&blocked);
-    RepositoryReport report;
-    EXPECT_EQ(writableRepositoryDirectory(report), path("prefs-file") + "/td_library_browser_repos");
+    EXPECT_EQ(writableRepositoryDirectory(*report), path("prefs-file") + "/td_library_browser_repos");
     Platform::setEnvironment(environment);
-    ASSERT_EQ(report.getWarnings().size(), 1u);
-    EXPECT_EQ(report.getWarnings().front().message, "Unable to create preference directory");
+    ASSERT_EQ(report->getWarnings().size(), 1u);
+    EXPECT_EQ(report->getWarnings().front().message, "Unable to create preference directory");
 }
 
 } // namespace

@@ -100,8 +100,9 @@ TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystem)
     const QString disk = QString::fromStdString(path("runtime-on-disk"));
     QDir().mkpath(disk);
     const QByteArray type = QStorageInfo(disk).fileSystemType();
-    if (type != "tmpfs" && type != "ramfs")
+    if (type != "tmpfs" && type != "ramfs") {
         EXPECT_EQ(memoryFileSystemBase({disk, QString::fromStdString(path("missing"))}), QString());
+    }
     qunsetenv("TMPDIR");
     const QStorageInfo shm(QStringLiteral("/dev/shm"));
     if (!QFileInfo(QStringLiteral("/dev/shm")).isWritable() || shm.bytesAvailable() < (qint64(1) << 30))
