@@ -5,7 +5,6 @@
 #include "GenerationFixture.h"
 
 #include "platform/FileFaults.h"
-#include "repository/TandrilObjectIterator.h"
 #include "support/Files.h"
 
 #include <QDir>

@@ -1,7 +1,6 @@
 #include "GenerationFixture.h"
 
 #include "platform/Platform.h"
-#include "repository/TandrilObjectIterator.h"
 #include "support/Files.h"
 
 using namespace LibraryBrowser;

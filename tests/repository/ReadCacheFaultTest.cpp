@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QFile>
 
-#include <gtest/gtest.h>
 
 #include <optional>
 

@@ -2,9 +2,7 @@
 
 #include "StoreFixture.h"
 #include "platform/Platform.h"
-#include "repository/RepositoryReport.h"
 
-#include <gtest/gtest.h>
 
 namespace LibraryBrowser {
 namespace {

@@ -1,7 +1,6 @@
 #include "StoreFixture.h"
 
 #include "ReadOnlyPath.h"
-#include "repository/RepositoryReport.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/TempDirectories.h"
 #include "repository/xmlrepository/TempDirectoryOwners.h"
@@ -14,7 +13,6 @@
 #include <QStorageInfo>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <unistd.h>
 #include <utime.h>

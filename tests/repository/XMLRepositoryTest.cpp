@@ -8,8 +8,8 @@
 #include <QFile>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 
 namespace LibraryBrowser {
@@ -185,6 +185,14 @@ protected:
         saveManifest(model, topLevelFile(store));
         ReaderCacheRegistry::unloadTopLevelCaches(store);
     }
+    // A top-level manifest of products: name, lastModified, shadowedLastModified.
+    static ModelPtr products(std::initializer_list<std::array<const char*, 3>> rows)
+    {
+        auto model = Model::createModel();
+        for (const auto& [name, lastModified, shadowed] : rows)
+            addProduct(*model, name, lastModified, shadowed);
+        return model;
+    }
 
     Library shippedProduct(const std::string& name) { return repository->shippedReader()->getProduct(name); }
 
@@ -223,44 +231,34 @@ TEST_F(XMLRepositoryProductsTest, MergeTakesTheWritableCopyOnlyWhileTheShippedOn
     EXPECT_TRUE(repository->getProduct("Nope").isNull());
     EXPECT_FALSE(repository->isProductUpToDate(std::string("Nope")));
 
-    auto model = Model::createModel();
-    addProduct(*model, "Alpha", "writable-2", "shipped-1"); // took over the current shipped Alpha
-    addProduct(*model, "Beta", "writable-2", "shipped-0");  // took over an older shipped Beta
-    addProduct(*model, "Gamma", "writable-2");              // only in the writable store
-    rewrite(*model, writable());
-    // Delta is only shipped: the writable list decides what is listed.
+    // Alpha took over the current shipped Alpha, Beta an older one, Gamma is
+    // only writable and Delta only shipped: the writable list decides what is listed.
+    rewrite(*products({{"Alpha", "writable-2", "shipped-1"}, {"Beta", "writable-2", "shipped-0"},
+                       {"Gamma", "writable-2", ""}}), writable());
     EXPECT_EQ(describe(repository->getMergedProducts()), (Messages{"w:Alpha", "s:Beta", "w:Gamma"}));
     // A new shipped Alpha makes the writable copy stale.
-    auto shippedModel = Model::createModel();
-    addProduct(*shippedModel, "Alpha", "shipped-2");
-    addProduct(*shippedModel, "Beta", "shipped-0");
-    rewrite(*shippedModel, shipped());
+    rewrite(*products({{"Alpha", "shipped-2", ""}, {"Beta", "shipped-0", ""}}), shipped());
     EXPECT_EQ(describe(repository->getProductsIterator()), (Messages{"s:Alpha", "w:Beta", "w:Gamma"}));
 
-    shippedModel = Model::createModel();
-    addProduct(*shippedModel, "Alpha", "shipped-1");
-    LibraryImpl* dependency = addProduct(*shippedModel, "Alpha", "shipped-0");
+    ModelPtr shippedModel = products({{"Alpha", "shipped-1", ""}, {"Alpha", "shipped-0", ""}});
+    auto* dependency = static_cast<LibraryImpl*>(shippedModel->getNodes().get(1));
     dependency->setUniquePath(StringId("Beta-Alpha"));
     dependency->setIsProduct(false);
     rewrite(*shippedModel, shipped());
-    model = Model::createModel();
-    addProduct(*model, "Alpha", "writable-2", "shipped-1");
-    rewrite(*model, writable());
+    rewrite(*products({{"Alpha", "writable-2", "shipped-1"}}), writable());
     EXPECT_EQ(describe(repository->getMergedProducts()), (Messages{"w:Alpha"}));
 
-    shippedModel = Model::createModel();
-    LibraryImpl* beta = addProduct(*shippedModel, "Beta", "shipped-2");
-    LibraryImpl* shared = addProduct(*shippedModel, "Shared");
-    LibraryImpl* deep = addProduct(*shippedModel, "Deep");
-    shared->setIsProduct(false);
-    deep->setIsProduct(false);
-    beta->getDependenciesPtr()->append(shared);
-    shared->getDependenciesPtr()->append(deep);
+    // Beta depends on Shared, which depends on Deep: one level is added.
+    shippedModel = products({{"Beta", "shipped-2", ""}, {"Shared", "", ""}, {"Deep", "", ""}});
+    LibraryImpl* chain[3];
+    for (int i = 0; i < 3; ++i) {
+        chain[i] = static_cast<LibraryImpl*>(shippedModel->getNodes().get(i));
+        chain[i]->setIsProduct(i == 0);
+        if (i > 0)
+            chain[i - 1]->getDependenciesPtr()->append(chain[i]);
+    }
     rewrite(*shippedModel, shipped());
-    model = Model::createModel();
-    addProduct(*model, "Alpha", "writable-2");
-    addProduct(*model, "Beta", "writable-2", "shipped-1");
-    rewrite(*model, writable());
+    rewrite(*products({{"Alpha", "writable-2", ""}, {"Beta", "writable-2", "shipped-1"}}), writable());
     EXPECT_EQ(describe(repository->getMergedProducts()), (Messages{"w:Alpha", "s:Beta"}));
     EXPECT_EQ(describe(repository->getAllProductsIterator()), (Messages{"w:Alpha", "s:Beta", "s:Shared"}));
 }
