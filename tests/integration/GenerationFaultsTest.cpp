@@ -1,7 +1,13 @@
 #include "GenerationFixture.h"
 
+#include "platform/FileFaults.h"
 #include "platform/Platform.h"
 #include "support/Files.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <cstdio>
 
 using namespace LibraryBrowser;
 using namespace LibraryBrowser::Testing;
@@ -121,4 +127,178 @@ TEST_F(GenerationFaultsTest, AnUnreadableLibraryKeepsItsLastArchivesUntilMended)
     reader = makeReader();
     EXPECT_TRUE(reader->isProductUpToDate(reader->getTandrilObject("wavecraft")));
     EXPECT_TRUE(reader->getTandrilObject("wavecraft/Sources/Sine Wave 2").isValid());
+}
+
+// Every file operation of a generation made to fail in turn. After each
+// fault the store must still read (each product fresh and whole, or out of
+// date with a reason in the report) and the next generation must finish
+// the work.
+namespace {
+
+// Keeps count of what the report was told, however long the log grows.
+class CountingReport : public RepositoryReport {
+public:
+    void logError(const std::string& id, const std::string& message) override
+    {
+        ++problems;
+        RepositoryReport::logError(id, message);
+    }
+    void logWarning(const std::string& id, const std::string& message) override
+    {
+        ++problems;
+        RepositoryReport::logWarning(id, message);
+    }
+    using RepositoryReport::logError;
+    using RepositoryReport::logWarning;
+
+    int problems = 0;
+};
+
+QByteArray savedTemp;
+
+// Three products, one with a reference into another, and a palette: every
+// kind of file a generation makes, in a run short enough to repeat a few
+// hundred times.
+const std::vector<std::string> sweptProducts = {"arithmetica", "kinetics", "wavecraft"};
+
+class FileFaultSweepTest : public GenerationFixture {
+protected:
+    // Stores and temporary directories in memory where there is a memory
+    // file system: every manifest written is synced to disk, and a sweep
+    // writes some tens of thousands.
+    static void SetUpTestSuite()
+    {
+        savedTemp = qgetenv("TMPDIR");
+        if (QFileInfo(QStringLiteral("/dev/shm")).isWritable())
+            qputenv("TMPDIR", "/dev/shm");
+    }
+    static void TearDownTestSuite()
+    {
+        if (savedTemp.isNull())
+            qunsetenv("TMPDIR");
+        else
+            qputenv("TMPDIR", savedTemp);
+    }
+
+    bool copiesRootFile(const QString& relative) const override
+    {
+        return !relative.startsWith(QLatin1String("toolbox/switchyard/"))
+               && !relative.startsWith(QLatin1String("toolbox/tandril/"));
+    }
+    void TearDown() override { FileFaults::setHook({}); }
+
+    // A generation with a report that counts, with the hook given; how many
+    // problems it told.
+    int run(FileFaults::Hook hook = {})
+    {
+        auto counting = std::make_shared<CountingReport>();
+        report = counting;
+        FileFaults::setHook(std::move(hook));
+        makeWriter()->generateRepository(GenerationMode::Minimal);
+        FileFaults::setHook({});
+        return counting->problems;
+    }
+
+    // Every product the store lists is fresh and whole, or out of date; a
+    // product out of date needs a reason in the report of the run that
+    // failed, and so does a store that lists nothing. With `complete`, all
+    // are fresh and the palette is listed too.
+    void expectReadable(int problems, bool complete)
+    {
+        const auto reader = makeReader();
+        const std::vector<std::string> products = productPaths(*reader);
+        if (complete) {
+            EXPECT_EQ(products.size(), sweptProducts.size() + 1) << "the products and the palette";
+        } else if (products.empty()) {
+            EXPECT_GT(problems, 0) << "a store without products and no word why";
+        }
+        for (const std::string& product : products) {
+            const TandrilObject handle = reader->getTandrilObject(product);
+            const bool fresh = reader->isProductUpToDate(handle);
+            EXPECT_TRUE(fresh || (!complete && problems > 0)) << product << " is out of date and no word why";
+            if (fresh && !handle.isPalette()) {
+                EXPECT_EQ(storedCounts(*reader, product), declaredCounts(product)) << product << " is fresh";
+            }
+        }
+    }
+
+    // Fails each operation of one generation in turn, each time on the store
+    // as `prepare` leaves it; each must be survived and mended by the next run.
+    void sweep(const char* what, const std::function<void()>& prepare, std::vector<FileFaults::Operation> kinds)
+    {
+        prepare();
+        std::vector<std::pair<FileFaults::Operation, std::string>> operations;
+        EXPECT_EQ(run([&](FileFaults::Operation kind, const std::string& path) {
+                      operations.emplace_back(kind, path);
+                      return false;
+                  }), 0) << logText();
+        ASSERT_GT(operations.size(), 20u);
+        for (FileFaults::Operation kind : kinds)
+            EXPECT_TRUE(std::any_of(operations.begin(), operations.end(), [&](const auto& o) { return o.first == kind; }))
+                << FileFaults::name(kind);
+        std::size_t survived = 0;
+        for (std::size_t i = 0; i < operations.size() && !::testing::Test::HasFailure(); ++i) {
+            SCOPED_TRACE("fault " + std::to_string(i) + ": " + FileFaults::name(operations[i].first) + " "
+                         + operations[i].second);
+            prepare();
+            std::size_t count = 0;
+            expectReadable(run([&](FileFaults::Operation, const std::string&) { return count++ == i; }), false);
+            const int problems = run();
+            EXPECT_EQ(problems, 0) << logText();
+            expectReadable(problems, true);
+            survived += count > i;
+        }
+        std::printf("%s: survived %zu injected faults of %zu operations\n", what, survived, operations.size());
+        EXPECT_EQ(survived, operations.size());
+    }
+
+    void emptyStore() { ASSERT_TRUE(QDir(QString::fromStdString(store())).removeRecursively()); }
+};
+
+} // namespace
+
+TEST_F(FileFaultSweepTest, EveryOperationOfAFirstGeneration)
+{
+    sweep("first generation", [this] { emptyStore(); },
+          {FileFaults::Create, FileFaults::Write, FileFaults::Rename, FileFaults::Copy, FileFaults::ArchiveClose});
+}
+
+TEST_F(FileFaultSweepTest, EveryOperationOfAGenerationOverAStore)
+{
+    // Every library edited: each product is generated again over its
+    // archives, which must stay readable whatever fails.
+    run();
+    const std::map<QString, QByteArray> generated = snapshot(store());
+    sweep("generation over a store", [&] {
+        emptyStore();
+        for (const auto& [file, bytes] : generated)
+            writeFile(store() + "/" + file.toStdString(), bytes);
+        for (const std::string& product : sweptProducts)
+            editRootFile(libraryFile(product).substr(root().size() + 1), "\"description\": \"",
+                         "\"description\": \"Edited. ");
+    }, {FileFaults::Remove});
+}
+
+TEST_F(FileFaultSweepTest, AnArchiveThatCannotBeWrittenLeavesTheLastOneInPlace)
+{
+    run();
+    const std::map<std::string, std::string> stamps = archiveStamps();
+    editRootFile(libraryFile("wavecraft").substr(root().size() + 1), "\"Chirp\"", "\"Chirp 2\"");
+    int refused = 0;
+    EXPECT_GT(run([&](FileFaults::Operation kind, const std::string& path) {
+                  const bool refuse = kind == FileFaults::ArchiveClose
+                                      && path.find("lb_wavecraft_manifests_repos.rps") != std::string::npos;
+                  refused += refuse;
+                  return refuse;
+              }), 0);
+    ASSERT_GT(refused, 0);
+    EXPECT_TRUE(logHas("The archives of product Wavecraft Signals could not be written.")) << logText();
+    for (const char* kind : {"icons", "manifests"})
+        EXPECT_EQ(archiveStamps().at(archiveOf("wavecraft", kind)), stamps.at(archiveOf("wavecraft", kind)))
+            << "the " << kind << " archive is not replaced";
+    auto reader = makeReader();
+    EXPECT_FALSE(reader->isProductUpToDate(reader->getTandrilObject("wavecraft")));
+    EXPECT_TRUE(reader->getTandrilObject("wavecraft/Sources/Chirp").isValid());
+    EXPECT_EQ(run(), 0) << logText();
+    EXPECT_TRUE(makeReader()->getTandrilObject("wavecraft/Sources/Chirp 2").isValid());
 }
