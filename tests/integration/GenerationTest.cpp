@@ -1,6 +1,7 @@
 #include "GenerationFixture.h"
 
 #include "repository/TandrilObjectIterator.h"
+#include "repository/search/BlockRanker.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 #include "repository/xmlrepository/XMLRepository.h"
 #include "support/Files.h"
@@ -289,3 +290,159 @@ TEST_F(RepositoryOnDemandTest, ShippedStoreMadeAtOpenThenChangedProductsGenerate
     repository->getChildrenIterator(repository->getTandrilObject("wavecraft"));
     EXPECT_EQ(sent, (std::vector<std::string>{"pre Wavecraft Signals", "post Wavecraft Signals"}));
 }
+
+namespace LibraryBrowser {
+void PrintTo(const NameSpan& span, std::ostream* out) { *out << "(" << span.start << ", " << span.length << ")"; }
+} // namespace LibraryBrowser
+
+namespace {
+
+enum class Root { Example, Synthetic };
+
+// A root of one product whose names put the tiers against each other; the
+// last name is two hundred one-letter words, hostile to the hump search.
+const char* const syntheticLibrary = R"({"format": "tandril-library", "version": 1, "name": "testbench",
+ "description": "Blocks for ranking.", "blocks": [
+ {"name": "Controllers", "type": "SubSystem", "blocks": [
+  {"name": "Discrete PID Controller", "type": "Block",
+   "description": "Proportional, integral and derivative action in discrete time."},
+  {"name": "PID Controller", "type": "Block",
+   "description": "Continuous proportional, integral and derivative control."},
+  {"name": "Pidgin Translator", "type": "Block", "description": "Translates between pidgin languages."},
+  {"name": "Rapid Sampler", "type": "Block", "description": "Samples its input fast."},
+  {"name": "TransferFcn", "type": "Block", "description": "Linear transfer function in Laplace form."}]},
+ {"name": "Sources", "type": "SubSystem", "blocks": [
+  {"name": "Sine Wave", "type": "Block", "description": "A sinusoid of given amplitude."},
+  {"name": "Square Wave", "type": "Block", "description": "Alternates between two levels."},
+  {"name": "Chirp", "type": "Block", "description": "Sweeps a sinusoid in frequency."},
+  {"name": "Noise Generator", "type": "Block", "description": "Gaussian white noise."}]},
+ {"name": "Legacy", "type": "SubSystem", "blocks": [
+  {"name": "Sine Wave", "type": "Block", "description": "The old sinusoid, kept for old models."},
+  {"name": "MANY WORDS", "type": "Block", "description": "Many words."}]}]})";
+
+const char* const syntheticProduct = R"({"format": "tandril-tdblocks", "version": 1, "entries": [
+ {"name": "Testbench", "library": "testbench", "type": "Product", "repository": "testbench",
+  "dependencies": ["testbench.tdlib.json"]}]})";
+
+struct Case {
+    Root root;
+    const char* query;
+    std::vector<std::string> favourites;
+    std::vector<std::string> recents;
+    // The path of the first block; empty when nothing may be found.
+    const char* first;
+    // Its matched runs of the name, as (start, length) in characters.
+    std::vector<NameSpan> spans;
+};
+
+const std::string tb = "testbench/";
+
+const Case cases[] = {
+    // The name's beginning beats a word start inside a longer name, and of
+    // two beginnings the shorter name wins.
+    {Root::Synthetic, "pid", {}, {}, "testbench/Controllers/PID Controller", {{0, 3}}},
+    // Word order doesn't matter; both words are marked.
+    {Root::Synthetic, "controller PID", {}, {}, "testbench/Controllers/PID Controller", {{0, 3}, {4, 10}}},
+    {Root::Synthetic, "contr dis", {}, {}, "testbench/Controllers/Discrete PID Controller", {{0, 3}, {13, 5}}},
+    // Word starts and camel humps.
+    {Root::Synthetic, "dpc", {}, {}, "testbench/Controllers/Discrete PID Controller", {{0, 1}, {9, 1}, {13, 1}}},
+    {Root::Synthetic, "tf", {}, {}, "testbench/Controllers/TransferFcn", {{0, 1}, {8, 1}}},
+    // Letters in order, with gaps.
+    {Root::Synthetic, "sqwv", {}, {}, "testbench/Sources/Square Wave", {{0, 2}, {7, 1}, {9, 1}}},
+    // A keyword of the description; a word beginning there, the shorter name first.
+    {Root::Synthetic, "gaussian", {}, {}, "testbench/Sources/Noise Generator", {}},
+    {Root::Synthetic, "sinus", {}, {}, "testbench/Sources/Chirp", {}},
+    // The library path adds to a name match; equal names go by tree order.
+    {Root::Synthetic, "legacy sine", {}, {}, "testbench/Legacy/Sine Wave", {{0, 4}}},
+    {Root::Synthetic, "sine wave", {}, {}, "testbench/Sources/Sine Wave", {{0, 4}, {5, 4}}},
+    // Favourites and recents lift a block over its equals, not over a far better match.
+    {Root::Synthetic, "wave", {tb + "Sources/Square Wave"}, {}, "testbench/Sources/Square Wave", {{7, 4}}},
+    {Root::Synthetic, "wave", {}, {tb + "Sources/Square Wave"}, "testbench/Sources/Square Wave", {{7, 4}}},
+    {Root::Synthetic, "pid", {tb + "Controllers/Rapid Sampler"}, {}, "testbench/Controllers/PID Controller", {{0, 3}}},
+    {Root::Synthetic, "", {tb + "Sources/Chirp", "testbench/No Such Block"}, {tb + "Controllers/TransferFcn"},
+     "testbench/Sources/Chirp", {}},
+    // Nothing found: one word that matches nowhere sinks the query.
+    {Root::Synthetic, "pid zebra", {}, {}, "", {}},
+    {Root::Synthetic, "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaq", {}, {}, "", {}},
+    {Root::Example, "pid", {}, {}, "kinetics/Continuous/PID Controller", {{0, 3}}},
+    {Root::Example, "integr", {}, {}, "kinetics/Continuous/Integrator", {{0, 6}}},
+    {Root::Example, "resonateur", {}, {}, "kinetics/Continuous/Résonateur", {{0, 10}}},
+    {Root::Example, "windup anti", {}, {}, "kinetics/Continuous/PID Controller", {}},
+    {Root::Example, "xyzzy", {}, {}, "", {}},
+};
+
+class BlockRankerTest : public GenerationFixture, public ::testing::WithParamInterface<Root> {
+protected:
+    bool copiesRootFile(const QString&) const override { return GetParam() == Root::Example; }
+
+    void SetUp() override
+    {
+        // The host finds its path when it starts.
+        if (GetParam() == Root::Synthetic) {
+            writeRootFile("toolbox/testbench/tdblocks.json", syntheticProduct);
+            writeRootFile("toolbox/testbench/testbench.tdlib.json",
+                          QByteArray(syntheticLibrary).replace("MANY WORDS", QByteArray("a ").repeated(200) + "z"));
+        }
+        GenerationFixture::SetUp();
+        generate();
+        reader = makeReader();
+        ranker = std::make_unique<BlockRanker>(*reader);
+    }
+
+    std::unique_ptr<XMLRepositoryReader> reader;
+    std::unique_ptr<BlockRanker> ranker;
+};
+
+} // namespace
+
+TEST_P(BlockRankerTest, FirstResultsOfTheTable)
+{
+    ASSERT_GT(ranker->index().size(), 10u);
+    for (const Case& c : cases) {
+        if (c.root != GetParam())
+            continue;
+        SCOPED_TRACE(std::string("query '") + c.query + "'");
+        RankingQuery query;
+        query.text = c.query;
+        query.favourites.insert(c.favourites.begin(), c.favourites.end());
+        query.recents.insert(c.recents.begin(), c.recents.end());
+        const RankingResult result = ranker->rank(query);
+        if (*c.first == '\0') {
+            EXPECT_EQ(result.total, 0u);
+            EXPECT_TRUE(result.blocks.empty());
+            continue;
+        }
+        ASSERT_FALSE(result.blocks.empty());
+        EXPECT_EQ(result.blocks.front().block.getPath(), c.first);
+        EXPECT_EQ(result.blocks.front().spans, c.spans);
+        for (std::size_t i = 1; i < result.blocks.size(); ++i)
+            EXPECT_GE(result.blocks[i - 1].score, result.blocks[i].score);
+    }
+}
+
+// Each block once, however many products store it or references reach it;
+// an empty query lists favourites before recents and drops unknown paths.
+TEST_P(BlockRankerTest, BlocksComeOnceAndAnEmptyQueryListsFavouritesThenRecents)
+{
+    RankingQuery all;
+    all.text = GetParam() == Root::Example ? "controller" : "wave";
+    all.limit = 0;
+    std::set<std::string> paths;
+    for (const RankedBlock& ranked : ranker->rank(all).blocks)
+        EXPECT_TRUE(paths.insert(ranked.block.getPath()).second) << ranked.block.getPath();
+    EXPECT_FALSE(paths.empty());
+
+    const std::string first = ranker->rank({all.text, {}, {}, 1}).blocks.front().block.getPath();
+    RankingQuery empty;
+    empty.recents = {first, "nowhere/At All"};
+    empty.favourites = {*paths.rbegin()};
+    const RankingResult listed = ranker->rank(empty);
+    ASSERT_EQ(listed.total, first == *paths.rbegin() ? 1u : 2u);
+    EXPECT_EQ(listed.blocks.front().block.getPath(), *paths.rbegin());
+    EXPECT_TRUE(listed.blocks.front().favourite);
+    EXPECT_EQ(listed.blocks.back().block.getPath(), first);
+    EXPECT_TRUE(listed.blocks.back().recent);
+}
+
+INSTANTIATE_TEST_SUITE_P(Roots, BlockRankerTest, ::testing::Values(Root::Example, Root::Synthetic),
+                         [](const auto& info) { return info.param == Root::Example ? "Example" : "Synthetic"; });
