@@ -4,9 +4,11 @@
 #include "platform/Platform.h"
 #include "repository/Library.h"
 #include "support/Files.h"
-#include "support/HostileRoot.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -314,14 +316,101 @@ TEST_F(FileFaultSweepTest, AnArchiveThatCannotBeWrittenLeavesTheLastOneInPlace)
 // outside the store.
 namespace {
 
+// Library files that a careless or hostile author could ship, each written
+// below the root as a directory of its own with its tdblocks.json; each
+// writer returns that directory, relative to the root.
+QJsonObject block(const QString& name)
+{
+    return QJsonObject{{"name", name}, {"type", "Block"}};
+}
+
+QJsonObject reference(const QString& name, const QString& library)
+{
+    return QJsonObject{{"name", name}, {"type", "LibraryRef"}, {"target", QJsonObject{{"library", library}}}};
+}
+
+void writeLibrary(const std::string& directory, const QString& name, const QJsonArray& blocks)
+{
+    const QJsonObject document{{"format", "tandril-library"}, {"version", 1}, {"name", name}, {"blocks", blocks}};
+    writeFile(directory + "/" + name.toStdString() + ".tdlib.json", QJsonDocument(document).toJson());
+}
+
+void writeTdBlocks(const std::string& directory, const QJsonArray& entries)
+{
+    const QJsonObject document{{"format", "tandril-tdblocks"}, {"version", 1}, {"entries", entries}};
+    writeFile(directory + "/tdblocks.json", QJsonDocument(document).toJson());
+}
+
+QJsonObject product(const QString& name, const QString& library)
+{
+    return QJsonObject{{"name", name}, {"library", library}, {"type", "Product"}};
+}
+
+// Libraries NAME0 .. NAMEK, each with one block "LevelI" and the given
+// references to the next.
+void writeReferenceLevels(const std::string& root, const QString& name, const QString& productName,
+                          const QStringList& references, int levels)
+{
+    const std::string directory = root + "/toolbox/" + name.toStdString();
+    for (int level = 0; level <= levels; ++level) {
+        QJsonArray blocks{block(QString("Level%1").arg(level))};
+        if (level < levels)
+            for (const QString& side : references)
+                blocks.append(reference(side, name + QString::number(level + 1)));
+        writeLibrary(directory, name + QString::number(level), blocks);
+    }
+    writeTdBlocks(directory, QJsonArray{product(productName, name + "0")});
+}
+
+// Palettes "Cycle 1" .. "Cycle N", each listing the next and the last the
+// first and depending on their tdblocks.json, and a product "Cycle Member"
+// (library cyclemember, one block "Orbit") listed by the first.
+std::string writePaletteCycle(const std::string& root, int length)
+{
+    const std::string relative = "toolbox/cycle";
+    const std::string directory = root + "/" + relative;
+    writeLibrary(directory, "cyclemember", QJsonArray{block("Orbit")});
+    QJsonArray entries{product("Cycle Member", "cyclemember")};
+    for (int i = 1; i <= length; ++i) {
+        QJsonArray children{QString("Cycle %1").arg(i % length + 1)};
+        if (i == 1)
+            children.append("Cycle Member");
+        // A dependency, so that a first generation finds each palette out
+        // of date and generates the next from inside it.
+        entries.append(QJsonObject{{"name", QString("Cycle %1").arg(i)},
+                                   {"library", QString("cycle%1").arg(i)},
+                                   {"type", "Palette"},
+                                   {"children", children},
+                                   {"dependencies", QJsonArray{"tdblocks.json"}}});
+    }
+    writeTdBlocks(directory, entries);
+    return relative;
+}
+
+// A product "Escape" (library escape, one block "Breakout") whose
+// repository directory is the given text, e.g. "../../outside".
+std::string writeEscapingProduct(const std::string& root, const std::string& repository)
+{
+    const std::string relative = "toolbox/escape";
+    const std::string directory = root + "/" + relative;
+    writeLibrary(directory, "escape", QJsonArray{block("Breakout")});
+    QJsonObject entry = product("Escape", "escape");
+    entry["repository"] = QString::fromStdString(repository);
+    writeTdBlocks(directory, QJsonArray{entry});
+    return relative;
+}
+
 constexpr int FanOutLevels = 14;
 
 class HostileLibrariesTest : public GenerationFixture {
 protected:
     void addRootFiles() override
     {
-        writeFanOut(root(), FanOutLevels);
-        writeChain(root(), 100);
+        // Libraries fan0 .. fan14, each referencing the next twice: a walk
+        // that entered every reference where it meets it would see the last
+        // level 2^14 times. And a chain of a hundred single references.
+        writeReferenceLevels(root(), "fan", "Fan Out", {"Left", "Right"}, FanOutLevels);
+        writeReferenceLevels(root(), "chain", "Chain", {"Next"}, 100);
         writePaletteCycle(root(), 3);
         escapeDirectory = writeEscapingProduct(root(), "../escaped");
     }
