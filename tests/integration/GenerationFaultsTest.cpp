@@ -64,8 +64,6 @@ protected:
     std::map<std::string, QByteArray> archives;
 };
 
-} // namespace
-
 TEST_F(GenerationFaultsTest, AnUnknownBlockTypeLeavesTheBlockOut)
 {
     UnknownTypeInterpreter rewriting(Platform::interpreter());
@@ -139,7 +137,6 @@ TEST_F(GenerationFaultsTest, AnUnreadableLibraryKeepsItsLastArchivesUntilMended)
 // fault the store must still read (each product fresh and whole, or out of
 // date with a reason in the report) and the next generation must finish
 // the work.
-namespace {
 
 // Keeps count of what the report was told, however long the log grows.
 class CountingReport : public RepositoryReport {
@@ -261,8 +258,6 @@ protected:
     void emptyStore() { ASSERT_TRUE(QDir(QString::fromStdString(store())).removeRecursively()); }
 };
 
-} // namespace
-
 TEST_F(FileFaultSweepTest, EveryOperationOfAFirstGeneration)
 {
     sweep("first generation", [this] { emptyStore(); },
@@ -314,7 +309,6 @@ TEST_F(FileFaultSweepTest, AnArchiveThatCannotBeWrittenLeavesTheLastOneInPlace)
 // directory leads out of the store. Each generates, reads and searches in
 // time and memory in proportion to its files, and nothing is written
 // outside the store.
-namespace {
 
 // Library files that a careless or hostile author could ship, each written
 // below the root as a directory of its own with its tdblocks.json; each
@@ -479,4 +473,5 @@ TEST_F(HostileLibrariesTest, FanOutsChainsCyclesAndEscapesStayBounded)
         EXPECT_EQ(std::count(products.begin(), products.end(), "kinetics"), 1);
     }
 }
+
 } // namespace

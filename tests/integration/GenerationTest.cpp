@@ -14,6 +14,12 @@
 using namespace LibraryBrowser;
 using namespace LibraryBrowser::Testing;
 
+namespace LibraryBrowser {
+void PrintTo(const NameSpan& span, std::ostream* out) { *out << "(" << span.start << ", " << span.length << ")"; }
+} // namespace LibraryBrowser
+
+namespace {
+
 using GenerateRepositoryTest = GenerationFixture;
 
 // From nothing every block and icon reads back; afterwards only what changed
@@ -83,8 +89,6 @@ TEST_F(GenerateRepositoryTest, FromNothingThenOnlyWhatChangedThenEverything)
         EXPECT_NE(stamp, after.at(path)) << path;
 }
 
-namespace {
-
 using WriterVerbsTest = GenerationFixture;
 
 bool contains(const std::vector<std::string>& list, const std::string& item)
@@ -101,8 +105,6 @@ std::vector<std::string> paths(TandrilObjectIterator it, bool sorted)
         std::sort(result.begin(), result.end());
     return result;
 }
-
-} // namespace
 
 // Listing the products generates nothing; a product generates alone, a
 // palette its members (leaving its level of the report open); an invalid or
@@ -190,8 +192,6 @@ TEST_F(WriterVerbsTest, DestroyAndChangedProductLists)
     EXPECT_FALSE(makeReader()->exists());
 }
 
-namespace {
-
 // A repository on the root copy, with the shipped store at its place and a
 // writable store below the preferences.
 class RepositoryOnDemandTest : public GenerationFixture {
@@ -223,8 +223,6 @@ protected:
 
     std::vector<std::string> sent;
 };
-
-} // namespace
 
 // Made at the first open, the shipped store is then read as it is. A changed
 // product is generated into the writable store between the two signals, once.
@@ -290,12 +288,6 @@ TEST_F(RepositoryOnDemandTest, ShippedStoreMadeAtOpenThenChangedProductsGenerate
     repository->getChildrenIterator(repository->getTandrilObject("wavecraft"));
     EXPECT_EQ(sent, (std::vector<std::string>{"pre Wavecraft Signals", "post Wavecraft Signals"}));
 }
-
-namespace LibraryBrowser {
-void PrintTo(const NameSpan& span, std::ostream* out) { *out << "(" << span.start << ", " << span.length << ")"; }
-} // namespace LibraryBrowser
-
-namespace {
 
 enum class Root { Example, Synthetic };
 
@@ -393,8 +385,6 @@ protected:
     std::unique_ptr<BlockRanker> ranker;
 };
 
-} // namespace
-
 TEST_P(BlockRankerTest, FirstResultsOfTheTable)
 {
     ASSERT_GT(ranker->index().size(), 10u);
@@ -446,3 +436,5 @@ TEST_P(BlockRankerTest, BlocksComeOnceAndAnEmptyQueryListsFavouritesThenRecents)
 
 INSTANTIATE_TEST_SUITE_P(Roots, BlockRankerTest, ::testing::Values(Root::Example, Root::Synthetic),
                          [](const auto& info) { return info.param == Root::Example ? "Example" : "Synthetic"; });
+
+} // namespace
