@@ -25,6 +25,8 @@
 namespace LibraryBrowser {
 namespace {
 
+using namespace Testing;
+
 using Messages = std::vector<std::string>;
 
 using TempDirectoriesTest = Testing::StoreFixture;
@@ -337,7 +339,6 @@ TEST_F(RepositoryDirectoriesTest, UnmakeableWritableStoreIsAWarning)
     EXPECT_EQ(report->getWarnings().front().message, "Unable to create preference directory");
 }
 
-using namespace Testing;
 
 const QDateTime stamp = QDateTime::fromSecsSinceEpoch(1763800000);
 

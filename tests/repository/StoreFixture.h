@@ -39,11 +39,6 @@ protected:
     // What the system temporary directory holds now.
     QStringList tempEntries() const;
 
-    static void writeFile(const std::string& file, const QByteArray& bytes) { Testing::writeFile(file, bytes); }
-    static QByteArray readFile(const std::string& file) { return Testing::readFile(file); }
-    static bool exists(const std::string& file) { return Testing::exists(file); }
-    static void setModified(const std::string& file, const QDateTime& time) { Testing::setModified(file, time); }
-
     // A product entry of a top-level manifest, with its archive specs.
     static LibraryImpl* addProduct(Model& model, const std::string& name, const std::string& lastModified = "",
                                    const std::string& shadowedLastModified = "");

@@ -25,6 +25,8 @@
 namespace LibraryBrowser {
 namespace {
 
+using namespace Testing;
+
 using Messages = std::vector<std::string>;
 
 class XMLRepositorySyncTest : public Testing::StoreFixture {
