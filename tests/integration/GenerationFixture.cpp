@@ -22,15 +22,12 @@ namespace {
 void countDeclared(const QJsonArray& blocks, TreeCounts& counts)
 {
     for (const QJsonValue& value : blocks) {
-        const QJsonObject block = value.toObject();
-        const QString type = block.value("type").toString();
-        if (type == "Block")
-            ++counts.blocks;
-        else if (type == "LibraryRef")
-            ++counts.references;
-        else if (type == "SubSystem") {
+        const QString type = value.toObject().value("type").toString();
+        counts.blocks += type == "Block";
+        counts.references += type == "LibraryRef";
+        if (type == "SubSystem") {
             ++counts.subsystems;
-            countDeclared(block.value("blocks").toArray(), counts);
+            countDeclared(value.toObject().value("blocks").toArray(), counts);
         }
     }
 }
@@ -40,15 +37,12 @@ void countStored(XMLRepositoryReader& reader, const TandrilObject& parent, TreeC
     for (TandrilObjectIterator it = reader.getChildrenIterator(parent); it.isValidIterator(); it.next()) {
         const TandrilObject child = it.current();
         const BlockIconPtr icon = reader.getIcon(child);
-        if (icon && BlockIcon::isSvgDocument(icon->svg()))
-            ++counts.icons;
-        if (child.isLibraryRef()) {
-            ++counts.references;
-        } else if (child.isSubSystem()) {
+        counts.icons += icon && BlockIcon::isSvgDocument(icon->svg());
+        counts.references += child.isLibraryRef();
+        counts.blocks += !child.isSubSystem();
+        if (child.isSubSystem() && !child.isLibraryRef()) {
             ++counts.subsystems;
             countStored(reader, child, counts);
-        } else {
-            ++counts.blocks;
         }
     }
 }
@@ -68,31 +62,10 @@ void GenerationFixture::SetUp()
     m_host->install();
 }
 
-bool GenerationFixture::copiesRootFile(const QString&) const
-{
-    return true;
-}
-
-std::string GenerationFixture::libraryFile(const std::string& product) const
-{
-    const std::string directory = product == "tandril" ? "tandril/blocks" : product;
-    return root() + "/toolbox/" + directory + "/" + product + ".tdlib.json";
-}
-
-std::unique_ptr<XMLRepositoryWriter> GenerationFixture::makeWriter()
-{
-    return std::make_unique<XMLRepositoryWriter>(store(), report);
-}
-
 void GenerationFixture::generate(GenerationMode mode)
 {
     report = RepositoryReport::create();
     makeWriter()->generateRepository(mode);
-}
-
-std::unique_ptr<XMLRepositoryReader> GenerationFixture::makeReader()
-{
-    return std::make_unique<XMLRepositoryReader>(store(), RepositoryReport::create());
 }
 
 std::vector<std::string> GenerationFixture::productPaths(XMLRepositoryReader& reader)
@@ -113,9 +86,7 @@ TreeCounts GenerationFixture::declaredCounts(const std::string& product) const
 TreeCounts GenerationFixture::storedCounts(XMLRepositoryReader& reader, const std::string& product) const
 {
     TreeCounts counts;
-    const TandrilObject library = reader.getTandrilObject(product);
-    if (library.isValid())
-        countStored(reader, library, counts);
+    countStored(reader, reader.getTandrilObject(product), counts);
     return counts;
 }
 
@@ -133,24 +104,18 @@ std::map<std::string, std::string> GenerationFixture::archiveStamps() const
     return stamps;
 }
 
-std::string GenerationFixture::archiveOf(const std::string& product, const char* kind) const
-{
-    return store() + "/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
-}
-
 std::string GenerationFixture::logText() const
 {
     std::string text;
     for (const std::string& line : report->getLog())
-        text += line + "\n";
+        text += line;
     return text;
 }
 
 int GenerationFixture::logCount(const std::string& text) const
 {
     const auto& log = report->getLog();
-    return int(std::count_if(log.begin(), log.end(),
-                             [&](const std::string& line) { return line.find(text) != std::string::npos; }));
+    return int(std::count_if(log.begin(), log.end(), [&](const auto& line) { return line.find(text) != line.npos; }));
 }
 
 void GenerationFixture::editRootFile(const std::string& relative, const std::string& from,

@@ -34,21 +34,27 @@ protected:
     void SetUp() override;
     // Whether the copy of the example root gets this file (relative to the
     // root); all do unless a suite wants a smaller root.
-    virtual bool copiesRootFile(const QString& relative) const;
+    virtual bool copiesRootFile(const QString&) const { return true; }
     // Adds files to the root copy before the host first looks at its path.
     virtual void addRootFiles() {}
 
     std::string root() const { return m_root.path().toStdString(); }
     std::string store() const { return m_store.path().toStdString(); }
     std::string preferences() const { return m_prefs.path().toStdString(); }
-    std::string libraryFile(const std::string& product) const;
+    std::string libraryFile(const std::string& product) const
+    {
+        return root() + "/toolbox/" + (product == "tandril" ? "tandril/blocks" : product) + "/" + product + ".tdlib.json";
+    }
 
     // A new writer on the store, sharing the fixture's report.
-    std::unique_ptr<XMLRepositoryWriter> makeWriter();
+    std::unique_ptr<XMLRepositoryWriter> makeWriter() { return std::make_unique<XMLRepositoryWriter>(store(), report); }
     // Generates the whole store with a fresh writer and a fresh report.
     void generate(GenerationMode mode = GenerationMode::Minimal);
     // A fresh reader of the store.
-    std::unique_ptr<XMLRepositoryReader> makeReader();
+    std::unique_ptr<XMLRepositoryReader> makeReader()
+    {
+        return std::make_unique<XMLRepositoryReader>(store(), RepositoryReport::create());
+    }
 
     // The paths of the products the store lists, in its order.
     static std::vector<std::string> productPaths(XMLRepositoryReader& reader);
@@ -59,7 +65,10 @@ protected:
 
     // Each archive of the store with its checksum and modification time.
     std::map<std::string, std::string> archiveStamps() const;
-    std::string archiveOf(const std::string& product, const char* kind) const;
+    std::string archiveOf(const std::string& product, const char* kind) const
+    {
+        return store() + "/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
+    }
 
     bool logHas(const std::string& text) const { return logCount(text) > 0; }
     int logCount(const std::string& text) const;

@@ -1,10 +1,14 @@
 #include "model/ManifestScanner.h"
+
+#include "model/MetaModel.h"
 #include "model/Model.h"
+#include "model/NodeMap.h"
 #include "model/Serializer.h"
+#include "model/Signature.h"
 #include "model/ValueText.h"
 #include "platform/ErrorHolder.h"
+#include "support/Files.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -88,6 +92,30 @@ void expectSameNodes(const Model& expected, const Model& actual)
     }
 }
 
+struct BadDocument {
+    const char* what;
+    std::string xml;
+    const char* expectedInMessage;
+};
+
+const std::string declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const std::string root = "<tdlb-manifest format=\"1\" signature=\"82d9731addc98524506a2f8fd4ee71ca\">\n";
+const std::string rootEnd = "</tdlb-manifest>\n";
+const std::string header = declaration + root;
+
+QByteArray document(const std::string& body)
+{
+    return QByteArray::fromStdString(declaration + root + body + rootEnd);
+}
+
+std::string load(const std::string& body, Model& model)
+{
+    ErrorHolder errors;
+    const bool ok = model.loadFromBytes(QByteArray::fromStdString(body), errors);
+    EXPECT_EQ(ok, !errors.hasError());
+    return ok ? std::string() : errors.message();
+}
+
 } // namespace
 
 // The writer's plain form goes through the quick scanner; the full reader
@@ -111,9 +139,6 @@ TEST(Serializer, RoundTripKeepsEveryNodeAndPropertyOnBothReaders)
         ASSERT_TRUE(parsed->loadFromBytes(commented, errors)) << errors.message();
         for (const ModelPtr& loaded : {scanned, parsed}) {
             expectSameNodes(*original, *loaded);
-            auto* block = dynamic_cast<BlockImpl*>(loaded->getNodes().get(3));
-            ASSERT_NE(block, nullptr);
-            EXPECT_EQ(block->getName(), "Sine\r\nWave") << "line breaks in values survive";
             auto* palette = dynamic_cast<PaletteImpl*>(loaded->getNodes().get(1));
             ASSERT_NE(palette, nullptr);
             EXPECT_EQ(palette->getProduct(), loaded->getNodes().get(0));
@@ -123,37 +148,31 @@ TEST(Serializer, RoundTripKeepsEveryNodeAndPropertyOnBothReaders)
     }
 }
 
-TEST(Serializer, RectsKeepSixSignificantDigits)
+// Rects keep six significant digits; file records and containers have text
+// forms of their own, in which one empty name is not the empty list.
+TEST(Serializer, RectsFilesAndContainersInTheirTextForms)
 {
     ModelPtr model = Model::createModel();
     model->createBlockImpl()->setPosition(QRectF(1.23456789, 100.5, 1234567.0, 0.5));
+    model->createLibraryImpl()->setChildren({""});
     ModelPtr loaded = Model::createModel();
     ErrorHolder errors;
     ASSERT_TRUE(loaded->loadFromBytes(model->saveToBytes(), errors));
-    EXPECT_EQ(static_cast<BlockImpl*>(loaded->getNodes().get(0))->getPosition(),
-              QRectF(1.23457, 100.5, 1.23457e6, 0.5));
-}
+    EXPECT_EQ(static_cast<BlockImpl*>(loaded->getNodes().get(0))->getPosition(), QRectF(1.23457, 100.5, 1.23457e6, 0.5));
+    EXPECT_EQ(static_cast<LibraryImpl*>(loaded->getNodes().get(1))->getChildren(), StringVector{""});
 
-TEST(Serializer, FileAndContainerTextForms)
-{
     FileInfoVector files{{"x", "y", 1, 1}};
     ASSERT_TRUE(ValueText::fromText("", files));
     EXPECT_TRUE(files.empty()) << "the empty text reads as the empty vector";
     ASSERT_TRUE(ValueText::fromText("[a/b.json|12|3|4,c||0|0]\nignored second line", files));
     EXPECT_EQ(files, (FileInfoVector{{"a/b.json", "12", 3, 4}, {"c", "", 0, 0}}));
     EXPECT_EQ(ValueText::firstLevelStrings("[a,[b,c],d]"), (StringVector{"a", "[b,c]", "d"}));
-
-    ModelPtr model = Model::createModel();
-    model->createLibraryImpl()->setChildren({""});
-    ModelPtr loaded = Model::createModel();
-    ErrorHolder errors;
-    ASSERT_TRUE(loaded->loadFromBytes(model->saveToBytes(), errors));
-    EXPECT_EQ(static_cast<LibraryImpl*>(loaded->getNodes().get(0))->getChildren(), StringVector{""})
-        << "one empty name is not the empty list";
 }
 
 TEST(Serializer, SignatureIsReadWithoutLoadingAndFromForeignDocuments)
 {
+    // The schema's signature is pinned: a change of schema goes with a new one.
+    EXPECT_EQ(Signature::manifestSchema().toString(), "82d9731addc98524506a2f8fd4ee71ca");
     ErrorHolder errors;
     EXPECT_EQ(Serializer::getModelSignatureFromByteArray(everyKindOfNode()->saveToBytes(), errors),
               Signature::manifestSchema());
@@ -189,11 +208,328 @@ TEST(Serializer, FilesRoundTripAndLoadReplacesTheModelsNodes)
     EXPECT_NE(errors.message().find("missing.xml"), std::string::npos);
 
     const std::string garbage = dir.filePath(QStringLiteral("garbage.xml")).toStdString();
-    QFile file(QString::fromStdString(garbage));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray("<?xml version=\"1.0\"?>\n\x01\x02 not a manifest"));
-    file.close();
+    Testing::writeFile(garbage, "<?xml version=\"1.0\"?>\n\x01\x02 not a manifest");
     errors.clear();
     EXPECT_FALSE(model->load(garbage, errors));
     EXPECT_NE(errors.message().find("garbage.xml"), std::string::npos) << "a fault names the file";
+}
+
+// Every structural fault ends in the error holder, and the nodes read before
+// it stay.
+TEST(SerializerBadInput, EveryStructuralFaultEndsInTheErrorHolder)
+{
+    const BadDocument cases[] = {
+        {"truncated", header + "<BlockImpl id=\"1\" name=\"Ga", "Premature end of document"},
+        {"unclosed root", header + "<BlockImpl id=\"1\"/>", "Premature end of document"},
+        {"unknown node type", header + "<WidgetImpl id=\"1\"/></tdlb-manifest>", "Unknown node type 'WidgetImpl'"},
+        {"abstract node type", header + "<TandrilObjectImpl id=\"1\"/></tdlb-manifest>", "Unknown node type"},
+        {"unknown property", header + "<BlockImpl id=\"1\" colour=\"red\"/></tdlb-manifest>",
+         "Unknown property 'colour'"},
+        {"missing id", header + "<BlockImpl name=\"Gain\"/></tdlb-manifest>", "without an id"},
+        {"repeated id", header + "<BlockImpl id=\"1\"/><BlockImpl id=\"1\"/></tdlb-manifest>", "repeated node id"},
+        {"non-numeric id", header + "<BlockImpl id=\"one\"/></tdlb-manifest>", "node id 'one'"},
+        {"wrong root", "<?xml version=\"1.0\"?><catalogue/>", "root element is 'catalogue'"},
+        {"empty", "", "<manifest data>"},
+        {"text", "just some text", "<manifest data>"},
+    };
+    for (const BadDocument& c : cases) {
+        SCOPED_TRACE(c.what);
+        ModelPtr model = Model::createModel();
+        const std::string message = load(c.xml, *model);
+        EXPECT_NE(message.find(c.expectedInMessage), std::string::npos) << message;
+    }
+    // A fault keeps the nodes read before it.
+    ModelPtr model = Model::createModel();
+    EXPECT_FALSE(load(header + "<BlockImpl id=\"1\" name=\"Gain\"/><BlockImpl id=\"2\" name=\"Sum\"/>"
+                      "<WidgetImpl id=\"3\"/><BlockImpl id=\"4\" name=\"Lost\"/></tdlb-manifest>",
+                      *model)
+                     .empty());
+    ASSERT_EQ(model->nodeCount(), 2);
+    EXPECT_EQ(static_cast<BlockImpl*>(model->getNodes().get(0))->getName(), "Gain");
+    EXPECT_EQ(static_cast<BlockImpl*>(model->getNodes().get(1))->getName(), "Sum");
+}
+
+// A value that holds nothing of its type costs that value only: the property
+// keeps its default, one warning names it, and the rest of the node and of
+// the document loads.
+TEST(SerializerBadInput, AnUnreadableValueKeepsItsDefaultWithOneWarning)
+{
+    const BadDocument cases[] = {
+        {"non-numeric bool", "<BlockImpl id=\"1\" isInvalid=\"yes\"", "'isInvalid'"},
+        {"bool out of range", "<SubSystemImpl id=\"1\" isFlat=\"2\"", "'isFlat'"},
+        {"non-numeric size", "<LibraryImpl id=\"1\" modelFileSize=\"abc\"", "'modelFileSize'"},
+        {"date beyond 32 bits", "<LibraryImpl id=\"1\" modelFileDate=\"99999999999\"", "'modelFileDate'"},
+        {"short rect", "<BlockImpl id=\"1\" position=\"1,2,3\"", "'position'"},
+        {"reference that is no id", "<LibraryImpl id=\"1\" product=\"first\"", "'product'"},
+        {"list of no ids", "<LibraryImpl id=\"1\" dependencies=\"[1,x]\"", "'dependencies'"},
+    };
+    for (const BadDocument& c : cases) {
+        SCOPED_TRACE(c.what);
+        ModelPtr model = Model::createModel();
+        ErrorHolder errors;
+        EXPECT_TRUE(model->loadFromBytes(
+            QByteArray::fromStdString(header + c.xml
+                                      + " name=\"Kept\"/><BlockImpl id=\"2\" name=\"Next\"/></tdlb-manifest>"),
+            errors));
+        EXPECT_FALSE(errors.hasError());
+        ASSERT_EQ(errors.warnings().size(), 1u);
+        EXPECT_NE(errors.warnings().front().find(c.expectedInMessage), std::string::npos) << errors.warnings().front();
+        ASSERT_EQ(model->nodeCount(), 2);
+        const auto* node = static_cast<const TandrilObjectImpl*>(model->getNodes().get(0));
+        EXPECT_EQ(static_cast<const BlockImpl*>(node)->getName(), "Kept");
+        const MetaNode& meta = node->metaNode();
+        for (const auto& property : meta.properties()) {
+            if (property->name() != StringId("name")) {
+                EXPECT_TRUE(property->hasDefaultValue(*node)) << property->name().str();
+            }
+        }
+    }
+}
+
+// Numbers are read as stream input reads them, and a file record as far as it
+// goes; references that lead nowhere are no fault.
+TEST(SerializerBadInput, ValuesAreReadAsFarAsTheyGo)
+{
+    ModelPtr model = Model::createModel();
+    ErrorHolder errors;
+    ASSERT_TRUE(model->loadFromBytes(
+        QByteArray::fromStdString(header
+                                  + "<LibraryImpl id=\"1\" modelFileSize=\" 12abc\" position=\"1;2;3;4 and more\""
+                                    " fileDependencies=\"[a|b|c|d,short,x|y|z|1|2,notes, v2.txt|7|8|9]\"/>"
+                                    "</tdlb-manifest>"),
+        errors));
+    EXPECT_TRUE(errors.warnings().empty());
+    const auto* library = static_cast<const LibraryImpl*>(model->getNodes().get(0));
+    EXPECT_EQ(library->getModelFileSize(), 12);
+    EXPECT_EQ(library->getPosition(), QRectF(1, 2, 3, 4));
+    const FileInfoVector expected{{"a", "b", 0, 0}, {"short,x", "y", 0, 1}, {"notes, v2.txt", "7", 8, 9}};
+    EXPECT_EQ(library->getFileDependencies(), expected);
+
+    // Dangling or mistyped references bind to null, silently.
+    model = Model::createModel();
+    EXPECT_EQ(load(header + "<LibraryImpl id=\"4\" product=\"7\" dependencies=\"[4,9]\"/></tdlb-manifest>",
+                   *model),
+              "");
+    auto* dangling = dynamic_cast<LibraryImpl*>(model->getNodes().get(0));
+    ASSERT_NE(dangling, nullptr);
+    EXPECT_EQ(dangling->getProduct(), nullptr);
+    ASSERT_EQ(dangling->getDependencies().size(), 1) << "the unknown id is dropped, the known one kept";
+    EXPECT_EQ(dangling->getDependencies().get(0), dangling);
+
+    // A node of the wrong class is no error, only no reference.
+    EXPECT_EQ(load(header + "<BlockImpl id=\"1\"/><LibraryImpl id=\"2\" product=\"1\"/></tdlb-manifest>",
+                   *model),
+              "");
+    EXPECT_EQ(static_cast<LibraryImpl*>(model->getNodes().get(1))->getProduct(), nullptr);
+}
+
+TEST(ManifestScanner, ReadsWhatXmlAllowsAroundThePlainForm)
+{
+    struct Case {
+        const char* what;
+        std::string bytes;
+        const char* name;
+    };
+    const Case cases[] = {
+        {"no declaration", root + "<BlockImpl id=\"1\" name=\"Gain\"/>" + rootEnd, "Gain"},
+        {"single quotes", declaration + root + "<BlockImpl id='1' name='Say \"hi\"'/>" + rootEnd, "Say \"hi\""},
+        {"blanks around the equals sign", declaration + root + "<BlockImpl id = \"1\"\n\tname =\t'Gain' />" + rootEnd,
+         "Gain"},
+        {"character references", declaration + root + "<BlockImpl id=\"1\" name=\"&#65;&#x42;&#xe9;&apos;\"/>"
+                                     + rootEnd,
+         "AB\u00e9'"},
+        {"end tag with a blank", declaration + root + "<BlockImpl id=\"1\" name=\"Gain\"/></tdlb-manifest >",
+         "Gain"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ModelPtr model = Model::createModel();
+        ASSERT_TRUE(ManifestScanner::scan(*model, QByteArray::fromStdString(c.bytes)));
+        ASSERT_EQ(model->nodeCount(), 1);
+        EXPECT_EQ(static_cast<const BlockImpl*>(model->getNodes().get(0))->getName(), c.name);
+    }
+    ModelPtr empty = Model::createModel();
+    EXPECT_TRUE(ManifestScanner::scan(*empty, QByteArray::fromStdString(declaration + "<tdlb-manifest format=\"1\"/>")));
+    EXPECT_EQ(empty->nodeCount(), 0);
+}
+
+TEST(ManifestScanner, DeclinesAnythingBeyondThePlainFormAndLeavesTheModelAsItWas)
+{
+    struct Case {
+        const char* what;
+        QByteArray bytes;
+    };
+    const Case cases[] = {
+        {"empty", QByteArray()},
+        {"comment", document("<!-- note --><BlockImpl id=\"1\"/>")},
+        {"doctype", QByteArray::fromStdString(declaration + "<!DOCTYPE x>" + root + rootEnd)},
+        {"processing instruction", document("<?pi data?><BlockImpl id=\"1\"/>")},
+        {"other encoding", QByteArray::fromStdString("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + root + rootEnd)},
+        {"byte order mark", QByteArray::fromStdString("\xEF\xBB\xBF" + declaration + root + rootEnd)},
+        {"other root", QByteArray::fromStdString(declaration + "<manifest>" + "</manifest>")},
+        {"unknown entity", document("<BlockImpl id=\"1\" name=\"a&nbsp;b\"/>")},
+        {"unterminated reference", document("<BlockImpl id=\"1\" name=\"a&amp b\"/>")},
+        {"reference to a character XML forbids", document("<BlockImpl id=\"1\" name=\"a&#0;b\"/>")},
+        {"hexadecimal reference with a capital X", document("<BlockImpl id=\"1\" name=\"&#X43;\"/>")},
+        {"reference past Unicode", document("<BlockImpl id=\"1\" name=\"&#x110000;\"/>")},
+        {"literal line break in a value", document("<BlockImpl id=\"1\" name=\"a\nb\"/>")},
+        {"literal tab in a value", document("<BlockImpl id=\"1\" name=\"a\tb\"/>")},
+        {"less-than in a value", document("<BlockImpl id=\"1\" name=\"a<b\"/>")},
+        {"broken UTF-8", document("<BlockImpl id=\"1\" name=\"a\xC3(b\"/>")},
+        {"overlong UTF-8", document("<BlockImpl id=\"1\" name=\"\xC0\xAF\"/>")},
+        {"encoded surrogate", document("<BlockImpl id=\"1\" name=\"\xED\xA0\x80\"/>")},
+        {"non-character", document("<BlockImpl id=\"1\" name=\"\xEF\xBF\xBE\"/>")},
+        {"repeated attribute", document("<BlockImpl id=\"1\" name=\"a\" name=\"b\"/>")},
+        {"repeated id attribute", document("<BlockImpl id=\"1\" id=\"2\"/>")},
+        {"repeated root attribute", QByteArray::fromStdString(declaration + "<tdlb-manifest a=\"1\" a=\"2\">" + rootEnd)},
+        {"attributes without a blank", document("<BlockImpl id=\"1\"name=\"a\"/>")},
+        {"unknown property", document("<BlockImpl id=\"1\" colour=\"red\"/>")},
+        {"unknown node class", document("<WidgetImpl id=\"1\"/>")},
+        {"abstract node class", document("<TandrilObjectImpl id=\"1\"/>")},
+        {"element with content", document("<BlockImpl id=\"1\"></BlockImpl>")},
+        {"text between elements", document("text<BlockImpl id=\"1\"/>")},
+        {"no id", document("<BlockImpl name=\"a\"/>")},
+        {"id zero", document("<BlockImpl id=\"0\"/>")},
+        {"id with a sign", document("<BlockImpl id=\"+1\"/>")},
+        {"id used twice", document("<BlockImpl id=\"1\"/><BlockImpl id=\"1\"/>")},
+        {"value that doesn't read", document("<BlockImpl id=\"1\" isInvalid=\"yes\"/>")},
+        {"reference that doesn't read", document("<LibraryImpl id=\"1\" product=\"x\"/>")},
+        {"truncated", QByteArray::fromStdString(declaration + root + "<BlockImpl id=\"1\" name=\"Ga")},
+        {"no end tag", QByteArray::fromStdString(declaration + root + "<BlockImpl id=\"1\"/>")},
+        {"text after the end", document("<BlockImpl id=\"1\"/>") + "trailing"},
+        {"wrong end tag", QByteArray::fromStdString(declaration + root + "</manifest>")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ModelPtr model = Model::createModel();
+        BlockImpl* kept = model->createBlockImpl();
+        kept->setName("kept");
+        model->removeNode(model->createBlockImpl());
+        EXPECT_FALSE(ManifestScanner::scan(*model, c.bytes));
+        ASSERT_EQ(model->nodeCount(), 1);
+        EXPECT_EQ(model->getNodes().get(0), kept);
+        EXPECT_EQ(kept->getName(), "kept");
+        // The next node gets the id it would have had without the attempt.
+        EXPECT_EQ(model->createdCount(), 2u);
+        EXPECT_EQ(model->createBlockImpl()->id(), 3u);
+    }
+}
+
+TEST(ManifestScanner, NumbersNodesOnAfterThoseTheModelHadAndBindsReferencesWithinTheDocument)
+{
+    ModelPtr model = Model::createModel();
+    model->createBlockImpl();
+    ASSERT_TRUE(ManifestScanner::scan(
+        *model, document("<PaletteImpl id=\"1\" product=\"2\" dependencies=\"[2,9]\"/><LibraryImpl id=\"2\"/>")));
+    ASSERT_EQ(model->nodeCount(), 3);
+    const auto* palette = dynamic_cast<const PaletteImpl*>(model->getNodes().get(1));
+    const auto* library = model->getNodes().get(2);
+    ASSERT_NE(palette, nullptr);
+    EXPECT_EQ(palette->id(), 2u);
+    EXPECT_EQ(library->id(), 3u);
+    EXPECT_EQ(palette->getProduct(), library);
+    // An id the document never defined drops out of a list.
+    ASSERT_EQ(palette->getDependencies().size(), 1);
+    EXPECT_EQ(palette->getDependencies().get(0), library);
+}
+
+// Setters mark a node dirty only on a change (containers whenever set), and
+// a change set commits only what changed. The model owns its nodes in
+// creation order; a removed node stays readable, as a cache's handle may
+// point at it until the cache lets go of the model.
+TEST(NodeClasses, SettersMarkDirtyOnlyOnChange)
+{
+    ModelPtr model = Model::createModel();
+    BlockImpl* block = model->createBlockImpl();
+    block->setName("");
+    block->setPosition(QRectF());
+    block->setIsInvalid(false);
+    EXPECT_FALSE(block->isDirty()) << "setting equal values leaves the node clean";
+    model->beginChangeSet();
+    block->setName("Gain");
+    EXPECT_TRUE(block->isDirty());
+    EXPECT_TRUE(model->commitChangeSet());
+    block->clearDirty();
+    model->beginChangeSet();
+    block->setName("Gain");
+    EXPECT_FALSE(model->commitChangeSet()) << "nothing changed in this change set";
+    EXPECT_FALSE(model->commitChangeSet()) << "a commit without a begin does nothing";
+    LibraryImpl* library = model->createLibraryImpl();
+    library->setChildren({});
+    EXPECT_TRUE(library->isDirty());
+
+    PaletteImpl* palette = Model::createPaletteImplIntoModel(model.get());
+    EXPECT_EQ(model->getNodes().get(2), palette);
+    EXPECT_EQ(model->findNode(library->id()), library);
+    EXPECT_NE(block->id(), library->id());
+    library->setName("gone");
+    model->removeNode(library);
+    EXPECT_EQ(model->nodeCount(), 2);
+    EXPECT_EQ(model->findNode(2), nullptr);
+    EXPECT_EQ(library->getModel(), model.get());
+    EXPECT_EQ(library->getName(), "gone");
+}
+
+// A non-structural copy keeps the target's references, a full one takes the
+// source's, one from a more general class what the two have in common, and a
+// clone stands outside any model. Swizzling rebinds mapped references and
+// drops the rest.
+TEST(NodeCopies, NonStructuralCopyKeepsTheTargetsReferences)
+{
+    ModelPtr model = Model::createModel();
+    LibraryImpl* productA = model->createLibraryImpl();
+    LibraryImpl* productB = model->createLibraryImpl();
+    LibraryImpl* source = model->createLibraryImpl();
+    source->setName("Sources");
+    source->setChildren({"Sine Wave", "Step"});
+    source->setFileDependencies({{"sources/tdblocks.json", "1234", 7, 8}});
+    source->setProduct(productA);
+    LibraryImplList deps;
+    deps.append(productA);
+    source->setDependencies(deps);
+    EXPECT_TRUE(source->getDependencies().sharesDataWith(deps)) << "setting a list shares its data";
+    LibraryImpl* target = model->createLibraryImpl();
+    target->setProduct(productB);
+    LibraryImplList targetDeps;
+    targetDeps.append(productB);
+    target->setDependencies(targetDeps);
+
+    target->copyNonStructuralPropertiesFromNode(static_cast<const Node*>(source));
+    EXPECT_EQ(target->getName(), "Sources");
+    EXPECT_EQ(target->getChildren(), source->getChildren());
+    EXPECT_EQ(target->getFileDependencies(), source->getFileDependencies());
+    EXPECT_EQ(target->getProduct(), productB);
+    EXPECT_EQ(target->getDependencies().get(0), productB);
+    target->copyPropertiesFromNode(static_cast<const Node*>(source));
+    EXPECT_EQ(target->getProduct(), productA);
+    EXPECT_EQ(target->getDependencies().get(0), productA);
+    BlockImpl* block = model->createBlockImpl();
+    block->setName("Gain");
+    target->copyPropertiesFromNode(static_cast<const Node*>(block));
+    EXPECT_EQ(target->getName(), "Gain");
+    EXPECT_EQ(target->getChildren(), source->getChildren());
+    std::unique_ptr<Node> copy = source->clone();
+    auto* clone = dynamic_cast<LibraryImpl*>(copy.get());
+    ASSERT_NE(clone, nullptr);
+    EXPECT_EQ(clone->getModel(), nullptr);
+    EXPECT_EQ(clone->getName(), "Sources");
+    EXPECT_EQ(clone->getProduct(), productA);
+
+    LibraryImpl* unmapped = model->createLibraryImpl();
+    deps.append(unmapped);
+    source->setDependencies(deps);
+    ModelPtr to = Model::createModel();
+    NodeMap map;
+    LibraryImpl* productCopy = to->createLibraryImpl();
+    map.insert(productA->id(), productCopy->id());
+    LibraryImpl* moved = to->createLibraryImpl();
+    moved->copyPropertiesFromNode(source);
+    moved->internalSwizzleNodePointers(map);
+    EXPECT_EQ(moved->getProduct(), productCopy);
+    ASSERT_EQ(moved->getDependencies().size(), 1);
+    EXPECT_EQ(moved->getDependencies().get(0), productCopy);
+    NodeMap empty;
+    moved->internalSwizzleNodePointers(empty);
+    EXPECT_EQ(moved->getProduct(), nullptr);
+    EXPECT_TRUE(moved->getDependencies().isEmpty());
 }

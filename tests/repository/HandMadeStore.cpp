@@ -46,7 +46,6 @@ void reference(Model& model, const std::string& name, const std::string& path, c
 void HandMadeStore::SetUp()
 {
     StoreFixture::SetUp();
-    report = RepositoryReport::create();
     writeStore(store());
     reader = openReader();
 }
@@ -101,11 +100,6 @@ void HandMadeStore::writeStore(const std::string& directory)
     writeArchive(StoreFixture::archive(directory, "Alpha", "manifests"), alphaManifests);
     writeArchive(StoreFixture::archive(directory, "Alpha", "icons"), {{"icons/Gain.svg", svg("Gain")}});
     writeArchive(StoreFixture::archive(directory, "Beta", "manifests"), betaManifests);
-}
-
-std::shared_ptr<XMLRepositoryReader> HandMadeStore::openReader()
-{
-    return std::make_shared<XMLRepositoryReader>(store(), report);
 }
 
 void HandMadeStore::replaceManifest(const std::string& product, const std::string& entry, const QByteArray& bytes)

@@ -30,14 +30,9 @@ protected:
 
     void SetUp() override;
 
-    std::string store() const { return path("store"); }
-    std::string archive(const std::string& product, const std::string& kind) const
-    {
-        return StoreFixture::archive(store(), product, kind);
-    }
+    TandrilObject object(const std::string& id) { return reader->getTandrilObject(id); }
     // Writes the store above into the directory.
     void writeStore(const std::string& directory);
-    std::shared_ptr<XMLRepositoryReader> openReader();
     // Replaces one entry of a product's manifests archive.
     void replaceManifest(const std::string& product, const std::string& entry, const QByteArray& bytes);
 
@@ -47,7 +42,6 @@ protected:
     // "/" in its unique path unless flat.
     static std::vector<std::string> names(TandrilObjectIterator it, bool flat = false);
 
-    RepositoryReportPtr report;
     std::shared_ptr<XMLRepositoryReader> reader;
     Entries alphaManifests;
     Entries betaManifests;

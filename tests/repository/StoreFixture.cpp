@@ -2,7 +2,10 @@
 
 #include "platform/ErrorHolder.h"
 #include "platform/Platform.h"
+#include "platform/ZipArchive.h"
+#include "repository/TandrilObjectIterator.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
+#include "repository/xmlrepository/XMLRepositoryWriter.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,7 +21,7 @@ void StoreFixture::SetUp()
     m_savedTmpDir = qgetenv("TMPDIR");
     qputenv("TMPDIR", QByteArray::fromStdString(tempRoot()));
 
-    environment = new RecordingEnvironment(hostRoot(), preferences());
+    environment = new RecordingEnvironment(hostRoot(), path("prefs"));
     Platform::setEnvironment(environment);
     interpreter.on("tdprivate:rmdir", [](int, const std::vector<HostValue>& inputs) {
         HostInterpreter::CallResult result;
@@ -26,16 +29,6 @@ void StoreFixture::SetUp()
         const bool removed = QDir(QString::fromStdString(inputs.at(1).toString())).removeRecursively();
         result.outputs = {HostValue::logicalScalar(removed), HostValue::string(removed ? "" : "rmdir failed"),
                           HostValue::string("")};
-        return result;
-    });
-    interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& inputs) {
-        HostInterpreter::CallResult result;
-        const auto it = m_modelFiles.find(inputs.at(2).toString());
-        result.ok = it != m_modelFiles.end();
-        if (result.ok)
-            result.outputs = {HostValue::cellOfStrings({it->second}),
-                              HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())),
-                              HostValue()};
         return result;
     });
     Platform::setInterpreter(&interpreter);
@@ -51,11 +44,6 @@ void StoreFixture::TearDown()
         qputenv("TMPDIR", m_savedTmpDir);
     else
         qunsetenv("TMPDIR");
-}
-
-std::string StoreFixture::path(const std::string& relative) const
-{
-    return scratch.path().toStdString() + "/" + relative;
 }
 
 QStringList StoreFixture::tempEntries() const
@@ -83,21 +71,6 @@ LibraryImpl* StoreFixture::addProduct(Model& model, const std::string& name, con
     return product;
 }
 
-std::string StoreFixture::topLevelFile(const std::string& store)
-{
-    return store + "/toolbox/tandril/blocks/lbtoplevelmanifest.xml";
-}
-
-std::string StoreFixture::tokenFile(const std::string& store)
-{
-    return store + "/toolbox/tandril/blocks/.topLevelManifestToken";
-}
-
-std::string StoreFixture::archive(const std::string& store, const std::string& product, const std::string& kind)
-{
-    return store + "/toolbox/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
-}
-
 void StoreFixture::saveManifest(const Model& model, const std::string& file)
 {
     QDir().mkpath(QFileInfo(QString::fromStdString(file)).absolutePath());
@@ -108,12 +81,21 @@ void StoreFixture::saveManifest(const Model& model, const std::string& file)
 void StoreFixture::recordModelFile(LibraryImpl& library, const std::string& spec)
 {
     const std::string file = hostRoot() + "/" + spec;
-    RepositoryReport report;
     library.setModelFileSpec(spec);
-    library.setModelFileCheckSum(computeCheckSum(report, file));
+    library.setModelFileCheckSum(computeCheckSum(*RepositoryReport::create(), file));
     library.setModelFileSize(readFile(file).size());
     library.setModelFileDate(std::int32_t(fileDate(file)));
     m_modelFiles[library.getPath()] = spec;
+    interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& inputs) {
+        HostInterpreter::CallResult result;
+        const auto it = m_modelFiles.find(inputs.at(2).toString());
+        result.ok = it != m_modelFiles.end();
+        if (result.ok)
+            result.outputs = {HostValue::cellOfStrings({it->second}),
+                              HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())),
+                              HostValue()};
+        return result;
+    });
 }
 
 int StoreFixture::loggedCount(const RepositoryReport& report, const std::string& text)
@@ -130,6 +112,72 @@ std::vector<std::string> StoreFixture::errorMessages(const RepositoryReport& rep
     for (const RepositoryReport::Issue& issue : report.getErrors())
         messages.push_back(issue.message);
     return messages;
+}
+
+void StoreFixture::setAlphaAndBeta(int alphaBlocks, int betaBlocks)
+{
+    std::vector<ScriptedProduct> products{{"Alpha Library", "Alpha"}};
+    libraries.setLibrary("Alpha", blocks("A", alphaBlocks));
+    if (betaBlocks > 0) {
+        products.push_back({"Beta Library", "Beta"});
+        libraries.setLibrary("Beta", blocks("B", betaBlocks));
+    }
+    libraries.setProducts(std::move(products));
+}
+
+void StoreFixture::generate(GenerationMode mode)
+{
+    report = RepositoryReport::create();
+    XMLRepositoryWriter(store(), report).generateRepository(mode);
+}
+
+std::vector<std::string> StoreFixture::entries(const std::string& product, const std::string& kind) const
+{
+    ZipArchive zip;
+    return zip.open(archive(product, kind), ZipArchive::ReadOnly) ? zip.entryNames() : std::vector<std::string>();
+}
+
+std::vector<std::string> StoreFixture::childNames(const std::string& id)
+{
+    XMLRepositoryReader reader(store(), RepositoryReport::create());
+    std::vector<std::string> names;
+    for (TandrilObjectIterator it = reader.getChildrenIterator(reader.getTandrilObject(id)); it.isValidIterator();
+         it.next())
+        names.push_back(it.current().getName());
+    return names;
+}
+
+std::vector<ScriptedBlock> StoreFixture::blocks(const std::string& prefix, int count)
+{
+    std::vector<ScriptedBlock> result;
+    for (int i = 0; i < count; ++i)
+        result.push_back({prefix + std::to_string(i)});
+    return result;
+}
+
+void StoreFixture::makeShippedStore(std::initializer_list<const char*> names)
+{
+    auto model = Model::createModel();
+    std::vector<ScriptedProduct> announced;
+    for (const std::string name : names) {
+        announced.push_back({name + " Library", name, "Product", {}, {}});
+        addProduct(*model, name, "shipped-1");
+        writeFile(archive(shipped(), name, "icons"), QByteArray::fromStdString("shipped icons of " + name));
+        writeFile(archive(shipped(), name, "manifests"), QByteArray::fromStdString("shipped manifests of " + name));
+    }
+    libraries.setProducts(announced);
+    saveManifest(*model, topLevelFile(shipped()));
+    setModified(topLevelFile(shipped()), shippedDate);
+}
+
+XMLRepositoryPtr StoreFixture::openRepository()
+{
+    return std::dynamic_pointer_cast<XMLRepository>(Repository::open(writable(), shipped(), {"/host/path"}));
+}
+
+std::string StoreFixture::currentToken() const
+{
+    return QFileInfo(QString::fromStdString(topLevelFile(shipped()))).lastModified().toString(Qt::TextDate).toStdString();
 }
 
 } // namespace LibraryBrowser::Testing

@@ -5,22 +5,19 @@
 #include <QDateTime>
 #include <QFileInfo>
 
+#include <optional>
+
 namespace LibraryBrowser::Testing {
 
 namespace {
 
-HostInterpreter::CallResult answer(std::vector<HostValue> outputs)
+// Outputs, or a failure where there are none.
+HostInterpreter::CallResult answer(std::optional<std::vector<HostValue>> outputs)
 {
     HostInterpreter::CallResult result;
-    result.ok = true;
-    result.outputs = std::move(outputs);
-    return result;
-}
-
-HostInterpreter::CallResult failure()
-{
-    HostInterpreter::CallResult result;
-    result.errorMessage = "no such block";
+    result.ok = outputs.has_value();
+    result.outputs = outputs.value_or(std::vector<HostValue>());
+    result.errorMessage = result.ok ? "" : "no such block";
     return result;
 }
 
@@ -55,7 +52,7 @@ ScriptedLibraries::ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::
             dependencies.push_back(product.files);
         }
         const HostValue noIcons = HostValue::cellOfStrings(std::vector<std::string>(labels.size()));
-        return answer({HostValue::cellOfStrings(labels), HostValue::cellOfStrings(files),
+        return answer(std::vector{HostValue::cellOfStrings(labels), HostValue::cellOfStrings(files),
                        HostValue::cellOfStrings(directories),
                        HostValue::doubleMatrix(1, labels.size(), std::vector<double>(labels.size(), 0.0)), noIcons,
                        noIcons, HostValue::cellOfStrings(types), cellOfCells(children), cellOfCells(dependencies)});
@@ -64,26 +61,26 @@ ScriptedLibraries::ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::
         const HostValue& key = inputs.at(2);
         const auto found = m_nodes.find(key.isString() ? handleOfPath(key.toString()) : key.scalar());
         if (found == m_nodes.end())
-            return failure();
+            return answer(std::nullopt);
         const std::vector<double>& children = found->second.children;
-        return answer({HostValue::doubleMatrix(1, children.size(), children)});
+        return answer(std::vector{HostValue::doubleMatrix(1, children.size(), children)});
     });
     interpreter.on("tdprivate:lb_getBlockData", [this](int, const std::vector<HostValue>& inputs) {
         const auto found = m_nodes.find(inputs.at(2).scalar());
         if (found == m_nodes.end() || !found->second.block)
-            return failure();
+            return answer(std::nullopt);
         const ScriptedBlock& block = *found->second.block;
-        return answer({HostValue::string(block.name), HostValue::string(block.description),
+        return answer(std::vector{HostValue::string(block.name), HostValue::string(block.description),
                        HostValue::doubleMatrix(1, 4, {10, 20, 40, 60}), HostValue::string(block.type),
                        HostValue::string(block.targetLibrary), HostValue::string(target(block))});
     });
     interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& inputs) {
         const std::string library = inputs.at(2).toString();
         if (!m_libraries.count(library))
-            return failure();
+            return answer(std::nullopt);
         const QFileInfo file(QString::fromStdString(modelFile(library)));
-        return answer({HostValue::cellOfStrings({"toolbox/" + library + ".lib"}), HostValue::doubleScalar(double(file.size())),
-                       HostValue::doubleScalar(0)});
+        return answer(std::vector{HostValue::cellOfStrings({"toolbox/" + library + ".lib"}),
+                                  HostValue::doubleScalar(double(file.size())), HostValue::doubleScalar(0)});
     });
     interpreter.on("tdprivate:lb_createSubSystemIcons", [this](int, const std::vector<HostValue>& inputs) {
         const std::vector<std::string> paths = inputs.at(3).toStringList();
@@ -95,18 +92,13 @@ ScriptedLibraries::ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::
             writeFile(files[i], QByteArray::fromStdString("<svg xmlns=\"http://www.w3.org/2000/svg\"><title>" +
                                                           paths[i] + "</title>" + filler + "</svg>"));
         }
-        return answer({});
+        return answer(std::vector<HostValue>());
     });
 }
 
 std::string ScriptedLibraries::modelFile(const std::string& library) const
 {
     return m_root + "/toolbox/" + library + ".lib";
-}
-
-void ScriptedLibraries::setProducts(std::vector<ScriptedProduct> products)
-{
-    m_products = std::move(products);
 }
 
 void ScriptedLibraries::setLibrary(const std::string& library, std::vector<ScriptedBlock> blocks)

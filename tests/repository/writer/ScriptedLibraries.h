@@ -38,7 +38,7 @@ class ScriptedLibraries {
 public:
     ScriptedLibraries(ScriptedHostInterpreter& interpreter, std::string hostRoot);
 
-    void setProducts(std::vector<ScriptedProduct> products);
+    void setProducts(std::vector<ScriptedProduct> products) { m_products = std::move(products); }
     // Sets (or replaces) a library's blocks and rewrites its model file.
     void setLibrary(const std::string& library, std::vector<ScriptedBlock> blocks);
     std::string modelFile(const std::string& library) const;

@@ -1,0 +1,440 @@
+#include "GenerationFixture.h"
+
+#include "repository/TandrilObjectIterator.h"
+#include "repository/search/BlockRanker.h"
+#include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/XMLRepository.h"
+#include "support/Files.h"
+
+#include <QDateTime>
+#include <QFile>
+
+#include <algorithm>
+
+using namespace LibraryBrowser;
+using namespace LibraryBrowser::Testing;
+
+namespace LibraryBrowser {
+void PrintTo(const NameSpan& span, std::ostream* out) { *out << "(" << span.start << ", " << span.length << ")"; }
+} // namespace LibraryBrowser
+
+namespace {
+
+using GenerateRepositoryTest = GenerationFixture;
+
+// From nothing every block and icon reads back; afterwards only what changed
+// is written again, and a regeneration rewrites everything.
+TEST_F(GenerateRepositoryTest, FromNothingThenOnlyWhatChangedThenEverything)
+{
+    generate();
+    EXPECT_EQ(logCount("??? **Error**"), 0) << logText();
+    auto reader = makeReader();
+    std::vector<std::string> listed = productPaths(*reader);
+    std::sort(listed.begin(), listed.end());
+    EXPECT_EQ(listed, (std::vector<std::string>{"arithmetica", "kinetics", "signal_workbench", "switchyard",
+                                                "tandril", "wavecraft"}));
+    int blocks = 0;
+    for (const char* product : {"arithmetica", "kinetics", "switchyard", "tandril", "wavecraft"}) {
+        const TreeCounts stored = storedCounts(*reader, product);
+        EXPECT_EQ(stored, declaredCounts(product)) << product;
+        EXPECT_EQ(stored.icons, stored.blocks + stored.subsystems + stored.references) << product;
+        blocks += stored.blocks + stored.subsystems + stored.references;
+    }
+    EXPECT_EQ(blocks, 185);
+
+    SCOPED_TRACE("nothing changed, or a library file only newer: no archive is written");
+    const auto before = archiveStamps();
+    ASSERT_EQ(before.size(), 10u);
+    generate();
+    EXPECT_EQ(archiveStamps(), before);
+    setModified(libraryFile("arithmetica"), QDateTime::currentDateTime().addSecs(120));
+    generate();
+    EXPECT_EQ(logCount("Product is up-to-date!"), 5) << logText();
+    EXPECT_EQ(archiveStamps(), before);
+
+    SCOPED_TRACE("a changed description: its library and Tandril, which references it");
+    editRootFile("toolbox/arithmetica/arithmetica.tdlib.json", "Adds or subtracts its inputs",
+                 "Adds or subtracts, edited, its inputs");
+    setModified(libraryFile("arithmetica"), QDateTime::currentDateTime().addSecs(180));
+    generate();
+    EXPECT_EQ(logCount("Product is up-to-date!"), 3) << logText();
+    auto after = archiveStamps();
+    for (const char* product : {"kinetics", "switchyard", "wavecraft"})
+        for (const char* kind : {"icons", "manifests"})
+            EXPECT_EQ(after.at(archiveOf(product, kind)), before.at(archiveOf(product, kind))) << product << kind;
+    EXPECT_NE(after.at(archiveOf("arithmetica", "manifests")), before.at(archiveOf("arithmetica", "manifests")));
+    reader = makeReader();
+    EXPECT_EQ(reader->getTandrilObject("arithmetica/Basic Operations/Sum").getDescription().rfind(
+                  "Adds or subtracts, edited, its inputs", 0),
+              0u);
+
+    SCOPED_TRACE("a reference into a library left unwalked is not resolved, yet reads");
+    editRootFile("toolbox/kinetics/kinetics.tdlib.json", "Blocks whose states evolve",
+                 "Blocks, edited, whose states evolve");
+    generate();
+    EXPECT_TRUE(logHas("Library wavecraft is up-to-date!")) << logText();
+    EXPECT_TRUE(logHas("**Warning**   Unable to resolve library reference Kinetics/Test Signals to wavecraft/Sources"));
+    reader = makeReader();
+    EXPECT_EQ(storedCounts(*reader, "kinetics"), declaredCounts("kinetics"));
+    const int referenced = reader->getChildrenIterator(reader->getTandrilObject("kinetics-wavecraft/Sources")).size();
+    EXPECT_GT(referenced, 0);
+    EXPECT_EQ(reader->getChildrenIterator(reader->getTandrilObject("kinetics/Test Signals")).size(), referenced);
+
+    SCOPED_TRACE("regenerate rewrites every archive");
+    after = archiveStamps();
+    generate(GenerationMode::Regenerate);
+    const auto regenerated = archiveStamps();
+    ASSERT_EQ(regenerated.size(), after.size());
+    for (const auto& [path, stamp] : regenerated)
+        EXPECT_NE(stamp, after.at(path)) << path;
+}
+
+using WriterVerbsTest = GenerationFixture;
+
+bool contains(const std::vector<std::string>& list, const std::string& item)
+{
+    return std::find(list.begin(), list.end(), item) != list.end();
+}
+
+std::vector<std::string> paths(TandrilObjectIterator it, bool sorted)
+{
+    std::vector<std::string> result;
+    for (; it.isValidIterator(); it.next())
+        result.push_back(it.current().getPath());
+    if (sorted)
+        std::sort(result.begin(), result.end());
+    return result;
+}
+
+// Listing the products generates nothing; a product generates alone, a
+// palette its members (leaving its level of the report open); an invalid or
+// vanished product is refused before anything is written.
+TEST_F(WriterVerbsTest, UpdateProductsThenGenerateOneProductAtATime)
+{
+    makeWriter()->generateProduct(Library());
+    EXPECT_EQ(logCount("??? **Error**   Unable to start generation: the product is invalid"), 1) << logText();
+    EXPECT_FALSE(exists(store() + "/toolbox"));
+
+    report = RepositoryReport::create();
+    auto writer = makeWriter();
+    writer->updateProducts();
+    const auto listed = makeReader();
+    const Library switchyard = listed->getProduct("switchyard");
+    ASSERT_TRUE(switchyard.isValid());
+    EXPECT_EQ(productPaths(*listed).size(), 6u);
+    EXPECT_TRUE(archiveStamps().empty());
+    // Members of the palette stand under it only.
+    EXPECT_EQ(paths(makeReader()->getTopLevelIterator(), true),
+              (std::vector<std::string>{"kinetics", "signal_workbench", "switchyard", "tandril"}));
+
+    writer->generateProduct(makeReader()->getProduct("wavecraft"));
+    EXPECT_FALSE(exists(archiveOf("arithmetica", "icons")));
+    EXPECT_EQ(storedCounts(*makeReader(), "wavecraft"), declaredCounts("wavecraft"));
+    EXPECT_EQ(report->indentation, 0);
+    writer->generateProduct(makeReader()->getProduct("signal_workbench"));
+    EXPECT_TRUE(exists(archiveOf("arithmetica", "manifests")));
+    EXPECT_FALSE(exists(archiveOf("kinetics", "manifests")));
+    EXPECT_EQ(report->indentation, 1);
+    EXPECT_EQ(logCount("Processing product Signal Workbench"), 1);
+    EXPECT_EQ(makeReader()->getChildrenIterator(makeReader()->getProduct("signal_workbench")).size(), 2);
+
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(root() + "/toolbox/switchyard/tdblocks.json")));
+    writer->generateProduct(switchyard);
+    EXPECT_EQ(logCount("Unable to start generation: the product is invalid"), 1) << logText();
+    EXPECT_FALSE(exists(archiveOf("switchyard", "icons")));
+    generate();
+    const auto reader = makeReader();
+    EXPECT_FALSE(contains(productPaths(*reader), "switchyard"));
+    EXPECT_EQ(storedCounts(*reader, "tandril"), declaredCounts("tandril"));
+}
+
+// Destroying an unknown product changes nothing; a known one keeps its place
+// in the list and comes back with the next generation. A product that became
+// a palette comes back as one; of one model file listed twice the first
+// wins; destroying the repository leaves no store.
+TEST_F(WriterVerbsTest, DestroyAndChangedProductLists)
+{
+    generate();
+    const auto before = archiveStamps();
+    makeWriter()->destroyProduct(std::string("nowhere"));
+    EXPECT_TRUE(logHas("??? **Error**   Unable to find product 'nowhere'")) << logText();
+    EXPECT_EQ(archiveStamps(), before);
+    makeWriter()->destroyProduct(std::string("switchyard"));
+    EXPECT_FALSE(exists(archiveOf("switchyard", "icons")));
+    EXPECT_TRUE(contains(productPaths(*makeReader()), "switchyard"));
+    EXPECT_EQ(archiveStamps().size(), 8u);
+    generate();
+    EXPECT_EQ(logCount("Product is up-to-date!"), 4) << logText();
+    EXPECT_EQ(storedCounts(*makeReader(), "switchyard"), declaredCounts("switchyard"));
+
+    editRootFile("toolbox/arithmetica/tdblocks.json", "\"type\": \"Product\",",
+                 "\"type\": \"Palette\", \"children\": [\"Kinetics\"],");
+    generate();
+    auto reader = makeReader();
+    const Library arithmetica = reader->getProduct("arithmetica");
+    ASSERT_TRUE(arithmetica.isValid());
+    EXPECT_TRUE(TandrilObject(arithmetica).isPalette());
+    EXPECT_FALSE(exists(archiveOf("arithmetica", "manifests")));
+    EXPECT_EQ(paths(reader->getChildrenIterator(arithmetica), false), (std::vector<std::string>{"kinetics"}));
+    EXPECT_FALSE(static_cast<const LibraryImpl*>(reader->getProduct("kinetics").getImpl())->getIsTopLevel());
+
+    editRootFile("toolbox/switchyard/tdblocks.json", "\"library\": \"switchyard\"", "\"library\": \"kinetics\"");
+    makeWriter()->updateProducts();
+    EXPECT_TRUE(logHas("**Warning**   The model file kinetics appeared in more than one tdblocks file. The first one "
+                       "that was found on the path will be used."))
+        << logText();
+    reader = makeReader();
+    EXPECT_EQ(reader->getProduct("kinetics").getDisplayName(), "Kinetics");
+    EXPECT_FALSE(contains(productPaths(*reader), "switchyard"));
+
+    makeWriter()->destroyRepository();
+    EXPECT_TRUE(archiveStamps().empty());
+    EXPECT_FALSE(makeReader()->exists());
+}
+
+// A repository on the root copy, with the shipped store at its place and a
+// writable store below the preferences.
+class RepositoryOnDemandTest : public GenerationFixture {
+protected:
+    XMLRepositoryPtr open()
+    {
+        sent.clear();
+        auto repository = std::dynamic_pointer_cast<XMLRepository>(Repository::open());
+        QObject::connect(repository.get(), &Repository::preGenerateProduct,
+                         [this](const std::string& name) { sent.push_back("pre " + name); });
+        QObject::connect(repository.get(), &Repository::postGenerateProduct,
+                         [this](const std::string& path) { sent.push_back("post " + path); });
+        return repository;
+    }
+
+    // The child of that name, read through the repository as the window does.
+    static TandrilObject child(XMLRepository& repository, const TandrilObject& parent, const std::string& name)
+    {
+        for (TandrilObjectIterator it = repository.getChildrenIterator(parent); it.isValidIterator(); it.next())
+            if (it.current().getName() == name)
+                return it.current();
+        return TandrilObject();
+    }
+
+    std::string writableArchive(const std::string& product, const char* kind) const
+    {
+        return preferences() + "/td_library_browser_repos/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
+    }
+
+    std::vector<std::string> sent;
+};
+
+// Made at the first open, the shipped store is then read as it is. A changed
+// product is generated into the writable store between the two signals, once.
+// When the host can no longer read it, an update tries again, keeps what the
+// writable store holds and says why, and the next update tries again.
+TEST_F(RepositoryOnDemandTest, ShippedStoreMadeAtOpenThenChangedProductsGeneratedOnDemand)
+{
+    EXPECT_TRUE(open()->exists());
+    EXPECT_TRUE(exists(shippedRepositoryDirectory() + "/wavecraft/lb_wavecraft_icons_repos.rps"));
+    auto repository = open();
+    EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("wavecraft")).size(), 3);
+    const TandrilObject kinetics = repository->getTandrilObject("kinetics");
+    EXPECT_EQ(repository->getChildrenIterator(kinetics).size(), 5);
+    EXPECT_EQ(repository->getChildrenIterator(child(*repository, kinetics, "Continuous")).size(), 10);
+    EXPECT_TRUE(sent.empty());
+    EXPECT_FALSE(exists(writableArchive("kinetics", "manifests")));
+
+    editRootFile("toolbox/arithmetica/arithmetica.tdlib.json", "Adds or subtracts its inputs",
+                 "Adds or subtracts, edited, its inputs");
+    repository = open();
+    const TandrilObject basic = child(*repository, repository->getTandrilObject("arithmetica"), "Basic Operations");
+    ASSERT_TRUE(basic.isValid());
+    EXPECT_EQ(sent, (std::vector<std::string>{"pre Arithmetica", "post Arithmetica"}));
+    EXPECT_TRUE(exists(writableArchive("arithmetica", "manifests")));
+    EXPECT_FALSE(exists(writableArchive("kinetics", "manifests")));
+    EXPECT_EQ(child(*repository, basic, "Sum").getDescription().rfind("Adds or subtracts, edited, its inputs", 0), 0u);
+    repository = open();
+    EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("arithmetica")).size(), 4);
+    EXPECT_TRUE(sent.empty());
+
+    const std::string relative = "toolbox/wavecraft/wavecraft.tdlib.json";
+    editRootFile(relative, "\"Sine Wave\"", "\"Sine Wave 2\"");
+    repository = open();
+    ASSERT_TRUE(child(*repository, repository->getTandrilObject("wavecraft"), "Sources").isValid());
+    std::map<std::string, QByteArray> archives;
+    for (const char* kind : {"icons", "manifests"})
+        archives[kind] = readFile(writableArchive("wavecraft", kind));
+    ASSERT_FALSE(archives["manifests"].isEmpty());
+
+    writeRootFile(relative, "{ \"format\": \"tandril-library\", broken");
+    // Later than the edit, which may have been dated the same second.
+    setModified(root() + "/" + relative, QDateTime::currentDateTime().addSecs(120));
+    repository = open();
+    // What the update command does: every product's store chosen now.
+    for (TandrilObjectIterator it = repository->getProductsIterator(); it.isValidIterator(); it.next())
+        repository->getChildrenIterator(it.current());
+    EXPECT_NE(std::find(sent.begin(), sent.end(), "pre Wavecraft Signals"), sent.end())
+        << testing::PrintToString(sent);
+    for (const auto& [kind, bytes] : archives)
+        EXPECT_EQ(readFile(writableArchive("wavecraft", kind.c_str())), bytes) << "the " << kind << " archive changed";
+    // Read from the writable store: the shipped one has no "Sine Wave 2".
+    const TandrilObject sources = child(*repository, repository->getTandrilObject("wavecraft"), "Sources");
+    EXPECT_TRUE(child(*repository, sources, "Sine Wave 2").isValid());
+    std::vector<std::string> why;
+    for (const RepositoryReport::Issue& warning : repository->getRepositoryReport()->takeUniqueWarnings())
+        if (warning.message.rfind("Product Wavecraft Signals was not generated again (", 0) == 0)
+            why.push_back(warning.message);
+    ASSERT_EQ(why.size(), 1u);
+    EXPECT_NE(why.front().find("wavecraft.tdlib.json"), std::string::npos) << why.front();
+    EXPECT_EQ(why.front().find('\n'), std::string::npos) << why.front();
+
+    repository = open();
+    repository->getChildrenIterator(repository->getTandrilObject("wavecraft"));
+    EXPECT_EQ(sent, (std::vector<std::string>{"pre Wavecraft Signals", "post Wavecraft Signals"}));
+}
+
+enum class Root { Example, Synthetic };
+
+// A root of one product whose names put the tiers against each other; the
+// last name is two hundred one-letter words, hostile to the hump search.
+const char* const syntheticLibrary = R"({"format": "tandril-library", "version": 1, "name": "testbench",
+ "description": "Blocks for ranking.", "blocks": [
+ {"name": "Controllers", "type": "SubSystem", "blocks": [
+  {"name": "Discrete PID Controller", "type": "Block",
+   "description": "Proportional, integral and derivative action in discrete time."},
+  {"name": "PID Controller", "type": "Block",
+   "description": "Continuous proportional, integral and derivative control."},
+  {"name": "Pidgin Translator", "type": "Block", "description": "Translates between pidgin languages."},
+  {"name": "Rapid Sampler", "type": "Block", "description": "Samples its input fast."},
+  {"name": "TransferFcn", "type": "Block", "description": "Linear transfer function in Laplace form."}]},
+ {"name": "Sources", "type": "SubSystem", "blocks": [
+  {"name": "Sine Wave", "type": "Block", "description": "A sinusoid of given amplitude."},
+  {"name": "Square Wave", "type": "Block", "description": "Alternates between two levels."},
+  {"name": "Chirp", "type": "Block", "description": "Sweeps a sinusoid in frequency."},
+  {"name": "Noise Generator", "type": "Block", "description": "Gaussian white noise."}]},
+ {"name": "Legacy", "type": "SubSystem", "blocks": [
+  {"name": "Sine Wave", "type": "Block", "description": "The old sinusoid, kept for old models."},
+  {"name": "MANY WORDS", "type": "Block", "description": "Many words."}]}]})";
+
+const char* const syntheticProduct = R"({"format": "tandril-tdblocks", "version": 1, "entries": [
+ {"name": "Testbench", "library": "testbench", "type": "Product", "repository": "testbench",
+  "dependencies": ["testbench.tdlib.json"]}]})";
+
+struct Case {
+    Root root;
+    const char* query;
+    std::vector<std::string> favourites;
+    std::vector<std::string> recents;
+    // The path of the first block; empty when nothing may be found.
+    const char* first;
+    // Its matched runs of the name, as (start, length) in characters.
+    std::vector<NameSpan> spans;
+};
+
+const std::string tb = "testbench/";
+
+const Case cases[] = {
+    // The name's beginning beats a word start inside a longer name, and of
+    // two beginnings the shorter name wins.
+    {Root::Synthetic, "pid", {}, {}, "testbench/Controllers/PID Controller", {{0, 3}}},
+    // Word order doesn't matter; both words are marked.
+    {Root::Synthetic, "controller PID", {}, {}, "testbench/Controllers/PID Controller", {{0, 3}, {4, 10}}},
+    {Root::Synthetic, "contr dis", {}, {}, "testbench/Controllers/Discrete PID Controller", {{0, 3}, {13, 5}}},
+    // Word starts and camel humps.
+    {Root::Synthetic, "dpc", {}, {}, "testbench/Controllers/Discrete PID Controller", {{0, 1}, {9, 1}, {13, 1}}},
+    {Root::Synthetic, "tf", {}, {}, "testbench/Controllers/TransferFcn", {{0, 1}, {8, 1}}},
+    // Letters in order, with gaps.
+    {Root::Synthetic, "sqwv", {}, {}, "testbench/Sources/Square Wave", {{0, 2}, {7, 1}, {9, 1}}},
+    // A keyword of the description; a word beginning there, the shorter name first.
+    {Root::Synthetic, "gaussian", {}, {}, "testbench/Sources/Noise Generator", {}},
+    {Root::Synthetic, "sinus", {}, {}, "testbench/Sources/Chirp", {}},
+    // The library path adds to a name match; equal names go by tree order.
+    {Root::Synthetic, "legacy sine", {}, {}, "testbench/Legacy/Sine Wave", {{0, 4}}},
+    {Root::Synthetic, "sine wave", {}, {}, "testbench/Sources/Sine Wave", {{0, 4}, {5, 4}}},
+    // Favourites and recents lift a block over its equals, not over a far better match.
+    {Root::Synthetic, "wave", {tb + "Sources/Square Wave"}, {}, "testbench/Sources/Square Wave", {{7, 4}}},
+    {Root::Synthetic, "wave", {}, {tb + "Sources/Square Wave"}, "testbench/Sources/Square Wave", {{7, 4}}},
+    {Root::Synthetic, "pid", {tb + "Controllers/Rapid Sampler"}, {}, "testbench/Controllers/PID Controller", {{0, 3}}},
+    {Root::Synthetic, "", {tb + "Sources/Chirp", "testbench/No Such Block"}, {tb + "Controllers/TransferFcn"},
+     "testbench/Sources/Chirp", {}},
+    // Nothing found: one word that matches nowhere sinks the query.
+    {Root::Synthetic, "pid zebra", {}, {}, "", {}},
+    {Root::Synthetic, "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaq", {}, {}, "", {}},
+    {Root::Example, "pid", {}, {}, "kinetics/Continuous/PID Controller", {{0, 3}}},
+    {Root::Example, "integr", {}, {}, "kinetics/Continuous/Integrator", {{0, 6}}},
+    {Root::Example, "resonateur", {}, {}, "kinetics/Continuous/Résonateur", {{0, 10}}},
+    {Root::Example, "windup anti", {}, {}, "kinetics/Continuous/PID Controller", {}},
+    {Root::Example, "xyzzy", {}, {}, "", {}},
+};
+
+class BlockRankerTest : public GenerationFixture, public ::testing::WithParamInterface<Root> {
+protected:
+    bool copiesRootFile(const QString&) const override { return GetParam() == Root::Example; }
+
+    void SetUp() override
+    {
+        // The host finds its path when it starts.
+        if (GetParam() == Root::Synthetic) {
+            writeRootFile("toolbox/testbench/tdblocks.json", syntheticProduct);
+            writeRootFile("toolbox/testbench/testbench.tdlib.json",
+                          QByteArray(syntheticLibrary).replace("MANY WORDS", QByteArray("a ").repeated(200) + "z"));
+        }
+        GenerationFixture::SetUp();
+        generate();
+        reader = makeReader();
+        ranker = std::make_unique<BlockRanker>(*reader);
+    }
+
+    std::unique_ptr<XMLRepositoryReader> reader;
+    std::unique_ptr<BlockRanker> ranker;
+};
+
+TEST_P(BlockRankerTest, FirstResultsOfTheTable)
+{
+    ASSERT_GT(ranker->index().size(), 10u);
+    for (const Case& c : cases) {
+        if (c.root != GetParam())
+            continue;
+        SCOPED_TRACE(std::string("query '") + c.query + "'");
+        RankingQuery query;
+        query.text = c.query;
+        query.favourites.insert(c.favourites.begin(), c.favourites.end());
+        query.recents.insert(c.recents.begin(), c.recents.end());
+        const RankingResult result = ranker->rank(query);
+        if (*c.first == '\0') {
+            EXPECT_EQ(result.total, 0u);
+            EXPECT_TRUE(result.blocks.empty());
+            continue;
+        }
+        ASSERT_FALSE(result.blocks.empty());
+        EXPECT_EQ(result.blocks.front().block.getPath(), c.first);
+        EXPECT_EQ(result.blocks.front().spans, c.spans);
+        for (std::size_t i = 1; i < result.blocks.size(); ++i)
+            EXPECT_GE(result.blocks[i - 1].score, result.blocks[i].score);
+    }
+}
+
+// Each block once, however many products store it or references reach it;
+// an empty query lists favourites before recents and drops unknown paths.
+TEST_P(BlockRankerTest, BlocksComeOnceAndAnEmptyQueryListsFavouritesThenRecents)
+{
+    RankingQuery all;
+    all.text = GetParam() == Root::Example ? "controller" : "wave";
+    all.limit = 0;
+    std::set<std::string> paths;
+    for (const RankedBlock& ranked : ranker->rank(all).blocks)
+        EXPECT_TRUE(paths.insert(ranked.block.getPath()).second) << ranked.block.getPath();
+    EXPECT_FALSE(paths.empty());
+
+    const std::string first = ranker->rank({all.text, {}, {}, 1}).blocks.front().block.getPath();
+    RankingQuery empty;
+    empty.recents = {first, "nowhere/At All"};
+    empty.favourites = {*paths.rbegin()};
+    const RankingResult listed = ranker->rank(empty);
+    ASSERT_EQ(listed.total, first == *paths.rbegin() ? 1u : 2u);
+    EXPECT_EQ(listed.blocks.front().block.getPath(), *paths.rbegin());
+    EXPECT_TRUE(listed.blocks.front().favourite);
+    EXPECT_EQ(listed.blocks.back().block.getPath(), first);
+    EXPECT_TRUE(listed.blocks.back().recent);
+}
+
+INSTANTIATE_TEST_SUITE_P(Roots, BlockRankerTest, ::testing::Values(Root::Example, Root::Synthetic),
+                         [](const auto& info) { return info.param == Root::Example ? "Example" : "Synthetic"; });
+
+} // namespace
