@@ -2,7 +2,10 @@
 #include "repository/xmlrepository/LibraryComparison.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 
+#include "platform/Platform.h"
 #include "repository/StoreFixture.h"
+
+#include <QDir>
 
 using namespace LibraryBrowser;
 using namespace LibraryBrowser::Testing;
@@ -63,6 +66,17 @@ TEST_F(LibraryComparisonTest, NothingChangedReadsNoFile)
     EXPECT_TRUE(compare(*product));
     EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (Signals)"));
     EXPECT_EQ(loggedCount(*report, "Computed check sum"), 0) << "dates that match are trusted without reading";
+
+    // A host may name its root relative to the working directory.
+    const QString working = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(scratch.path()));
+    RecordingEnvironment relative("root", preferences());
+    Platform::setEnvironment(&relative);
+    const bool upToDate = compare(*product);
+    Platform::setEnvironment(environment);
+    QDir::setCurrent(working);
+    EXPECT_TRUE(upToDate);
+    EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (toolbox/signals/tdblocks.json)"));
 }
 
 TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
