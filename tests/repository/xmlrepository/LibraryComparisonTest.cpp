@@ -1,6 +1,7 @@
 #include "repository/xmlrepository/HostOperations.h"
 #include "repository/xmlrepository/LibraryComparison.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
+#include "repository/xmlrepository/StoreDamage.h"
 
 #include "platform/Platform.h"
 #include "repository/StoreFixture.h"
@@ -67,16 +68,25 @@ TEST_F(LibraryComparisonTest, NothingChangedReadsNoFile)
     EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (Signals)"));
     EXPECT_EQ(loggedCount(*report, "Computed check sum"), 0) << "dates that match are trusted without reading";
 
-    // A host may name its root relative to the working directory.
+    // A host may name its root and stores relative to the working directory:
+    // nothing is judged anew for that, not even the archives that another
+    // process recorded as checked.
+    const std::string icons = store() + "/signals/icons.rps";
+    StoreDamage::registerStores(path("shipped"), store());
+    StoreDamage::archiveWritten(store(), icons);
+    StoreDamage::saveRecords();
     const QString working = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(scratch.path()));
     RecordingEnvironment relative("root", preferences());
     Platform::setEnvironment(&relative);
     const bool upToDate = compare(*product);
+    StoreDamage::registerStores("shipped", "store");
+    const bool archiveKnown = StoreDamage::archiveVerified("store", "store/signals/icons.rps");
     Platform::setEnvironment(environment);
     QDir::setCurrent(working);
     EXPECT_TRUE(upToDate);
     EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (toolbox/signals/tdblocks.json)"));
+    EXPECT_TRUE(archiveKnown);
 }
 
 TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
