@@ -28,7 +28,7 @@ HandleData* HandleData::acquire(TandrilObjectImpl* node, ReaderCache* cache)
         // An entry with a real node of its own keeps it: one id standing for
         // two objects is a fault of the store, not something to paper over.
         if (!entry->m_node || entry->m_node->getIsInvalid())
-            entry->m_node = node;
+            entry->setNode(node);
         return entry;
     }
     return new HandleData(id, cache, node);
@@ -40,10 +40,18 @@ HandleData* HandleData::acquire(const StringId& id, TandrilObjectImpl* node, Rea
         return nullptr;
     if (HandleData* entry = cache->lookupHandle(id)) {
         if (!entry->m_node || !entry->m_cache)
-            entry->m_node = node;
+            entry->setNode(node);
         return entry;
     }
     return new HandleData(id, cache, node);
+}
+
+void HandleData::setNode(TandrilObjectImpl* node)
+{
+    m_node = node;
+    const Model* model = node ? node->getModel() : nullptr;
+    if (m_cache && model != m_model)
+        m_cache->fileByModel(*this, model);
 }
 
 TandrilObjectImpl* HandleData::resolve()
@@ -55,7 +63,7 @@ TandrilObjectImpl* HandleData::resolve()
     ref();
     const TandrilObject found = m_cache->findObject(m_id);
     if (!m_node && found.getData() != this)
-        m_node = found.getData() ? found.getData()->m_node : nullptr;
+        setNode(found.getData() ? found.getData()->m_node : nullptr);
     m_resolving = false;
     TandrilObjectImpl* node = m_node;
     unref();

@@ -6,6 +6,7 @@
 
 namespace LibraryBrowser {
 
+class Model;
 class ReaderCache;
 class TandrilObjectImpl;
 
@@ -48,22 +49,32 @@ public:
     // once orphaned.
     TandrilObjectImpl* resolve();
 
-    void setNode(TandrilObjectImpl* node) { m_node = node; }
-    void clearNode() { m_node = nullptr; }
+    // Tells the cache too, which files its handles by the node's model.
+    void setNode(TandrilObjectImpl* node);
+    void clearNode() { setNode(nullptr); }
     // The cache is going away: node and cache are both forgotten.
     void orphan()
     {
         m_node = nullptr;
         m_cache = nullptr;
+        m_model = nullptr;
+        m_previousOfModel = m_nextOfModel = nullptr;
     }
 
     HandleSet handleSet() const { return m_set; }
     void setHandleSet(HandleSet set) { m_set = set; }
 
 private:
+    // The cache keeps, per model, the list of its handles on the model's
+    // nodes, threaded through these fields.
+    friend class ReaderCache;
+
     StringId m_id;
     ReaderCache* m_cache;
     TandrilObjectImpl* m_node;
+    const Model* m_model = nullptr;
+    HandleData* m_previousOfModel = nullptr;
+    HandleData* m_nextOfModel = nullptr;
     unsigned m_refCount = 0;
     HandleSet m_set = HandleSet::Library;
     // Set while the cache looks for the node, so that a lookup that meets

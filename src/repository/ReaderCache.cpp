@@ -131,11 +131,47 @@ void ReaderCache::forgetModels(const std::unordered_set<const Model*>& models)
     if (models.empty())
         return;
     ++m_clearCount;
-    for (auto& entry : m_handles) {
-        const TandrilObjectImpl* node = entry.second->node();
-        if (node && models.count(node->getModel()))
-            entry.second->clearNode();
+    for (const Model* model : models) {
+        const auto first = m_modelHandles.find(model);
+        if (first == m_modelHandles.end())
+            continue;
+        HandleData* data = first->second;
+        m_modelHandles.erase(first);
+        while (data) {
+            HandleData* next = data->m_nextOfModel;
+            data->m_node = nullptr;
+            data->m_model = nullptr;
+            data->m_previousOfModel = data->m_nextOfModel = nullptr;
+            data = next;
+        }
     }
+}
+
+void ReaderCache::fileByModel(HandleData& data, const Model* model)
+{
+    if (data.m_model) {
+        HandleData* previous = data.m_previousOfModel;
+        HandleData* next = data.m_nextOfModel;
+        if (next)
+            next->m_previousOfModel = previous;
+        if (previous)
+            previous->m_nextOfModel = next;
+        else if (next)
+            m_modelHandles[data.m_model] = next;
+        else
+            m_modelHandles.erase(data.m_model);
+    }
+    data.m_model = model;
+    data.m_previousOfModel = nullptr;
+    data.m_nextOfModel = nullptr;
+    if (!model)
+        return;
+    HandleData*& first = m_modelHandles[model];
+    if (first) {
+        first->m_previousOfModel = &data;
+        data.m_nextOfModel = first;
+    }
+    first = &data;
 }
 
 HandleData* ReaderCache::lookupHandle(const StringId& id) const
@@ -147,6 +183,7 @@ HandleData* ReaderCache::lookupHandle(const StringId& id) const
 void ReaderCache::registerHandle(HandleData* data)
 {
     m_handles[data->id()] = data;
+    fileByModel(*data, data->node() ? data->node()->getModel() : nullptr);
     const std::string& text = data->id().str();
     const TandrilObjectImpl* node = data->node();
     if (node && node->getIsInvalid()) {
@@ -166,6 +203,7 @@ void ReaderCache::unregisterHandle(HandleData* data)
     const auto entry = m_handles.find(data->id());
     if (entry != m_handles.end() && entry->second == data)
         m_handles.erase(entry);
+    fileByModel(*data, nullptr);
     switch (data->handleSet()) {
     case HandleData::HandleSet::Library:
         m_libraryHandles.erase(data);

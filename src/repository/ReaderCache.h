@@ -72,6 +72,9 @@ public:
     HandleData* lookupHandle(const StringId& id) const;
     void registerHandle(HandleData* data);
     void unregisterHandle(HandleData* data);
+    // Files a registered handle under the model of its new node (none for
+    // null), out of the list of the model it was under.
+    void fileByModel(HandleData& data, const Model* model);
     std::size_t libraryHandleCount() const { return m_libraryHandles.size(); }
     std::size_t invalidHandleCount() const { return m_invalidHandles.size(); }
     std::size_t productHandleCount(const std::string& productKey) const;
@@ -88,6 +91,10 @@ private:
     HandleSet m_libraryHandles;
     HandleSet m_invalidHandles;
     std::unordered_map<std::string, HandleSet> m_productHandles;
+    // The first of each model's handles, the rest linked from it: forgetting
+    // the models of an unloaded product then costs their handles, not a
+    // walk of every handle the cache holds.
+    std::unordered_map<const Model*, HandleData*> m_modelHandles;
     // Products found by key: every subsystem entered during a walk asks for
     // its product, and a scan of the top level per question made that the
     // walk's largest cost. The handles follow their ids into a reloaded top

@@ -7,6 +7,7 @@
 #include "repository/xmlrepository/LibraryComparison.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/StoreDamage.h"
 #include "repository/xmlrepository/TempDirectories.h"
 #include "repository/xmlrepository/TempDirectoryOwners.h"
 
@@ -396,6 +397,26 @@ TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
     EXPECT_TRUE(compare(*product));
     EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (Signals)"));
     EXPECT_EQ(loggedCount(*report, "Computed check sum"), 0);
+
+    // A host may name its root and stores relative to the working directory:
+    // nothing is judged anew for that, not even the archives that another
+    // process recorded as checked.
+    const std::string icons = store() + "/signals/icons.rps";
+    StoreDamage::registerStores(path("shipped"), store());
+    StoreDamage::archiveWritten(store(), icons);
+    StoreDamage::saveRecords();
+    const QString working = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(scratch.path()));
+    RecordingEnvironment relative("root", "prefs");
+    Platform::setEnvironment(&relative);
+    const bool upToDate = compare(*product);
+    StoreDamage::registerStores("shipped", "store");
+    const bool archiveKnown = StoreDamage::archiveVerified("store", "store/signals/icons.rps");
+    Platform::setEnvironment(environment);
+    QDir::setCurrent(working);
+    EXPECT_TRUE(upToDate);
+    EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (toolbox/signals/tdblocks.json)"));
+    EXPECT_TRUE(archiveKnown);
 
     EXPECT_TRUE(compare(*product, true));
     EXPECT_TRUE(logged(*report, "The timestamp of toolbox/signals/tdblocks.json has been ignored"));

@@ -55,7 +55,9 @@ bool LibraryComparison::fileDependenciesAgree(const LibraryImpl& owner, bool ign
         const std::string path = absolutePath(root, text);
         if (!fileExists(path))
             return false;
-        const FileInfo now = fileInfoOf(m_report, path);
+        // By its name below the root, not the joined path: a root given
+        // relative would be joined twice, and every file would look gone.
+        const FileInfo now = fileInfoOf(m_report, text);
         if (judgeDates(std::int64_t(stored.date), std::int64_t(now.date), generationStart(owner), ignoreTimestamp,
                        text, text)
             == DateVerdict::Trusted)

@@ -85,6 +85,14 @@ void writeRecords(const std::string& file, const VerifiedRecords& records)
     out.commit();
 }
 
+// The record's key for an archive: one spelling of the file, whether the
+// store was named relative to the working directory or not, so that every
+// process finds the records of the others.
+std::string recordKey(const std::string& archivePath)
+{
+    return QDir::cleanPath(QFileInfo(QString::fromStdString(archivePath)).absoluteFilePath()).toStdString();
+}
+
 // Store directory to where its notes go; main thread only, like all the store.
 std::unordered_map<std::string, NotePlace>& places()
 {
@@ -166,7 +174,7 @@ bool StoreDamage::archiveVerified(const std::string& storeDirectory, const std::
         return false;
     const FileStamp stamp = stampOf(qs(archivePath));
     const VerifiedRecords& records = recordsOf(found->second.verifiedFile);
-    const auto known = records.stamps.find(archivePath);
+    const auto known = records.stamps.find(recordKey(archivePath));
     return stamp.size >= 0 && known != records.stamps.end() && known->second == stamp;
 }
 
@@ -179,14 +187,15 @@ std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const 
     if (stamp.size < 0)
         return std::string();
     VerifiedRecords& records = recordsOf(found->second.verifiedFile);
-    const auto known = records.stamps.find(archivePath);
+    const std::string key = recordKey(archivePath);
+    const auto known = records.stamps.find(key);
     if (known != records.stamps.end() && known->second == stamp)
         return std::string();
     ZipEntryIndex index;
     std::string error;
     if (!index.load(archivePath, error) || !index.readsWhole(archivePath, error))
         return "the archive " + archivePath + " can't be read whole: " + error;
-    records.stamps[archivePath] = stamp;
+    records.stamps[key] = stamp;
     records.changed = true;
     return std::string();
 }
@@ -199,9 +208,9 @@ void StoreDamage::archiveWritten(const std::string& storeDirectory, const std::s
     VerifiedRecords& records = recordsOf(found->second.verifiedFile);
     const FileStamp stamp = stampOf(qs(archivePath));
     if (stamp.size < 0)
-        records.stamps.erase(archivePath);
+        records.stamps.erase(recordKey(archivePath));
     else
-        records.stamps[archivePath] = stamp;
+        records.stamps[recordKey(archivePath)] = stamp;
     records.changed = true;
 }
 
