@@ -5,25 +5,17 @@ A use of freed memory shows as a crash here because the suites run with
 MALLOC_PERTURB_ set (plain builds) or under AddressSanitizer.
 """
 
-import os
-import subprocess
-import sys
-import textwrap
+import functools
 import time
 
 import pytest
 
 import tandril
+from conftest import run_python
 from tandril import StandaloneBrowser
 
-TIMER_SECONDS = 0.111
-
-
 def nested(depth):
-    value = []
-    for _ in range(depth):
-        value = [value]
-    return value
+    return functools.reduce(lambda value, _: [value], range(depth), [])
 
 
 def test_a_host_call_made_while_the_window_is_built_cannot_reach_or_destroy_it(session):
@@ -48,8 +40,7 @@ def test_a_host_call_made_while_the_window_is_built_cannot_reach_or_destroy_it(s
         tandril.register_host_function("lb_getLibraryData", None)
     assert refusals == ["Tandril:StandaloneBrowser:Busy"] * 2
     browser.selectTreeNodeByName("Kinetics")
-    assert browser.getCurrentTreeNode() == "Kinetics"
-    assert browser.getSortedLibraryNames()[0] == "Tandril"
+    assert (browser.getCurrentTreeNode(), browser.getSortedLibraryNames()[0]) == ("Kinetics", "Tandril")
 
 
 def test_a_child_of_a_collapsed_node_is_selected_as_a_user_would(session):
@@ -66,9 +57,8 @@ def test_a_child_of_a_collapsed_node_is_selected_as_a_user_would(session):
         assert browser.isTreeNodeExpanded("Kinetics") and browser.getChildren("Kinetics") == children
         deadline = time.monotonic() + 5
         while not browser.isSelectedTreeNodeCurrent() and time.monotonic() < deadline:
-            time.sleep(TIMER_SECONDS / 2)
-        assert browser.getCurrentTreeNode() == target
-        assert browser.getBlocks()[0].startswith(target + "/")
+            time.sleep(0.05)
+        assert browser.getCurrentTreeNode() == target and browser.getBlocks()[0].startswith(target + "/")
         browser.refreshLibraryBrowser()
 
 
@@ -102,13 +92,8 @@ def test_values_nested_too_deep_and_host_functions_calling_themselves_end_with_c
                              "kinetics")[0]
 
 
-def run_script(script, *arguments, **environment):
-    return subprocess.run([sys.executable, "-c", textwrap.dedent(script) % arguments], capture_output=True,
-                          text=True, timeout=120, env=dict(os.environ, QT_QPA_PLATFORM="offscreen", **environment))
-
-
 def test_an_exit_hook_after_the_packages_own_gets_an_error_not_a_window(root_dir, tmp_path):
-    done = run_script("""
+    done = run_python("""
         import atexit
 
         def late():
@@ -124,18 +109,17 @@ def test_an_exit_hook_after_the_packages_own_gets_an_error_not_a_window(root_dir
         import tandril
         tandril.start(root=%r, prefdir=%r)
         tandril.StandaloneBrowser().show()
-    """, str(root_dir), str(tmp_path))
-    assert done.returncode == 0, done.stderr
+    """ % (str(root_dir), str(tmp_path)))
     lines = done.stdout.splitlines()
-    assert len(lines) == 2
-    for line in lines:
-        assert line.startswith("Tandril:Session:Ended The tandril session has ended at the interpreter's exit")
+    assert done.returncode == 0 and len(lines) == 2, done.stderr
+    assert all(line.startswith("Tandril:Session:Ended The tandril session has ended at the interpreter's exit")
+               for line in lines), lines
 
 
 def test_a_hit_is_selected_after_the_results_page_was_laid_out_again(root_dir, tmp_path):
     # Found by the monkey (FUZZING.md). In a process of its own, as the fault
     # it guards against ended the process.
-    done = run_script("""
+    done = run_python("""
         import tandril
         tandril.start(root=%r, prefdir=%r)
         browser = tandril.StandaloneBrowser()
@@ -146,5 +130,5 @@ def test_a_hit_is_selected_after_the_results_page_was_laid_out_again(root_dir, t
         browser.setLayout("LIST")
         browser.selectSearchResult(hit)
         print(browser.getSelectedBlockName() == hit, browser.getCurrentTabIndex())
-    """, str(root_dir), str(tmp_path), MALLOC_PERTURB_="165")
+    """ % (str(root_dir), str(tmp_path)), MALLOC_PERTURB_="165")
     assert done.returncode == 0 and done.stdout == "True 1\n", done.stderr[-2000:]
