@@ -30,6 +30,8 @@ VALUES = r"Value {} is invalid\. Possible values are (\w+),(\w+)\.$"
     lambda r, o: Repository.Writer.open("dir", "not a list"), lambda r, o: Repository.TandrilObject("kinetics"),
     lambda r, o: Repository.Block(None), lambda r, o: Repository.BlockRanker(r).rank(42),
     lambda r, o: Repository.BlockRanker("store"))] + [
+    (lambda r, o: r.getRepositoryReport().logToConsoleInteractively(1), TypeError, ""),
+    (lambda r, o: r.findBlocks("gain", "RegExp"), TypeError, "must be a list, tuple or other sequence, not str"),
     (lambda r, o: Repository.BlockRanker(r).rank("pid", limit=-1), ValueError, "limit must be 0"),
     (lambda r, o: Repository.BlockRanker(r).rank("pid", favourites="kinetics"), TypeError, "not one string"),
     (lambda r, o: Repository.BlockRanker(r).rank("pid", recents=[1]), TypeError, "as strings, not int"),

@@ -14,7 +14,7 @@ PID = "kinetics/Continuous/PID Controller"
 
 @pytest.mark.parametrize("pattern, row, expected", [
     ("gain", [], 4), ("GAIN", ["MatchCase", "off"], 4), ("GAIN", ["MatchCase", "on"], 0),
-    ("Gain", ["MatchCase", "on"], 4), ("G.in", [], 0), ("G.in", ["RegExp", "on"], 4),
+    ("Gain", ["MatchCase", "on"], 4), ("G.in", [], 0), ("G.in", ("RegExp", "on"), 4),
     # The last pair of a name wins.
     ("G.in", ["RegExp", "on", "RegExp", "off"], 0), ("G.in", ["RegExp", "off", "RegExp", "on"], 4),
     ("Gai", [], 4), ("Gai", ["WholeWord", "on"], 0), ("gain", ["WholeWord", "on"], 4),
