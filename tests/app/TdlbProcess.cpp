@@ -22,6 +22,21 @@ QJsonObject TdlbResult::jsonEntry(const QString& array, const QString& path) con
     return QJsonObject();
 }
 
+void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs)
+{
+    for (const ExpectedRun& run : runs) {
+        const TdlbResult result = TdlbProcess::runRaw(where + run.arguments);
+        SCOPED_TRACE(qPrintable(run.arguments.join(' ') + "\nout: " + result.out + "\nerr: " + result.err));
+        EXPECT_FALSE(result.crashed);
+        EXPECT_EQ(result.exitCode, run.exitCode);
+        for (const QString& text : run.out)
+            EXPECT_TRUE(result.out.contains(text)) << qPrintable(text);
+        for (const QString& text : run.err)
+            EXPECT_TRUE(result.err.contains(text)) << qPrintable(text);
+        EXPECT_TRUE(run.exitCode == 0 || !run.out.isEmpty() || result.out.isEmpty());
+    }
+}
+
 TdlbProcess::TdlbProcess()
 {
     m_ready = m_root.isValid() && m_prefs.isValid();

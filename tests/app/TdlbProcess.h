@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace LibraryBrowser::Testing {
 
@@ -24,6 +26,23 @@ struct TdlbResult {
     // The object of that array of json() whose "path" is given; empty if none.
     QJsonObject jsonEntry(const QString& array, const QString& path) const;
 };
+
+// One run of a table: its exit code, and texts its standard output and
+// standard error must contain. A run that fails prints nothing on standard
+// output unless out names what.
+struct ExpectedRun {
+    ExpectedRun(QStringList arguments, int exitCode = 0, QStringList out = {}, QStringList err = {})
+        : arguments(std::move(arguments)), exitCode(exitCode), out(std::move(out)), err(std::move(err))
+    {
+    }
+    QStringList arguments;
+    int exitCode;
+    QStringList out;
+    QStringList err;
+};
+
+// Runs tdlb with where + each row's arguments and checks each against its row.
+void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs);
 
 // The built tdlb on a private copy of the example root, with a preferences
 // directory of its own, run as a separate process.
