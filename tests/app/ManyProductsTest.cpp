@@ -5,15 +5,12 @@
 
 #include "SyntheticRootGenerator.h"
 
-#include <QTemporaryDir>
-
 namespace LibraryBrowser::Testing {
 namespace {
 
 TEST(ManyProductsTest, SearchOverSixHundredProductsNeedsNoMoreThan128OpenFiles)
 {
     QTemporaryDir root, preferences;
-    ASSERT_TRUE(root.isValid() && preferences.isValid());
     Host::SyntheticRootGenerator::Settings settings;
     settings.products = 600;
     settings.blocksPerProduct = 4;
@@ -22,17 +19,16 @@ TEST(ManyProductsTest, SearchOverSixHundredProductsNeedsNoMoreThan128OpenFiles)
     QString error;
     ASSERT_TRUE(Host::SyntheticRootGenerator(settings).write(root.path(), error)) << qPrintable(error);
     const QStringList where{"--root", root.path(), "--prefdir", preferences.path()};
-    constexpr int limit = 128;
-
-    const TdlbResult update = TdlbProcess::runRaw(where + QStringList{"update"}, limit);
+    const auto run = [&](const QStringList& arguments) {
+        return TdlbProcess::runRaw(where + arguments, TdlbProcess::environment(), 128);
+    };
+    const TdlbResult update = run({"update"});
     ASSERT_EQ(update.exitCode, 0) << qPrintable(update.err.left(2000));
     EXPECT_TRUE(update.out.contains("Updated: 600 products, 0 warnings")) << qPrintable(update.out.left(2000));
-
     // Each product has one subsystem, "Subsystem 0", so every product answers.
-    const TdlbResult search = TdlbProcess::runRaw(where + QStringList{"search", "Subsystem 0"}, limit);
+    const TdlbResult search = run({"search", "Subsystem 0"});
     EXPECT_EQ(search.exitCode, 0);
-    EXPECT_FALSE(search.err.contains("Unable")) << qPrintable(search.err.left(2000));
-    EXPECT_FALSE(search.err.contains("rror")) << qPrintable(search.err.left(2000));
+    EXPECT_FALSE(search.err.contains("Unable") || search.err.contains("rror")) << qPrintable(search.err.left(2000));
     EXPECT_TRUE(search.out.endsWith("600 hits in 600 products\n")) << qPrintable(search.out.right(500));
 }
 

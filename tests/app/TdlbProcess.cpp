@@ -22,10 +22,10 @@ QJsonObject TdlbResult::jsonEntry(const QString& array, const QString& path) con
     return QJsonObject();
 }
 
-void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs)
+void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs, const QProcessEnvironment& environment)
 {
     for (const ExpectedRun& run : runs) {
-        const TdlbResult result = TdlbProcess::runRaw(where + run.arguments);
+        const TdlbResult result = TdlbProcess::runRaw(where + run.arguments, environment);
         SCOPED_TRACE(qPrintable(run.arguments.join(' ') + "\nout: " + result.out + "\nerr: " + result.err));
         EXPECT_FALSE(result.crashed);
         EXPECT_EQ(result.exitCode, run.exitCode);
@@ -58,22 +58,11 @@ QProcessEnvironment TdlbProcess::environment()
     return environment;
 }
 
-TdlbResult TdlbProcess::runRaw(const QStringList& arguments, int openFileLimit)
-{
-    return runRaw(arguments, environment(), openFileLimit);
-}
-
-TdlbResult TdlbProcess::runRaw(const QStringList& arguments, const QProcessEnvironment& environment,
-                               int openFileLimit)
-{
-    return finish(*start(arguments, environment, openFileLimit));
-}
-
-std::unique_ptr<QProcess> TdlbProcess::start(const QStringList& arguments, const QProcessEnvironment& environment,
+std::unique_ptr<QProcess> TdlbProcess::start(const QStringList& arguments, const QProcessEnvironment& variables,
                                              int openFileLimit)
 {
     auto process = std::make_unique<QProcess>();
-    process->setProcessEnvironment(environment);
+    process->setProcessEnvironment(variables);
     if (openFileLimit > 0) {
         process->setChildProcessModifier([openFileLimit] {
             const rlimit limit{rlim_t(openFileLimit), rlim_t(openFileLimit)};

@@ -41,9 +41,6 @@ struct ExpectedRun {
     QStringList err;
 };
 
-// Runs tdlb with where + each row's arguments and checks each against its row.
-void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs);
-
 // The built tdlb on a private copy of the example root, with a preferences
 // directory of its own, run as a separate process.
 class TdlbProcess {
@@ -57,16 +54,19 @@ public:
     // --root ROOT --prefdir PREFS arguments...
     QStringList withRoot(const QStringList& arguments) const;
     TdlbResult run(const QStringList& arguments) const { return runRaw(withRoot(arguments)); }
-    // tdlb with exactly these arguments; with a positive openFileLimit, the
-    // child may hold no more files open than that at once.
-    static TdlbResult runRaw(const QStringList& arguments, int openFileLimit = 0);
-    static TdlbResult runRaw(const QStringList& arguments, const QProcessEnvironment& environment,
-                             int openFileLimit = 0);
     // The caller's environment without the host's own variables, so that
     // only the arguments choose root and preferences.
     static QProcessEnvironment environment();
+    // tdlb with exactly these arguments; with a positive openFileLimit, the
+    // child may hold no more files open than that at once.
+    static TdlbResult runRaw(const QStringList& arguments, const QProcessEnvironment& variables = environment(),
+                             int openFileLimit = 0)
+    {
+        return finish(*start(arguments, variables, openFileLimit));
+    }
     // tdlb started with these arguments, and its end awaited.
-    static std::unique_ptr<QProcess> start(const QStringList& arguments, const QProcessEnvironment& environment,
+    static std::unique_ptr<QProcess> start(const QStringList& arguments,
+                                           const QProcessEnvironment& variables = environment(),
                                            int openFileLimit = 0);
     static TdlbResult finish(QProcess& process);
 
@@ -75,6 +75,10 @@ private:
     QTemporaryDir m_prefs;
     bool m_ready = false;
 };
+
+// Runs tdlb with where + each row's arguments and checks each against its row.
+void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs,
+                const QProcessEnvironment& environment = TdlbProcess::environment());
 
 // A test on a root copy of its own, updated first, as a user starts.
 class UpdatedTdlbTest : public ::testing::Test {

@@ -3,10 +3,7 @@
 
 #include "TdlbProcess.h"
 
-#include <QProcess>
 #include <QRegularExpression>
-
-#include <gtest/gtest.h>
 
 namespace LibraryBrowser::Testing {
 namespace {
@@ -21,19 +18,16 @@ TEST_F(TdlbTerminalTest, GenerateShowsProgressOnATerminalOnly)
     terminal.setProcessEnvironment(TdlbProcess::environment());
     terminal.start("/usr/bin/python3",
                    QStringList{"-c", "import os, pty, sys; sys.exit(os.waitstatus_to_exitcode(pty.spawn(sys.argv[1:])))",
-                               TDLB_EXECUTABLE} +
-                       tdlb.withRoot({"generate"}));
+                               TDLB_EXECUTABLE} + tdlb.withRoot({"generate"}));
     terminal.closeWriteChannel();
     ASSERT_TRUE(terminal.waitForFinished(TDLB_PROCESS_WAIT_MS));
     const QString text = QString::fromLocal8Bit(terminal.readAllStandardOutput()).remove('\r');
     ASSERT_EQ(terminal.exitCode(), 0) << qPrintable(text) << qPrintable(terminal.readAllStandardError());
-    EXPECT_TRUE(text.contains(QRegularExpression(R"(\[1/6\] Arithmetica \(\d+\.\d s\))"))) << qPrintable(text);
-    EXPECT_TRUE(text.contains("[6/6] Signal Workbench ("));
-    EXPECT_TRUE(text.contains(QRegularExpression(R"(Generated 6 products in \d+\.\d s)")));
-
+    for (const char* line : {R"(\[1/6\] Arithmetica \(\d+\.\d s\))", R"(\[6/6\] Signal Workbench \()",
+                             R"(Generated 6 products in \d+\.\d s)"})
+        EXPECT_TRUE(text.contains(QRegularExpression(line))) << line << "\n" << qPrintable(text);
     const TdlbResult offTerminal = tdlb.run({"generate"});
-    EXPECT_EQ(offTerminal.exitCode, 0);
-    EXPECT_TRUE(offTerminal.out.isEmpty()) << qPrintable(offTerminal.out);
+    EXPECT_TRUE(offTerminal.exitCode == 0 && offTerminal.out.isEmpty()) << qPrintable(offTerminal.out);
 }
 
 } // namespace
