@@ -5,6 +5,7 @@ its own (ctest does that) on a fresh copy of the example root with its
 shipped store, and an empty preferences directory.
 """
 
+import configparser
 import os
 import shutil
 import subprocess
@@ -53,6 +54,12 @@ def run_python(script, cwd=None, **environment):
         os.makedirs(cwd, exist_ok=True)
     return subprocess.run([sys.executable, "-c", textwrap.dedent(script)], capture_output=True, text=True,
                           timeout=120, cwd=cwd, env=dict(os.environ, QT_QPA_PLATFORM="offscreen", **environment))
+
+
+def stored_layout(prefs_dir):
+    parser = configparser.ConfigParser()
+    parser.read(prefs_dir / "LibraryBrowser.ini")
+    return parser["LibraryBrowser"]["LBLayout"]
 
 
 def walk(iterator):

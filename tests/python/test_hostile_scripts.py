@@ -11,7 +11,7 @@ import time
 import pytest
 
 import tandril
-from conftest import run_python
+from conftest import run_python, stored_layout
 from tandril import StandaloneBrowser
 
 def nested(depth):
@@ -92,7 +92,7 @@ def test_values_nested_too_deep_and_host_functions_calling_themselves_end_with_c
                              "kinetics")[0]
 
 
-def test_an_exit_hook_after_the_packages_own_gets_an_error_not_a_window(root_dir, tmp_path):
+def test_at_the_interpreters_exit_open_windows_keep_their_choices_and_a_later_hook_gets_an_error(root_dir, tmp_path):
     done = run_python("""
         import atexit
 
@@ -108,12 +108,18 @@ def test_an_exit_hook_after_the_packages_own_gets_an_error_not_a_window(root_dir
         atexit.register(late)  # before the package's own hook, so it runs after it
         import tandril
         tandril.start(root=%r, prefdir=%r)
-        tandril.StandaloneBrowser().show()
+        browser = tandril.StandaloneBrowser()
+        browser.show()
+        browser.setLayout('LIST')
+        own = tandril.StandaloneBrowser.create(tandril.Repository.Repository.open())
+        own.show()
+        print(browser.isOpen(), own.isOpen())
     """ % (str(root_dir), str(tmp_path)))
     lines = done.stdout.splitlines()
-    assert done.returncode == 0 and len(lines) == 2, done.stderr
+    assert done.returncode == 0 and len(lines) == 3 and lines[0] == "True True", done.stdout + done.stderr
     assert all(line.startswith("Tandril:Session:Ended The tandril session has ended at the interpreter's exit")
-               for line in lines), lines
+               for line in lines[1:]), lines
+    assert stored_layout(tmp_path) == "List"
 
 
 def test_a_hit_is_selected_after_the_results_page_was_laid_out_again(root_dir, tmp_path):

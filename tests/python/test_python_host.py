@@ -1,6 +1,5 @@
-"""A Python program as the host: callables serve the host's operations for one
-product "Duo" of two blocks, from a root that holds no tdblocks data of its own;
-values cross both ways; the repository and the window browse it."""
+"""A Python program as the host: callables serve the host's operations for one product "Duo" of two blocks, from
+a root that holds no tdblocks data of its own; values cross both ways; the repository and the window browse it."""
 
 import os
 
@@ -25,8 +24,7 @@ def root_dir(tmp_path_factory):
 
 
 class TwoBlockHost:
-    """The repository operations for "Duo", and the window's commands on its blocks;
-    the operations called, the reports they were given and the dialogs opened are noted."""
+    """The host operations for "Duo" and the window's commands; the calls made and the dialogs opened are noted."""
 
     def __init__(self, root):
         self.root, self.calls, self.dialogs = root, [], []
@@ -148,7 +146,7 @@ def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_
     assert ("Tandril:Host:PythonError", "lb_getBlockData: ZeroDivisionError: division by zero") in \
         report.getWarnings()
     reader = Repository.Reader.open(str(tmp_path / "store"))
-    assert [o.Name for o in reader.getChildrenIterator(reader.getTandrilObject("duo"))] == []
+    assert reader.getChildrenIterator(reader.getTandrilObject("duo")).isEmpty()
     # What is not registered goes to the embedded host.
     (tmp_path / "doomed" / "inner").mkdir(parents=True)
     assert tandril.call_host("tdprivate", 3, "rmdir", str(tmp_path / "doomed"), "s") == [True, "", ""]
@@ -158,9 +156,8 @@ def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_
 def test_the_window_browses_the_library_and_survives_its_callables(python_host):
     browser = StandaloneBrowser()
     browser.show()
-    assert browser.getSortedLibraryNames() == ["Duo"]
     browser.selectTreeNodeByName("Duo")
-    assert browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
+    assert (browser.getSortedLibraryNames(), browser.getBlocks()) == (["Duo"], ["Duo/Alpha", "Duo/Beta"])
     browser.selectBlockByName("Duo/Beta")
     browser.doubleClickBlock("Duo/Beta")
     browser.showSelectedBlockParams()
@@ -168,10 +165,6 @@ def test_the_window_browses_the_library_and_survives_its_callables(python_host):
     browser.searchForBlock("bet")
     assert browser.getResultsSectionBlockNames("Duo") == ["Duo/Beta"]
     refusals = []
-
-    def refusing(nargout, path, kind):
-        refusals.append(path)
-        refuse(nargout)
 
     def destroy(nargout, path, kind):
         try:
@@ -182,13 +175,9 @@ def test_the_window_browses_the_library_and_survives_its_callables(python_host):
 
     # A failing callable leaves the window working; one cannot destroy the window that waits for it.
     browser.selectTabByIndex(0)
-    for function in (refusing, destroy):
-        tandril.register_host_function("private_td_open_block_dialog", function)
-        try:
-            browser.doubleClickBlock("Duo/Alpha")
-            assert browser.isEnabled() and browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
-        finally:
-            tandril.register_host_function("private_td_open_block_dialog", python_host.private_td_open_block_dialog)
+    for function in (lambda nargout, path, kind: refusals.append(path) or refuse(nargout), destroy):
+        calls_with("private_td_open_block_dialog", function, lambda: browser.doubleClickBlock("Duo/Alpha"))
+        assert browser.isEnabled() and browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
     assert refusals == ["duo/Alpha", "Tandril:StandaloneBrowser:Busy"]
     browser.destroyInstance()
     assert "destroyed" in repr(browser)
