@@ -31,43 +31,37 @@ TEST_F(TdlbReadTest, EachCommandPrintsItsAnswerOrSaysWhyNotWithItsExitCode)
     QString md5;
     for (const char byte : QCryptographicHash::hash(readFile(library.toStdString()), QCryptographicHash::Md5))
         md5 += QString::number(static_cast<unsigned char>(byte));
-    const auto stores = [this] {
-        return std::pair{snapshot(tdlb.root().toStdString()), snapshot((tdlb.preferences() + "/td_library_browser_repos").toStdString())};
-    };
+    const std::string store = (tdlb.preferences() + "/td_library_browser_repos").toStdString();
+    const auto stores = [&] { return std::pair{snapshot(root.toStdString()), snapshot(store)}; };
     const auto before = stores();
+    const QString pattern = "needs exactly one pattern", object = "no object", product = "in the repository";
     expectRuns(tdlb.withRoot({}), {
-        {{"update"}, 0, {update.out}},
-        {{"search", "gain"}, 0, {"  arithmetica/Basic Operations/Gain  [Block]", "arithmetica: 1 hit (1 block, 0 subsystems)\n"}},
+        {{"update"}, 0, {update.out}}, {{"find", "xyzzy"}, 1, {"0 of 0 matching blocks shown"}},
+        {{"search", "gain"}, 0,
+         {"  arithmetica/Basic Operations/Gain  [Block]", "arithmetica: 1 hit (1 block, 0 subsystems)\n"}},
         {{"show", "Kinetics"}, 0, {"path: kinetics\n", "isProduct: yes\n", "children: 5\n"}},
         {{"checksum", library}, 0, {md5 + "  " + library + "\n"}},
-        {{"find", "xyzzy"}, 1, {"0 of 0 matching blocks shown"}},
-        {{}, 2, {}, {"no command given"}},
-        {{"frobnicate"}, 2, {}, {"unknown command 'frobnicate'"}},
-        {{"--bogus", "list"}, 2, {}, {"bogus"}},
-        {{"list", "--bogus"}, 2, {}, {"bogus"}},
-        {{"list", "extra"}, 2, {}, {"takes no arguments"}},
-        {{"search"}, 2, {}, {"needs exactly one pattern"}},
-        {{"search", "a", "b"}, 2, {}, {"needs exactly one pattern"}},
-        {{"show"}, 2, {}, {"needs exactly one object"}},
-        {{"tree", "--depth", "deep"}, 2, {}, {"--depth"}},
-        {{"tree", "--depth", "-1"}, 2, {}, {"--depth"}},
+        {{}, 2, {}, {"no command given"}}, {{"frobnicate"}, 2, {}, {"unknown command 'frobnicate'"}},
+        {{"--bogus", "list"}, 2, {}, {"bogus"}}, {{"list", "--bogus"}, 2, {}, {"bogus"}},
+        {{"list", "extra"}, 2, {}, {"takes no arguments"}}, {{"search"}, 2, {}, {pattern}},
+        {{"search", "a", "b"}, 2, {}, {pattern}}, {{"show"}, 2, {}, {"needs exactly one object"}},
+        {{"tree", "--depth", "deep"}, 2, {}, {"--depth"}}, {{"tree", "--depth", "-1"}, 2, {}, {"--depth"}},
         {{"generate", "--mode", "Sometimes"}, 2, {}, {"unknown mode 'Sometimes'"}},
-        {{"checksum"}, 2, {}, {"needs exactly one file"}},
-        {{"list", "--root"}, 2, {}, {"root"}},
+        {{"checksum"}, 2, {}, {"needs exactly one file"}}, {{"list", "--root"}, 2, {}, {"root"}},
         {{"show", "arithmetica", "--size", "0"}, 2, {}, {"--size"}},
         {{"search", "(", "--regexp"}, 2, {}, {"invalid regular expression '('"}},
         {{"--root", root + "/no-such-root", "list"}, 2, {}, {"no-such-root' does not exist"}},
-        {{"browse", "--screenshot", picture, "--layout", "diagonal"}, 2, {}, {"--layout is list or grid, not 'diagonal'"}},
+        {{"browse", "--screenshot", picture, "--layout", "diagonal"}, 2, {},
+         {"--layout is list or grid, not 'diagonal'"}},
         {{"browse", "--screenshot", picture, "--size", "20x20"}, 2, {}, {"--size needs WIDTHxHEIGHT"}},
         {{"browse", "--screenshot", picture, "--select", "Kinetics/Nowhere"}, 1, {},
          {"no library or subsystem 'Kinetics/Nowhere' in the tree"}},
-        {{"find"}, 2}, {{"find", "  "}, 2}, {{"find", "pid", "--limit", "-1"}, 2}, {{"find", "pid", "--limit", "many"}, 2},
-        {{"show", "arithmetica/No Such Block"}, 1, {}, {"no object"}},
-        {{"tree", "nowhere"}, 1, {}, {"no object"}},
-        {{"search", "gain", "--under", "nowhere"}, 1, {}, {"no object"}},
+        {{"find"}, 2}, {{"find", "  "}, 2}, {{"find", "pid", "--limit", "-1"}, 2}, {{"find", "pid", "--limit", "x"}, 2},
+        {{"show", "arithmetica/No Such Block"}, 1, {}, {object}}, {{"tree", "nowhere"}, 1, {}, {object}},
+        {{"search", "gain", "--under", "nowhere"}, 1, {}, {object}},
         {{"checksum", root + "/missing.json"}, 1, {}, {"cannot read " + root + "/missing.json"}},
-        {{"generate", "nonesuch"}, 1, {}, {"no product 'nonesuch' in the repository"}},
-        {{"destroy", "nonesuch"}, 1, {}, {"no product 'nonesuch' in the repository"}},
+        {{"generate", "nonesuch"}, 1, {}, {"no product 'nonesuch' " + product}},
+        {{"destroy", "nonesuch"}, 1, {}, {"no product 'nonesuch' " + product}},
         // The object is shown before its missing icon is told.
         {{"show", "kinetics", "--icon", picture}, 1, {"path: kinetics"}, {"'kinetics' has no icon"}},
     });
@@ -83,7 +77,8 @@ TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
     const QStringList lines = text.out.split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 7) << qPrintable(text.out);
     EXPECT_TRUE(lines[0].startsWith("NAME"));
-    for (const char* row : {"Signal Workbench +signal_workbench +palette +yes +yes", "Arithmetica +arithmetica +product +no +yes"})
+    for (const char* row :
+         {"Signal Workbench +signal_workbench +palette +yes +yes", "Arithmetica +arithmetica +product +no +yes"})
         EXPECT_TRUE(text.out.contains(QRegularExpression(row))) << row << "\n" << qPrintable(text.out);
     const TdlbResult list = ok({"list", "--json"});
     ASSERT_EQ(list.json()["products"].toArray().size(), 6) << qPrintable(list.out);
@@ -115,7 +110,8 @@ TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
         return ok(QStringList{"search", "--json"} + arguments).json()["total"].toInt(-1);
     };
     const std::pair<QStringList, int> totals[] = {{{"gain", "--match-case"}, 0}, {{"Gain", "--match-case"}, total},
-                                                  {{"G.in", "--regexp"}, total}, {{"G.in"}, 0}, {{"Gai", "--whole-word"}, 0}};
+                                                  {{"G.in", "--regexp"}, total}, {{"G.in"}, 0},
+                                                  {{"Gai", "--whole-word"}, 0}};
     for (const auto& [arguments, expected] : totals)
         EXPECT_EQ(totalOf(arguments), expected) << qPrintable(arguments.join(' '));
     const TdlbResult under = ok({"search", "s", "--under", "kinetics/Mechanical", "--json"});
@@ -169,11 +165,13 @@ TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
     EXPECT_EQ(first["spans"].toArray(), (QJsonArray{QJsonObject{{"start", 0}, {"length", 3}},
                                                     QJsonObject{{"start", 4}, {"length", 10}}}));
     EXPECT_TRUE(ok({"find", "controller pid"}).out.startsWith(
-        QString("%1  Kinetics/Continuous/PID Controller  [Block]  [PID] [Controller]\n").arg(first["score"].toInt(), 5)));
+        QString("%1  Kinetics/Continuous/PID Controller  [Block]  [PID] [Controller]\n")
+            .arg(first["score"].toInt(), 5)));
     const QJsonObject limited = ok({"find", "wave", "--limit", "2", "--json"}).json();
     EXPECT_EQ(limited["blocks"].toArray().size(), 2);
     EXPECT_GT(limited["total"].toInt(), 2);
-    EXPECT_EQ(ok({"find", "wave", "--limit", "0", "--json"}).json()["blocks"].toArray().size(), limited["total"].toInt());
+    EXPECT_EQ(ok({"find", "wave", "--limit", "0", "--json"}).json()["blocks"].toArray().size(),
+              limited["total"].toInt());
 }
 
 // A picture of the asked node, with options for that run only.
@@ -182,7 +180,8 @@ TEST_F(TdlbReadTest, BrowseScreenshotsTheAskedNodeAndLeavesTheUsersChoicesAlone)
     const QString picture = QDir(tdlb.preferences()).filePath("window.png");
     const auto preferences = [this] {
         const QSettings settings(tdlb.preferences() + "/LibraryBrowser.ini", QSettings::IniFormat);
-        return settings.value("LibraryBrowser/LBLayout").toString() + "|" + settings.value("LibraryBrowser/LBIconSize").toString();
+        return settings.value("LibraryBrowser/LBLayout").toString() + "|" +
+               settings.value("LibraryBrowser/LBIconSize").toString();
     };
     ok({"browse", "--screenshot", picture});
     const QString chosen = preferences();

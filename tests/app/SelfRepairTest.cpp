@@ -120,8 +120,7 @@ TEST_F(TdlbSelfRepairTest, DamagedDataOfEitherStoreIsGeneratedAgainByTheNextUpda
         {[&] { remove(file("lb_wavecraft_manifests_repos.rps")); }, true},
         {[&] { remove(file("lb_kinetics_manifests_repos.rps")); }, true},
         {[&] { foreignRootManifest(file("lb_wavecraft_manifests_repos.rps"), file("lbtoplevelmanifest.xml")); }, true},
-        {[&] { QDir(QFileInfo(QString::fromStdString(file("lb_wavecraft_icons_repos.rps"))).path()).removeRecursively(); },
-         true},
+        {[&] { QDir(QFileInfo(file("lb_wavecraft_icons_repos.rps").c_str()).path()).removeRecursively(); }, true},
         {[&] { truncate(file("lbtoplevelmanifest.xml"), 300); }, false},
         // A damaged shipped archive is never written: its product moves to the writable store.
         {[&] { writeFile(file("lb_arithmetica_manifests_repos.rps", shipped), QByteArray(3000, '\x5a')); }, true},

@@ -3,16 +3,10 @@
 #include "support/Files.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 
 #include <sys/resource.h>
 
 namespace LibraryBrowser::Testing {
-
-QJsonObject TdlbResult::json() const
-{
-    return QJsonDocument::fromJson(out.toUtf8()).object();
-}
 
 QJsonObject TdlbResult::jsonEntry(const QString& array, const QString& path) const
 {
@@ -39,7 +33,6 @@ void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs, 
 
 TdlbProcess::TdlbProcess()
 {
-    m_ready = m_root.isValid() && m_prefs.isValid();
     for (const auto& [file, bytes] : snapshot(TDLB_EXAMPLE_ROOT))
         writeFile((root() + "/" + file).toStdString(), bytes);
 }
@@ -63,30 +56,25 @@ std::unique_ptr<QProcess> TdlbProcess::start(const QStringList& arguments, const
 {
     auto process = std::make_unique<QProcess>();
     process->setProcessEnvironment(variables);
-    if (openFileLimit > 0) {
+    if (openFileLimit > 0)
         process->setChildProcessModifier([openFileLimit] {
             const rlimit limit{rlim_t(openFileLimit), rlim_t(openFileLimit)};
             setrlimit(RLIMIT_NOFILE, &limit);
         });
-    }
     process->start(TDLB_EXECUTABLE, arguments);
     return process;
 }
 
 TdlbResult TdlbProcess::finish(QProcess& process)
 {
-    TdlbResult result;
     if (!process.waitForFinished(TDLB_PROCESS_WAIT_MS)) {
         process.kill();
         process.waitForFinished();
-        result.crashed = true;
-        return result;
+        return TdlbResult{-1, true, {}, {}};
     }
-    result.crashed = process.exitStatus() != QProcess::NormalExit;
-    result.exitCode = process.exitCode();
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
+    return TdlbResult{process.exitCode(), process.exitStatus() != QProcess::NormalExit,
+                      QString::fromUtf8(process.readAllStandardOutput()),
+                      QString::fromUtf8(process.readAllStandardError())};
 }
 
 } // namespace LibraryBrowser::Testing

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 #include <QProcessEnvironment>
-#include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -22,7 +22,7 @@ struct TdlbResult {
     QString out;
     QString err;
     // Standard output as one JSON object; empty if it is none.
-    QJsonObject json() const;
+    QJsonObject json() const { return QJsonDocument::fromJson(out.toUtf8()).object(); }
     // The object of that array of json() whose "path" is given; empty if none.
     QJsonObject jsonEntry(const QString& array, const QString& path) const;
 };
@@ -31,10 +31,8 @@ struct TdlbResult {
 // standard error must contain. A run that fails prints nothing on standard
 // output unless out names what.
 struct ExpectedRun {
-    ExpectedRun(QStringList arguments, int exitCode = 0, QStringList out = {}, QStringList err = {})
-        : arguments(std::move(arguments)), exitCode(exitCode), out(std::move(out)), err(std::move(err))
-    {
-    }
+    ExpectedRun(QStringList a, int c = 0, QStringList o = {}, QStringList e = {})
+        : arguments(std::move(a)), exitCode(c), out(std::move(o)), err(std::move(e)) {}
     QStringList arguments;
     int exitCode;
     QStringList out;
@@ -47,7 +45,6 @@ class TdlbProcess {
 public:
     TdlbProcess();
 
-    bool isReady() const { return m_ready; }
     QString root() const { return m_root.path(); }
     QString preferences() const { return m_prefs.path(); }
 
@@ -60,10 +57,7 @@ public:
     // tdlb with exactly these arguments; with a positive openFileLimit, the
     // child may hold no more files open than that at once.
     static TdlbResult runRaw(const QStringList& arguments, const QProcessEnvironment& variables = environment(),
-                             int openFileLimit = 0)
-    {
-        return finish(*start(arguments, variables, openFileLimit));
-    }
+                             int openFileLimit = 0) { return finish(*start(arguments, variables, openFileLimit)); }
     // tdlb started with these arguments, and its end awaited.
     static std::unique_ptr<QProcess> start(const QStringList& arguments,
                                            const QProcessEnvironment& variables = environment(),
@@ -73,7 +67,6 @@ public:
 private:
     QTemporaryDir m_root;
     QTemporaryDir m_prefs;
-    bool m_ready = false;
 };
 
 // Runs tdlb with where + each row's arguments and checks each against its row.
@@ -85,7 +78,6 @@ class UpdatedTdlbTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(tdlb.isReady());
         update = tdlb.run({"update"});
         ASSERT_EQ(update.exitCode, 0) << qPrintable(update.err);
     }

@@ -16,9 +16,8 @@ TEST_F(TdlbTerminalTest, GenerateShowsProgressOnATerminalOnly)
     // terminal and copies what it shows.
     QProcess terminal;
     terminal.setProcessEnvironment(TdlbProcess::environment());
-    terminal.start("/usr/bin/python3",
-                   QStringList{"-c", "import os, pty, sys; sys.exit(os.waitstatus_to_exitcode(pty.spawn(sys.argv[1:])))",
-                               TDLB_EXECUTABLE} + tdlb.withRoot({"generate"}));
+    const char* script = "import os, pty, sys; sys.exit(os.waitstatus_to_exitcode(pty.spawn(sys.argv[1:])))";
+    terminal.start("/usr/bin/python3", QStringList{"-c", script, TDLB_EXECUTABLE} + tdlb.withRoot({"generate"}));
     terminal.closeWriteChannel();
     ASSERT_TRUE(terminal.waitForFinished(TDLB_PROCESS_WAIT_MS));
     const QString text = QString::fromLocal8Bit(terminal.readAllStandardOutput()).remove('\r');

@@ -47,7 +47,8 @@ TEST_F(TdlbWriteTest, GenerateRedoesAChangedLibraryAndDestroyRemovesTheWritableD
     EXPECT_FALSE(upToDate("kinetics"));
     const TdlbResult verbose = ok({"--verbose", "generate", "kinetics"});
     EXPECT_TRUE(verbose.out.isEmpty());
-    EXPECT_TRUE(verbose.err.contains("Action: Processing product Kinetics") && verbose.err.contains("Generating manifest"))
+    EXPECT_TRUE(verbose.err.contains("Action: Processing product Kinetics") &&
+                verbose.err.contains("Generating manifest"))
         << qPrintable(verbose.err);
     EXPECT_FALSE(verbose.err.contains("Processing product Switchyard")) << "one product only";
     EXPECT_TRUE(upToDate("kinetics") && !upToDate("switchyard"));
