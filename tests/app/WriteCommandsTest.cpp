@@ -1,10 +1,14 @@
 // The commands that change the store on a copy of the example root:
-// generation and its modes, destruction, and a fault in the store reported
-// with exit code 1.
+// generation and its modes, its progress on a terminal, destruction, a fault
+// in the store reported with exit code 1, edits within the second of the
+// record, and names the manifest's lists can't carry.
 
 #include "TdlbProcess.h"
 
 #include "support/Files.h"
+
+#include <QJsonArray>
+#include <QRegularExpression>
 
 namespace LibraryBrowser::Testing {
 namespace {
@@ -77,6 +81,101 @@ TEST_F(TdlbWriteTest, ExitCodesTellWhetherTheCommandDidItsWork)
         EXPECT_EQ(result.err.count("??? **Error**"), 1) << qPrintable(result.err);
         EXPECT_TRUE(result.err.contains("wavecraft/tdblocks.json")) << qPrintable(result.err);
     }
+}
+
+// Progress is for people: generate shows it when its output is a terminal,
+// here a pseudo terminal, and the same run off a terminal stays quiet.
+
+using TdlbTerminalTest = UpdatedTdlbTest;
+
+TEST_F(TdlbTerminalTest, GenerateShowsProgressOnATerminalOnly)
+{
+    // Python's pty module runs tdlb with all three streams on a pseudo
+    // terminal and copies what it shows.
+    QProcess terminal;
+    terminal.setProcessEnvironment(TdlbProcess::environment());
+    const char* script = "import os, pty, sys; sys.exit(os.waitstatus_to_exitcode(pty.spawn(sys.argv[1:])))";
+    terminal.start("/usr/bin/python3", QStringList{"-c", script, TDLB_EXECUTABLE} + tdlb.withRoot({"generate"}));
+    terminal.closeWriteChannel();
+    ASSERT_TRUE(terminal.waitForFinished(TDLB_PROCESS_WAIT_MS));
+    const QString text = QString::fromLocal8Bit(terminal.readAllStandardOutput()).remove('\r');
+    ASSERT_EQ(terminal.exitCode(), 0) << qPrintable(text) << qPrintable(terminal.readAllStandardError());
+    for (const char* line : {R"(\[1/6\] Arithmetica \(\d+\.\d s\))", R"(\[6/6\] Signal Workbench \()",
+                             R"(Generated 6 products in \d+\.\d s)"})
+        EXPECT_TRUE(text.contains(QRegularExpression(line))) << line << "\n" << qPrintable(text);
+    const TdlbResult offTerminal = tdlb.run({"generate"});
+    EXPECT_TRUE(offTerminal.exitCode == 0 && offTerminal.out.isEmpty()) << qPrintable(offTerminal.out);
+}
+
+// A library whose recorded date is not older than the generation that
+// recorded it is compared by content as well: an edit within that same
+// second keeps the date, and must not leave the product up to date for good.
+// A file recorded with an older date keeps the plain date rule.
+
+using TdlbRacyTimestampTest = UpdatedTdlbTest;
+
+TEST_F(TdlbRacyTimestampTest, AnEditInTheSecondOfTheRecordIsSeenAndAnOlderRecordKeepsTheDateRule)
+{
+    const std::string library = (tdlb.root() + "/toolbox/wavecraft/wavecraft.tdlib.json").toStdString();
+    // Gives Sine Wave's description the word, the file the same size and the date;
+    // then, after an update if asked, whether wavecraft is up to date and, if so, the description shown.
+    const auto edit = [&](const QByteArray& word, const QDateTime& date, bool update) {
+        QByteArray bytes = readFile(library);
+        const int at = bytes.indexOf("Produces a ");
+        EXPECT_GE(at, 0);
+        writeFile(library, bytes.replace(at + 11, word.size(), word));
+        setModified(library, date);
+        if (update)
+            ok({"update"});
+        const bool upToDate =
+            tdlb.run({"list", "--json"}).jsonEntry("products", "wavecraft")["upToDate"].toBool();
+        if (!upToDate)
+            return QString("out of date");
+        return "up to date: " + tdlb.run({"show", "--json", "wavecraft/Sources/Sine Wave"})
+                                    .json()["description"].toString().left(19);
+    };
+    // A date not older than the generation's start: from the future, so
+    // that the test does not race the clock.
+    const QDateTime racy = QDateTime::currentDateTime().addSecs(300);
+    EXPECT_EQ(edit("Sinusoid", racy, true), "up to date: Produces a Sinusoid");
+    // Same size, same date, other content.
+    EXPECT_EQ(edit("SINUSOID", racy, false), "out of date");
+    EXPECT_EQ(edit("SINUSOID", racy, true), "up to date: Produces a SINUSOID");
+    // Recorded with a date older than its generation: the date is trusted
+    // and the content not read, as always.
+    const QDateTime old = QDateTime::currentDateTime().addSecs(-3600);
+    EXPECT_EQ(edit("sinusoiD", old, true), "up to date: Produces a sinusoiD");
+    EXPECT_EQ(edit("sinusoID", old, false), "up to date: Produces a sinusoiD");
+}
+
+// Names the manifest's list forms can't carry must cost no product: a root in
+// which one product depends on "notes, v2.txt" and "a|b" is updated, listed
+// and updated again like any other.
+
+TEST(TdlbOddNamesTest, DependenciesWithACommaOrABarLoseNoProduct)
+{
+    TdlbProcess tdlb;
+    const std::string directory = (tdlb.root() + "/toolbox/kinetics/").toStdString();
+    writeFile(directory + "notes, v2.txt", "release notes");
+    writeFile(directory + "a|b", "odd");
+    QByteArray entries = readFile(directory + "tdblocks.json");
+    ASSERT_TRUE(entries.contains("\"kinetics.tdlib.json\""));
+    writeFile(directory + "tdblocks.json",
+              entries.replace("\"kinetics.tdlib.json\"", "\"kinetics.tdlib.json\", \"notes, v2.txt\", \"a|b\""));
+
+    const TdlbResult update = tdlb.run({"update"});
+    ASSERT_EQ(update.exitCode, 0) << qPrintable(update.err);
+    // The one warning names the refused name's place; the comma is kept.
+    EXPECT_TRUE(update.out.contains("Updated: 6 products, 1 warnings") && update.out.contains("tdblocks.json:13:") &&
+                update.out.contains("entries[0].dependencies[2]") && !update.out.contains("notes"))
+        << qPrintable(update.out);
+    const TdlbResult list = tdlb.run({"list", "--json"});
+    EXPECT_EQ(list.json()["products"].toArray().size(), 6) << qPrintable(list.out);
+    EXPECT_TRUE(list.jsonEntry("products", "kinetics")["upToDate"].toBool()) << qPrintable(list.out);
+    const auto before = snapshot(tdlb.preferences().toStdString());
+    expectRuns(tdlb.withRoot({}), {{{"update"}, 0, {update.out}},
+                                   {{"search", "Integrator"}, 0, {"kinetics/Continuous/Integrator"}}});
+    EXPECT_TRUE(snapshot(tdlb.preferences().toStdString()) == before) << "a second update changes nothing";
 }
 
 } // namespace
