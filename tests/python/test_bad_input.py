@@ -44,8 +44,7 @@ def test_wrong_types_and_values_are_refused(repository, call, error, text):
     (["regexp", "on"], PAIRS, OPTIONS.format("regexp")),
     (["RegExp", "on", "Bogus", "off"], PAIRS, OPTIONS.format("Bogus")),
     (["RegExp", "ON"], PAIRS, VALUES.format("ON")), (["MatchCase", ""], PAIRS, VALUES.format("")),
-    # The first fault is the one told.
-    (["WholeWord", "yes", "Bogus", "on"], PAIRS, VALUES.format("yes")),
+    (["WholeWord", "yes", "Bogus", "on"], PAIRS, VALUES.format("yes")),  # The first fault is the one told.
 ])
 def test_faulty_option_rows_are_refused_with_their_identifier_and_message(repository, row, fault, message):
     kinetics = repository.getTandrilObject("kinetics")

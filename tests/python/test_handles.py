@@ -27,8 +27,7 @@ def test_kind_tests_conversions_and_texts_follow_the_node_chain(repository, path
     for test in KINDS:
         converted = getattr(obj, "to" + test)()
         # A failed conversion is a null handle of the target class, equal to
-        # every other null handle and never valid.
-        assert type(converted) is getattr(Repository, test)
+        assert type(converted) is getattr(Repository, test)  # every other null handle and never valid.
         assert [getattr(obj, "is" + test)(), converted.isValid(), converted == obj] == [test in true_tests] * 3, test
         for name in ("Name", "Path", "DisplayName", "Description", "Type"):
             assert getattr(converted, name) == getattr(Repository.Handle, name).__get__(converted), (test, name)
@@ -108,8 +107,7 @@ def test_a_python_loop_and_the_scripted_walk_agree_and_size_leaves_the_position(
     assert {"kinetics", "switchyard", "tandril", "signal_workbench"} <= set(top)
     assert set(top) <= set(paths(repository.getProductsIterator()))
     assert repository.getProduct("kinetics/Continuous").Path == "kinetics"
-    # An iterator keeps its reader.
-    it = Repository.Reader.open(str(shipped_store)).getDepthFirstIterator()
+    it = Repository.Reader.open(str(shipped_store)).getDepthFirstIterator()  # An iterator keeps its reader.
     twin = copy.copy(Repository.Reader.open(str(shipped_store)).getProductsIterator())
     gc.collect()
     assert "kinetics/Mechanical/Rotational/Gear Trains/Worm Gear" in paths(it) and twin.size() > 0

@@ -19,8 +19,7 @@ def nested(depth):
 
 
 def test_a_host_call_made_while_the_window_is_built_cannot_reach_or_destroy_it(session):
-    # A stale handle still takes destroyInstance, which ignores the handle.
-    stale = StandaloneBrowser()
+    stale = StandaloneBrowser()  # A stale handle still takes destroyInstance, which ignores the handle.
     stale.destroyInstance()
     refusals = []
 
@@ -46,8 +45,7 @@ def test_a_host_call_made_while_the_window_is_built_cannot_reach_or_destroy_it(s
 def test_a_child_of_a_collapsed_node_is_selected_as_a_user_would(session):
     browser = StandaloneBrowser()
     browser.show()
-    # Again after a refresh, which makes every node anew.
-    for target in ("Kinetics/Discrete", "Kinetics/Continuous"):
+    for target in ("Kinetics/Discrete", "Kinetics/Continuous"):  # Again after a refresh, which makes every node anew.
         browser.expandTreeNodeByName("Kinetics")
         children = browser.getChildren("Kinetics")
         browser.collapseTreeNodeByName("Kinetics")

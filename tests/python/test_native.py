@@ -75,8 +75,7 @@ def test_the_typed_sample_passes_mypy_strict_and_runs(root_dir, tmp_path):
          "--python-executable", sys.executable, str(SAMPLE)],
         capture_output=True, text=True, timeout=600, env=dict(os.environ, MYPYPATH=str(PACKAGE.parent)))
     assert checked.returncode == 0, checked.stdout + checked.stderr
-    # A session of its own: the sample starts the package itself.
-    (tmp_path / "prefs").mkdir()
+    (tmp_path / "prefs").mkdir()  # A session of its own: the sample starts the package itself.
     model = tmp_path / "model.json"
     ran = subprocess.run([sys.executable, str(SAMPLE), str(root_dir), str(tmp_path / "prefs"), str(model)],
                          capture_output=True, text=True, timeout=600)
@@ -112,8 +111,7 @@ def test_names_bases_signatures_reprs_and_error_classes_are_the_packages(reposit
                tandril.HostCallFailed]
     assert len({cls.identifier for cls in classes}) == len(classes) and all(
         issubclass(cls, tandril.Error) and cls is not tandril.Error for cls in classes)
-    # A host's own identifier is kept on the one class of failed host calls.
-    for cls, identifier, call in [
+    for cls, identifier, call in [  # A host's own identifier is kept on the one class of failed host calls.
             (tandril.StringTypeExpected, None, lambda: repository.findBlocks("gain", ["RegExp", 1])),
             (tandril.PairValueMismatch, None, lambda: repository.findBlocks("gain", ["Fuzzy", "on"])),
             (tandril.BadArgument, None, lambda: StandaloneBrowser().setPosition([1, 2, 3])),
@@ -139,8 +137,7 @@ def test_calls_from_another_thread_are_refused_before_touching_anything(reposito
     for call in [lambda: browser.setTitle("from a thread"), StandaloneBrowser, browser.destroyInstance,
                  Repository.Repository.open, repository.generateRepository,
                  lambda: tandril.call_host("tdprivate", 1, "lb_getLibraryData", report, "kinetics"),
-                 # Reading handles is no window work.
-                 lambda: repository.getTandrilObject("kinetics").DisplayName]:
+                 lambda: repository.getTandrilObject("kinetics").DisplayName]:  # Reading handles is no window work.
         thread = threading.Thread(target=run, args=(call,))
         thread.start()
         thread.join()

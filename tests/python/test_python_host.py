@@ -119,8 +119,7 @@ def test_values_cross_both_ways_and_a_callable_that_fails_or_is_gone_is_a_failed
                         ([], []), ([1, True], [1.0, True]), (None, None), ({"a": 1}, None)]:
         assert calls_with("echo", lambda nargout, *inputs: list(inputs),
                           lambda: tandril.call_host("echo", 1, value)) == [back], value
-    # Any sequence serves as a list.
-    assert calls_with("echo", lambda nargout, *inputs: tuple(inputs),
+    assert calls_with("echo", lambda nargout, *inputs: tuple(inputs),  # Any sequence serves as a list.
                       lambda: tandril.call_host("echo", 1, range(3))) == [[0.0, 1.0, 2.0]]
     for function, inputs, identifier, says in [
             (refuse, (), "Test:Host:Refused", "not today"),
@@ -140,15 +139,13 @@ def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_
     finally:
         tandril.register_host_function("lb_getBlockData", python_host.lb_getBlockData)
     # The writer clears the error flag after each product; the log keeps the
-    # error, and the callable's own words come before it.
-    report = writer.getRepositoryReport()
+    report = writer.getRepositoryReport()  # error, and the callable's own words come before it.
     assert any("??? **Error**" in line for line in report.getLog())
     assert ("Tandril:Host:PythonError", "lb_getBlockData: ZeroDivisionError: division by zero") in \
         report.getWarnings()
     reader = Repository.Reader.open(str(tmp_path / "store"))
     assert reader.getChildrenIterator(reader.getTandrilObject("duo")).isEmpty()
-    # What is not registered goes to the embedded host.
-    (tmp_path / "doomed" / "inner").mkdir(parents=True)
+    (tmp_path / "doomed" / "inner").mkdir(parents=True)  # What is not registered goes to the embedded host.
     assert tandril.call_host("tdprivate", 3, "rmdir", str(tmp_path / "doomed"), "s") == [True, "", ""]
     assert not (tmp_path / "doomed").exists()
 
