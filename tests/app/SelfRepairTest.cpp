@@ -33,13 +33,14 @@ protected:
         ASSERT_TRUE(everything.out.contains("wavecraft/Sources")) << qPrintable(everything.out);
     }
 
-    // The one file below the store whose name ends so.
-    std::string storeFile(const QString& store, const QString& ending) const
+    // The one file below the store, the writable one unless named, whose name ends so.
+    std::string file(const QString& ending, QString store = {}) const
     {
+        store = store.isEmpty() ? writable : store;
         std::string found;
-        for (const auto& [file, bytes] : snapshot(store.toStdString()))
-            if (file.endsWith(ending))
-                found = (store + "/" + file).toStdString();
+        for (const auto& [path, bytes] : snapshot(store.toStdString()))
+            if (path.endsWith(ending))
+                found = (store + "/" + path).toStdString();
         EXPECT_FALSE(found.empty()) << qPrintable(ending);
         return found;
     }
@@ -48,8 +49,7 @@ protected:
     void expectWholeTree(const std::map<QString, QByteArray>& shippedBefore) const
     {
         const TdlbResult tree = ok({"tree"});
-        EXPECT_EQ(tree.out, everything.out);
-        EXPECT_FALSE(tree.err.contains("rror")) << qPrintable(tree.err);
+        EXPECT_TRUE(tree.out == everything.out && !tree.err.contains("rror")) << qPrintable(tree.out + tree.err);
         EXPECT_TRUE(snapshot(shipped.toStdString()) == shippedBefore) << "the shipped store is never written";
     }
 
@@ -108,9 +108,6 @@ void foreignRootManifest(const std::string& archivePath, const std::string& topL
 
 TEST_F(TdlbSelfRepairTest, DamagedDataOfEitherStoreIsGeneratedAgainByTheNextUpdate)
 {
-    const auto file = [this](const char* ending, const QString& store = {}) {
-        return storeFile(store.isEmpty() ? writable : store, ending);
-    };
     const auto remove = [](const std::string& path) { QFile::remove(QString::fromStdString(path)); };
     const auto truncate = [](const std::string& path, int size) { writeFile(path, readFile(path).left(size)); };
     // Each with whether the update counts a product repaired: a damaged top level is made anew with the store.
@@ -129,10 +126,11 @@ TEST_F(TdlbSelfRepairTest, DamagedDataOfEitherStoreIsGeneratedAgainByTheNextUpda
         SCOPED_TRACE("damage " + std::to_string(i));
         damages[i].first();
         const auto shippedBefore = snapshot(shipped.toStdString());
-        const TdlbResult update = ok({"update"});
-        EXPECT_TRUE(update.out.contains("is damaged and will be")) << qPrintable(update.out);
-        EXPECT_EQ(update.out.contains("Repaired product"), damages[i].second) << qPrintable(update.out);
-        EXPECT_EQ(update.out.contains(", 1 repaired\n"), damages[i].second) << qPrintable(update.out);
+        const QString update = ok({"update"}).out;
+        EXPECT_TRUE(update.contains("is damaged and will be")) << qPrintable(update);
+        const bool repaired = damages[i].second;
+        EXPECT_TRUE(update.contains("Repaired product") == repaired && update.contains(", 1 repaired\n") == repaired)
+            << qPrintable(update);
         expectWholeTree(shippedBefore);
         // The edited text, also where another product references it: never the shipped store's older copy.
         for (const char* block : {"wavecraft/Sources/Sine Wave", "kinetics/Test Signals/Sine Wave"}) {
@@ -169,7 +167,7 @@ TEST_F(TdlbSelfRepairTest, AnEntryChangedInsideItsArchiveIsToldByTheReadAndRepai
                  {shipped, "lb_arithmetica_manifests_repos.rps", {"tree", "arithmetica"}}};
     for (const auto& damage : cases) {
         SCOPED_TRACE(qPrintable(damage.archive));
-        const std::string archive = storeFile(damage.store, damage.archive);
+        const std::string archive = file(damage.archive, damage.store);
         // Size and date kept: damage that no stamp shows, which only the read of the entry meets.
         const QDateTime modified = QFileInfo(QString::fromStdString(archive)).lastModified();
         changeBytesInsideEntries(archive,
@@ -180,7 +178,7 @@ TEST_F(TdlbSelfRepairTest, AnEntryChangedInsideItsArchiveIsToldByTheReadAndRepai
         expectWholeTree(shippedBefore);
     }
     // With no read between, the update itself finds the changed archive.
-    changeBytesInsideEntries(storeFile(writable, "lb_wavecraft_icons_repos.rps"), "lbwavecraftmanifest.xml");
+    changeBytesInsideEntries(file("lb_wavecraft_icons_repos.rps"), "lbwavecraftmanifest.xml");
     EXPECT_TRUE(tdlb.run({"update"}).out.contains("Repaired product Wavecraft Signals"));
     EXPECT_FALSE(tdlb.run({"show", "wavecraft/Sources/Sine Wave"}).err.contains("rror"));
 }

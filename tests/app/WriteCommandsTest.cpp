@@ -10,28 +10,12 @@
 #include <QJsonArray>
 #include <QRegularExpression>
 
+#include <tuple>
+
 namespace LibraryBrowser::Testing {
 namespace {
 
-class TdlbWriteTest : public UpdatedTdlbTest {
-protected:
-    bool upToDate(const QString& path) const
-    {
-        return tdlb.run({"list", "--json"}).jsonEntry("products", path)["upToDate"].toBool();
-    }
-
-    // Every `from` in a library file of the root copy becomes `to`, dated a
-    // minute ahead: an edit in the second of the last generation would keep
-    // its date, and a minimal generation trusts a date that matches.
-    void editLibrary(const QString& relative, const QByteArray& from, const QByteArray& to) const
-    {
-        const std::string file = (tdlb.root() + "/toolbox/" + relative).toStdString();
-        QByteArray bytes = readFile(file);
-        ASSERT_TRUE(bytes.contains(from));
-        writeFile(file, bytes.replace(from, to));
-        setModified(file, QDateTime::currentDateTime().addSecs(60));
-    }
-};
+using TdlbWriteTest = UpdatedTdlbTest;
 
 // Destroy leaves the shipped store to answer. Quiet off a terminal is pinned
 // with progress; --verbose echoes the report of the one product asked for; a
@@ -46,8 +30,17 @@ TEST_F(TdlbWriteTest, GenerateRedoesAChangedLibraryAndDestroyRemovesTheWritableD
     for (const auto& [file, bytes] : snapshot(tdlb.preferences().toStdString()))
         EXPECT_FALSE(file.endsWith(".rps")) << qPrintable(file);
 
-    editLibrary("kinetics/kinetics.tdlib.json", "\"Continuous\"", "\"Continuous Time\"");
-    editLibrary("switchyard/switchyard.tdlib.json", "\"Routing\"", "\"Routes\"");
+    // Renamed, dated a minute ahead: an edit in the second of the last generation would
+    // keep its date, and a minimal generation trusts a date that matches.
+    for (const auto& [relative, from, to] : {std::tuple{"kinetics/kinetics", "\"Continuous\"", "\"Continuous Time\""},
+                                             std::tuple{"switchyard/switchyard", "\"Routing\"", "\"Routes\""}}) {
+        const std::string file = (tdlb.root() + "/toolbox/" + relative + ".tdlib.json").toStdString();
+        writeFile(file, readFile(file).replace(from, to));
+        setModified(file, QDateTime::currentDateTime().addSecs(60));
+    }
+    const auto upToDate = [this](const QString& path) {
+        return tdlb.run({"list", "--json"}).jsonEntry("products", path)["upToDate"].toBool();
+    };
     EXPECT_FALSE(upToDate("kinetics"));
     const TdlbResult verbose = ok({"--verbose", "generate", "kinetics"});
     EXPECT_TRUE(verbose.out.isEmpty());

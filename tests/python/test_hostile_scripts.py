@@ -1,9 +1,5 @@
-"""Scripts that once brought the process down: each now gets a clear error, or
-does what a user would expect, and the package goes on working.
-
-A use of freed memory shows as a crash here because the suites run with
-MALLOC_PERTURB_ set (plain builds) or under AddressSanitizer.
-"""
+"""Scripts that once brought the process down: each now gets a clear error, or does what a user would expect, and
+the package goes on working. A use of freed memory crashes here: the suites run with MALLOC_PERTURB_ or ASan."""
 
 import functools
 import time
@@ -69,9 +65,10 @@ def test_values_nested_too_deep_and_host_functions_calling_themselves_end_with_c
         depths.append(depth)
         return tandril.call_host("recurse", nargout, depth + 1)
 
-    tandril.register_host_function("deep_answer", lambda nargout: [nested(100000)])
-    tandril.register_host_function("echo", lambda nargout, *inputs: list(inputs))
-    tandril.register_host_function("recurse", recurse)
+    functions = {"deep_answer": lambda nargout: [nested(100000)], "echo": lambda nargout, *inputs: list(inputs),
+                 "recurse": recurse}
+    for name, function in functions.items():
+        tandril.register_host_function(name, function)
     try:
         for call in (lambda: tandril.call_host("deep_answer", 1), lambda: tandril.call_host("echo", 1, itself),
                      lambda: tandril.call_host("echo", 1, nested(100000))):
@@ -82,7 +79,7 @@ def test_values_nested_too_deep_and_host_functions_calling_themselves_end_with_c
         with pytest.raises(tandril.CallsTooDeep) as failure:
             tandril.call_host("recurse", 1, 1)
     finally:
-        for name in ("deep_answer", "echo", "recurse"):
+        for name in functions:
             tandril.register_host_function(name, None)
     assert str(failure.value).startswith("recurse: host functions served from Python nest more than 32 deep")
     assert depths == [float(d) for d in range(1, 33)]

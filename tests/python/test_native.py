@@ -2,6 +2,7 @@
 uses the whole API, public names, signatures, reprs, error classes, threads."""
 
 import ast
+import concurrent.futures
 import inspect
 import json
 import os
@@ -10,7 +11,6 @@ import re
 import shutil
 import subprocess
 import sys
-import threading
 
 import pytest
 
@@ -126,19 +126,17 @@ def test_calls_from_another_thread_are_refused_before_touching_anything(reposito
     browser = StandaloneBrowser()
     title = browser.getTitle()
     report = Repository.RepositoryReport.create()
-    outcomes = []
 
     def run(call):
         try:
-            outcomes.append(call())
+            return call()
         except tandril.Error as error:
-            outcomes.append(type(error))
+            return type(error)
 
-    for call in [lambda: browser.setTitle("from a thread"), StandaloneBrowser, browser.destroyInstance,
-                 Repository.Repository.open, repository.generateRepository,
-                 lambda: tandril.call_host("tdprivate", 1, "lb_getLibraryData", report, "kinetics"),
-                 lambda: repository.getTandrilObject("kinetics").DisplayName]:  # Reading handles is no window work.
-        thread = threading.Thread(target=run, args=(call,))
-        thread.start()
-        thread.join()
+    with concurrent.futures.ThreadPoolExecutor(1) as thread:
+        outcomes = [thread.submit(run, call).result() for call in [
+            lambda: browser.setTitle("from a thread"), StandaloneBrowser, browser.destroyInstance,
+            Repository.Repository.open, repository.generateRepository,
+            lambda: tandril.call_host("tdprivate", 1, "lb_getLibraryData", report, "kinetics"),
+            lambda: repository.getTandrilObject("kinetics").DisplayName]]  # reading handles is no window work
     assert outcomes == [tandril.WrongThread] * 6 + ["Kinetics"] and browser.getTitle() == title

@@ -2,6 +2,7 @@
 a root that holds no tdblocks data of its own; values cross both ways; the repository and the window browse it."""
 
 import os
+import pathlib
 
 import pytest
 
@@ -52,10 +53,9 @@ class TwoBlockHost:
 
     def lb_createSubSystemIcons(self, nargout, report, parent, children, files):
         self.calls.append(("lb_createSubSystemIcons", type(report), parent, children))
-        for file in files:
-            os.makedirs(os.path.dirname(file), exist_ok=True)
-            with open(file, "wb") as out:
-                out.write(SVG)
+        for file in map(pathlib.Path, files):
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_bytes(SVG)
 
     def private_td_is_system_loaded(self, nargout, name):
         return [True]

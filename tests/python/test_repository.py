@@ -1,6 +1,5 @@
-"""The repository from scripts: search option rows and the ranked search, the generating verbs and their
-mode words, the report and the checksum utility. What they compute is the C++ suites'; these check what
-crosses the binding."""
+"""The repository from scripts: option rows, the ranked search, mode words, the report and the checksum, as far
+as the binding goes (what they compute is the C++ suites')."""
 
 import hashlib
 
@@ -78,8 +77,7 @@ def test_the_report_keeps_what_it_is_told_and_the_checksum_of_a_file(capfd, tmp_
     report.logError("no id")
     assert report.getWarnings() == [("InternalWarning", "careful"), ("Test:Warning", "with an id")]
     assert report.getErrors() == [("Test:Error", "it broke"), ("InternalError", "no id")]
-    log = "".join(report.getLog())
-    assert "Action: first line\n" in log and "**Warning**   careful" in log and "??? **Error**   it broke" in log
+    assert "Action: first line\n" in "".join(report.getLog())
     for echo, line in ((True, "echoed"), (False, "quiet")):
         report.logToConsoleInteractively(echo)
         report.log(line)
