@@ -48,6 +48,15 @@ def repository(session):
     return Repository.Repository.open()
 
 
+def calls_with(name, function, call):
+    """call() with function registered as the host function name, then without it."""
+    tandril.register_host_function(name, function)
+    try:
+        return call()
+    finally:
+        tandril.register_host_function(name, None)
+
+
 def run_python(script, cwd=None, **environment):
     """A script in a Python process of its own, off screen; its CompletedProcess."""
     if cwd:

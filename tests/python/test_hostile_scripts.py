@@ -7,7 +7,7 @@ import time
 import pytest
 
 import tandril
-from conftest import run_python, stored_layout
+from conftest import calls_with, run_python, stored_layout
 from tandril import StandaloneBrowser
 
 def nested(depth):
@@ -28,11 +28,7 @@ def test_a_host_call_made_while_the_window_is_built_cannot_reach_or_destroy_it(s
                 refusals.append(error.identifier)
         return tandril.call_host("tdprivate", nargout, "lb_getLibraryData", *inputs)
 
-    tandril.register_host_function("lb_getLibraryData", library_data)
-    try:
-        browser = StandaloneBrowser()
-    finally:
-        tandril.register_host_function("lb_getLibraryData", None)
+    browser = calls_with("lb_getLibraryData", library_data, StandaloneBrowser)
     assert refusals == ["Tandril:StandaloneBrowser:Busy"] * 2
     browser.selectTreeNodeByName("Kinetics")
     assert (browser.getCurrentTreeNode(), browser.getSortedLibraryNames()[0]) == ("Kinetics", "Tandril")
@@ -57,8 +53,7 @@ def test_a_child_of_a_collapsed_node_is_selected_as_a_user_would(session):
 
 
 def test_values_nested_too_deep_and_host_functions_calling_themselves_end_with_clear_errors(session):
-    itself = []
-    itself.append(itself)
+    (itself := []).append(itself)
     depths = []
 
     def recurse(nargout, depth):

@@ -7,6 +7,7 @@ import pathlib
 import pytest
 
 import tandril
+from conftest import calls_with
 from tandril import Repository, StandaloneBrowser
 
 SVG = b'<svg xmlns="http://www.w3.org/2000/svg" width="40" height="30"><rect width="40" height="30"/></svg>'
@@ -71,15 +72,6 @@ def python_host(session, root_dir):
         tandril.register_host_function(name, getattr(host, name))
     yield host
     for name in tandril.registered_host_functions():
-        tandril.register_host_function(name, None)
-
-
-def calls_with(name, function, call):
-    """call() with function registered for name, then without it."""
-    tandril.register_host_function(name, function)
-    try:
-        return call()
-    finally:
         tandril.register_host_function(name, None)
 
 
