@@ -191,7 +191,7 @@ TEST_F(TdlbReadTest, BrowseScreenshotsTheAskedNodeAndLeavesTheUsersChoicesAlone)
 // the window commands without a display, and the build's example root by
 // default. Usage errors: TdlbReadTest.EachCommandPrintsItsAnswerOrSaysWhyNotWithItsExitCode.
 
-TEST(TdlbUsageTest, EveryCommandHasItsHelpAndTheWindowCommandsSayWhatToDoWithoutADisplay)
+TEST(TdlbUsageTest, EveryCommandHasItsHelpTheWindowCommandsNeedADisplayAndNoRootMeansTheBuilds)
 {
     std::vector<ExpectedRun> runs{{{"--help"}, 0, {"--root"}}};
     const std::pair<QString, QString> commands[] = {
@@ -207,12 +207,8 @@ TEST(TdlbUsageTest, EveryCommandHasItsHelpAndTheWindowCommandsSayWhatToDoWithout
         bare.remove(name);
     expectRuns({}, {{{"browse"}, 2, {}, {"--screenshot FILE"}}, {{"page"}, 2, {}, {"--screenshot FILE"}},
                     {{"browse", "--help"}, 0, {"--screenshot"}}, {{"page", "--help"}, 0, {"--screenshot"}}}, bare);
-}
-
-// Without --root, tdlb serves the build's copy of the example root: the
-// sources stay exactly as they were, shipped store or not.
-TEST(TdlbUsageTest, ARunWithoutARootLeavesTheSourcesAlone)
-{
+    // Without --root, tdlb serves the build's copy of the example root: the
+    // sources stay exactly as they were, shipped store or not.
     QTemporaryDir preferences;
     const auto before = snapshot(TDLB_EXAMPLE_ROOT);
     expectRuns({"--prefdir", preferences.path()}, {{{"list"}, 0, {"Arithmetica"}}});

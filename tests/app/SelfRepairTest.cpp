@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QtEndian>
 
 #include <functional>
 
@@ -65,17 +66,12 @@ protected:
 void changeBytesInsideEntries(const std::string& archivePath, const std::string& spared)
 {
     QByteArray bytes = readFile(archivePath);
-    const auto field = [&](int at, int size) {
-        quint32 value = 0;
-        for (int i = size - 1; i >= 0; --i)
-            value = (value << 8) | quint8(bytes[at + i]);
-        return int(value);
-    };
+    const auto field = [&](int at) { return int(qFromLittleEndian<quint16>(bytes.constData() + at)); };
     int changed = 0;
     for (int at = bytes.indexOf("PK\x03\x04"); at >= 0;) {
-        const int nameSize = field(at + 26, 2);
-        const int dataSize = field(at + 18, 4);
-        const int data = at + 30 + nameSize + field(at + 28, 2);
+        const int nameSize = field(at + 26);
+        const int dataSize = int(qFromLittleEndian<quint32>(bytes.constData() + at + 18));
+        const int data = at + 30 + nameSize + field(at + 28);
         if (dataSize > 0 && !bytes.mid(at + 30, nameSize).endsWith(spared.c_str())) {
             bytes[data + dataSize / 2] = char(bytes[data + dataSize / 2] ^ 0x55);
             ++changed;

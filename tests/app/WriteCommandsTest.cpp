@@ -17,11 +17,28 @@ namespace {
 
 using TdlbWriteTest = UpdatedTdlbTest;
 
-// Destroy leaves the shipped store to answer. Quiet off a terminal is pinned
-// with progress; --verbose echoes the report of the one product asked for; a
-// product asked for by its display name and a mode is generated again too.
-TEST_F(TdlbWriteTest, GenerateRedoesAChangedLibraryAndDestroyRemovesTheWritableData)
+// Progress is for people: generate shows it when its output is a terminal,
+// here a pseudo terminal, and the same run off a terminal stays quiet.
+// Destroy leaves the shipped store to answer. --verbose echoes the report of
+// the one product asked for; a product asked for by its display name and a
+// mode is generated again too.
+TEST_F(TdlbWriteTest, GenerateShowsProgressRedoesAChangedLibraryAndDestroyRemovesTheWritableData)
 {
+    // Python's pty module runs tdlb with all three streams on a pseudo
+    // terminal and copies what it shows.
+    QProcess terminal;
+    terminal.setProcessEnvironment(TdlbProcess::environment());
+    const char* script = "import os, pty, sys; sys.exit(os.waitstatus_to_exitcode(pty.spawn(sys.argv[1:])))";
+    terminal.start("/usr/bin/python3", QStringList{"-c", script, TDLB_EXECUTABLE} + tdlb.withRoot({"generate"}));
+    terminal.closeWriteChannel();
+    ASSERT_TRUE(terminal.waitForFinished(TDLB_PROCESS_WAIT_MS));
+    const QString text = QString::fromLocal8Bit(terminal.readAllStandardOutput()).remove('\r');
+    ASSERT_EQ(terminal.exitCode(), 0) << qPrintable(text) << qPrintable(terminal.readAllStandardError());
+    for (const char* line : {R"(\[1/6\] Arithmetica \(\d+\.\d s\))", R"(\[6/6\] Signal Workbench \()",
+                             R"(Generated 6 products in \d+\.\d s)"})
+        EXPECT_TRUE(text.contains(QRegularExpression(line))) << line << "\n" << qPrintable(text);
+    const TdlbResult offTerminal = tdlb.run({"generate"});
+    EXPECT_TRUE(offTerminal.exitCode == 0 && offTerminal.out.isEmpty()) << qPrintable(offTerminal.out);
     expectRuns(tdlb.withRoot({}), {{{"generate", "--mode", "Regenerate"}},
                                    {{"destroy", "Kinetics"}, 0, {"Destroyed kinetics\n"}},
                                    {{"destroy"}, 0, {"Destroyed the repository\n"}},
@@ -74,30 +91,6 @@ TEST_F(TdlbWriteTest, ExitCodesTellWhetherTheCommandDidItsWork)
         EXPECT_EQ(result.err.count("??? **Error**"), 1) << qPrintable(result.err);
         EXPECT_TRUE(result.err.contains("wavecraft/tdblocks.json")) << qPrintable(result.err);
     }
-}
-
-// Progress is for people: generate shows it when its output is a terminal,
-// here a pseudo terminal, and the same run off a terminal stays quiet.
-
-using TdlbTerminalTest = UpdatedTdlbTest;
-
-TEST_F(TdlbTerminalTest, GenerateShowsProgressOnATerminalOnly)
-{
-    // Python's pty module runs tdlb with all three streams on a pseudo
-    // terminal and copies what it shows.
-    QProcess terminal;
-    terminal.setProcessEnvironment(TdlbProcess::environment());
-    const char* script = "import os, pty, sys; sys.exit(os.waitstatus_to_exitcode(pty.spawn(sys.argv[1:])))";
-    terminal.start("/usr/bin/python3", QStringList{"-c", script, TDLB_EXECUTABLE} + tdlb.withRoot({"generate"}));
-    terminal.closeWriteChannel();
-    ASSERT_TRUE(terminal.waitForFinished(TDLB_PROCESS_WAIT_MS));
-    const QString text = QString::fromLocal8Bit(terminal.readAllStandardOutput()).remove('\r');
-    ASSERT_EQ(terminal.exitCode(), 0) << qPrintable(text) << qPrintable(terminal.readAllStandardError());
-    for (const char* line : {R"(\[1/6\] Arithmetica \(\d+\.\d s\))", R"(\[6/6\] Signal Workbench \()",
-                             R"(Generated 6 products in \d+\.\d s)"})
-        EXPECT_TRUE(text.contains(QRegularExpression(line))) << line << "\n" << qPrintable(text);
-    const TdlbResult offTerminal = tdlb.run({"generate"});
-    EXPECT_TRUE(offTerminal.exitCode == 0 && offTerminal.out.isEmpty()) << qPrintable(offTerminal.out);
 }
 
 // A library whose recorded date is not older than the generation that
