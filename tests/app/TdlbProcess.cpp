@@ -4,8 +4,6 @@
 
 #include <QJsonArray>
 
-#include <sys/resource.h>
-
 namespace LibraryBrowser::Testing {
 
 QJsonObject TdlbResult::jsonEntry(const QString& array, const QString& path) const
@@ -51,16 +49,10 @@ QProcessEnvironment TdlbProcess::environment()
     return environment;
 }
 
-std::unique_ptr<QProcess> TdlbProcess::start(const QStringList& arguments, const QProcessEnvironment& variables,
-                                             int openFileLimit)
+std::unique_ptr<QProcess> TdlbProcess::start(const QStringList& arguments, const QProcessEnvironment& variables)
 {
     auto process = std::make_unique<QProcess>();
     process->setProcessEnvironment(variables);
-    if (openFileLimit > 0)
-        process->setChildProcessModifier([openFileLimit] {
-            const rlimit limit{rlim_t(openFileLimit), rlim_t(openFileLimit)};
-            setrlimit(RLIMIT_NOFILE, &limit);
-        });
     process->start(TDLB_EXECUTABLE, arguments);
     return process;
 }

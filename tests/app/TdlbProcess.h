@@ -54,14 +54,14 @@ public:
     // The caller's environment without the host's own variables, so that
     // only the arguments choose root and preferences.
     static QProcessEnvironment environment();
-    // tdlb with exactly these arguments; with a positive openFileLimit, the
-    // child may hold no more files open than that at once.
-    static TdlbResult runRaw(const QStringList& arguments, const QProcessEnvironment& variables = environment(),
-                             int openFileLimit = 0) { return finish(*start(arguments, variables, openFileLimit)); }
+    // tdlb with exactly these arguments.
+    static TdlbResult runRaw(const QStringList& arguments, const QProcessEnvironment& variables = environment())
+    {
+        return finish(*start(arguments, variables));
+    }
     // tdlb started with these arguments, and its end awaited.
     static std::unique_ptr<QProcess> start(const QStringList& arguments,
-                                           const QProcessEnvironment& variables = environment(),
-                                           int openFileLimit = 0);
+                                           const QProcessEnvironment& variables = environment());
     static TdlbResult finish(QProcess& process);
 
 private:

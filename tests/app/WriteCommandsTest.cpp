@@ -82,14 +82,11 @@ TEST_F(TdlbWriteTest, ExitCodesTellWhetherTheCommandDidItsWork)
     expectRuns(tdlb.withRoot({}), {{{"update"}, 1, {"Updated: "}, {"??? **Error**", "wavecraft/tdblocks.json"}},
                                    {{"show", "kinetics/NoSuchBlock"}, 1},
                                    {{"generate", "Kinetics"}, 1}});
-    for (const QStringList& reading : {QStringList{"list"}, QStringList{"search", "gain"},
-                                       QStringList{"tree", "kinetics"}, QStringList{"show", "kinetics/Continuous"}}) {
-        SCOPED_TRACE(qPrintable(reading.join(' ')));
+    for (const QStringList& reading : {QStringList{"list"}, QStringList{"search", "gain"}, QStringList{"tree"}}) {
         const TdlbResult result = ok(reading);
-        EXPECT_FALSE(result.out.isEmpty());
-        EXPECT_TRUE(result.err.endsWith("tdlb " + reading.first() + ": " + note)) << qPrintable(result.err);
-        EXPECT_EQ(result.err.count("??? **Error**"), 1) << qPrintable(result.err);
-        EXPECT_TRUE(result.err.contains("wavecraft/tdblocks.json")) << qPrintable(result.err);
+        EXPECT_TRUE(!result.out.isEmpty() && result.err.endsWith("tdlb " + reading.first() + ": " + note) &&
+                    result.err.count("??? **Error**") == 1 && result.err.contains("wavecraft/tdblocks.json"))
+            << qPrintable(reading.join(' ') + "\n" + result.err);
     }
 }
 
@@ -113,22 +110,18 @@ TEST_F(TdlbRacyTimestampTest, AnEditInTheSecondOfTheRecordIsSeenAndAnOlderRecord
         setModified(library, date);
         if (update)
             ok({"update"});
-        const bool upToDate =
-            tdlb.run({"list", "--json"}).jsonEntry("products", "wavecraft")["upToDate"].toBool();
-        if (!upToDate)
+        if (!tdlb.run({"list", "--json"}).jsonEntry("products", "wavecraft")["upToDate"].toBool())
             return QString("out of date");
         return "up to date: " + tdlb.run({"show", "--json", "wavecraft/Sources/Sine Wave"})
                                     .json()["description"].toString().left(19);
     };
-    // A date not older than the generation's start: from the future, so
-    // that the test does not race the clock.
+    // Not older than the generation's start: from the future, not to race the clock.
     const QDateTime racy = QDateTime::currentDateTime().addSecs(300);
     EXPECT_EQ(edit("Sinusoid", racy, true), "up to date: Produces a Sinusoid");
     // Same size, same date, other content.
     EXPECT_EQ(edit("SINUSOID", racy, false), "out of date");
     EXPECT_EQ(edit("SINUSOID", racy, true), "up to date: Produces a SINUSOID");
-    // Recorded with a date older than its generation: the date is trusted
-    // and the content not read, as always.
+    // Recorded older than its generation: the date is trusted, the content not read.
     const QDateTime old = QDateTime::currentDateTime().addSecs(-3600);
     EXPECT_EQ(edit("sinusoiD", old, true), "up to date: Produces a sinusoiD");
     EXPECT_EQ(edit("sinusoID", old, false), "up to date: Produces a sinusoiD");
@@ -144,20 +137,15 @@ TEST(TdlbOddNamesTest, DependenciesWithACommaOrABarLoseNoProduct)
     const std::string directory = (tdlb.root() + "/toolbox/kinetics/").toStdString();
     writeFile(directory + "notes, v2.txt", "release notes");
     writeFile(directory + "a|b", "odd");
-    QByteArray entries = readFile(directory + "tdblocks.json");
-    ASSERT_TRUE(entries.contains("\"kinetics.tdlib.json\""));
-    writeFile(directory + "tdblocks.json",
-              entries.replace("\"kinetics.tdlib.json\"", "\"kinetics.tdlib.json\", \"notes, v2.txt\", \"a|b\""));
-
-    const TdlbResult update = tdlb.run({"update"});
-    ASSERT_EQ(update.exitCode, 0) << qPrintable(update.err);
+    writeFile(directory + "tdblocks.json", readFile(directory + "tdblocks.json").replace(
+        "\"kinetics.tdlib.json\"", "\"kinetics.tdlib.json\", \"notes, v2.txt\", \"a|b\""));
     // The one warning names the refused name's place; the comma is kept.
-    EXPECT_TRUE(update.out.contains("Updated: 6 products, 1 warnings") && update.out.contains("tdblocks.json:13:") &&
-                update.out.contains("entries[0].dependencies[2]") && !update.out.contains("notes"))
-        << qPrintable(update.out);
-    const TdlbResult list = tdlb.run({"list", "--json"});
-    EXPECT_EQ(list.json()["products"].toArray().size(), 6) << qPrintable(list.out);
-    EXPECT_TRUE(list.jsonEntry("products", "kinetics")["upToDate"].toBool()) << qPrintable(list.out);
+    const TdlbResult update = tdlb.run({"update"});
+    EXPECT_TRUE(update.exitCode == 0 && update.out.contains("Updated: 6 products, 1 warnings") &&
+                update.out.contains("tdblocks.json:13:") && update.out.contains("entries[0].dependencies[2]") &&
+                !update.out.contains("notes"))
+        << qPrintable(update.out + update.err);
+    EXPECT_TRUE(tdlb.run({"list", "--json"}).jsonEntry("products", "kinetics")["upToDate"].toBool());
     const auto before = snapshot(tdlb.preferences().toStdString());
     expectRuns(tdlb.withRoot({}), {{{"update"}, 0, {update.out}},
                                    {{"search", "Integrator"}, 0, {"kinetics/Continuous/Integrator"}}});

@@ -25,7 +25,10 @@ VALUES = r"Value {} is invalid\. Possible values are (\w+),(\w+)\.$"
     lambda r, o: r.isProductUpToDate(o, 1), lambda r, o: r.getRepositoryReport().logToConsoleInteractively(1),
     lambda r, o: r.findBlocks("gain", o, {"RegExp": "on"}), lambda r, o: Repository.Util.computeCheckSum("file", None),
     lambda r, o: Repository.Handle(), lambda r, o: o.eq(None), lambda r, o: Repository.Writer.open("dir", "not a list"),
-    lambda r, o: Repository.TandrilObject("kinetics"), lambda r, o: Repository.BlockRanker("store"))] + [
+    lambda r, o: Repository.TandrilObject("kinetics"), lambda r, o: Repository.BlockRanker("store"),
+    lambda r, o: tandril.StandaloneBrowser().setTitle(None), lambda r, o: tandril.StandaloneBrowser().selectTabByIndex(1.5),
+    lambda r, o: tandril.StandaloneBrowser().showBlockDescription(1),
+    lambda r, o: tandril.StandaloneBrowser.create(Repository.Reader.open("x")))] + [
     (lambda r, o: r.findBlocks("gain", "RegExp"), TypeError, "must be a list, tuple or other sequence, not str"),
     (lambda r, o: Repository.BlockRanker(r).rank("pid", limit=-1), ValueError, "limit must be 0"),
     (lambda r, o: Repository.BlockRanker(r).rank("pid", favourites="kinetics"), TypeError, "not one string"),

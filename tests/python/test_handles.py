@@ -1,4 +1,4 @@
-"""Handles and iterators as Python values: attributes, kinds, conversions, comparison, hashing, walks.
+"""Handles and iterators as Python values: attributes, kinds, conversions, hashing, walks.
 What the handles mean is HandleTest's; these check what the binding makes of them."""
 
 import copy
@@ -42,57 +42,22 @@ def test_attributes_of_a_subsystem_a_reference_a_null_and_a_missing_handle(repos
     assert repository.getTandrilObject(LIBRARY_REF).toLibraryRef().LibraryRefPath == "wavecraft/Sources"
     block = repository.getTandrilObject(BLOCK)
     null = block.toSubSystem()
-    assert block.LibraryRefPath == "" and (null.Name, null.Path, null.Type) == ("", "", "InvalidBlock")
-    for handle in (block, null):
-        assert handle.IsEmpty and handle.IsFlat and not handle.IsProduct
-    assert block.toLibrary().eq(null) and hash(block.toLibrary()) == hash(null)
+    assert (block.LibraryRefPath, null.Name, null.Path, null.Type, null.IsFlat) == ("", "", "", "InvalidBlock", True)
+    assert block.toLibrary().eq(null) and hash(block.toLibrary()) == hash(null) and hash(block) == hash(block.toBlock())
+    assert copy.copy(block) == block and copy.deepcopy(block).Path == BLOCK
     missing = repository.getTandrilObject(MISSING)
     assert missing.Name == "InvalidBlock" and missing == repository.getTandrilObject(MISSING) != block
     assert missing.Icon is None and null.Icon is None
     assert bytes(block.Icon) == block.Icon.svg == repository.getIcon(block).svg and b"<svg" in block.Icon.svg
     assert repository.getTandrilObject("switchyard/Logic/Zähler").Name == "Zähler"
-    for name in ("Name", "Path", "DisplayName", "Type"):
-        assert getattr(Repository.TandrilObject, name).__doc__ == getattr(Repository.Handle, name).__doc__
-        with pytest.raises(AttributeError):
-            setattr(block, name, "x")
-
-
-def test_comparison_hashing_and_constructors_across_the_classes(repository):
-    handles = [repository.getTandrilObject(p) for p in (BLOCK, SUBSYSTEM, PRODUCT, LIBRARY_REF, PALETTE)]
-    for a in handles:
-        for b in handles:
-            assert (a.eq(b), a.ne(b), a.lt(b), a.gt(b), a.le(b), a.ge(b)) == (
-                a == b, a != b, a < b, a > b, a <= b, a >= b)
-            assert [a.lt(b), a.eq(b), a.gt(b)].count(True) == 1
-    assert sorted(handles) == sorted(reversed(handles))
-    obj = handles[1]
-    block = obj.toBlock()
-    assert block.eq(obj) and obj.eq(block) and Repository.Handle.eq(block, obj)
-    assert len({block, obj, obj.toSubSystem()}) == 1
-    assert copy.copy(obj) == obj and copy.deepcopy(obj).Path == SUBSYSTEM
-    assert obj != SUBSYSTEM and not (obj == None)  # noqa: E711
-    for wrong in (lambda: obj < 3, lambda: obj.eq("kinetics")):
-        with pytest.raises(TypeError):
-            wrong()
-    # Constructors widen and never cross the kinds.
-    for target, source, path in [("TandrilObject", "Palette", PALETTE), ("Block", "Library", PRODUCT),
-                                 ("SubSystem", "LibraryRef", LIBRARY_REF)]:
-        narrow = getattr(repository.getTandrilObject(path), "to" + source)()
-        wide = getattr(Repository, target)(narrow)
-        assert type(wide) is getattr(Repository, target) and wide == narrow and wide.Path == path
-        assert paths(repository.getChildrenIterator(narrow)) == paths(repository.getChildrenIterator(wide))
-    for target, source in [("Block", "Palette"), ("SubSystem", "Palette"), ("SubSystem", "Block")]:
-        with pytest.raises(TypeError):
-            getattr(Repository, target)(getattr(handles[4], "to" + source)())
 
 
 def test_a_python_loop_and_the_scripted_walk_agree_and_size_leaves_the_position(repository, shipped_store):
     parent = repository.getTandrilObject(SUBSYSTEM)
     assert [o.Name for o in repository.getChildrenIterator(parent)] == ROTATIONAL
     assert [o.Name for o in walk(repository.getChildrenIterator(parent))] == ROTATIONAL
-    below = walk(repository.getDepthFirstIterator(parent))
-    assert [o.Name for o in below] == ROTATIONAL + ["Spur Gear", "Planetary Gear", "Worm Gear"]
-    assert all(type(o) is Repository.TandrilObject for o in below)
+    below = [o.Name for o in walk(repository.getDepthFirstIterator(parent))]
+    assert below == ROTATIONAL + ["Spur Gear", "Planetary Gear", "Worm Gear"]
     # A loop goes on from where the walk stands and moves it; copies walk on by themselves.
     it = repository.getChildrenIterator(parent)
     it.next()
@@ -103,9 +68,6 @@ def test_a_python_loop_and_the_scripted_walk_agree_and_size_leaves_the_position(
     assert [o.Name for o in it] == ["Rotary Damper", "Gear Trains"]
     assert not it.isValidIterator() and list(it) == []
 
-    top = paths(repository.getTopLevelIterator())
-    assert {"kinetics", "switchyard", "tandril", "signal_workbench"} <= set(top)
-    assert set(top) <= set(paths(repository.getProductsIterator()))
     assert repository.getProduct("kinetics/Continuous").Path == "kinetics"
     it = Repository.Reader.open(str(shipped_store)).getDepthFirstIterator()  # An iterator keeps its reader.
     twin = copy.copy(Repository.Reader.open(str(shipped_store)).getProductsIterator())
