@@ -1,9 +1,5 @@
-"""Fixtures of the package's suites.
-
-A process starts the package once, so each test file runs in a process of
-its own (ctest does that) on a fresh copy of the example root with its
-shipped store, and an empty preferences directory.
-"""
+"""Fixtures of the package's suites. A process starts the package once, so each test file runs in a process of its
+own (ctest does that) on a fresh copy of the example root with its shipped store and an empty preferences directory."""
 
 import configparser
 import os

@@ -20,7 +20,6 @@ def browser(session):
 def test_the_enums_take_the_scripted_words_and_their_numbers(browser):
     assert LayoutType("GRID") is LayoutType(1) is LayoutType.GRID == "GRID"
     browser.setIconSize(0)
-    assert browser.getIconSize() is IconSize.COMPACT
     browser.setLayout(0)
     assert browser.getTabTypeByIndex(0) is BlocksPageType.LIBRARY_PANEL
     assert [browser.getTabTypeByIndex(i) for i in (1, 7, -1)] == ["RESULTS_PANEL"] * 3
@@ -65,12 +64,15 @@ def test_positions_and_search_options_take_their_forms_and_refuse_anything_else(
         assert browser.getSearchOptions() == ([True] * 3 if isinstance(read, str) else read), options
 
 
-def test_a_hit_is_shown_in_its_library_logging_echoes_the_log_and_a_screenshot_is_a_png(browser, capfd, tmp_path):
+def test_a_hit_is_shown_in_its_library_and_selected_after_a_new_layout_logging_echoes_and_a_screenshot_is_a_png(browser, capfd, tmp_path):
     browser.setSearchOptions([False, False, False])
     browser.searchForBlock("integrator")
     browser.selectBlockInLibraryView("Kinetics/Continuous/Integrator")
     assert (browser.getCurrentTabIndex(), browser.getCurrentTreeNode(), browser.getSelectedBlockName()) == (
         0, "Kinetics/Continuous", "Kinetics/Continuous/Integrator")
+    browser.setLayout("LIST")  # Lays the results page out again behind the library page: the hit is looked up anew.
+    browser.selectSearchResult("Kinetics/Continuous/Integrator")
+    assert (browser.getCurrentTabIndex(), browser.getSelectedBlockName()) == (1, "Kinetics/Continuous/Integrator")
     for switch, shown in ((browser.enableLogging, True), (browser.disableLogging, False)):
         switch()
         browser.refreshLibraryBrowser()

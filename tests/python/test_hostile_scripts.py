@@ -110,21 +110,3 @@ def test_at_the_interpreters_exit_open_windows_keep_their_choices_and_a_later_ho
     assert all(line.startswith("Tandril:Session:Ended The tandril session has ended at the interpreter's exit")
                for line in lines[1:]), lines
     assert stored_layout(tmp_path) == "List"
-
-
-def test_a_hit_is_selected_after_the_results_page_was_laid_out_again(root_dir, tmp_path):
-    # Found by the monkey (FUZZING.md). In a process of its own, as the fault
-    # it guards against ended the process.
-    done = run_python("""
-        import tandril
-        tandril.start(root=%r, prefdir=%r)
-        browser = tandril.StandaloneBrowser()
-        browser.show()
-        browser.searchForBlock("gain")
-        hit = browser.getResultsPageBlockNames()[0]
-        browser.selectTabByIndex(0)
-        browser.setLayout("LIST")
-        browser.selectSearchResult(hit)
-        print(browser.getSelectedBlockName() == hit, browser.getCurrentTabIndex())
-    """ % (str(root_dir), str(tmp_path)), MALLOC_PERTURB_="165")
-    assert done.returncode == 0 and done.stdout == "True 1\n", done.stderr[-2000:]

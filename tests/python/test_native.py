@@ -84,11 +84,7 @@ def test_the_typed_sample_passes_mypy_strict_and_runs(root_dir, tmp_path):
 
 
 def test_names_bases_signatures_and_reprs_are_the_packages(repository, root_dir):
-    from tandril.Repository import Block
-
-    assert Block is Repository.Block and Block.__bases__ == (Repository.Handle,)
-    assert (Block.__module__, StandaloneBrowser.__module__) == ("tandril.Repository", "tandril")
-    assert [cls.__name__ for cls in Repository.Repository.__bases__] == ["Writer", "Reader"]
+    assert (Repository.Block.__module__, StandaloneBrowser.__module__) == ("tandril.Repository", "tandril")
     # Every bound function has a signature, and no docstring names the extension.
     for scope in [tandril, Repository] + [v for m in (tandril, Repository) for v in vars(m).values()
                                           if isinstance(v, type) and v.__module__.startswith("tandril")]:
