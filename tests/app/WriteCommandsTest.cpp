@@ -60,11 +60,10 @@ TEST_F(TdlbWriteTest, GenerateShowsProgressRedoesAChangedLibraryAndDestroyRemove
     };
     EXPECT_FALSE(upToDate("kinetics"));
     const TdlbResult verbose = ok({"--verbose", "generate", "kinetics"});
-    EXPECT_TRUE(verbose.out.isEmpty());
-    EXPECT_TRUE(verbose.err.contains("Action: Processing product Kinetics") &&
-                verbose.err.contains("Generating manifest"))
+    // One product only.
+    EXPECT_TRUE(verbose.out.isEmpty() && verbose.err.contains("Action: Processing product Kinetics") &&
+                verbose.err.contains("Generating manifest") && !verbose.err.contains("Processing product Switchyard"))
         << qPrintable(verbose.err);
-    EXPECT_FALSE(verbose.err.contains("Processing product Switchyard")) << "one product only";
     EXPECT_TRUE(upToDate("kinetics") && !upToDate("switchyard"));
     expectRuns(tdlb.withRoot({}), {{{"show", "kinetics/Continuous Time"}},
                                    {{"generate", "Switchyard", "--mode", "IgnoreTimestamp"}},

@@ -7,7 +7,7 @@ import pytest
 
 import tandril
 from conftest import run_python
-from tandril import Repository
+from tandril import Repository, StandaloneBrowser
 
 BLOCK = "kinetics/Continuous/Integrator"
 PAIRS = ("Tandril:Repository:PairValueMismatch", "Expected a cell array of pairs (Option, Value)")
@@ -25,9 +25,9 @@ VALUES = r"Value {} is invalid\. Possible values are (\w+),(\w+)\.$"
     lambda r, o: r.findBlocks("gain", o, {"RegExp": "on"}), lambda r, o: Repository.Util.computeCheckSum("file", None),
     lambda r, o: Repository.Handle(), lambda r, o: o.eq(None), lambda r, o: Repository.Writer.open("dir", "not a list"),
     lambda r, o: Repository.TandrilObject("kinetics"), lambda r, o: Repository.BlockRanker("store"),
-    lambda r, o: tandril.StandaloneBrowser().setTitle(None), lambda r, o: tandril.StandaloneBrowser().selectTabByIndex(1.5),
-    lambda r, o: tandril.StandaloneBrowser().showBlockDescription(1),
-    lambda r, o: tandril.StandaloneBrowser.create(Repository.Reader.open("x")))] + [
+    lambda r, o: StandaloneBrowser().setTitle(None), lambda r, o: StandaloneBrowser().selectTabByIndex(1.5),
+    lambda r, o: StandaloneBrowser().showBlockDescription(1),
+    lambda r, o: StandaloneBrowser.create(Repository.Reader.open("x")))] + [
     (lambda r, o: r.findBlocks("gain", "RegExp"), TypeError, "must be a list, tuple or other sequence, not str"),
     (lambda r, o: Repository.BlockRanker(r).rank("pid", limit=-1), ValueError, "limit must be 0"),
     (lambda r, o: Repository.BlockRanker(r).rank("pid", favourites="kinetics"), TypeError, "not one string"),

@@ -1,5 +1,4 @@
-"""Handles and iterators as Python values: attributes, kinds, conversions, hashing, walks.
-What the handles mean is HandleTest's; these check what the binding makes of them."""
+"""Handles and iterators as Python values (what they mean is HandleTest's): attributes, kinds, conversions, walks."""
 
 import copy
 import gc

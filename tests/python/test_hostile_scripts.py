@@ -1,5 +1,4 @@
-"""Scripts that once brought the process down: each now gets a clear error, or does what a user would expect, and
-the package goes on working. A use of freed memory crashes here: the suites run with MALLOC_PERTURB_ or ASan."""
+"""Scripts that once brought the process down now get a clear error, or what a user expects (MALLOC_PERTURB_/ASan)."""
 
 import functools
 import time

@@ -1,5 +1,4 @@
-"""The package as Python tools see it: stubs that agree with the runtime and pass mypy --strict on a script that
-uses the whole API, public names, signatures, reprs, error classes, threads."""
+"""The package as Python tools see it: stubs that agree with the runtime and mypy --strict, signatures, threads."""
 
 import ast
 import concurrent.futures

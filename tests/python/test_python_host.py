@@ -1,5 +1,4 @@
-"""A Python program as the host: callables serve the host's operations for one product "Duo" of two blocks, from
-a root that holds no tdblocks data of its own; values cross both ways; the repository and the window browse it."""
+"""A Python program as the host: callables serve a root without tdblocks data one product "Duo" of two blocks."""
 
 import os
 import pathlib
