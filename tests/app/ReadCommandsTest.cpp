@@ -1,7 +1,7 @@
 // The reading commands on an updated copy of the example root: what they
 // print, their JSON documents parsed back, and their exit codes; find's
 // ranked answer; browse run as a user runs it to make a picture of the
-// window.
+// window; help and the build's root without --root.
 
 #include "TdlbProcess.h"
 
@@ -11,281 +11,191 @@
 #include <QDir>
 #include <QImage>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QRegularExpression>
 #include <QSettings>
-#include <QTemporaryDir>
 
 namespace LibraryBrowser::Testing {
 namespace {
 
-class TdlbReadTest : public UpdatedTdlbTest {
-protected:
-    TdlbResult run(const QStringList& arguments) const { return tdlb.run(arguments); }
-    QString root() const { return tdlb.root(); }
-};
-
-TEST_F(TdlbReadTest, UpdateCountsTheProductsAndIsQuietOnASecondRun)
-{
-    EXPECT_TRUE(update.out.contains("Updated: 6 products, 0 warnings")) << qPrintable(update.out);
-    const auto stores = [this] {
-        return std::pair{snapshot(root().toStdString()), snapshot(tdlb.preferences().toStdString())};
-    };
-    const auto before = stores();
-    const TdlbResult again = ok({"update"});
-    EXPECT_EQ(again.out, update.out);
-    // Nothing is generated again when nothing changed.
-    EXPECT_TRUE(stores() == before);
-}
-
-TEST_F(TdlbReadTest, ListShowsEachProductOnceWithItsState)
-{
-    const TdlbResult text = ok({"list"});
-    const QStringList lines = text.out.split('\n', Qt::SkipEmptyParts);
-    ASSERT_EQ(lines.size(), 7) << qPrintable(text.out);
-    EXPECT_TRUE(lines[0].startsWith("NAME"));
-    EXPECT_TRUE(text.out.contains(QRegularExpression("Signal Workbench +signal_workbench +palette +yes +yes")))
-        << qPrintable(text.out);
-    EXPECT_TRUE(text.out.contains(QRegularExpression("Arithmetica +arithmetica +product +no +yes")));
-
-    const TdlbResult json = ok({"list", "--json"});
-    const QJsonObject document = json.json();
-    const QJsonArray products = document["products"].toArray();
-    ASSERT_EQ(products.size(), 6) << qPrintable(json.out);
-    EXPECT_EQ(document["count"].toInt(), 6);
-    const QJsonObject kinetics = json.jsonEntry("products", "kinetics");
-    EXPECT_EQ(kinetics["displayName"].toString() + kinetics["type"].toString() + kinetics["kind"].toString(),
-              "KineticsLibraryproduct");
-    EXPECT_TRUE(kinetics["topLevel"].toBool() && kinetics["upToDate"].toBool());
-    EXPECT_EQ(json.jsonEntry("products", "signal_workbench")["kind"].toString(), "palette");
-    EXPECT_FALSE(json.jsonEntry("products", "wavecraft")["topLevel"].toBool());
-}
-
-TEST_F(TdlbReadTest, SearchGroupsHitsByProductWithCounts)
-{
-    const TdlbResult json = ok({"search", "gain", "--json"});
-    const QJsonObject document = json.json();
-    EXPECT_EQ(document["pattern"].toString(), "gain");
-    const QJsonArray products = document["products"].toArray();
-    ASSERT_FALSE(products.isEmpty()) << qPrintable(json.out);
-    int total = 0;
-    for (const QJsonValue& group : products) {
-        const QJsonArray hits = group["hits"].toArray();
-        EXPECT_EQ(group["count"].toInt(), hits.size());
-        EXPECT_EQ(group["blocks"].toInt() + group["subsystems"].toInt(), hits.size());
-        for (const QJsonValue& hit : hits)
-            EXPECT_TRUE(hit["displayName"].toString().contains("gain", Qt::CaseInsensitive)) << qPrintable(json.out);
-        total += hits.size();
-    }
-    EXPECT_EQ(document["total"].toInt(), total);
-
-    const TdlbResult text = ok({"search", "gain"});
-    EXPECT_TRUE(text.out.contains(QString("%1 hits in %2 products").arg(total).arg(products.size())))
-        << qPrintable(text.out);
-    EXPECT_TRUE(text.out.contains("  arithmetica/Basic Operations/Gain  [Block]"));
-    EXPECT_TRUE(text.out.contains("arithmetica: 1 hit (1 block, 0 subsystems)\n")) << qPrintable(text.out);
-}
-
-TEST_F(TdlbReadTest, SearchOptionsNarrowTheHits)
-{
-    const auto total = [this](const QStringList& arguments) {
-        return ok(QStringList{"search", "--json"} + arguments).json()["total"].toInt(-1);
-    };
-    const int anyCase = total({"gain"});
-    EXPECT_GT(anyCase, 0);
-    EXPECT_EQ(total({"gain", "--match-case"}), 0);
-    EXPECT_EQ(total({"Gain", "--match-case"}), anyCase);
-    // Each option reaches the pattern; what the pattern makes of it is the
-    // search's own to pin.
-    EXPECT_EQ(total({"G.in", "--regexp"}), anyCase);
-    EXPECT_EQ(total({"G.in"}), 0);
-    EXPECT_EQ(total({"Gai", "--whole-word"}), 0);
-
-    const TdlbResult under = ok({"search", "s", "--under", "kinetics/Mechanical", "--json"});
-    const QJsonArray groups = under.json()["products"].toArray();
-    ASSERT_FALSE(groups.isEmpty());
-    for (const QJsonValue& group : groups) {
-        for (const QJsonValue& hit : group["hits"].toArray())
-            EXPECT_TRUE(hit["path"].toString().startsWith("kinetics/Mechanical/")) << qPrintable(under.out);
-    }
-    EXPECT_LT(under.json()["total"].toInt(), total({"s"}));
-}
-
-TEST_F(TdlbReadTest, TreeWalksDepthFirstWithDepthsAndALimit)
-{
-    const TdlbResult json = ok({"tree", "--json"});
-    const QJsonArray objects = json.json()["objects"].toArray();
-    ASSERT_GT(objects.size(), 20);
-    EXPECT_EQ(json.json()["count"].toInt(), objects.size());
-    EXPECT_EQ(objects.first()["depth"].toInt(), 1);
-    // Pre-order: each object is one level below an earlier one at most.
-    int previous = 0;
-    for (const QJsonValue& object : objects) {
-        EXPECT_LE(object["depth"].toInt(), previous + 1) << qPrintable(object["path"].toString());
-        previous = object["depth"].toInt();
-    }
-    const QJsonObject reference = json.jsonEntry("objects", "kinetics/Test Signals");
-    EXPECT_EQ(reference["type"].toString(), "LibraryRef");
-    EXPECT_EQ(reference["target"].toString(), "wavecraft/Sources");
-
-    const TdlbResult top = ok({"tree", "--depth", "1", "--json"});
-    for (const QJsonValue& object : top.json()["objects"].toArray())
-        EXPECT_EQ(object["depth"].toInt(), 1);
-
-    const TdlbResult below = ok({"tree", "kinetics/Mechanical"});
-    const QStringList lines = below.out.split('\n', Qt::SkipEmptyParts);
-    ASSERT_GE(lines.size(), 3) << qPrintable(below.out);
-    EXPECT_EQ(lines[0], "Mechanical  [SubSystem]");
-    EXPECT_TRUE(lines[1].startsWith("  ") && !lines[1].startsWith("   ")) << qPrintable(below.out);
-    EXPECT_TRUE(below.out.contains("\n    ")) << "nested subsystems are indented further\n" << qPrintable(below.out);
-}
-
-TEST_F(TdlbReadTest, ShowGivesEveryAttributeAndWritesTheIcon)
-{
-    const TdlbResult json = ok({"show", "arithmetica/Basic Operations/Gain", "--json"});
-    const QJsonObject gain = json.json();
-    EXPECT_EQ(gain["path"].toString() + "|" + gain["name"].toString() + "|" + gain["type"].toString() + "|" +
-                  gain["product"].toString(),
-              "arithmetica/Basic Operations/Gain|Gain|Block|arithmetica");
-    EXPECT_FALSE(gain["description"].toString().isEmpty());
-    EXPECT_TRUE(gain["isEmpty"].toBool());
-    EXPECT_GT(gain["iconBytes"].toInt(), 0);
-
-    const TdlbResult text = ok({"show", "Kinetics"});
-    EXPECT_TRUE(text.out.contains("path: kinetics\n")) << qPrintable(text.out);
-    EXPECT_TRUE(text.out.contains("isProduct: yes\n"));
-    EXPECT_TRUE(text.out.contains("children: 5\n")) << qPrintable(text.out);
-
-    QTemporaryDir icons;
-    const QString svg = icons.filePath("gain.svg");
-    ok({"show", "arithmetica/Basic Operations/Gain", "--icon", svg});
-    EXPECT_TRUE(readFile(svg.toStdString()).contains("<svg"));
-
-    const QString png = icons.filePath("gain.png");
-    ok({"show", "arithmetica/Basic Operations/Gain", "--icon", png, "--size", "48"});
-    const QImage image(png);
-    ASSERT_FALSE(image.isNull());
-    EXPECT_EQ(image.size(), QSize(48, 48));
-}
+using TdlbReadTest = UpdatedTdlbTest;
 
 // What tdlb refuses, it refuses with a reason on standard error and nothing
 // on standard output: usage errors before any repository work with exit
 // code 2, what can't be found with 1 (nothing is written then, so the
 // writing commands are asked here too).
-TEST_F(TdlbReadTest, RefusalsSayWhyWithTheirExitCode)
+TEST_F(TdlbReadTest, EachCommandPrintsItsAnswerOrSaysWhyNotWithItsExitCode)
 {
+    const QString root = tdlb.root();
     const QString picture = QDir(tdlb.preferences()).filePath("window.png");
-    const struct {
-        QStringList arguments;
-        int exitCode;
-        QString message;
-    } cases[] = {
-        {{}, 2, "no command given"},
-        {{"frobnicate"}, 2, "unknown command 'frobnicate'"},
-        {{"--bogus", "list"}, 2, "bogus"},
-        {{"list", "--bogus"}, 2, "bogus"},
-        {{"list", "extra"}, 2, "takes no arguments"},
-        {{"search"}, 2, "needs exactly one pattern"},
-        {{"search", "a", "b"}, 2, "needs exactly one pattern"},
-        {{"show"}, 2, "needs exactly one object"},
-        {{"tree", "--depth", "deep"}, 2, "--depth"},
-        {{"tree", "--depth", "-1"}, 2, "--depth"},
-        {{"generate", "--mode", "Sometimes"}, 2, "unknown mode 'Sometimes'"},
-        {{"checksum"}, 2, "needs exactly one file"},
-        {{"list", "--root"}, 2, "root"},
-        {{"show", "arithmetica", "--size", "0"}, 2, "--size"},
-        {{"search", "(", "--regexp"}, 2, "invalid regular expression '('"},
-        {{"--root", root() + "/no-such-root", "list"}, 2, "no-such-root' does not exist"},
-        {{"browse", "--screenshot", picture, "--layout", "diagonal"}, 2, "--layout is list or grid, not 'diagonal'"},
-        {{"browse", "--screenshot", picture, "--size", "20x20"}, 2, "--size needs WIDTHxHEIGHT"},
-        {{"browse", "--screenshot", picture, "--select", "Kinetics/Nowhere"}, 1,
-         "no library or subsystem 'Kinetics/Nowhere' in the tree"},
-        {{"show", "arithmetica/No Such Block"}, 1, "no object"},
-        {{"tree", "nowhere"}, 1, "no object"},
-        {{"search", "gain", "--under", "nowhere"}, 1, "no object"},
-        {{"checksum", root() + "/missing.json"}, 1, "cannot read " + root() + "/missing.json"},
-        {{"generate", "nonesuch"}, 1, "no product 'nonesuch' in the repository"},
-        {{"destroy", "nonesuch"}, 1, "no product 'nonesuch' in the repository"},
+    const QString library = root + "/toolbox/arithmetica/arithmetica.tdlib.json";
+    QString md5;
+    for (const char byte : QCryptographicHash::hash(readFile(library.toStdString()), QCryptographicHash::Md5))
+        md5 += QString::number(static_cast<unsigned char>(byte));
+    const std::string store = (tdlb.preferences() + "/td_library_browser_repos").toStdString();
+    const auto stores = [&] { return std::pair{snapshot(root.toStdString()), snapshot(store)}; };
+    const auto before = stores();
+    const QString pattern = "needs exactly one pattern", object = "no object", product = "in the repository";
+    expectRuns(tdlb.withRoot({}), {
+        {{"update"}, 0, {update.out}}, {{"find", "xyzzy"}, 1, {"0 of 0 matching blocks shown"}},
+        {{"search", "gain"}, 0,
+         {"  arithmetica/Basic Operations/Gain  [Block]", "arithmetica: 1 hit (1 block, 0 subsystems)\n",
+          "\n2 hits in 2 products\n"}},
+        {{"show", "Kinetics"}, 0, {"path: kinetics\n", "isProduct: yes\n", "children: 5\n"}},
+        {{"checksum", library}, 0, {md5 + "  " + library + "\n"}},
+        {{}, 2, {}, {"no command given"}}, {{"frobnicate"}, 2, {}, {"unknown command 'frobnicate'"}},
+        {{"--bogus", "list"}, 2, {}, {"bogus"}},
+        {{"list", "extra"}, 2, {}, {"takes no arguments"}}, {{"search"}, 2, {}, {pattern}},
+        {{"show"}, 2, {}, {"needs exactly one object"}},
+        {{"tree", "--depth", "deep"}, 2, {}, {"--depth"}},
+        {{"generate", "--mode", "Sometimes"}, 2, {}, {"unknown mode 'Sometimes'"}},
+        {{"checksum"}, 2, {}, {"needs exactly one file"}}, {{"list", "--root"}, 2, {}, {"root"}},
+        {{"show", "arithmetica", "--size", "0"}, 2, {}, {"--size"}},
+        {{"search", "(", "--regexp"}, 2, {}, {"invalid regular expression '('"}},
+        {{"--root", root + "/no-such-root", "list"}, 2, {}, {"no-such-root' does not exist"}},
+        {{"browse", "--screenshot", picture, "--layout", "diagonal"}, 2, {},
+         {"--layout is list or grid, not 'diagonal'"}},
+        {{"browse", "--screenshot", picture, "--size", "20x20"}, 2, {}, {"--size needs WIDTHxHEIGHT"}},
+        {{"browse", "--screenshot", picture, "--select", "Kinetics/Nowhere"}, 1, {},
+         {"no library or subsystem 'Kinetics/Nowhere' in the tree"}},
+        {{"find"}, 2}, {{"find", "  "}, 2}, {{"find", "pid", "--limit", "-1"}, 2},
+        {{"show", "arithmetica/No Such Block"}, 1, {}, {object}}, {{"tree", "nowhere"}, 1, {}, {object}},
+        {{"search", "gain", "--under", "nowhere"}, 1, {}, {object}},
+        {{"checksum", root + "/missing.json"}, 1, {}, {"cannot read " + root + "/missing.json"}},
+        {{"generate", "nonesuch"}, 1, {}, {"no product 'nonesuch' " + product}},
+        {{"destroy", "nonesuch"}, 1, {}, {"no product 'nonesuch' " + product}},
+        // The object is shown before its missing icon is told.
+        {{"show", "kinetics", "--icon", picture}, 1, {"path: kinetics"}, {"'kinetics' has no icon"}},
+    });
+    EXPECT_TRUE(update.out.contains("Updated: 6 products, 0 warnings")) << qPrintable(update.out);
+    // Nothing is generated again when nothing changed, and nothing refused writes to a store.
+    EXPECT_TRUE(stores() == before);
+    EXPECT_TRUE(ok({"report"}).out.startsWith("Action: Syncing the top level manifest"));
+}
+
+// A JSON object as one compact line, without the given keys.
+QString compact(QJsonObject object, const QStringList& without = {})
+{
+    for (const QString& key : without)
+        object.remove(key);
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
+{
+    const TdlbResult text = ok({"list"});
+    EXPECT_EQ(text.out.count('\n'), 7);
+    for (const char* row : {"^NAME", "\nSignal Workbench +signal_workbench +palette +yes +yes\n",
+                            "\nArithmetica +arithmetica +product +no +yes\n"})
+        EXPECT_TRUE(text.out.contains(QRegularExpression(row))) << row << "\n" << qPrintable(text.out);
+    const TdlbResult list = ok({"list", "--json"});
+    EXPECT_EQ(list.json()["products"].toArray().size(), list.json()["count"].toInt(6)) << qPrintable(list.out);
+    EXPECT_EQ(compact(list.jsonEntry("products", "kinetics")),
+              R"({"displayName":"Kinetics","kind":"product","name":"kinetics","path":"kinetics","topLevel":true,)"
+              R"("type":"Library","upToDate":true})");
+    EXPECT_FALSE(list.jsonEntry("products", "wavecraft")["topLevel"].toBool(true));
+
+    EXPECT_EQ(compact(ok({"search", "gain", "--json"}).json()),
+              R"({"pattern":"gain","products":[{"blocks":1,"count":1,"hits":[{"displayName":"Gain","name":"Gain",)"
+              R"("path":"arithmetica/Basic Operations/Gain","type":"Block"}],"product":"arithmetica","subsystems":0},)"
+              R"({"blocks":1,"count":1,"hits":[{"displayName":"Gain","name":"Gain","path":"arithmetica/Basic )"
+              R"(Operations/Gain","type":"Block"}],"product":"tandril","subsystems":0}],"total":2})");
+    // Each option reaches the pattern; what the pattern makes of it is the search's own to pin.
+    const auto totalOf = [this](const QStringList& arguments) {
+        return ok(QStringList{"search", "--json"} + arguments).json()["total"].toInt(-1);
     };
-    for (const auto& c : cases) {
-        const TdlbResult result = run(c.arguments);
-        ASSERT_FALSE(result.crashed) << qPrintable(c.arguments.join(' '));
-        EXPECT_EQ(result.exitCode, c.exitCode) << qPrintable(c.arguments.join(' ')) << "\n" << qPrintable(result.err);
-        EXPECT_TRUE(result.err.contains(c.message)) << qPrintable(result.err);
-        EXPECT_TRUE(result.out.isEmpty()) << qPrintable(result.out);
-    }
-    // The object is shown before its missing icon is told.
-    const TdlbResult noIcon = run({"show", "kinetics", "--icon", picture});
-    EXPECT_EQ(noIcon.exitCode, 1);
-    EXPECT_TRUE(noIcon.err.contains("'kinetics' has no icon")) << qPrintable(noIcon.err);
-}
+    const std::pair<QStringList, int> totals[] = {{{"gain", "--match-case"}, 0}, {{"Gain", "--match-case"}, 2},
+                                                  {{"G.in", "--regexp"}, 2}, {{"G.in"}, 0},
+                                                  {{"Gai", "--whole-word"}, 0}};
+    for (const auto& [arguments, expected] : totals)
+        EXPECT_EQ(totalOf(arguments), expected) << qPrintable(arguments.join(' '));
+    const TdlbResult under = ok({"search", "s", "--under", "kinetics/Mechanical", "--json"});
+    const QString hits = compact(under.json());
+    EXPECT_EQ(hits.count("\"path\":\"kinetics/Mechanical/"), hits.count("\"path\":")) << qPrintable(hits);
+    EXPECT_TRUE(hits.contains("\"path\":") && under.json()["total"].toInt() < totalOf({"s"})) << qPrintable(hits);
 
-TEST_F(TdlbReadTest, ChecksumIsTheDecimalBytesOfTheMd5)
-{
-    const QString file = root() + "/toolbox/arithmetica/arithmetica.tdlib.json";
-    QString expected;
-    for (const char byte : QCryptographicHash::hash(readFile(file.toStdString()), QCryptographicHash::Md5))
-        expected += QString::number(static_cast<unsigned char>(byte));
-    const TdlbResult result = ok({"checksum", file});
-    EXPECT_EQ(result.out, expected + "  " + file + "\n");
-}
+    const TdlbResult tree = ok({"tree", "--json"});
+    const QJsonArray objects = tree.json()["objects"].toArray();
+    EXPECT_TRUE(objects.size() > 20 && tree.json()["count"].toInt() == objects.size());
+    const QJsonObject reference = tree.jsonEntry("objects", "kinetics/Test Signals");
+    EXPECT_EQ(reference["type"].toString() + " " + reference["target"].toString(), "LibraryRef wavecraft/Sources");
+    EXPECT_FALSE(compact(ok({"tree", "--depth", "1", "--json"}).json()).contains("\"depth\":2"));
+    // Nested subsystems are indented further.
+    const TdlbResult below = ok({"tree", "kinetics/Mechanical"});
+    EXPECT_TRUE(below.out.contains(QRegularExpression("^Mechanical  \\[SubSystem\\]\n  [^ ]")) &&
+                below.out.contains("\n    "))
+        << qPrintable(below.out);
 
-TEST_F(TdlbReadTest, ReportPrintsTheLogOfTheRun)
-{
-    const TdlbResult result = ok({"report"});
-    EXPECT_TRUE(result.out.startsWith("Action: Syncing the top level manifest")) << qPrintable(result.out);
-}
+    const QJsonObject gain = ok({"show", "arithmetica/Basic Operations/Gain", "--json"}).json();
+    EXPECT_TRUE(!gain["description"].toString().isEmpty() && gain["iconBytes"].toInt() > 0);
+    EXPECT_EQ(compact(gain, {"description", "iconBytes"}),
+              R"({"children":0,"displayName":"Gain","isEmpty":true,"isFlat":true,"isProduct":false,"name":"Gain",)"
+              R"("path":"arithmetica/Basic Operations/Gain","product":"arithmetica","type":"Block"})");
+    const QString svg = QDir(tdlb.preferences()).filePath("gain.svg");
+    const QString png = QDir(tdlb.preferences()).filePath("gain.png");
+    ok({"show", "arithmetica/Basic Operations/Gain", "--icon", svg});
+    ok({"show", "arithmetica/Basic Operations/Gain", "--icon", png, "--size", "48"});
+    EXPECT_TRUE(readFile(svg.toStdString()).contains("<svg"));
+    EXPECT_EQ(QImage(png).size(), QSize(48, 48));
 
-TEST_F(TdlbReadTest, FindRanksBestFirstWithSpansHonoursTheLimitAndTellsOutcomesByExitCode)
-{
-    const TdlbResult json = ok({"find", "controller pid", "--json"});
-    const QJsonObject first = json.json()["blocks"].toArray().first().toObject();
-    EXPECT_EQ(first["path"].toString(), "kinetics/Continuous/PID Controller");
-    EXPECT_EQ(first["displayPath"].toString(), "Kinetics/Continuous/PID Controller");
-    EXPECT_EQ(first["type"].toString(), "Block");
+    const QJsonObject first = ok({"find", "controller pid", "--json"}).json()["blocks"].toArray().first().toObject();
+    EXPECT_EQ(compact(first, {"score"}),
+              R"({"displayName":"PID Controller","displayPath":"Kinetics/Continuous/PID Controller",)"
+              R"("path":"kinetics/Continuous/PID Controller","spans":[{"length":3,"start":0},{"length":10,"start":4}],)"
+              R"("type":"Block"})");
+    EXPECT_TRUE(ok({"find", "controller pid"}).out.startsWith(
+        QString("%1  Kinetics/Continuous/PID Controller  [Block]  [PID] [Controller]\n")
+            .arg(first["score"].toInt(), 5)));
     EXPECT_GT(first["score"].toInt(), 0);
-    EXPECT_EQ(first["spans"].toArray(), (QJsonArray{QJsonObject{{"start", 0}, {"length", 3}},
-                                                    QJsonObject{{"start", 4}, {"length", 10}}}));
-    const TdlbResult text = run({"find", "controller pid"});
-    EXPECT_TRUE(text.out.startsWith(QString("%1  Kinetics/Continuous/PID Controller  [Block]  [PID] [Controller]\n")
-                                        .arg(first["score"].toInt(), 5)))
-        << qPrintable(text.out);
-
-    const QJsonObject limited = run({"find", "wave", "--limit", "2", "--json"}).json();
-    EXPECT_EQ(limited["blocks"].toArray().size(), 2);
-    EXPECT_GT(limited["total"].toInt(), 2);
-    EXPECT_EQ(run({"find", "wave", "--limit", "0", "--json"}).json()["blocks"].toArray().size(),
+    const QJsonObject limited = ok({"find", "wave", "--limit", "2", "--json"}).json();
+    EXPECT_TRUE(limited["blocks"].toArray().size() == 2 && limited["total"].toInt() > 2);
+    EXPECT_EQ(ok({"find", "wave", "--limit", "0", "--json"}).json()["blocks"].toArray().size(),
               limited["total"].toInt());
-
-    const TdlbResult none = run({"find", "xyzzy"});
-    EXPECT_EQ(none.exitCode, 1);
-    EXPECT_TRUE(none.out.contains("0 of 0 matching blocks shown")) << qPrintable(none.out);
-    for (const QStringList& wrong : {QStringList{"find"}, QStringList{"find", "  "},
-                                     QStringList{"find", "pid", "--limit", "-1"},
-                                     QStringList{"find", "pid", "--limit", "many"}}) {
-        const TdlbResult refused = run(wrong);
-        EXPECT_EQ(refused.exitCode, 2) << qPrintable(wrong.join(' '));
-        EXPECT_FALSE(refused.err.isEmpty());
-    }
 }
 
 // A picture of the asked node, with options for that run only.
 TEST_F(TdlbReadTest, BrowseScreenshotsTheAskedNodeAndLeavesTheUsersChoicesAlone)
 {
     const QString picture = QDir(tdlb.preferences()).filePath("window.png");
-    const auto preference = [this](const QString& key) {
-        return QSettings(tdlb.preferences() + "/LibraryBrowser.ini", QSettings::IniFormat)
-            .value("LibraryBrowser/" + key)
-            .toString();
+    const auto preferences = [this] {
+        const QSettings ini(tdlb.preferences() + "/LibraryBrowser.ini", QSettings::IniFormat);
+        return ini.value("LibraryBrowser/LBLayout").toString() + "|" + ini.value("LibraryBrowser/LBIconSize").toString();
     };
-    const TdlbResult first = ok({"browse", "--screenshot", picture});
-    const QString layout = preference("LBLayout");
-    const QString iconSize = preference("LBIconSize");
-    ASSERT_FALSE(layout.isEmpty()) << "the window wrote its preferences";
-    const TdlbResult shot = ok({"browse", "--select", "Kinetics/Continuous", "--layout", "list", "--icon-size",
-                                 "large", "--size", "700x500", "--screenshot", picture});
+    ok({"browse", "--screenshot", picture});
+    const QString chosen = preferences();
+    ASSERT_NE(chosen, "|") << "the window wrote its preferences";
+    ok({"browse", "--select", "Kinetics/Continuous", "--layout", "list", "--icon-size", "large", "--size", "700x500",
+        "--screenshot", picture});
     EXPECT_EQ(QImage(picture).size(), QSize(700, 500));
-    EXPECT_EQ(preference("LBLayout"), layout) << "the options were for that run only";
-    EXPECT_EQ(preference("LBIconSize"), iconSize);
+    EXPECT_EQ(preferences(), chosen) << "the options were for that run only";
+}
+
+// The command line's own contract without a root: help on every command,
+// the window commands without a display, and the build's example root by
+// default. Usage errors: TdlbReadTest.EachCommandPrintsItsAnswerOrSaysWhyNotWithItsExitCode.
+
+TEST(TdlbUsageTest, EveryCommandHasItsHelpTheWindowCommandsNeedADisplayAndNoRootMeansTheBuilds)
+{
+    std::vector<ExpectedRun> runs{{{"--help"}, 0, {"--root"}}};
+    const std::pair<QString, QString> commands[] = {
+        {"update", ""}, {"list", ""},    {"search", "--whole-word"}, {"tree", ""},   {"show", "--icon"},
+        {"generate", "IgnoreTimestamp"}, {"destroy", ""},            {"checksum", ""}, {"report", ""}};
+    for (const auto& [command, option] : commands) {
+        runs[0].out.append("  " + command + " ");
+        runs.push_back({{command, "--help"}, 0, {"Usage:", " " + command, option}});
+    }
+    expectRuns({}, runs);
+    QProcessEnvironment bare = TdlbProcess::environment();
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        bare.remove(name);
+    expectRuns({}, {{{"browse"}, 2, {}, {"--screenshot FILE"}}, {{"page"}, 2, {}, {"--screenshot FILE"}},
+                    {{"browse", "--help"}, 0, {"--screenshot"}}, {{"page", "--help"}, 0, {"--screenshot"}}}, bare);
+    // Without --root, tdlb serves the build's copy of the example root: the
+    // sources stay exactly as they were, shipped store or not.
+    QTemporaryDir preferences;
+    const auto before = snapshot(TDLB_EXAMPLE_ROOT);
+    expectRuns({"--prefdir", preferences.path()}, {{{"list"}, 0, {"Arithmetica"}}});
+    EXPECT_TRUE(snapshot(TDLB_EXAMPLE_ROOT) == before);
 }
 
 } // namespace

@@ -10,10 +10,9 @@
 #include "platform/ZipArchive.h"
 #include "support/Files.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
-#include <QRandomGenerator>
+#include <QtEndian>
 
 #include <functional>
 
@@ -31,58 +30,34 @@ protected:
         writeFile(library, readFile(library).replace("Produces a sinusoid", "Makes a sinusoid"));
         setModified(library, QDateTime::currentDateTime().addSecs(60));
         ok({"update"});
-        everything = tdlb.run({"tree"});
-        ASSERT_EQ(everything.exitCode, 0) << qPrintable(everything.err);
+        everything = ok({"tree"});
         ASSERT_TRUE(everything.out.contains("wavecraft/Sources")) << qPrintable(everything.out);
-        ASSERT_FALSE(storeFile(writableStore(), "lb_wavecraft_manifests_repos.rps").empty());
     }
 
-    QString shippedStore() const { return tdlb.root() + "/toolbox/tandril/tandril/private/td_library_browser_repos"; }
-    QString writableStore() const { return tdlb.preferences() + "/td_library_browser_repos"; }
-
-    // The one file below the store whose name ends so.
-    std::string storeFile(const QString& store, const QString& ending) const
+    // The one file below the store, the writable one unless named, whose name ends so.
+    std::string file(const QString& ending, QString store = {}) const
     {
+        store = store.isEmpty() ? writable : store;
         std::string found;
-        for (const auto& [file, bytes] : snapshot(store.toStdString()))
-            if (file.endsWith(ending))
-                found = (store + "/" + file).toStdString();
+        for (const auto& [path, bytes] : snapshot(store.toStdString()))
+            if (path.endsWith(ending))
+                found = (store + "/" + path).toStdString();
         EXPECT_FALSE(found.empty()) << qPrintable(ending);
         return found;
     }
 
-    // Runs update and checks that it repaired the store, naming the damage
-    // in a warning, and counting the product repaired unless the whole
-    // store was seeded anew.
-    void expectRepairedByUpdate(bool productRepaired = true)
+    // The tree is whole again and reads without an error, the shipped store untouched.
+    void expectWholeTree(const std::map<QString, QByteArray>& shippedBefore) const
     {
-        const TdlbResult update = ok({"update"});
-        EXPECT_TRUE(update.out.contains("is damaged and will be")) << qPrintable(update.out);
-        EXPECT_EQ(update.out.contains("Repaired product"), productRepaired) << qPrintable(update.out);
-        EXPECT_EQ(update.out.contains(", 1 repaired\n"), productRepaired) << qPrintable(update.out);
         const TdlbResult tree = ok({"tree"});
-        EXPECT_EQ(tree.out, everything.out);
-        EXPECT_FALSE(tree.err.contains("rror")) << qPrintable(tree.err);
-        // The edited text, also where another product references it: never
-        // the shipped store's older copy.
-        for (const char* block : {"wavecraft/Sources/Sine Wave", "kinetics/Test Signals/Sine Wave"}) {
-            const QString text = tdlb.run({"show", "--json", block}).json()["description"].toString();
-            EXPECT_TRUE(text.startsWith("Makes a sinusoid")) << block << ": " << qPrintable(text);
-        }
-        const TdlbResult again = tdlb.run({"update"});
-        EXPECT_FALSE(again.out.contains("damaged")) << "repaired for good: " << qPrintable(again.out);
+        EXPECT_TRUE(tree.out == everything.out && !tree.err.contains("rror")) << qPrintable(tree.out + tree.err);
+        EXPECT_TRUE(snapshot(shipped.toStdString()) == shippedBefore) << "the shipped store is never written";
     }
 
+    const QString shipped = tdlb.root() + "/toolbox/tandril/tandril/private/td_library_browser_repos";
+    const QString writable = tdlb.preferences() + "/td_library_browser_repos";
     TdlbResult everything;
 };
-
-QByteArray randomBytes(int size)
-{
-    QByteArray bytes(size, Qt::Uninitialized);
-    QRandomGenerator generator(11);
-    generator.fillRange(reinterpret_cast<quint32*>(bytes.data()), size / 4);
-    return bytes;
-}
 
 // Changes one byte in the middle of the stored data of every entry but the
 // one whose name ends so (the product's own manifest, which a cheaper check
@@ -91,22 +66,13 @@ QByteArray randomBytes(int size)
 void changeBytesInsideEntries(const std::string& archivePath, const std::string& spared)
 {
     QByteArray bytes = readFile(archivePath);
-    const auto field = [&](int at, int size) {
-        quint32 value = 0;
-        for (int i = size - 1; i >= 0; --i)
-            value = (value << 8) | quint8(bytes[at + i]);
-        return int(value);
-    };
-    const auto endsWith = [](const std::string& name, const std::string& end) {
-        return name.size() >= end.size() && name.compare(name.size() - end.size(), end.size(), end) == 0;
-    };
+    const auto field = [&](int at) { return int(qFromLittleEndian<quint16>(bytes.constData() + at)); };
     int changed = 0;
-    int at = bytes.indexOf("PK\x03\x04");
-    while (at >= 0) {
-        const int nameSize = field(at + 26, 2);
-        const int dataSize = field(at + 18, 4);
-        const int data = at + 30 + nameSize + field(at + 28, 2);
-        if (dataSize > 0 && !endsWith(bytes.mid(at + 30, nameSize).toStdString(), spared)) {
+    for (int at = bytes.indexOf("PK\x03\x04"); at >= 0;) {
+        const int nameSize = field(at + 26);
+        const int dataSize = int(qFromLittleEndian<quint32>(bytes.constData() + at + 18));
+        const int data = at + 30 + nameSize + field(at + 28);
+        if (dataSize > 0 && !bytes.mid(at + 30, nameSize).endsWith(spared.c_str())) {
             bytes[data + dataSize / 2] = char(bytes[data + dataSize / 2] ^ 0x55);
             ++changed;
         }
@@ -127,52 +93,58 @@ void foreignRootManifest(const std::string& archivePath, const std::string& topL
         if (auto* library = dynamic_cast<LibraryImpl*>(node);
             library && library->getIsProduct() && library->getPath() == "wavecraft")
             entry = library->getManifestFileSpec();
-    ASSERT_FALSE(entry.empty());
     ZipArchive archive;
     ASSERT_TRUE(archive.open(archivePath, ZipArchive::OpenExisting)) << archive.errorString();
     QByteArray bytes;
-    ASSERT_TRUE(archive.read(archive.find(entry), bytes));
+    ASSERT_TRUE(archive.read(archive.find(entry), bytes)) << entry;
     ASSERT_TRUE(bytes.contains("signature=\"82d9731a"));
     ASSERT_TRUE(archive.add(entry, bytes.replace("signature=\"82d9731a", "signature=\"0000731a")));
     ASSERT_TRUE(archive.close());
 }
 
-TEST_F(TdlbSelfRepairTest, DamagedDataOfTheWritableStoreIsGeneratedAgainByTheNextUpdate)
+TEST_F(TdlbSelfRepairTest, DamagedDataOfEitherStoreIsGeneratedAgainByTheNextUpdate)
 {
-    const std::function<void()> damages[] = {
-        [this] {
-            const std::string file = storeFile(writableStore(), "lb_wavecraft_manifests_repos.rps");
-            writeFile(file, readFile(file).left(200));
-        },
-        [this] {
-            writeFile(storeFile(writableStore(), "lb_wavecraft_icons_repos.rps"), randomBytes(4000));
-        },
-        [this] {
-            QFile::remove(QString::fromStdString(storeFile(writableStore(), "lb_wavecraft_manifests_repos.rps")));
-        },
-        [this] {
-            QFile::remove(QString::fromStdString(storeFile(writableStore(), "lb_kinetics_manifests_repos.rps")));
-        },
-        [this] {
-            foreignRootManifest(storeFile(writableStore(), "lb_wavecraft_manifests_repos.rps"),
-                                storeFile(writableStore(), "lbtoplevelmanifest.xml"));
-        },
-        [this] {
-            QDir(QFileInfo(QString::fromStdString(storeFile(writableStore(), "lb_wavecraft_icons_repos.rps")))
-                     .absolutePath())
-                .removeRecursively();
-        },
-        [this] {
-            const std::string file = storeFile(writableStore(), "lbtoplevelmanifest.xml");
-            writeFile(file, readFile(file).left(300));
-        },
+    const auto remove = [](const std::string& path) { QFile::remove(QString::fromStdString(path)); };
+    const auto truncate = [](const std::string& path, int size) { writeFile(path, readFile(path).left(size)); };
+    // Each with whether the update counts a product repaired: a damaged top level is made anew with the store.
+    const std::pair<std::function<void()>, bool> damages[] = {
+        {[&] { truncate(file("lb_wavecraft_manifests_repos.rps"), 200); }, true},
+        {[&] { writeFile(file("lb_wavecraft_icons_repos.rps"), QByteArray(4000, '\x5a')); }, true},
+        {[&] { remove(file("lb_wavecraft_manifests_repos.rps")); }, true},
+        {[&] { remove(file("lb_kinetics_manifests_repos.rps")); }, true},
+        {[&] { foreignRootManifest(file("lb_wavecraft_manifests_repos.rps"), file("lbtoplevelmanifest.xml")); }, true},
+        {[&] { QDir(QFileInfo(file("lb_wavecraft_icons_repos.rps").c_str()).path()).removeRecursively(); }, true},
+        {[&] { truncate(file("lbtoplevelmanifest.xml"), 300); }, false},
+        // A damaged shipped archive is never written: its product moves to the writable store.
+        {[&] { writeFile(file("lb_arithmetica_manifests_repos.rps", shipped), QByteArray(3000, '\x5a')); }, true},
     };
     for (std::size_t i = 0; i < std::size(damages); ++i) {
         SCOPED_TRACE("damage " + std::to_string(i));
-        damages[i]();
-        // A damaged top level is made anew with the store, not a product repaired.
-        expectRepairedByUpdate(i + 1 != std::size(damages));
+        damages[i].first();
+        const auto shippedBefore = snapshot(shipped.toStdString());
+        const QString update = ok({"update"}).out;
+        EXPECT_TRUE(update.contains("is damaged and will be")) << qPrintable(update);
+        const bool repaired = damages[i].second;
+        EXPECT_TRUE(update.contains("Repaired product") == repaired && update.contains(", 1 repaired\n") == repaired)
+            << qPrintable(update);
+        expectWholeTree(shippedBefore);
+        // The edited text, also where another product references it: never the shipped store's older copy.
+        for (const char* block : {"wavecraft/Sources/Sine Wave", "kinetics/Test Signals/Sine Wave"}) {
+            const QString text = tdlb.run({"show", "--json", block}).json()["description"].toString();
+            EXPECT_TRUE(text.startsWith("Makes a sinusoid")) << block << ": " << qPrintable(text);
+        }
+        EXPECT_FALSE(tdlb.run({"update"}).out.contains("damaged")) << "repaired for good";
     }
+    EXPECT_FALSE(file("lb_arithmetica_manifests_repos.rps").empty());
+
+    // A damaged shipped top level stays, and so does its error: the root is never repaired here.
+    truncate(file("lbtoplevelmanifest.xml", shipped), 400);
+    ASSERT_TRUE(QDir(writable).removeRecursively());
+    const auto shippedBefore = snapshot(shipped.toStdString());
+    expectRuns(tdlb.withRoot({}),
+               {{{"update"}, 1, {"The shipped top level manifest"}, {"The top level manifest file looks corrupted"}}});
+    EXPECT_EQ(tdlb.run({"tree"}).out, everything.out);
+    EXPECT_TRUE(snapshot(shipped.toStdString()) == shippedBefore);
 }
 
 // Bytes changed inside an entry, the archive's directory intact: a read of
@@ -186,61 +158,25 @@ TEST_F(TdlbSelfRepairTest, AnEntryChangedInsideItsArchiveIsToldByTheReadAndRepai
         QString store;
         QString archive;
         QStringList read;
-    } cases[] = {{writableStore(), "lb_wavecraft_manifests_repos.rps", {"tree", "wavecraft"}},
-                 {writableStore(), "lb_wavecraft_icons_repos.rps", {"show", "wavecraft/Sources/Sine Wave"}},
-                 {shippedStore(), "lb_arithmetica_manifests_repos.rps", {"tree", "arithmetica"}}};
+    } cases[] = {{writable, "lb_wavecraft_manifests_repos.rps", {"tree", "wavecraft"}},
+                 {writable, "lb_wavecraft_icons_repos.rps", {"show", "wavecraft/Sources/Sine Wave"}},
+                 {shipped, "lb_arithmetica_manifests_repos.rps", {"tree", "arithmetica"}}};
     for (const auto& damage : cases) {
         SCOPED_TRACE(qPrintable(damage.archive));
-        const bool shipped = damage.store == shippedStore();
-        const std::string archive = storeFile(damage.store, damage.archive);
-        // Size and date kept: damage that no stamp shows, which only the
-        // read of the entry meets.
+        const std::string archive = file(damage.archive, damage.store);
+        // Size and date kept: damage that no stamp shows, which only the read of the entry meets.
         const QDateTime modified = QFileInfo(QString::fromStdString(archive)).lastModified();
-        changeBytesInsideEntries(archive, shipped ? "lbarithmeticamanifest.xml" : "lbwavecraftmanifest.xml");
+        changeBytesInsideEntries(archive,
+                                 damage.store == shipped ? "lbarithmeticamanifest.xml" : "lbwavecraftmanifest.xml");
         setModified(archive, modified);
-        const auto shippedBefore = snapshot(shippedStore().toStdString());
-
-        const TdlbResult read = ok(damage.read);
-        EXPECT_TRUE(read.err.contains("??? **Error**")) << qPrintable(read.err);
-        EXPECT_TRUE(read.err.contains("shown above")) << qPrintable(read.err);
-
-        const TdlbResult update = ok({"update"});
-        const TdlbResult tree = tdlb.run({"tree"});
-        EXPECT_EQ(tree.out, everything.out);
-        EXPECT_FALSE(tree.err.contains("rror")) << qPrintable(tree.err);
-        EXPECT_TRUE(snapshot(shippedStore().toStdString()) == shippedBefore) << "the shipped store is never written";
+        const auto shippedBefore = snapshot(shipped.toStdString());
+        expectRuns(tdlb.withRoot({}), {{damage.read, 0, {}, {"??? **Error**", "shown above"}}, {{"update"}}});
+        expectWholeTree(shippedBefore);
     }
-
     // With no read between, the update itself finds the changed archive.
-    changeBytesInsideEntries(storeFile(writableStore(), "lb_wavecraft_icons_repos.rps"), "lbwavecraftmanifest.xml");
-    const TdlbResult update = tdlb.run({"update"});
-    EXPECT_TRUE(update.out.contains("Repaired product Wavecraft Signals")) << qPrintable(update.out);
-    const TdlbResult show = tdlb.run({"show", "wavecraft/Sources/Sine Wave"});
-    EXPECT_FALSE(show.err.contains("rror")) << qPrintable(show.err);
-}
-
-TEST_F(TdlbSelfRepairTest, ADamagedShippedTopLevelManifestIsNeverWrittenAndTheWritableStoreServes)
-{
-    const std::string top = storeFile(shippedStore(), "lbtoplevelmanifest.xml");
-    writeFile(top, readFile(top).left(400));
-    ASSERT_TRUE(QDir(writableStore()).removeRecursively());
-    const auto shipped = snapshot(shippedStore().toStdString());
-
-    // The damage stays, and so does its error: the root is never repaired here.
-    const TdlbResult update = tdlb.run({"update"});
-    EXPECT_TRUE(update.out.contains("The shipped top level manifest")) << qPrintable(update.out);
-    EXPECT_TRUE(update.err.contains("The top level manifest file looks corrupted")) << qPrintable(update.err);
-    EXPECT_EQ(tdlb.run({"tree"}).out, everything.out);
-    EXPECT_TRUE(snapshot(shippedStore().toStdString()) == shipped);
-}
-
-TEST_F(TdlbSelfRepairTest, ADamagedShippedArchiveIsNeverWrittenAndItsProductMovesToTheWritableStore)
-{
-    writeFile(storeFile(shippedStore(), "lb_arithmetica_manifests_repos.rps"), randomBytes(3000));
-    const auto shipped = snapshot(shippedStore().toStdString());
-    expectRepairedByUpdate();
-    EXPECT_TRUE(snapshot(shippedStore().toStdString()) == shipped);
-    EXPECT_FALSE(storeFile(writableStore(), "lb_arithmetica_manifests_repos.rps").empty());
+    changeBytesInsideEntries(file("lb_wavecraft_icons_repos.rps"), "lbwavecraftmanifest.xml");
+    EXPECT_TRUE(tdlb.run({"update"}).out.contains("Repaired product Wavecraft Signals"));
+    EXPECT_FALSE(tdlb.run({"show", "wavecraft/Sources/Sine Wave"}).err.contains("rror"));
 }
 
 } // namespace

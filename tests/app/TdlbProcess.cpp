@@ -3,16 +3,8 @@
 #include "support/Files.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-
-#include <sys/resource.h>
 
 namespace LibraryBrowser::Testing {
-
-QJsonObject TdlbResult::json() const
-{
-    return QJsonDocument::fromJson(out.toUtf8()).object();
-}
 
 QJsonObject TdlbResult::jsonEntry(const QString& array, const QString& path) const
 {
@@ -22,9 +14,23 @@ QJsonObject TdlbResult::jsonEntry(const QString& array, const QString& path) con
     return QJsonObject();
 }
 
+void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs, const QProcessEnvironment& environment)
+{
+    for (const ExpectedRun& run : runs) {
+        const TdlbResult result = TdlbProcess::runRaw(where + run.arguments, environment);
+        SCOPED_TRACE(qPrintable(run.arguments.join(' ') + "\nout: " + result.out + "\nerr: " + result.err));
+        EXPECT_FALSE(result.crashed);
+        EXPECT_EQ(result.exitCode, run.exitCode);
+        for (const QString& text : run.out)
+            EXPECT_TRUE(result.out.contains(text)) << qPrintable(text);
+        for (const QString& text : run.err)
+            EXPECT_TRUE(result.err.contains(text)) << qPrintable(text);
+        EXPECT_TRUE(run.exitCode == 0 || !run.out.isEmpty() || result.out.isEmpty());
+    }
+}
+
 TdlbProcess::TdlbProcess()
 {
-    m_ready = m_root.isValid() && m_prefs.isValid();
     for (const auto& [file, bytes] : snapshot(TDLB_EXAMPLE_ROOT))
         writeFile((root() + "/" + file).toStdString(), bytes);
 }
@@ -43,46 +49,24 @@ QProcessEnvironment TdlbProcess::environment()
     return environment;
 }
 
-TdlbResult TdlbProcess::runRaw(const QStringList& arguments, int openFileLimit)
-{
-    return runRaw(arguments, environment(), openFileLimit);
-}
-
-TdlbResult TdlbProcess::runRaw(const QStringList& arguments, const QProcessEnvironment& environment,
-                               int openFileLimit)
-{
-    return finish(*start(arguments, environment, openFileLimit));
-}
-
-std::unique_ptr<QProcess> TdlbProcess::start(const QStringList& arguments, const QProcessEnvironment& environment,
-                                             int openFileLimit)
+std::unique_ptr<QProcess> TdlbProcess::start(const QStringList& arguments, const QProcessEnvironment& variables)
 {
     auto process = std::make_unique<QProcess>();
-    process->setProcessEnvironment(environment);
-    if (openFileLimit > 0) {
-        process->setChildProcessModifier([openFileLimit] {
-            const rlimit limit{rlim_t(openFileLimit), rlim_t(openFileLimit)};
-            setrlimit(RLIMIT_NOFILE, &limit);
-        });
-    }
+    process->setProcessEnvironment(variables);
     process->start(TDLB_EXECUTABLE, arguments);
     return process;
 }
 
 TdlbResult TdlbProcess::finish(QProcess& process)
 {
-    TdlbResult result;
     if (!process.waitForFinished(TDLB_PROCESS_WAIT_MS)) {
         process.kill();
         process.waitForFinished();
-        result.crashed = true;
-        return result;
+        return TdlbResult{-1, true, {}, {}};
     }
-    result.crashed = process.exitStatus() != QProcess::NormalExit;
-    result.exitCode = process.exitCode();
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
+    return TdlbResult{process.exitCode(), process.exitStatus() != QProcess::NormalExit,
+                      QString::fromUtf8(process.readAllStandardOutput()),
+                      QString::fromUtf8(process.readAllStandardError())};
 }
 
 } // namespace LibraryBrowser::Testing

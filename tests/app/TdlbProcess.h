@@ -1,15 +1,17 @@
 #pragma once
 
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 #include <QProcessEnvironment>
-#include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace LibraryBrowser::Testing {
 
@@ -20,9 +22,21 @@ struct TdlbResult {
     QString out;
     QString err;
     // Standard output as one JSON object; empty if it is none.
-    QJsonObject json() const;
+    QJsonObject json() const { return QJsonDocument::fromJson(out.toUtf8()).object(); }
     // The object of that array of json() whose "path" is given; empty if none.
     QJsonObject jsonEntry(const QString& array, const QString& path) const;
+};
+
+// One run of a table: its exit code, and texts its standard output and
+// standard error must contain. A run that fails prints nothing on standard
+// output unless out names what.
+struct ExpectedRun {
+    ExpectedRun(QStringList a, int c = 0, QStringList o = {}, QStringList e = {})
+        : arguments(std::move(a)), exitCode(c), out(std::move(o)), err(std::move(e)) {}
+    QStringList arguments;
+    int exitCode;
+    QStringList out;
+    QStringList err;
 };
 
 // The built tdlb on a private copy of the example root, with a preferences
@@ -31,38 +45,39 @@ class TdlbProcess {
 public:
     TdlbProcess();
 
-    bool isReady() const { return m_ready; }
     QString root() const { return m_root.path(); }
     QString preferences() const { return m_prefs.path(); }
 
     // --root ROOT --prefdir PREFS arguments...
     QStringList withRoot(const QStringList& arguments) const;
     TdlbResult run(const QStringList& arguments) const { return runRaw(withRoot(arguments)); }
-    // tdlb with exactly these arguments; with a positive openFileLimit, the
-    // child may hold no more files open than that at once.
-    static TdlbResult runRaw(const QStringList& arguments, int openFileLimit = 0);
-    static TdlbResult runRaw(const QStringList& arguments, const QProcessEnvironment& environment,
-                             int openFileLimit = 0);
     // The caller's environment without the host's own variables, so that
     // only the arguments choose root and preferences.
     static QProcessEnvironment environment();
+    // tdlb with exactly these arguments.
+    static TdlbResult runRaw(const QStringList& arguments, const QProcessEnvironment& variables = environment())
+    {
+        return finish(*start(arguments, variables));
+    }
     // tdlb started with these arguments, and its end awaited.
-    static std::unique_ptr<QProcess> start(const QStringList& arguments, const QProcessEnvironment& environment,
-                                           int openFileLimit = 0);
+    static std::unique_ptr<QProcess> start(const QStringList& arguments,
+                                           const QProcessEnvironment& variables = environment());
     static TdlbResult finish(QProcess& process);
 
 private:
     QTemporaryDir m_root;
     QTemporaryDir m_prefs;
-    bool m_ready = false;
 };
+
+// Runs tdlb with where + each row's arguments and checks each against its row.
+void expectRuns(const QStringList& where, const std::vector<ExpectedRun>& runs,
+                const QProcessEnvironment& environment = TdlbProcess::environment());
 
 // A test on a root copy of its own, updated first, as a user starts.
 class UpdatedTdlbTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(tdlb.isReady());
         update = tdlb.run({"update"});
         ASSERT_EQ(update.exitCode, 0) << qPrintable(update.err);
     }

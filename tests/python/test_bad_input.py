@@ -1,97 +1,95 @@
-"""Bad input at the boundary: a clear Python exception or the documented empty result."""
+"""Bad input at the boundary: a clear Python exception, the documented empty result, or a refused start."""
 
 import os
-import shutil
-import subprocess
-import sys
+import re
 
 import pytest
 
-from tandril import Repository
+import tandril
+from conftest import run_python
+from tandril import Repository, StandaloneBrowser
 
 BLOCK = "kinetics/Continuous/Integrator"
+PAIRS = ("Tandril:Repository:PairValueMismatch", "Expected a cell array of pairs (Option, Value)")
+STRING = ("Tandril:Repository:StringTypeExpected", "Expected a string argument.")
+# The allowed words are listed in no fixed order.
+OPTIONS = r"Option {} is invalid\. Possible options are (\w+),(\w+),(\w+)\.$"
+VALUES = r"Value {} is invalid\. Possible values are (\w+),(\w+)\.$"
 
 
-@pytest.mark.parametrize(
-    "call",
-    [
-        lambda r, o: r.getTandrilObject(5),
-        lambda r, o: r.getChildrenIterator("kinetics"),
-        lambda r, o: r.getDepthFirstIterator(None),
-        lambda r, o: r.getIcon(None),
-        lambda r, o: r.isProductUpToDate(None),
-        # A logical argument takes True or False only, as the window's do.
-        lambda r, o: r.isProductUpToDate(o, 1),
-        lambda r, o: r.findBlocks(None),
-        lambda r, o: r.findBlocks("gain", o, {"RegExp": "on"}),
-        lambda r, o: r.generateProduct(o, None),
-        lambda r, o: r.generateProduct(o, 2),
-        lambda r, o: r.destroyProduct("kinetics"),
-        lambda r, o: r.getRepositoryReport().log(None),
-        lambda r, o: Repository.Util.computeCheckSum("file", None),
-        lambda r, o: Repository.Reader.open(None),
-        lambda r, o: Repository.Writer.open("dir", "not a list"),
-        lambda r, o: Repository.TandrilObject("kinetics"),
-        lambda r, o: Repository.Handle(),
-        lambda r, o: Repository.Block(None),
-        lambda r, o: o.eq(None),
-    ],
-)
-def test_wrong_types_raise_type_error(repository, call):
-    with pytest.raises(TypeError):
+@pytest.mark.parametrize("call, error, text", [(call, TypeError, "") for call in (
+    lambda r, o: r.getTandrilObject(5), lambda r, o: r.getChildrenIterator("kinetics"),
+    lambda r, o: r.getDepthFirstIterator(None), lambda r, o: r.generateProduct(o, 2),
+    # A logical argument takes True or False only, as the window's do.
+    lambda r, o: r.isProductUpToDate(o, 1), lambda r, o: r.getRepositoryReport().logToConsoleInteractively(1),
+    lambda r, o: r.findBlocks("gain", o, {"RegExp": "on"}), lambda r, o: Repository.Util.computeCheckSum("file", None),
+    lambda r, o: Repository.Handle(), lambda r, o: o.eq(None), lambda r, o: Repository.Writer.open("dir", "not a list"),
+    lambda r, o: Repository.TandrilObject("kinetics"), lambda r, o: Repository.BlockRanker("store"),
+    lambda r, o: StandaloneBrowser().setTitle(None), lambda r, o: StandaloneBrowser().selectTabByIndex(1.5),
+    lambda r, o: StandaloneBrowser().showBlockDescription(1),
+    lambda r, o: StandaloneBrowser.create(Repository.Reader.open("x")))] + [
+    (lambda r, o: r.findBlocks("gain", "RegExp"), TypeError, "must be a list, tuple or other sequence, not str"),
+    (lambda r, o: Repository.BlockRanker(r).rank("pid", limit=-1), ValueError, "limit must be 0"),
+    (lambda r, o: Repository.BlockRanker(r).rank("pid", favourites="kinetics"), TypeError, "not one string"),
+    (lambda r, o: Repository.BlockRanker(r).rank("pid", recents=[1]), TypeError, "as strings, not int"),
+])
+def test_wrong_types_and_values_are_refused(repository, call, error, text):
+    with pytest.raises(error, match=text):
         call(repository, repository.getTandrilObject(BLOCK))
+
+
+@pytest.mark.parametrize("row, fault, message", [
+    # The count is checked before any name, a non-string before the row is looked at at all.
+    (["RegExp"], PAIRS, None), (["Bogus", "on", "RegExp"], PAIRS, None), (["RegExp", 1], STRING, None),
+    ([True, "on"], STRING, None), (["RegExp", None], STRING, None), (["RegExp", ["on"]], STRING, None),
+    ([1], STRING, None), (["Bogus", "on"], PAIRS, OPTIONS.format("Bogus")),
+    (["regexp", "on"], PAIRS, OPTIONS.format("regexp")),
+    (["RegExp", "on", "Bogus", "off"], PAIRS, OPTIONS.format("Bogus")),
+    (["RegExp", "ON"], PAIRS, VALUES.format("ON")), (["MatchCase", ""], PAIRS, VALUES.format("")),
+    (["WholeWord", "yes", "Bogus", "on"], PAIRS, VALUES.format("yes")),  # The first fault is the one told.
+])
+def test_faulty_option_rows_are_refused_with_their_identifier_and_message(repository, row, fault, message):
+    kinetics = repository.getTandrilObject("kinetics")
+    for call in (lambda: repository.findBlocks("gain", row), lambda: repository.findBlocks("gain", kinetics, row)):
+        with pytest.raises(tandril.Error) as info:
+            call()
+        assert info.value.identifier == fault[0]
+        match = re.match(message or re.escape(fault[1]) + "$", str(info.value))
+        assert match and set(match.groups()) in (set(), {"RegExp", "WholeWord", "MatchCase"}, {"on", "off"}), \
+            str(info.value)
 
 
 def test_empty_and_unknown_names_and_patterns_give_empty_results(repository):
     for name in ["", "/", "nosuchproduct/Gain", "\n", "ü" * 300]:
         obj = repository.getTandrilObject(name)
         assert not obj.isValid(), name
-        assert repository.getChildrenIterator(obj).isEmpty()
-        assert repository.getDepthFirstIterator(obj).size() == 0
+        assert repository.getChildrenIterator(obj).isEmpty() and repository.getDepthFirstIterator(obj).size() == 0
         assert repository.getIcon(obj) is None
         assert not repository.isProductUpToDate(name) and not repository.isProductUpToDate(obj, True)
         assert not repository.getProduct(name).isValid()
     missing = repository.getTandrilObject("kinetics/Continuous/Nothing")
     assert not missing.isValid() and repository.getChildrenIterator(missing).isEmpty()
-    assert repository.findBlocks("(", ["RegExp", "on"]).isEmpty()
-    assert repository.findBlocks("[", []).size() == 0
+    assert repository.findBlocks("(", ["RegExp", "on"]).isEmpty() and repository.findBlocks("[", []).size() == 0
     assert list(repository.findBlocks("gain", repository.getTandrilObject(""))) == []
     assert repository.findBlocks("").size() == repository.getDepthFirstIterator().size()
 
 
-def test_a_reader_on_no_store_or_on_one_removed_under_it(tmp_path, shipped_store):
+def test_readers_and_writers_on_no_store_or_one_they_cannot_make(tmp_path):
     for directory in ["", str(tmp_path / "missing"), str(tmp_path)]:
         reader = Repository.Reader.open(directory)
         assert not reader.exists() and reader.getProductsIterator().isEmpty()
         assert not reader.getTandrilObject("kinetics").isValid() and reader.findBlocks("gain").isEmpty()
-    store = tmp_path / "store"
-    shutil.copytree(shipped_store, store)
-    reader = Repository.Reader.open(str(store))
-    assert reader.getTandrilObject("kinetics").isValid()
-    walk = reader.getDepthFirstIterator()
-    shutil.rmtree(store)
-    # What was never loaded is gone: the walk and the lookups find nothing of it.
-    assert "switchyard/Routing/Mux" not in [o.Path for o in walk]
-    assert reader.getChildrenIterator(reader.getTandrilObject("switchyard")).isEmpty()
-    assert not reader.getTandrilObject("switchyard/Routing/Mux").isValid()
-
-
-def test_a_writer_on_a_directory_it_cannot_make(tmp_path):
     blocker = tmp_path / "file"
     blocker.write_text("not a directory")
     writer = Repository.Writer.open(str(blocker / "store"))
     writer.generateRepository()
     writer.destroyRepository()
-    report = writer.getRepositoryReport()
-    assert report.hasError() or report.hasWarning()
+    assert writer.getRepositoryReport().hasError() or writer.getRepositoryReport().hasWarning()
     assert blocker.read_text() == "not a directory"
-
-
-def run_python(code, cwd=None, **environment):
-    if cwd:
-        os.makedirs(cwd, exist_ok=True)
-    return subprocess.run([sys.executable, "-c", code], env=dict(os.environ, **environment), capture_output=True,
-                          text=True, timeout=120, cwd=cwd)
+    for host_path in (["ok", 3], [None], [["nested"]], [b"bytes"]):
+        with pytest.raises(tandril.StringTypeExpected, match="^Expected a string argument.$"):
+            Repository.Writer.open(str(tmp_path / "new"), host_path)
+        assert not (tmp_path / "new").exists()
 
 
 def test_unusable_directories_are_refused_at_the_start(tmp_path, root_dir):
@@ -109,28 +107,22 @@ def test_unusable_directories_are_refused_at_the_start(tmp_path, root_dir):
     ]
     if os.geteuid() != 0:  # root writes anywhere
         cases.append((dict(root=str(root_dir), prefdir=str(locked)), "'%s' can't be written" % locked))
-    for arguments, message in cases:
-        result = run_python(
-            "import os, tandril\n"
-            "try:\n"
-            "    tandril.start(**%r)\n"
-            "except ValueError as error:\n"
-            "    print('refused:', error, tandril.is_started(), sorted(os.listdir('.')))\n" % (arguments,),
-            cwd=str(tmp_path / "cwd"))
-        assert result.returncode == 0, result.stderr
-        # Nothing was started, and nothing written where the script runs.
-        assert result.stdout.startswith("refused: "), (arguments, result.stdout)
-        assert message in result.stdout and result.stdout.endswith(" False []\n"), (arguments, result.stdout)
-
-
-def test_a_refused_list_as_the_first_call_still_has_its_message(tmp_path, root_dir):
-    result = run_python(
-        "import tandril\n"
-        "from tandril import Repository\n"
-        "try:\n"
-        "    Repository.Writer.open('store', ['ok', 3])\n"
-        "except tandril.Error as error:\n"
-        "    print(error.identifier, error)\n",
-        NUMORA_ROOT=str(root_dir), NUMORA_PREFDIR=str(tmp_path / "prefs"))
-    assert result.returncode == 0, result.stderr
-    assert result.stdout == "Tandril:Repository:StringTypeExpected Expected a string argument.\n"
+    # Nothing is started by a refusal, and nothing written where the script runs; a refused list as the first
+    # call, which starts the package, still has its message.
+    result = run_python("""
+        import os, tandril
+        for arguments in %r:
+            try:
+                tandril.start(**arguments)
+            except ValueError as error:
+                print('refused:', error, tandril.is_started(), sorted(os.listdir('.')))
+        try:
+            tandril.Repository.Writer.open('store', ['ok', 3])
+        except tandril.Error as error:
+            print(error.identifier, error)
+    """ % ([arguments for arguments, _ in cases],), cwd=str(tmp_path / "cwd"), NUMORA_ROOT=str(root_dir),
+        NUMORA_PREFDIR=str(tmp_path / "prefs"))
+    lines = result.stdout.splitlines()
+    assert lines[len(cases):] == ["Tandril:Repository:StringTypeExpected Expected a string argument."], result.stderr
+    for (arguments, message), line in zip(cases, lines):
+        assert line.startswith("refused: ") and message in line and line.endswith(" False []"), (arguments, line)

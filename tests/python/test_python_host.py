@@ -1,12 +1,12 @@
-"""A Python program as the host: callables serve the host's operations for one
-product "Duo" of two blocks, from a root that holds no tdblocks data of its own;
-values cross both ways; the repository and the window browse it."""
+"""A Python program as the host: callables serve a root without tdblocks data one product "Duo" of two blocks."""
 
 import os
+import pathlib
 
 import pytest
 
 import tandril
+from conftest import calls_with
 from tandril import Repository, StandaloneBrowser
 
 SVG = b'<svg xmlns="http://www.w3.org/2000/svg" width="40" height="30"><rect width="40" height="30"/></svg>'
@@ -25,47 +25,37 @@ def root_dir(tmp_path_factory):
 
 
 class TwoBlockHost:
-    """The repository operations for "Duo", and the window's commands on its blocks;
-    calls, reports and opened dialogs are noted."""
+    """The host operations for "Duo" and the window's commands; the calls made and the dialogs opened are noted."""
 
     def __init__(self, root):
-        self.root = root
-        self.calls, self.reports, self.dialogs = [], [], []
-
-    def note(self, name, report):
-        self.calls.append(name)
-        self.reports.append(report)
+        self.root, self.calls, self.dialogs = root, [], []
 
     def lb_getTdBlocksData(self, nargout, report, path):
-        self.note("lb_getTdBlocksData", report)
-        assert nargout == 9
+        self.calls.append(("lb_getTdBlocksData", type(report), nargout))
         return [["Duo"], ["duo"], ["duo"], [0.0], ["duo/duo.lib"], ["duo/duo.lib"], ["Product"], [[]],
                 [["duo/duo.lib"]]]
 
     def lb_getLibraryData(self, nargout, report, path):
-        self.note("lb_getLibraryData", report)
+        self.calls.append(("lb_getLibraryData", type(report)))
         info = os.stat(self.root / "duo" / "duo.lib")
         return (["duo/duo.lib"], float(info.st_size), float(int(info.st_mtime)))
 
     def lb_getChildrenHandles(self, nargout, report, parent):
-        self.note("lb_getChildrenHandles", report)
+        self.calls.append(("lb_getChildrenHandles", type(report)))
         if parent != "duo":
             raise LookupError("no children below %r" % (parent,))
         return [sorted(BLOCKS)]
 
     def lb_getBlockData(self, nargout, report, handle):
-        self.note("lb_getBlockData", report)
-        name, description = BLOCKS[handle]
-        report.log("served %s from Python" % name)
-        return [name, description, [0.0, 0.0, 40.0, 30.0], "Block", "", ""]
+        self.calls.append(("lb_getBlockData", type(report)))
+        report.log("served %s from Python" % BLOCKS[handle][0])
+        return [*BLOCKS[handle], [0.0, 0.0, 40.0, 30.0], "Block", "", ""]
 
     def lb_createSubSystemIcons(self, nargout, report, parent, children, files):
-        self.note("lb_createSubSystemIcons", report)
-        assert parent == "duo" and children == ["duo/Alpha", "duo/Beta"]
-        for file in files:
-            os.makedirs(os.path.dirname(file), exist_ok=True)
-            with open(file, "wb") as out:
-                out.write(SVG)
+        self.calls.append(("lb_createSubSystemIcons", type(report), parent, children))
+        for file in map(pathlib.Path, files):
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_bytes(SVG)
 
     def private_td_is_system_loaded(self, nargout, name):
         return [True]
@@ -84,15 +74,6 @@ def python_host(session, root_dir):
         tandril.register_host_function(name, None)
 
 
-def calls_with(name, function, call):
-    """call() with function registered for name, then without it."""
-    tandril.register_host_function(name, function)
-    try:
-        return call()
-    finally:
-        tandril.register_host_function(name, None)
-
-
 def test_a_two_block_library_served_from_python_is_browsed(python_host):
     repository = Repository.Repository.open()
     products = list(repository.getProductsIterator())
@@ -100,40 +81,17 @@ def test_a_two_block_library_served_from_python_is_browsed(python_host):
     children = list(repository.getChildrenIterator(products[0]))
     assert [(c.Name, c.Type, c.Description) for c in children] == [
         ("Alpha", "Block", "The first of two."), ("Beta", "Block", "The second of two.")]
-    assert children[0].Icon.svg == SVG
-    assert [b.Path for b in repository.findBlocks("bet")] == ["duo/Beta"]
+    assert children[0].Icon.svg == SVG and [b.Path for b in repository.findBlocks("bet")] == ["duo/Beta"]
     report = repository.getRepositoryReport()
     assert not report.hasError(), report.getErrors()
     assert any("served Beta from Python" in line for line in report.getLog())
-    assert set(python_host.calls) == set(OPERATIONS)
-    assert all(isinstance(r, Repository.RepositoryReport) for r in python_host.reports)
+    report_class = Repository.RepositoryReport
+    assert set(map(str, python_host.calls)) == set(map(str, [
+        ("lb_getTdBlocksData", report_class, 9), ("lb_getLibraryData", report_class),
+        ("lb_getChildrenHandles", report_class), ("lb_getBlockData", report_class),
+        ("lb_createSubSystemIcons", report_class, "duo", ["duo/Alpha", "duo/Beta"])]))
     assert repository.isProductUpToDate("duo")
     assert tandril.registered_host_functions() == sorted(OPERATIONS + WINDOW_COMMANDS)
-
-
-@pytest.mark.parametrize(
-    "value, back",
-    [
-        ("text", "text"),
-        ("", ""),
-        (True, True),
-        (3, 3.0),
-        (2.5, 2.5),
-        ([1, 2.5], [1.0, 2.5]),
-        ([True, False], [True, False]),
-        ([[1, 2], [3, 4], [5, 6]], [[1.0, 2.0], [3.0, 4.0], [5.0, 6.0]]),
-        ([[1], [2]], [[1.0], [2.0]]),
-        (["a", 1, [True]], ["a", 1.0, True]),
-        ([["a"], []], [["a"], []]),
-        ([], []),
-        ([1, True], [1.0, True]),
-        (None, None),
-        ({"a": 1}, None),
-    ],
-)
-def test_values_cross_both_ways(session, value, back):
-    assert calls_with("echo", lambda nargout, *inputs: list(inputs), lambda: tandril.call_host("echo", 1, value)) \
-        == [back]
 
 
 class Refusal(Exception):
@@ -144,20 +102,24 @@ def refuse(nargout, *inputs):
     raise Refusal("not today")
 
 
-@pytest.mark.parametrize(
-    "function, inputs, identifier, says",
-    [
-        (refuse, (), "Test:Host:Refused", "not today"),
-        (refuse, ("too", "many"), "Test:Host:Refused", "not today"),
-        (lambda nargout: "one output, not in a list", (), "Tandril:Host:PythonResult", ""),
-        (None, ("x",), "Tandril:Host:UndefinedFunction", ""),
-    ],
-)
-def test_a_callable_that_fails_or_is_gone_is_a_failed_call(session, function, inputs, identifier, says):
-    with pytest.raises(tandril.Error, match=says) as info:
-        calls_with("failing", function, lambda: tandril.call_host("failing", 1, *inputs))
-    assert info.value.identifier == identifier
-    assert "failing" not in tandril.registered_host_functions()
+def test_values_cross_both_ways_and_a_callable_that_fails_or_is_gone_is_a_failed_call(session):
+    for value, back in [("text", "text"), ("", ""), (True, True), (3, 3.0), (2.5, 2.5), ([1, 2.5], [1.0, 2.5]),
+                        ([True, False], [True, False]), ([[1, 2], [3, 4]], [[1.0, 2.0], [3.0, 4.0]]),
+                        ([[1], [2]], [[1.0], [2.0]]), (["a", 1, [True]], ["a", 1.0, True]),
+                        ([["a"], []], [["a"], []]),
+                        ([], []), ([1, True], [1.0, True]), (None, None), ({"a": 1}, None)]:
+        assert calls_with("echo", lambda nargout, *inputs: list(inputs),
+                          lambda: tandril.call_host("echo", 1, value)) == [back], value
+    assert calls_with("echo", lambda nargout, *inputs: tuple(inputs),  # Any sequence serves as a list.
+                      lambda: tandril.call_host("echo", 1, range(3))) == [[0.0, 1.0, 2.0]]
+    for function, inputs, identifier, says in [
+            (refuse, (), "Test:Host:Refused", "not today"),
+            (refuse, ("too", "many"), "Test:Host:Refused", "not today"),
+            (lambda nargout: "one output, not in a list", (), "Tandril:Host:PythonResult", ""),
+            (None, ("x",), "Tandril:Host:UndefinedFunction", "")]:
+        with pytest.raises(tandril.Error, match=says) as info:
+            calls_with("failing", function, lambda: tandril.call_host("failing", 1, *inputs))
+        assert info.value.identifier == identifier and "failing" not in tandril.registered_host_functions()
 
 
 def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_path):
@@ -168,55 +130,32 @@ def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_
     finally:
         tandril.register_host_function("lb_getBlockData", python_host.lb_getBlockData)
     # The writer clears the error flag after each product; the log keeps the
-    # error, and the callable's own words come before it.
-    report = writer.getRepositoryReport()
+    report = writer.getRepositoryReport()  # error, and the callable's own words come before it.
     assert any("??? **Error**" in line for line in report.getLog())
     assert ("Tandril:Host:PythonError", "lb_getBlockData: ZeroDivisionError: division by zero") in \
         report.getWarnings()
     reader = Repository.Reader.open(str(tmp_path / "store"))
-    assert [o.Name for o in reader.getChildrenIterator(reader.getTandrilObject("duo"))] == []
-    # What is not registered goes to the embedded host.
-    doomed = tmp_path / "doomed"
-    (doomed / "inner").mkdir(parents=True)
-    assert tandril.call_host("tdprivate", 3, "rmdir", str(doomed), "s") == [True, "", ""]
-    assert not doomed.exists()
+    assert reader.getChildrenIterator(reader.getTandrilObject("duo")).isEmpty()
+    (tmp_path / "doomed" / "inner").mkdir(parents=True)  # What is not registered goes to the embedded host.
+    assert tandril.call_host("tdprivate", 3, "rmdir", str(tmp_path / "doomed"), "s") == [True, "", ""]
+    assert not (tmp_path / "doomed").exists()
 
 
 def test_the_window_browses_the_library_and_survives_its_callables(python_host):
     browser = StandaloneBrowser()
     browser.show()
-    assert browser.getSortedLibraryNames() == ["Duo"]
     browser.selectTreeNodeByName("Duo")
-    assert browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
+    assert (browser.getSortedLibraryNames(), browser.getBlocks()) == (["Duo"], ["Duo/Alpha", "Duo/Beta"])
     browser.selectBlockByName("Duo/Beta")
     browser.doubleClickBlock("Duo/Beta")
     browser.showSelectedBlockParams()
     assert python_host.dialogs == [("duo/Beta", "default"), ("duo/Beta", "params")]
     browser.searchForBlock("bet")
     assert browser.getResultsSectionBlockNames("Duo") == ["Duo/Beta"]
-
-    refusals = []
-
-    def refusing(nargout, path, kind):
-        refusals.append(path)
-        refuse(nargout)
-
-    def destroy(nargout, path, kind):
-        try:
-            StandaloneBrowser().destroyInstance()
-        except tandril.Error as error:
-            refusals.append(error.identifier)
-            raise
-
-    # A failing callable leaves the window working; one cannot destroy the window that waits for it.
+    refusals = []  # A failing callable leaves the window working.
     browser.selectTabByIndex(0)
-    for function in (refusing, destroy):
-        tandril.register_host_function("private_td_open_block_dialog", function)
-        try:
-            browser.doubleClickBlock("Duo/Alpha")
-            assert browser.isEnabled() and browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"]
-        finally:
-            tandril.register_host_function("private_td_open_block_dialog", python_host.private_td_open_block_dialog)
-    assert refusals == ["duo/Alpha", "Tandril:StandaloneBrowser:Busy"]
+    calls_with("private_td_open_block_dialog", lambda nargout, path, kind: refusals.append(path) or refuse(nargout),
+               lambda: browser.doubleClickBlock("Duo/Alpha"))
+    assert browser.isEnabled() and browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"] and refusals == ["duo/Alpha"]
     browser.destroyInstance()
     assert "destroyed" in repr(browser)
