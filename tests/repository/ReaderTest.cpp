@@ -10,6 +10,7 @@
 #include "repository/xmlrepository/RecentIcons.h"
 #include "repository/xmlrepository/XMLRepository.h"
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
+#include "repository/xmlrepository/XMLRepositoryReaderCache.h"
 
 #include <QDir>
 #include <QFile>
@@ -146,6 +147,14 @@ TEST_F(HandleTest, UnloadsReloadsAndOrphans)
     EXPECT_EQ(y.getName(), "Y");
     EXPECT_EQ(XMLRepositoryArchiveCache::copyCount(), copies + 1) << "a new private copy of the archive";
     EXPECT_EQ(object("Alpha/Sub/X").getData(), x.getData());
+
+    // Another process publishes a new top level: the products read are
+    // dropped with it, and no handle keeps a node of theirs.
+    ASSERT_NE(x.getData()->node(), nullptr);
+    writeFile(topLevelFile(store()), readFile(topLevelFile(store())));
+    XMLRepositoryReaderCache::forgetReplacedTopLevels(store());
+    EXPECT_EQ(x.getData()->node(), nullptr);
+    EXPECT_EQ(x.getDescription(), "New X");
 
     TandrilObject held = object("Alpha/Sub");
     const std::uint32_t hash = held.hash();
