@@ -61,8 +61,9 @@ TEST(LibraryFileTest, WriterOutputReadsBackToTheSameDocument)
     EXPECT_EQ(LibraryFileWriter::toBytes(*read), LibraryFileWriter::toBytes(document));
     // The bytes agree even where writer and reader both drop a field; these do not.
     const BlockRecord& back = read->blocks[0];
-    EXPECT_EQ(std::make_tuple(back.name, back.icon.shape, back.icon.inputs, back.icon.outputs, back.position.bottom),
-              std::make_tuple(plain.name, IconShape::Diamond, 64, 64, 52.25));
+    EXPECT_EQ(std::make_tuple(back.name, back.description, back.icon.shape, back.icon.inputs, back.icon.outputs,
+                              back.position.bottom),
+              std::make_tuple(plain.name, plain.description, IconShape::Diamond, 64, 64, 52.25));
     const BlockRecord& inner = read->blocks[2].blocks[1];
     EXPECT_EQ(std::make_tuple(read->blocks[1].icon.svg, inner.target.path, inner.hasDescription),
               std::make_tuple(drawn.icon.svg, std::string("Continuous"), false));
