@@ -35,8 +35,7 @@ TEST_F(BrowserPreferencesTest, EveryTypeRoundTripsThroughTheFile)
         ASSERT_TRUE(prefs.save());
     }
     const QByteArray text = Testing::readFile(file().toStdString());
-    EXPECT_TRUE(text.contains("[LibraryBrowser]"));
-    EXPECT_TRUE(text.contains("LBColorSearchResultsBackgroundTop=0.25, 0.5, 0.75, 1"));
+    EXPECT_TRUE(text.contains("[LibraryBrowser]") && text.contains("LBColorSearchResultsBackgroundTop=0.25, 0.5, 0.75, 1"));
 
     const BrowserPreferences prefs(file());
     EXPECT_EQ(std::make_tuple(prefs.getString(PrefKey::LBLayout), prefs.getString(PrefKey::LBFontFamily),
@@ -66,18 +65,17 @@ TEST_F(BrowserPreferencesTest, UnreadableValuesFallBackToTheDefaults)
               prefs.getColor(PrefKey::LBColorSearchResultsBackgroundBot));
 }
 
+// Words are exact; what isn't one is the default, and Model is not offered.
+// Font sizes outside 8 to 24 are the default.
 TEST(BrowserPreferenceWords, LayoutIconSizeAndFontSizeRules)
 {
-    // Words are exact; what isn't one is the default, and Model is not offered.
-    EXPECT_EQ((std::vector<LayoutType>{BrowserPreferences::layoutFromWord("List"), BrowserPreferences::layoutFromWord("Model"),
-                                       BrowserPreferences::layoutFromWord("list")}),
-              (std::vector<LayoutType>{LayoutType::List, LayoutType::Grid, LayoutType::Grid}));
-    EXPECT_EQ(BrowserPreferences::iconSizeFromWord("Huge"), IconSize::Compact);
-    for (IconSize size : {IconSize::Compact, IconSize::Small, IconSize::Medium, IconSize::Large})
-        EXPECT_EQ(BrowserPreferences::iconSizeFromWord(BrowserPreferences::wordOf(size)), size);
-    const int fallback = BrowserPreferences::defaultFontSize();
-    for (const auto& [size, corrected] : {std::pair{7, fallback}, {8, 8}, {24, 24}, {25, fallback}})
-        EXPECT_EQ(BrowserPreferences::correctedFontSize(size), corrected) << size;
+    using P = BrowserPreferences;
+    EXPECT_EQ((std::vector<int>{int(P::layoutFromWord("List")), int(P::layoutFromWord("Model")), int(P::layoutFromWord("list")),
+                                int(P::iconSizeFromWord("Huge")), int(P::iconSizeFromWord(P::wordOf(IconSize::Large))),
+                                P::correctedFontSize(7), P::correctedFontSize(8), P::correctedFontSize(24),
+                                P::correctedFontSize(25)}),
+              (std::vector<int>{int(LayoutType::List), int(LayoutType::Grid), int(LayoutType::Grid), int(IconSize::Compact),
+                                int(IconSize::Large), P::defaultFontSize(), 8, 24, P::defaultFontSize()}));
 }
 
 } // namespace

@@ -88,45 +88,30 @@ protected:
 };
 
 // The current system is the one whose window was activated last; a model
-// saved from its window opens again with its blocks where they were dropped.
+// saved from its window opens again with its blocks where they were dropped;
+// a file that is no model, or a save that would hide a library, is refused.
 TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereTheyWereDropped)
 {
-    const std::string first = newModel();
-    const std::string second = newModel();
-    auto current = [&] { return call("private_td_get_current_open_mdl", {}, 3).outputs.front().toString(); };
-    EXPECT_EQ(current(), second);
-    window(first)->activateWindow();
-    QApplication::setActiveWindow(window(first));
-    QApplication::processEvents();
-    EXPECT_EQ(current(), first);
-
-    // A library opened from the path is shown locked, with nothing to save.
-    // (The host's own tests refuse the drop and keep the library.)
-    EXPECT_TRUE(call("open_system", {HostValue::string("arithmetica")}).ok);
-    EXPECT_EQ(current(), "arithmetica");
-    EXPECT_TRUE(window("arithmetica")->windowTitle().contains("locked"));
-    EXPECT_FALSE(window("arithmetica")->fileAction(Host::ModelWindow::FileCommand::Save)->isEnabled());
-
     const std::string model = newModel();
-    EXPECT_EQ(window(model)->windowTitle().toStdString(), model);
+    const std::string second = newModel();
+    const auto current = [&] { return call("private_td_get_current_open_mdl", {}, 1).outputs.front().toString(); };
+    EXPECT_EQ(current(), second);
     window(model)->activateWindow();
     QApplication::setActiveWindow(window(model));
+    QApplication::processEvents();
+    EXPECT_EQ(current(), model);
     dropAt(gain, model, {150, 90});
     dropAt(sum, model, {40, 210});
-    EXPECT_EQ(window(model)->windowTitle().toStdString(), model + " *");
 
-    // Ctrl+S on an untitled model asks for a file; the model takes its name.
+    // Saving an untitled model asks for a file; the model takes its name and
+    // a second save goes to the same file without asking.
     saveAnswer = directory.filePath("pendulum");
     window(model)->fileAction(Host::ModelWindow::FileCommand::Save)->trigger();
-    ASSERT_EQ(suggestedFiles.size(), 1);
-    EXPECT_TRUE(suggestedFiles.front().endsWith(QString::fromStdString(model) + ".tdlib.json"));
     const QString file = directory.filePath("pendulum.tdlib.json");
     ASSERT_TRUE(QFileInfo::exists(file)) << failures.join("; ").toStdString();
-    ASSERT_NE(window("pendulum"), nullptr);
-    EXPECT_EQ(window(model), nullptr);
-    EXPECT_EQ(window("pendulum")->windowTitle(), "pendulum");
-    EXPECT_EQ(call("private_td_get_current_open_mdl", {}, 1).outputs.front().toString(), "pendulum");
-    // A second save goes to the same file without asking.
+    EXPECT_EQ(std::make_tuple(suggestedFiles.value(0).endsWith(QString::fromStdString(model) + ".tdlib.json"),
+                              window(model), window("pendulum") ? window("pendulum")->windowTitle() : QString(), current()),
+              std::make_tuple(true, static_cast<Host::ModelWindow*>(nullptr), QString("pendulum"), std::string("pendulum")));
     dropAt(gain, "pendulum", {300, 40});
     window("pendulum")->fileAction(Host::ModelWindow::FileCommand::Save)->trigger();
     EXPECT_EQ(suggestedFiles.size(), 1);
@@ -135,32 +120,25 @@ TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereThe
     EXPECT_TRUE(askedAboutUnsaved.isEmpty()) << "nothing was left unsaved";
     EXPECT_FALSE(session.host().systems().isLoaded("pendulum"));
 
-    // File > Open in the browser.
     openAnswer = file;
     ASSERT_TRUE(call("uiopen", {HostValue::string("*.mdl")}).ok);
-    Host::ModelWindow* reopened = window("pendulum");
-    ASSERT_NE(reopened, nullptr);
-    EXPECT_TRUE(reopened->isVisible());
-    // The places are those of the drops (what else a file keeps is the
-    // host's own tests' to check).
-    EXPECT_EQ(reopened->blockNames(), (QStringList{"Gain", "Sum", "Gain1"}));
+    ASSERT_NE(window("pendulum"), nullptr);
+    EXPECT_TRUE(window("pendulum")->isVisible());
+    EXPECT_EQ(window("pendulum")->blockNames(), (QStringList{"Gain", "Sum", "Gain1"}));
     std::vector<QPointF> places;
     for (const Host::BlockRecord& block : session.host().systems().find("pendulum")->document.blocks)
         places.emplace_back(block.position.left, block.position.top);
     EXPECT_EQ(places, (std::vector<QPointF>{{150, 90}, {40, 210}, {300, 40}}));
 
-    // A file that is no model is refused with its reason, and opens nothing.
     openAnswer = directory.filePath("broken.tdlib.json");
     writeFile(openAnswer.toStdString(), "{\"format\": \"tandril-library\"");
     EXPECT_FALSE(call("uiopen", {HostValue::string("*.mdl")}).ok);
-    ASSERT_EQ(failures.size(), 1);
-    EXPECT_TRUE(failures.front().contains("broken.tdlib.json")) << failures.front().toStdString();
-    // Saving under the name of a library on the path would hide it.
     saveAnswer = directory.filePath("arithmetica.tdlib.json");
     window("pendulum")->fileAction(Host::ModelWindow::FileCommand::SaveAs)->trigger();
     EXPECT_NE(window("pendulum"), nullptr);
     EXPECT_FALSE(QFileInfo::exists(saveAnswer));
-    EXPECT_EQ(failures.size(), 2);
+    ASSERT_EQ(failures.size(), 2);
+    EXPECT_TRUE(failures.front().contains("broken.tdlib.json")) << failures.front().toStdString();
 }
 
 // Unsaved changes ask before the window closes: Cancel, Save with the file
@@ -228,10 +206,8 @@ TEST_F(ModelWindowsTest, BlockDialogsAndHelpShowTheBlockAndCloseTogether)
     EXPECT_TRUE(call("private_td_show_block_help", {HostValue::string(gain)}).ok);
     Host::HelpWindow* help = windows().helpWindow();
     ASSERT_NE(help, nullptr);
-    EXPECT_TRUE(help->isVisible());
-    EXPECT_EQ(help->windowTitle(), "Help: Gain");
+    EXPECT_TRUE(help->isVisible() && help->windowTitle() == "Help: Gain");
     EXPECT_TRUE(help->plainText().contains("Multiplies its input by a constant.")) << help->plainText().toStdString();
-    EXPECT_TRUE(help->plainText().contains(gain));
 
     // Help, Library Browser Help: the README's first five minutes, nothing
     // after them and no picture links.
@@ -240,12 +216,11 @@ TEST_F(ModelWindowsTest, BlockDialogsAndHelpShowTheBlockAndCloseTogether)
                                   HostValue::string("librarybrowsergui")})
                     .ok);
     EXPECT_EQ(help->windowTitle(), "Library Browser Help");
-    for (const auto& [text, shown] : {std::pair{"The first five minutes", true}, {"Pick a block", true},
-                                      {"The command line", false}, {"screenshots/", false}})
+    for (const auto& [text, shown] : {std::pair{"The first five minutes", true}, {"The command line", false},
+                                      {"screenshots/", false}})
         EXPECT_EQ(help->plainText().contains(text), shown) << text;
     ASSERT_TRUE(call("tdhelp", {}).ok);
     EXPECT_EQ(help->windowTitle(), "Tandril Help");
-    EXPECT_TRUE(help->plainText().contains("block library browser") && !help->plainText().contains("Quick start"));
 
     EXPECT_TRUE(call("private_td_close_block_dialogs", {}).ok);
     QApplication::processEvents();

@@ -141,23 +141,21 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     keys("delay");
     ASSERT_GE(rows().size(), 3);
     key(Qt::Key_Up);
-    EXPECT_EQ(popup()->rows().current(), 0);
+    const int top = popup()->rows().current();
     key(Qt::Key_Down);
     key(Qt::Key_Down);
-    EXPECT_EQ(popup()->rows().current(), 2);
+    EXPECT_EQ(std::make_pair(top, popup()->rows().current()), std::make_pair(0, 2));
     const QString third = rows()[2];
     const std::string thirdPath = popup()->rows().currentBlock()->block.getPath();
     key(Qt::Key_Return, Qt::ControlModifier);
     ASSERT_NE(popup(), nullptr);
-    EXPECT_EQ(blocksOf(model).size(), 1);
-    EXPECT_EQ(popup()->rows().current(), 2);
+    EXPECT_EQ(std::make_pair(blocksOf(model).size(), popup()->rows().current()), std::make_pair(qsizetype(1), 2));
 
     key(Qt::Key_Up);
     const std::string favourite = popup()->rows().currentBlock()->block.getPath();
     key(Qt::Key_D, Qt::ControlModifier);
     EXPECT_EQ(stored(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(favourite)});
-    EXPECT_TRUE(popup()->rows().currentBlock()->favourite);
-    EXPECT_EQ(popup()->rows().currentBlock()->block.getPath(), favourite);
+    EXPECT_TRUE(popup()->rows().currentBlock()->favourite && popup()->rows().currentBlock()->block.getPath() == favourite);
 
     // Added last, a block after the other in the tree comes first among the recents.
     popup()->queryEdit()->clear();
@@ -167,10 +165,9 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     popup()->queryEdit()->clear();
     settle();
     ASSERT_EQ(rows().size(), 3);
-    EXPECT_EQ(popup()->rows().rows()[0].block.getPath(), favourite);
-    EXPECT_EQ(rows()[1], "Kinetics/Test Signals/Pulse Train");
-    EXPECT_EQ(rows()[2], third);
-    EXPECT_EQ(popup()->rows().rows()[2].block.getPath(), thirdPath);
+    EXPECT_EQ(std::make_tuple(popup()->rows().rows()[0].block.getPath(), rows()[1], rows()[2],
+                              popup()->rows().rows()[2].block.getPath()),
+              std::make_tuple(favourite, QString("Kinetics/Test Signals/Pulse Train"), third, thirdPath));
 
     key(Qt::Key_Escape);
     EXPECT_EQ(popup(), nullptr);
@@ -202,10 +199,8 @@ TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty
     history.noteAdded("lib/Block 22");
     BrowserPreferences again(preferencesFile());
     const QStringList recents = again.getStringList(PrefKey::LBRecentBlocks);
-    ASSERT_EQ(recents.size(), BlockHistory::RecentLimit);
-    EXPECT_EQ(recents.front(), "lib/Block 22");
-    EXPECT_EQ(recents[1], "lib/Block 24");
-    EXPECT_EQ(recents.back(), "lib/Block 5");
+    EXPECT_EQ((QStringList{recents.value(0), recents.value(1), recents.value(19), recents.value(20)}),
+              (QStringList{"lib/Block 22", "lib/Block 24", "lib/Block 5", ""}));
     EXPECT_EQ(again.getStringList(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(path)});
 
     // A preferences file that can't be written: the history works on for the
@@ -217,10 +212,8 @@ TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty
     }
     BrowserPreferences prefs(blocker + "/LibraryBrowser.ini");
     BlockHistory lost(prefs);
-    EXPECT_FALSE(lost.noteAdded("lib/Gain"));
-    EXPECT_FALSE(lost.setFavourite("lib/Gain", true));
-    EXPECT_TRUE(lost.isFavourite("lib/Gain"));
-    EXPECT_EQ(lost.recents(), QStringList{"lib/Gain"});
+    EXPECT_FALSE(lost.noteAdded("lib/Gain") || lost.setFavourite("lib/Gain", true));
+    EXPECT_TRUE(lost.isFavourite("lib/Gain") && lost.recents() == QStringList{"lib/Gain"});
     EXPECT_TRUE(lost.saveFailureMessage().contains(blocker)) << lost.saveFailureMessage().toStdString();
     QFile::remove(blocker);
 }
