@@ -15,7 +15,6 @@
 #include <QGraphicsView>
 #include <QLineEdit>
 #include <QScreen>
-#include <QSettings>
 #include <QTest>
 
 namespace LibraryBrowser::Testing {
@@ -62,11 +61,6 @@ protected:
     {
         QTest::keyClick(popup()->queryEdit(), which, modifiers);
         settle();
-    }
-    static QStringList stored(const char* key)
-    {
-        QSettings file(preferencesFile(), QSettings::IniFormat);
-        return file.value(QString(BrowserPreferences::Group) + "/" + key).toStringList();
     }
 };
 
@@ -128,7 +122,7 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     settle();
     ASSERT_NE(popup(), nullptr);
     EXPECT_TRUE(rows().isEmpty());
-    EXPECT_TRUE(stored(PrefKey::LBFavoriteBlocks).isEmpty());
+    EXPECT_TRUE(BrowserPreferences(preferencesFile()).getStringList(PrefKey::LBFavoriteBlocks).isEmpty());
 
     // Subsystems stand for libraries: a model takes none. "gain" matches
     // three blocks and three subsystems.
@@ -154,7 +148,8 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     key(Qt::Key_Up);
     const std::string favourite = popup()->rows().currentBlock()->block.getPath();
     key(Qt::Key_D, Qt::ControlModifier);
-    EXPECT_EQ(stored(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(favourite)});
+    EXPECT_EQ(BrowserPreferences(preferencesFile()).getStringList(PrefKey::LBFavoriteBlocks),
+              QStringList{QString::fromStdString(favourite)});
     EXPECT_TRUE(popup()->rows().currentBlock()->favourite && popup()->rows().currentBlock()->block.getPath() == favourite);
 
     // Added last, a block after the other in the tree comes first among the recents.
