@@ -26,7 +26,6 @@
 #include <QTest>
 
 #include <algorithm>
-#include <functional>
 
 namespace LibraryBrowser::Testing {
 namespace {
@@ -49,15 +48,12 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
 {
     StandaloneBrowser& window = open();
     const std::vector<std::string> names = window.getSortedLibraryNames();
-    ASSERT_GE(names.size(), 3u);
-    EXPECT_EQ(names.front(), "Tandril");
-    EXPECT_TRUE(std::is_sorted(names.begin() + 1, names.end()));
+    ASSERT_EQ(window.tree()->topLevelItemCount(), int(names.size()));
+    EXPECT_TRUE(names.front() == "Tandril" && std::is_sorted(names.begin() + 1, names.end()));
     for (int i = 0; i < int(names.size()); ++i)
         EXPECT_EQ(window.tree()->topLevelItem(i)->text(0).toStdString(), " " + names[i]);
-    EXPECT_EQ(window.tree()->topLevelItemCount(), int(names.size()));
     EXPECT_TRUE(window.isTreeNodeExpanded(window.getCurrentTreeNode()));
     EXPECT_EQ(window.getCurrentStatusBarMessage(), "Showing: " + window.getCurrentTreeNode());
-    EXPECT_EQ(window.tree()->currentItem()->text(0).trimmed().toStdString(), window.getCurrentTreeNode());
     EXPECT_EQ(std::make_tuple(dock("LBSearchDockWidget")->isVisible(), window.getCurrentTabIndex(),
                               window.window()->findChild<QTabWidget*>("LBTabContainer")->tabText(1)),
               std::make_tuple(false, 0, QString("Search Results: (none)")));
@@ -87,9 +83,10 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
 }
 
 // Expanding lists subsystems only; closing moves the selection up; a path
-// not yet in the tree is found by opening its way down; * opens every branch
-// below; the expander closing a branch over the current node leaves its
-// nearest ancestor current, and opening it makes the branch's items anew.
+// not yet in the tree is found by opening its way down; the expander closing
+// a branch over the current node leaves its nearest ancestor current, and
+// opening it makes the branch's items anew. (* opening every branch below:
+// the real-display journey.)
 TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheExpander)
 {
     StandaloneBrowser& window = open();
@@ -127,26 +124,6 @@ TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheE
     window.internalOpenSubsystemInTree(nested);
     EXPECT_EQ(window.getCurrentTreeNode(), nested);
     ASSERT_NE(tree->itemOf(window.getCurrentNodeUID()), nullptr);
-
-    std::function<int(QTreeWidgetItem*)> openBelow = [&](QTreeWidgetItem* item) {
-        int opened = 0;
-        for (int i = 0; i < item->childCount(); ++i)
-            if (tree->isItemExpandable(LibraryTreeView::uidOf(item->child(i)))) {
-                EXPECT_TRUE(item->child(i)->isExpanded()) << item->child(i)->text(0).toStdString();
-                opened += 1 + openBelow(item->child(i));
-            }
-        return opened;
-    };
-    // A branch not opened yet and one already open.
-    for (const std::string node : {"Kinetics/Mechanical", "Tandril"}) {
-        window.selectTreeNodeByName(node);
-        tree->setFocus();
-        QTest::keyClick(tree, Qt::Key_Asterisk);
-        settle();
-        EXPECT_GT(openBelow(tree->itemOf(window.getCurrentNodeUID())), 0) << node;
-        EXPECT_EQ(window.getCurrentTreeNode(), node);
-        EXPECT_TRUE(tree->itemOf(window.getCurrentNodeUID())->isExpanded());
-    }
 }
 
 // Keys in the tree wait for the timer and show only where the user stops; a
