@@ -60,9 +60,6 @@ TEST_F(BrowserPreferencesTest, UnreadableValuesFallBackToTheDefaults)
                               prefs.getColor(PrefKey::LBColorBlocksDescriptionBackground),
                               prefs.getStringList(PrefKey::LBSearchHistory)),
               std::make_tuple(111, true, QRect(32, 64, 600, 640), QRect(0, 0, 390, 410), QColor(Qt::white), QStringList()));
-    // The library page's bottom shares its default with the results page's.
-    EXPECT_EQ(prefs.getColor(PrefKey::LBColorLibraryBlocksBackgroundBot),
-              prefs.getColor(PrefKey::LBColorSearchResultsBackgroundBot));
 }
 
 // Words are exact; what isn't one is the default, and Model is not offered.
