@@ -14,6 +14,7 @@
 #include <QCursor>
 #include <QRegularExpression>
 #include <QTest>
+#include <QWindow>
 
 namespace LibraryBrowser::Testing {
 namespace {
@@ -141,7 +142,11 @@ TEST_F(BlockActionsTest, DragsOntoAModelAddTheBlockWhereDroppedAndARightDragOpen
     ASSERT_EQ(blocks.size(), 2u);
     EXPECT_EQ(QPointF(blocks[0].position.left, blocks[0].position.top), QPointF(150, 90));
     EXPECT_EQ(QPointF(blocks[1].position.left, blocks[1].position.top), QPointF(40, 200));
-    const QStringList menu = rightClick(integratorTile);
+    // A right click through the window system opens the menu.
+    QWindow* handle = window.window()->windowHandle();
+    const QPoint at = integratorTile->getPanel()->mapTo(window.window(), integratorTile->geometry().center());
+    QCursor::setPos(handle->mapToGlobal(at));
+    const QStringList menu = menuOpenedBy([&] { QTest::mouseClick(handle, Qt::RightButton, {}, at); });
     ASSERT_FALSE(menu.isEmpty());
     EXPECT_EQ(menu.front().toStdString(), "Add to " + model);
     EXPECT_EQ(blocksOf(model).size(), 2) << "a menu closed without a choice adds nothing";

@@ -1,5 +1,5 @@
 // The browser's preferences dialog: what a person sets there reaches the
-// open window at once and the preferences file, and a restart keeps it.
+// open window at once and the preferences file (read back at a restart: BrowserWindowTest).
 
 #include "BrowserWindowFixture.h"
 
@@ -68,14 +68,6 @@ TEST_F(PreferencesDialogTest, AppliedValuesChangeTheOpenWindowAndAreSaved)
     press(dialog, QDialogButtonBox::Cancel);
     settle();
     EXPECT_EQ(window.getLayoutType(), LayoutType::List);
-
-    // A restart opens with what was applied.
-    closeWindow();
-    StandaloneBrowser& again = open();
-    EXPECT_EQ(std::make_tuple(again.getFontPointSize(), again.getIconSize(),
-                              again.getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb(),
-                              again.getSettings().treeSelectionTimeout),
-              std::make_tuple(14.0, IconSize::Large, sand.rgb(), 400));
 }
 
 } // namespace
