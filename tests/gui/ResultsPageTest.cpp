@@ -109,9 +109,8 @@ TEST_F(ResultsPageTest, SectionsFollowTheLibrariesAndAHiddenOneIsRememberedOrFor
 }
 
 // Moves cross from section to section by the rows of two columns, take the
-// last tile of a shorter last row, pass over hidden sections and never wrap;
-// in the list layout Down runs into the next section.
-TEST_F(ResultsPageTest, SelectionMovesAcrossSectionsInTheGridAndTheList)
+// last tile of a shorter last row, pass over hidden sections and never wrap.
+TEST_F(ResultsPageTest, SelectionMovesAcrossSections)
 {
     StandaloneBrowser& window = open();
     ResultsBlocksPage& page = *window.resultsPage();
@@ -153,19 +152,6 @@ TEST_F(ResultsPageTest, SelectionMovesAcrossSectionsInTheGridAndTheList)
     select(tandril);
     QTest::keyClick(page.getScrollView(), Qt::Key_Down);
     EXPECT_EQ(selectedPath(page), tandril + "/Square Wave");
-    page.showResultsSectionByName("Kinetics");
-
-    window.setLayout(LayoutType::List);
-    window.searchForBlock("delay");
-    EXPECT_EQ(page.getNumIconCols(), 1);
-    const Names first = page.getPageSectionBlocksDisplayPathNames("Tandril");
-    ASSERT_EQ(first.size(), 3u);
-    select(first[1]);
-    page.selectBlockDown();
-    EXPECT_EQ(selectedPath(page), first[2]);
-    page.selectBlockDown();
-    EXPECT_EQ(selectedPath(page), "Kinetics/Continuous/Transport Delay");
-    screenshot(page, "results-page-list.png");
 }
 
 } // namespace
