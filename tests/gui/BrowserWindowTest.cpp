@@ -3,7 +3,6 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "frame/TDLibBrowseShutDownObject.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
@@ -312,15 +311,6 @@ TEST_F(BrowserWindowTest, ShowAfterCloseAndRefreshCheckTheProductsAgain)
     const std::string file = session().root() + "/toolbox/switchyard/switchyard.tdlib.json";
     writeFile(file, switchyard);
     setModified(file, QDateTime::currentDateTime().addSecs(240));
-}
-
-TEST_F(BrowserWindowTest, TheHostsExitClosesTheWindowOfTheProcess)
-{
-    StandaloneBrowser::getInstance()->showBrowser();
-    EXPECT_TRUE(TDLibBrowseShutDownObject().prepareToExit());
-    EXPECT_FALSE(StandaloneBrowser::hasInstance());
-    // The preferences were saved on the way out.
-    EXPECT_TRUE(BrowserPreferences(preferencesFile()).contains(PrefKey::LBWindowState));
 }
 
 } // namespace
