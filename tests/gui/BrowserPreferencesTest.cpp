@@ -14,10 +14,6 @@ namespace {
 class BrowserPreferencesTest : public ::testing::Test {
 protected:
     QString file() const { return dir.filePath("prefs.ini"); }
-    void writeIni(const std::string& body) const
-    {
-        Testing::writeFile(file().toStdString(), QByteArray("[LibraryBrowser]\n") + body.c_str());
-    }
     QTemporaryDir dir;
 };
 
@@ -49,11 +45,9 @@ TEST_F(BrowserPreferencesTest, EveryTypeRoundTripsThroughTheFile)
 // What can't be read, like what isn't there, is the default.
 TEST_F(BrowserPreferencesTest, UnreadableValuesFallBackToTheDefaults)
 {
-    writeIni("LBTreeSelectionTimeout=soon\n"
-             "LBShowBlockDesc=perhaps\n"
-             "LBGeometry4Window=1, 2, 3\n"
-             "LBGeometry4Blocks=a, b, c, d\n"
-             "LBColorBlocksDescriptionBackground=0.5, 2, 0, 1\n");
+    Testing::writeFile(file().toStdString(), "[LibraryBrowser]\nLBTreeSelectionTimeout=soon\nLBShowBlockDesc=perhaps\n"
+                                             "LBGeometry4Window=1, 2, 3\nLBGeometry4Blocks=a, b, c, d\n"
+                                             "LBColorBlocksDescriptionBackground=0.5, 2, 0, 1\n");
     const BrowserPreferences prefs(file());
     EXPECT_EQ(std::make_tuple(prefs.getInt(PrefKey::LBTreeSelectionTimeout), prefs.getBool(PrefKey::LBShowBlockDesc),
                               prefs.getRect(PrefKey::LBGeometry4Window), prefs.getRect(PrefKey::LBGeometry4Blocks),

