@@ -67,9 +67,8 @@ TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
     // Ctrl+R goes to the selected hit in its library, and back by the tab.
     window.selectSearchResultByDisplayPathName("Kinetics/Discrete/Unit Delay");
     QTest::keyClick(window.window(), Qt::Key_R, Qt::ControlModifier);
-    EXPECT_EQ(window.getCurrentTabIndex(), 0);
-    EXPECT_EQ(window.getCurrentTreeNode(), "Kinetics/Discrete");
-    EXPECT_EQ(window.getSelectedBlockName(), "Kinetics/Discrete/Unit Delay");
+    EXPECT_EQ(std::make_tuple(window.getCurrentTabIndex(), window.getCurrentTreeNode(), window.getSelectedBlockName()),
+              std::make_tuple(0, std::string("Kinetics/Discrete"), std::string("Kinetics/Discrete/Unit Delay")));
     window.selectTabByIndex(1);
     EXPECT_EQ(window.getSelectedBlockName(), "Kinetics/Discrete/Unit Delay");
 
