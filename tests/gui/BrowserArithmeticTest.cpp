@@ -84,7 +84,6 @@ TEST(NameWrapTest, NamesWrapWhereAReaderExpectsBeforeAnywhereElse)
         {"Gain", 10, {"Gain"}},
         {"Transport Delay", 10, {"Transport", "Delay"}},
         {"Zero-Order Hold", 6, {"Zero-", "Order Hold"}},
-        {"my_block_name", 9, {"my_block_", "name"}},
         {"SignalGenerator", 10, {"Signal", "Generator"}},
         // No place to wrap fits: the line breaks where the width ends.
         {"Abcdefghijklmnop", 5, {"Abcde", "fghijklmnop"}},

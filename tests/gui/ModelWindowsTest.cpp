@@ -29,15 +29,9 @@ protected:
     {
         session.host().showWindows();
         Host::ModelWindowPrompts prompts;
-        prompts.saveFileName = [this](QWidget*, const QString& suggested) {
-            suggestedFiles.append(suggested);
-            return saveAnswer;
-        };
+        prompts.saveFileName = [this](QWidget*, const QString& suggested) { return suggestedFiles.append(suggested), saveAnswer; };
         prompts.openFileName = [this](QWidget*) { return openAnswer; };
-        prompts.unsavedChanges = [this](QWidget*, const QString& name) {
-            askedAboutUnsaved.append(name);
-            return unsavedAnswer;
-        };
+        prompts.unsavedChanges = [this](QWidget*, const QString& name) { return askedAboutUnsaved.append(name), unsavedAnswer; };
         prompts.failure = [this](QWidget*, const QString&, const QString& message) { failures.append(message); };
         windows().setPrompts(prompts);
     }
