@@ -55,21 +55,16 @@ TEST(BrowserLayoutRulesTest, ASecondScreenKeepsAWindowThatWasOnIt)
               std::make_pair(QRect(2000, 100, 600, 640), 1920 + 32));
 }
 
-TEST(SearchHistoryTest, TextsAreTrimmedAndNeedTwoCharacters)
+TEST(SearchHistoryTest, TextsAreTrimmedNeedTwoCharactersAndASearchedOneKeepsItsPlace)
 {
     const std::pair<std::string, std::string> valid[] = {{"  ga \t", "ga"}, {"\nGain\n", "Gain"}, {"é2", "é2"}};
-    for (auto [text, expected] : valid) {
-        EXPECT_TRUE(SearchHistory::validateSearchString(text));
-        EXPECT_EQ(text, expected);
-    }
+    for (auto [text, expected] : valid)
+        EXPECT_TRUE(SearchHistory::validateSearchString(text) && text == expected) << text;
     for (std::string text : {"", " g ", "\t\n", "é"})
         EXPECT_FALSE(SearchHistory::validateSearchString(text)) << text;
-}
-
-// The limit and the text that found nothing through the window:
-// SearchFlowTest. Here what it doesn't reach.
-TEST(SearchHistoryTest, ATextSearchedAgainKeepsItsPlaceAndOnlyAFailedOneLeaves)
-{
+    // A text searched again keeps its place and only a failed one leaves.
+    // (The limit and the text that found nothing through the window:
+    // SearchFlowTest.)
     const QString prompt = "Enter search term";
     EXPECT_EQ(SearchHistory::beforeSearch({"a1", "b2"}, "b2", QString(), prompt, 24), (QStringList{"a1", "b2"}));
     const QStringList found{"zzz", "gain", "sine"};

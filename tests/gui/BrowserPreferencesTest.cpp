@@ -11,17 +11,14 @@
 namespace LibraryBrowser {
 namespace {
 
-class BrowserPreferencesTest : public ::testing::Test {
-protected:
-    QString file() const { return dir.filePath("prefs.ini"); }
-    QTemporaryDir dir;
-};
-
-TEST_F(BrowserPreferencesTest, EveryTypeRoundTripsThroughTheFile)
+// Every type round-trips through the file; what can't be read, like what
+// isn't there, is the default.
+TEST(BrowserPreferencesTest, EveryTypeRoundTripsThroughTheFileAndWhatCantBeReadIsTheDefault)
 {
+    QTemporaryDir dir;
+    const QString file = dir.filePath("prefs.ini");
     {
-        BrowserPreferences prefs(file());
-        prefs.setString(PrefKey::LBLayout, "List");
+        BrowserPreferences prefs(file);
         prefs.setString(PrefKey::LBFontFamily, "Noto Sans, Bold");
         prefs.setInt(PrefKey::LBFontSize, 14);
         prefs.setBool(PrefKey::LBShowBlockDesc, false);
@@ -30,29 +27,25 @@ TEST_F(BrowserPreferencesTest, EveryTypeRoundTripsThroughTheFile)
         prefs.setColor(PrefKey::LBColorSearchResultsBackgroundTop, QColor::fromRgbF(0.25f, 0.5f, 0.75f, 1));
         ASSERT_TRUE(prefs.save());
     }
-    const QByteArray text = Testing::readFile(file().toStdString());
+    const QByteArray text = Testing::readFile(file.toStdString());
     EXPECT_TRUE(text.contains("[LibraryBrowser]") && text.contains("LBColorSearchResultsBackgroundTop=0.25, 0.5, 0.75, 1"));
 
-    const BrowserPreferences prefs(file());
-    EXPECT_EQ(std::make_tuple(prefs.getString(PrefKey::LBLayout), prefs.getString(PrefKey::LBFontFamily),
+    const BrowserPreferences prefs(file);
+    EXPECT_EQ(std::make_tuple(prefs.getString(PrefKey::LBFontFamily),
                               prefs.getInt(PrefKey::LBFontSize), prefs.getBool(PrefKey::LBShowBlockDesc),
                               prefs.getRect(PrefKey::LBGeometry4Window), prefs.getStringList(PrefKey::LBSearchHistory),
                               prefs.getColor(PrefKey::LBColorSearchResultsBackgroundTop)),
-              std::make_tuple(QString("List"), QString("Noto Sans, Bold"), 14, false, QRect(-10, 20, 800, 700),
+              std::make_tuple(QString("Noto Sans, Bold"), 14, false, QRect(-10, 20, 800, 700),
                               QStringList{"gain", "a, b", "sum"}, QColor::fromRgbF(0.25f, 0.5f, 0.75f, 1)));
-}
 
-// What can't be read, like what isn't there, is the default.
-TEST_F(BrowserPreferencesTest, UnreadableValuesFallBackToTheDefaults)
-{
-    Testing::writeFile(file().toStdString(), "[LibraryBrowser]\nLBTreeSelectionTimeout=soon\nLBShowBlockDesc=perhaps\n"
+    Testing::writeFile(file.toStdString(), "[LibraryBrowser]\nLBTreeSelectionTimeout=soon\nLBShowBlockDesc=perhaps\n"
                                              "LBGeometry4Window=1, 2, 3\nLBGeometry4Blocks=a, b, c, d\n"
                                              "LBColorBlocksDescriptionBackground=0.5, 2, 0, 1\n");
-    const BrowserPreferences prefs(file());
-    EXPECT_EQ(std::make_tuple(prefs.getInt(PrefKey::LBTreeSelectionTimeout), prefs.getBool(PrefKey::LBShowBlockDesc),
-                              prefs.getRect(PrefKey::LBGeometry4Window), prefs.getRect(PrefKey::LBGeometry4Blocks),
-                              prefs.getColor(PrefKey::LBColorBlocksDescriptionBackground),
-                              prefs.getStringList(PrefKey::LBSearchHistory)),
+    const BrowserPreferences bad(file);
+    EXPECT_EQ(std::make_tuple(bad.getInt(PrefKey::LBTreeSelectionTimeout), bad.getBool(PrefKey::LBShowBlockDesc),
+                              bad.getRect(PrefKey::LBGeometry4Window), bad.getRect(PrefKey::LBGeometry4Blocks),
+                              bad.getColor(PrefKey::LBColorBlocksDescriptionBackground),
+                              bad.getStringList(PrefKey::LBSearchHistory)),
               std::make_tuple(111, true, QRect(32, 64, 600, 640), QRect(0, 0, 390, 410), QColor(Qt::white), QStringList()));
 }
 
