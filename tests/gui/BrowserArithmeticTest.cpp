@@ -41,10 +41,8 @@ TEST(BrowserLayoutRulesTest, ASavedWindowIsBroughtBackOntoASingleScreen)
     };
     for (const auto& [saved, expected] : cases)
         EXPECT_EQ(fitBrowserOnScreens(saved, oneScreen()), expected) << saved.x() << "," << saved.y();
-}
 
-TEST(BrowserLayoutRulesTest, ASecondScreenKeepsAWindowThatWasOnIt)
-{
+    // A second screen keeps a window that was on it.
     ScreenLayout screens = oneScreen();
     screens.screenCount = 2;
     screens.screenAtPoint = 1;

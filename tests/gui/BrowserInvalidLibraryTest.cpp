@@ -63,8 +63,8 @@ TEST(BrowserInvalidLibraryTest, AnUnresolvedProductHasANodeButIsNotSearched)
     edit->setText("Delay");
     QTest::keyClick(edit, Qt::Key_Return);
     EXPECT_EQ(window->getResultsPageSectionNames(), (std::vector<std::string>{"Tandril", "Kinetics"}));
-    EXPECT_TRUE(texts.filter("Searching Kinetics").size() > 0) << texts.join(" | ").toStdString();
-    EXPECT_TRUE(texts.filter("InvalidLibrary").isEmpty()) << texts.join(" | ").toStdString();
+    EXPECT_TRUE(!texts.filter("Searching Kinetics").isEmpty() && texts.filter("InvalidLibrary").isEmpty())
+        << texts.join(" | ").toStdString();
 }
 
 // Five products of forty plain blocks, "Block 0" to "Block 39" each, so
