@@ -17,17 +17,16 @@ namespace {
 
 using Action = BlockContextMenu::Action;
 
-class BlockContextMenuTest : public BrowserWindowFixture {
-protected:
-    static std::vector<std::string> labels(const std::vector<BlockContextMenu::Entry>& entries)
-    {
-        std::vector<std::string> texts;
-        for (const auto& entry : entries)
-            texts.push_back((entry.separatorBefore ? "-- " : "") + entry.label +
-                            (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]"));
-        return texts;
-    }
-};
+using BlockContextMenuTest = BrowserWindowFixture;
+
+std::vector<std::string> labels(const std::vector<BlockContextMenu::Entry>& entries)
+{
+    std::vector<std::string> texts;
+    for (const auto& entry : entries)
+        texts.push_back((entry.separatorBefore ? "-- " : "") + entry.label +
+                        (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]"));
+    return texts;
+}
 
 TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedToAndASubsystemsOpensItsLibrary)
 {

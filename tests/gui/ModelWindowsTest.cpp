@@ -51,10 +51,9 @@ protected:
     // Drops the block where the model point of the window lies on the screen.
     void dropAt(const std::string& block, const std::string& model, QPoint modelPoint)
     {
-        const QPoint screen = window(model)->viewport()->mapToGlobal(modelPoint);
-        ASSERT_TRUE(call("private_td_drop_block", {HostValue::string(block), HostValue::string(model),
-                                                   HostValue::doubleMatrix(1, 2, {double(screen.x()), double(screen.y())})})
-                        .ok);
+        const QPoint at = window(model)->viewport()->mapToGlobal(modelPoint);
+        const HostValue screen = HostValue::doubleMatrix(1, 2, {double(at.x()), double(at.y())});
+        ASSERT_TRUE(call("private_td_drop_block", {HostValue::string(block), HostValue::string(model), screen}).ok);
     }
     ExampleRootSession session;
     QTemporaryDir directory;

@@ -8,6 +8,7 @@
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/QuickInsertPopup.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -198,10 +199,7 @@ TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty
     // A preferences file that can't be written: the history works on for the
     // session and says so.
     const QString blocker = QDir(QFileInfo(preferencesFile()).absolutePath()).filePath("not-a-directory");
-    {
-        QFile file(blocker);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
+    writeFile(blocker.toStdString(), "");
     BrowserPreferences prefs(blocker + "/LibraryBrowser.ini");
     BlockHistory lost(prefs);
     EXPECT_FALSE(lost.noteAdded("lib/Gain") || lost.setFavourite("lib/Gain", true));
