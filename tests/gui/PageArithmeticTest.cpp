@@ -45,7 +45,7 @@ TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)
             << row.path;
 }
 
-TEST(TextHelpers, LongestWordReplaceAndAmpersands)
+TEST(TextHelpers, LongestWordAndReplace)
 {
     std::string word, first;
     EXPECT_EQ(computeLongestWordInString("gain  integrator sum", word) + computeLongestWordInString("abc def", first), 13);
@@ -53,7 +53,6 @@ TEST(TextHelpers, LongestWordReplaceAndAmpersands)
     std::string text = "a-b-A";
     strReplace(text, "a", "xa");
     EXPECT_EQ(text, "xa-b-A");
-    EXPECT_EQ(escapeAmpersands("R&D & Co"), "R&&D && Co");
 }
 
 // Seven tiles in three columns: 0 1 2 / 3 4 5 / 6. One row, one column, or

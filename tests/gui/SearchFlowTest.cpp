@@ -62,8 +62,8 @@ TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
                      "Kinetics/Discrete/Unit Delay"}));
     EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'Delay'    2 blocksets    0 subsystems    6 blocks");
     EXPECT_EQ(resultsTabTitle(), "Found: 'Delay'");
-    EXPECT_TRUE(statusTexts().contains("Searching for 'Delay'"));
-    EXPECT_TRUE(statusTexts().contains("Matches for 'Delay'    1 blocksets    0 subsystems    3 blocks    Searching Kinetics"));
+    EXPECT_TRUE(statusTexts().contains("Searching for 'Delay'") &&
+                statusTexts().contains("Matches for 'Delay'    1 blocksets    0 subsystems    3 blocks    Searching Kinetics"));
     // Ctrl+R goes to the selected hit in its library, and back by the tab.
     window.selectSearchResultByDisplayPathName("Kinetics/Discrete/Unit Delay");
     QTest::keyClick(window.window(), Qt::Key_R, Qt::ControlModifier);
