@@ -69,6 +69,7 @@ TEST(ResultsSectionRulesTest, MovesAcrossSections)
         {"right from the last tile to the next shown section", right, {0, 6}, {2, 0}},
         {"right at the very last tile stays", right, {3, 1}, {3, 1}},
         {"right from a hidden section's tile", right, {1, 0}, {2, 0}},
+        {"down within", &down, {0, 1}, {0, 4}},
         {"down onto a shorter last row takes the last tile", &down, {0, 5}, {0, 6}},
         {"down from the last row keeps the column", &down, {2, 4}, {3, 1}},
         {"down keeps the column within the next section", &down, {2, 3}, {3, 0}},
