@@ -73,22 +73,13 @@ QStringList BlockActionsFixture::commandsSinceMark()
     return commands;
 }
 
-namespace {
-
-QPoint tileCentreInWindow(StandaloneBrowser& browser, const GuiBlock* tile)
-{
-    return tile->getPanel()->mapTo(browser.window(), tile->geometry().center());
-}
-
-} // namespace
-
 void BlockActionsFixture::drag(GuiBlock* tile, Qt::MouseButton button, const QPoint& global)
 {
     // The user scrolls to the tile first.
     browser().selectBlockByName(tile->getDisplayPath());
     settle();
     QWindow* handle = browser().window()->windowHandle();
-    const QPoint start = tileCentreInWindow(browser(), tile);
+    const QPoint start = tile->getPanel()->mapTo(browser().window(), tile->geometry().center());
     QCursor::setPos(handle->mapToGlobal(start));
     QTest::mousePress(handle, button, {}, start);
     QTest::mouseMove(handle, start + QPoint(12, 6));
@@ -97,14 +88,6 @@ void BlockActionsFixture::drag(GuiBlock* tile, Qt::MouseButton button, const QPo
     QTest::mouseMove(handle, end);
     QTest::mouseRelease(handle, button, {}, end);
     settle();
-}
-
-QStringList BlockActionsFixture::rightClick(GuiBlock* tile)
-{
-    QWindow* handle = browser().window()->windowHandle();
-    const QPoint at = tileCentreInWindow(browser(), tile);
-    QCursor::setPos(handle->mapToGlobal(at));
-    return menuOpenedBy([&] { QTest::mouseClick(handle, Qt::RightButton, {}, at); });
 }
 
 BlockActionsFixture::MenuEntry BlockActionsFixture::editMenuAddEntry()

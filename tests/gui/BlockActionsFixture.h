@@ -58,9 +58,6 @@ protected:
     // cursor following, as the window system delivers a drag: the events
     // enter through the browser's window and go to the tile that was pressed.
     void drag(GuiBlock* tile, Qt::MouseButton button, const QPoint& global);
-    // A right click on the tile through the window system; the entries of
-    // the menu it opened, which is closed again, or none.
-    QStringList rightClick(GuiBlock* tile);
 
     // The Edit menu opened and closed again: the add entry's label and
     // whether it was enabled while open.

@@ -17,27 +17,25 @@ namespace {
 
 using Action = BlockContextMenu::Action;
 
-class BlockContextMenuTest : public BrowserWindowFixture {
-protected:
-    static std::vector<std::string> labels(const std::vector<BlockContextMenu::Entry>& entries)
-    {
-        std::vector<std::string> texts;
-        for (const auto& entry : entries)
-            texts.push_back((entry.separatorBefore ? "-- " : "") + entry.label +
-                            (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]"));
-        return texts;
-    }
-};
+using BlockContextMenuTest = BrowserWindowFixture;
 
-TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
+std::vector<std::string> labels(const std::vector<BlockContextMenu::Entry>& entries)
 {
-    GuiBlock gain{&open(), session().object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
-    const OpenSystemState none;
+    std::vector<std::string> texts;
+    for (const auto& entry : entries)
+        texts.push_back((entry.separatorBefore ? "-- " : "") + entry.label +
+                        (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]"));
+    return texts;
+}
+
+TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedToAndASubsystemsOpensItsLibrary)
+{
+    StandaloneBrowser& window = open();
+    GuiBlock gain{&window, session().object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
     const OpenSystemState model{"untitled", ModelType::Model, false};
     const OpenSystemState lockedLibrary{"arithmetica", ModelType::Library, true};
     const OpenSystemState library{"mylib", ModelType::Library, false};
-
-    EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, false, true, none)),
+    EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, false, true, {})),
               (std::vector<std::string>{"Add to a new model [Ctrl+I]", "Help for the Gain block", "Go to parent",
                                         "-- Block parameters"}));
     for (const auto& [state, label] : {std::pair{model, "Add to untitled"}, {lockedLibrary, "Add to a new model"},
@@ -47,48 +45,32 @@ TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedTo)
     EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, true, true, model)),
               (std::vector<std::string>{"Add to untitled [Ctrl+I]", "Help for the Gain block",
                                         "Select in library view [Ctrl+R]", "-- Block parameters"}));
+    // A subsystem's menu opens its library.
+    GuiSubsystem routing{&window, session().object("switchyard/Routing").toBlock(), nullptr};
+    EXPECT_EQ((std::vector<std::vector<std::string>>{labels(BlockContextMenu::entriesFor(routing, false, true, {})),
+                                                      labels(BlockContextMenu::entriesFor(routing, false, false, {})),
+                                                      labels(BlockContextMenu::entriesFor(routing, true, true, {}))}),
+              (std::vector<std::vector<std::string>>{{"Go to parent", "-- Open Routing library"},
+                                                      {"Open Routing library"},
+                                                      {"Select in library view [Ctrl+R]", "-- Open Routing library"}}));
 }
 
-TEST_F(BlockContextMenuTest, ASubsystemsMenuOpensItsLibrary)
+TEST(BrowserHostCommandsTest, CommandsReachTheHostWithTheirArgumentsAndWarningsMutedWhileTheyRun)
 {
-    GuiSubsystem routing{&open(), session().object("switchyard/Routing").toBlock(), nullptr};
-    EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, false, true, {})),
-              (std::vector<std::string>{"Go to parent", "-- Open Routing library"}));
-    EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, false, false, {})),
-              (std::vector<std::string>{"Open Routing library"}));
-    EXPECT_EQ(labels(BlockContextMenu::entriesFor(routing, true, true, {})),
-              (std::vector<std::string>{"Select in library view [Ctrl+R]", "-- Open Routing library"}));
-}
-
-class BrowserHostCommandsTest : public ::testing::Test {
-protected:
-    std::vector<std::string> logged()
-    {
-        std::vector<std::string> texts;
-        for (const auto& entry : session.host().commandLog().entries())
-            texts.push_back(entry.text());
-        session.host().commandLog().clear();
-        return texts;
-    }
     ExampleRootSession session;
-};
-
-TEST_F(BrowserHostCommandsTest, CommandsReachTheHostWithTheirArguments)
-{
-    logged();
+    session.host().commandLog().clear();
     using namespace BrowserUtils;
     dropBlock("kinetics/Continuous/Integrator", "untitled", 120, 45);
     openBlockDialog("arithmetica/Basic Operations/Sum", BlockDialogType::Parameters);
     addBlockToModel("", "untitled");
-    const std::vector<std::string> texts = logged();
+    std::vector<std::string> texts;
+    for (const auto& entry : session.host().commandLog().entries())
+        texts.push_back(entry.text());
     ASSERT_EQ(texts.size(), 2u);
-    EXPECT_NE(texts[0].find("private_td_drop_block"), std::string::npos);
-    EXPECT_NE(texts[0].find("[120 45]"), std::string::npos);
-    EXPECT_NE(texts[1].find("params"), std::string::npos);
-}
-
-TEST_F(BrowserHostCommandsTest, WarningsAreMutedDuringACommandAndRestoredAfter)
-{
+    EXPECT_TRUE(texts[0].find("private_td_drop_block") == 0 && texts[0].find("[120 45]") != std::string::npos &&
+                texts[1].find("'params'") != std::string::npos)
+        << texts[0] << "\n" << texts[1];
+    // Warnings are muted while a command runs, and restored after.
     HostEnvironment& environment = Platform::environment();
     for (bool on : {true, false}) {
         environment.setWarningMode(3, on);

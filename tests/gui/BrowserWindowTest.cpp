@@ -3,8 +3,6 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "frame/MessageCatalogue.h"
-#include "frame/TDLibBrowseShutDownObject.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
@@ -16,7 +14,6 @@
 #include <QComboBox>
 #include <QDateTime>
 #include <QDockWidget>
-#include <QGridLayout>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
@@ -28,73 +25,34 @@
 #include <QTest>
 
 #include <algorithm>
-#include <functional>
 
 namespace LibraryBrowser::Testing {
 namespace {
 
 using BrowserWindowTest = BrowserWindowFixture;
 
-QStringList showing(const QStringList& texts)
-{
-    QStringList shown;
-    for (const QString& text : texts)
-        if (text.startsWith("Showing: "))
-            shown.append(text.mid(9));
-    return shown;
-}
-
 // The first window: the tree's order, the first product shown, the panels
-// docked, the tips, the description beside or below its icon, and the
-// description closed with its cross staying closed across a restart.
+// docked, and the description closed with its cross staying closed across a
+// restart.
 TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
 {
     StandaloneBrowser& window = open();
     const std::vector<std::string> names = window.getSortedLibraryNames();
-    ASSERT_GE(names.size(), 3u);
-    EXPECT_EQ(names.front(), "Tandril");
-    EXPECT_TRUE(std::is_sorted(names.begin() + 1, names.end()));
+    ASSERT_EQ(window.tree()->topLevelItemCount(), int(names.size()));
+    EXPECT_TRUE(names.front() == "Tandril" && std::is_sorted(names.begin() + 1, names.end()));
     for (int i = 0; i < int(names.size()); ++i)
         EXPECT_EQ(window.tree()->topLevelItem(i)->text(0).toStdString(), " " + names[i]);
-    EXPECT_EQ(window.tree()->topLevelItemCount(), int(names.size()));
     EXPECT_TRUE(window.isTreeNodeExpanded(window.getCurrentTreeNode()));
     EXPECT_EQ(window.getCurrentStatusBarMessage(), "Showing: " + window.getCurrentTreeNode());
-    EXPECT_FALSE(window.libraryPage()->getBlocksDisplayPathNames().empty());
-    EXPECT_EQ(window.tree()->currentItem()->text(0).trimmed().toStdString(), window.getCurrentTreeNode());
     EXPECT_EQ(std::make_tuple(dock("LBSearchDockWidget")->isVisible(), window.getCurrentTabIndex(),
                               window.window()->findChild<QTabWidget*>("LBTabContainer")->tabText(1)),
               std::make_tuple(false, 0, QString("Search Results: (none)")));
     for (const char* name : {"LBTreeDockWidget", "LBSearchDockWidget", "LBDescDockWidget"})
         EXPECT_NE(window.window()->dockWidgetArea(dock(name)), Qt::NoDockWidgetArea) << name;
 
-    // A command's own tip, or its name where it has none.
-    EXPECT_EQ(window.action(BrowserAction::NewModel)->toolTip().toStdString(),
-              BrowserUtils::xlatedMessageFromId(MessageId::TDLB_GuiToolBarNewModelToolTip));
-    EXPECT_EQ(window.action(BrowserAction::StayOnTop)->toolTip().toStdString(),
-              BrowserUtils::xlatedMessageFromId(MessageId::TDLB_GuiToolBarStayOnTopToolTip));
-    for (BrowserAction plain : {BrowserAction::Close, BrowserAction::Preferences, BrowserAction::Find})
-        EXPECT_EQ(window.action(plain)->toolTip(), window.action(plain)->iconText()) << int(plain);
-
-    // The description's icon and text sit in the shown dock, the text
-    // beside the icon in a wide dock and below it in a narrow one.
+    // The description of the selected block, closed with its cross.
     QDockWidget* descriptions = dock("LBDescDockWidget");
     ASSERT_TRUE(descriptions->isVisible());
-    for (const char* name : {"LBDescText", "LBDescIcon"}) {
-        auto* label = descriptions->findChild<QLabel*>(name);
-        ASSERT_NE(label, nullptr) << name;
-        EXPECT_TRUE(label->isVisible() && label->window() == window.window()) << name;
-    }
-    const auto textCell = [&](QSize size) {
-        descriptions->widget()->resize(size);
-        settle();
-        auto* grid = qobject_cast<QGridLayout*>(window.descriptionText()->parentWidget()->layout());
-        int row = -1, column = -1, rows = 0, columns = 0;
-        grid->getItemPosition(grid->indexOf(window.descriptionText()), &row, &column, &rows, &columns);
-        return std::make_pair(row, column);
-    };
-    EXPECT_EQ(textCell({150, 400}), std::make_pair(1, 0));
-    EXPECT_EQ(textCell({600, 90}), std::make_pair(0, 1));
-
     window.internalOpenSubsystemInTree("Tandril/Signal Attributes");
     window.selectBlockByName("Tandril/Signal Attributes/Ground");
     EXPECT_TRUE(window.descriptionText()->text().startsWith("<b>Tandril/Signal Attributes/Ground</b>: "));
@@ -115,9 +73,10 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
 }
 
 // Expanding lists subsystems only; closing moves the selection up; a path
-// not yet in the tree is found by opening its way down; * opens every branch
-// below; the expander closing a branch over the current node leaves its
-// nearest ancestor current, and opening it makes the branch's items anew.
+// not yet in the tree is found by opening its way down; the expander closing
+// a branch over the current node leaves its nearest ancestor current, and
+// opening it makes the branch's items anew. (* opening every branch below:
+// the real-display journey.)
 TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheExpander)
 {
     StandaloneBrowser& window = open();
@@ -155,56 +114,27 @@ TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheE
     window.internalOpenSubsystemInTree(nested);
     EXPECT_EQ(window.getCurrentTreeNode(), nested);
     ASSERT_NE(tree->itemOf(window.getCurrentNodeUID()), nullptr);
-
-    std::function<int(QTreeWidgetItem*)> openBelow = [&](QTreeWidgetItem* item) {
-        int opened = 0;
-        for (int i = 0; i < item->childCount(); ++i)
-            if (tree->isItemExpandable(LibraryTreeView::uidOf(item->child(i)))) {
-                EXPECT_TRUE(item->child(i)->isExpanded()) << item->child(i)->text(0).toStdString();
-                opened += 1 + openBelow(item->child(i));
-            }
-        return opened;
-    };
-    // A branch not opened yet and one already open.
-    for (const std::string node : {"Kinetics/Mechanical", "Tandril"}) {
-        window.selectTreeNodeByName(node);
-        tree->setFocus();
-        QTest::keyClick(tree, Qt::Key_Asterisk);
-        settle();
-        EXPECT_GT(openBelow(tree->itemOf(window.getCurrentNodeUID())), 0) << node;
-        EXPECT_EQ(window.getCurrentTreeNode(), node);
-        EXPECT_TRUE(tree->itemOf(window.getCurrentNodeUID())->isExpanded());
-    }
 }
 
-// Keys in the tree wait for the timer and show only where the user stops; a
-// click within the time-out shows its node at once and cancels the move.
+// Keys in the tree wait for the timer (the move shown when it runs: the
+// real-display journey); a click within the time-out shows its node at once
+// and cancels the move, so that nothing else is shown.
 TEST_F(BrowserWindowTest, KeyboardMovesWaitForTheTimerAndAClickCancelsThem)
 {
     StandaloneBrowser& window = open();
     LibraryTreeView* tree = window.tree();
     window.selectTreeNodeByName("Kinetics");
     tree->setFocus();
-    const QStringList before = showing(statusTexts());
+    const int before = int(statusTexts().size());
     QTest::keyClick(tree, Qt::Key_Down);
     QTest::keyClick(tree, Qt::Key_Down);
     settle(30);
-    EXPECT_EQ(showing(statusTexts()), before) << "nothing is built before the timer";
-    EXPECT_FALSE(window.isSelectedTreeNodeCurrent());
-    settle(400);
-    const QStringList shown = showing(statusTexts()).mid(int(before.size()));
-    ASSERT_EQ(shown.size(), 1) << shown.join(", ").toStdString();
-    EXPECT_EQ(shown.front().toStdString(), window.getCurrentTreeNode());
-    EXPECT_EQ(tree->currentItem()->text(0).trimmed(), shown.front().section('/', -1));
-    EXPECT_TRUE(window.isSelectedTreeNodeCurrent());
-
-    const int clicked = int(showing(statusTexts()).size());
-    QTest::keyClick(tree, Qt::Key_Up);
+    EXPECT_FALSE(window.isSelectedTreeNodeCurrent()) << "nothing is built before the timer";
     QTreeWidgetItem* last = tree->topLevelItem(tree->topLevelItemCount() - 1);
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(last).center());
     EXPECT_EQ(window.getCurrentTreeNode(), last->text(0).trimmed().toStdString());
     settle(400);
-    EXPECT_EQ(showing(statusTexts()).mid(clicked), QStringList{last->text(0).trimmed()});
+    EXPECT_EQ(statusTexts().mid(before).filter("Showing: "), QStringList{"Showing: " + last->text(0).trimmed()});
 }
 
 // Wrong values come back corrected and are written as the file always had
@@ -227,11 +157,7 @@ TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwa
                               window.getSearchOptions(), window.action(BrowserAction::GridLayout)->isChecked()),
               std::make_tuple(LayoutType::Grid, IconSize::Large, double(BrowserPreferences::defaultFontSize()),
                               std::vector<bool>{false, true, false}, true));
-    // What is read can be written back without moving the window.
-    const QRect position = window.getPosition();
-    EXPECT_EQ(position.size(), QSize(700, 500));
-    window.setPosition(position);
-    EXPECT_EQ(window.getPosition(), position);
+    EXPECT_EQ(window.getPosition().size(), QSize(700, 500));
     window.setIconSize(IconSize::Small);
     EXPECT_TRUE(window.closeBrowser());
     EXPECT_FALSE(window.closeBrowser());
@@ -260,8 +186,7 @@ TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwa
     EXPECT_EQ(again.getFontPointSize(), 9);
 }
 
-// Only a different layout or icon size rebuilds the page; a page resized
-// behind the other tab is laid out when shown.
+// Only a different layout or icon size rebuilds the page.
 TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
 {
     StandaloneBrowser& window = open();
@@ -276,22 +201,6 @@ TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
                               window.getIconSize(), window.action(BrowserAction::LargeIcons)->isChecked(),
                               window.action(BrowserAction::SmallIcons)->isChecked()),
               std::make_tuple(LayoutType::List, false, IconSize::Large, true, false));
-
-    window.setLayout(LayoutType::Grid);
-    window.setIconSize(IconSize::Small);
-    window.selectTreeNodeByName("Tandril");
-    window.window()->resize(520, 600);
-    settle();
-    const int columns = window.libraryPage()->getNumIconCols();
-    window.selectTabByIndex(1);
-    const std::string status = window.getCurrentStatusBarMessage();
-    window.window()->resize(1200, 600);
-    settle();
-    EXPECT_EQ(window.getCurrentStatusBarMessage(), status) << "the hidden page said nothing";
-    window.selectTabByIndex(0);
-    settle();
-    EXPECT_GT(window.libraryPage()->getNumIconCols(), columns);
-    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Showing: Tandril");
 }
 
 TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
@@ -363,47 +272,29 @@ TEST_F(BrowserWindowTest, ShowAfterCloseAndRefreshCheckTheProductsAgain)
         const std::string file = session().root() + "/toolbox/" + name + "/" + name + ".tdlib.json";
         const QByteArray good = readFile(file);
         std::string text = good.toStdString();
-        const std::size_t at = text.find(after);
-        EXPECT_NE(at, std::string::npos);
-        writeFile(file, QByteArray::fromStdString(text.insert(at + after.size(), insert)));
+        writeFile(file, QByteArray::fromStdString(text.insert(text.find(after) + after.size(), insert)));
         setModified(file, QDateTime::currentDateTime().addSecs(secs));
         return good;
     };
     edit("kinetics", "\"blocks\": [",
-         "\n{\"name\": \"Fresh Block\", \"type\": \"Block\", \"position\": [0, 0, 40, 40],"
+         "{\"name\": \"Fresh Block\", \"type\": \"Block\", \"position\": [0, 0, 40, 40],"
          " \"icon\": {\"shape\": \"rectangle\", \"inputs\": 1, \"outputs\": 1}},",
          60);
-    dialogs = window.progressShownCount();
     window.action(BrowserAction::Refresh)->trigger();
     EXPECT_GT(window.progressShownCount(), dialogs);
     EXPECT_TRUE(!window.isProgressShown() && window.isEnabled());
     window.selectTreeNodeByName("Kinetics");
-    const std::vector<std::string> blocks = window.libraryPage()->getBlocksDisplayPathNames();
-    EXPECT_NE(std::find(blocks.begin(), blocks.end(), "Kinetics/Fresh Block"), blocks.end());
+    EXPECT_TRUE(window.libraryPage()->getBlockByPathName("Kinetics/Fresh Block"));
 
     const QByteArray switchyard = edit("switchyard", "\"shape\": \"", "no such ", 120);
     window.refreshLibraryBrowser();
-    EXPECT_TRUE(window.isEnabled());
-    const std::vector<std::string> names = window.getSortedLibraryNames();
-    EXPECT_NE(std::find(names.begin(), names.end(), "Switchyard"), names.end());
-    EXPECT_TRUE(window.window()->findChildren<QMessageBox*>("LBWarningDialog").isEmpty());
     window.selectTreeNodeByName("Switchyard");
-    EXPECT_EQ(window.getCurrentTreeNode(), "Switchyard");
+    EXPECT_EQ(std::make_tuple(window.isEnabled(), window.getCurrentTreeNode(),
+                              window.window()->findChildren<QMessageBox*>("LBWarningDialog").size()),
+              std::make_tuple(true, std::string("Switchyard"), qsizetype(0)));
     const std::string file = session().root() + "/toolbox/switchyard/switchyard.tdlib.json";
     writeFile(file, switchyard);
     setModified(file, QDateTime::currentDateTime().addSecs(240));
-}
-
-TEST_F(BrowserWindowTest, TheHostsExitClosesTheWindowOfTheProcess)
-{
-    StandaloneBrowser* window = StandaloneBrowser::getInstance();
-    ASSERT_TRUE(StandaloneBrowser::hasInstance());
-    EXPECT_EQ(StandaloneBrowser::getInstance(), window);
-    window->showBrowser();
-    EXPECT_TRUE(TDLibBrowseShutDownObject().prepareToExit());
-    EXPECT_FALSE(StandaloneBrowser::hasInstance());
-    // The preferences were saved on the way out.
-    EXPECT_TRUE(BrowserPreferences(preferencesFile()).contains(PrefKey::LBWindowState));
 }
 
 } // namespace

@@ -9,72 +9,56 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QLabel>
 #include <QScrollArea>
-#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
 
 namespace LibraryBrowser::Testing {
 namespace {
 
-class LibraryBlocksPageTest : public BrowserWindowFixture {
-protected:
-    // The window in the layout and icon size, as wide as gives the page's
-    // view the width, on the node.
-    LibraryBlocksPage& showNode(const std::string& path, int viewWidth, LayoutType layout = LayoutType::Grid,
-                                IconSize size = IconSize::Small)
-    {
-        StandaloneBrowser& window = open();
-        window.setLayout(layout);
-        window.setIconSize(size);
-        resizeView(viewWidth);
-        window.internalOpenSubsystemInTree(path);
-        settle();
-        return *window.libraryPage();
-    }
-    void resizeView(int width)
-    {
-        QWidget* top = browser().window();
-        top->resize(top->width() + width - view()->viewport()->width(), 600);
-        settle();
-    }
-    QScrollArea* view() { return browser().libraryPage()->getScrollView(); }
-    std::string selected()
-    {
-        const GuiBlock* tile = browser().libraryPage()->getSelectedBlock();
-        return tile ? tile->getDisplayName() : "";
-    }
-    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        QTest::keyClick(view(), Qt::Key(key), modifiers);
-    }
-};
+using LibraryBlocksPageTest = BrowserWindowFixture;
 
 const std::string ports = "Tandril/Ports & Subsystems";
 const std::string signalAttributes = "Tandril/Signal Attributes";
 
-// A node's page: its label, status and first tile selected, subsystems
-// first; initials cycle; the menu keys open the selected tile's menu; the
-// mouse selects and a double click opens a subsystem in the tree, but not on
-// a page that isn't the window's current one.
-TEST_F(LibraryBlocksPageTest, ShowsTheNodeAndTheKeysAndTheMouseActOnIt)
+// A node's page: its label and first tile selected, subsystems first;
+// initials cycle; the menu keys open the selected tile's menu; the mouse
+// selects and a double click opens a subsystem in the tree, but not on a page
+// that isn't the window's current one. Then seven tiles in three columns:
+// each key reaches its move (where each move lands is SelectionMoves' to
+// pin); a resize reflows the same tiles and keeps the selection; another
+// layout makes them anew and keeps it too; unknown nodes change nothing.
+TEST_F(LibraryBlocksPageTest, TheKeysAndTheMouseActOnThePageAndItsSelectionOutlivesAReflow)
 {
-    LibraryBlocksPage& page = showNode(ports, 320);
-    StandaloneBrowser& window = browser();
+    StandaloneBrowser& window = open();
+    LibraryBlocksPage& page = *window.libraryPage();
+    QScrollArea* view = page.getScrollView();
+    const auto resizeView = [&](int width) {
+        window.window()->resize(window.window()->width() + width - view->viewport()->width(), 600);
+        settle();
+    };
+    const auto selected = [&] { return page.getSelectedBlock() ? page.getSelectedBlock()->getDisplayName() : ""; };
+    const auto press = [&](int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(view, Qt::Key(key), modifiers);
+    };
+    window.setLayout(LayoutType::Grid);
+    window.setIconSize(IconSize::Small);
+    resizeView(320);
+    window.window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.window()));
+    view->setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), window.searchComboBox()) << "Tab hands the focus to the search box";
+    window.internalOpenSubsystemInTree(ports);
+    settle();
     EXPECT_EQ(window.window()->findChild<QTabWidget*>("LBTabContainer")->tabText(0),
               "Library: Tandril/Ports && Subsystems");
-    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Showing: " + ports);
-    const std::vector<std::string> paths = page.getBlocksDisplayPathNames();
-    ASSERT_EQ(paths.size(), 6u);
     const std::string container = ports + "/Container";
     const std::string input = ports + "/Input Port";
-    EXPECT_EQ(std::vector<std::string>(paths.begin(), paths.begin() + 3),
+    const std::vector<std::string> first = page.getBlocksDisplayPathNames();
+    EXPECT_EQ(std::vector<std::string>(first.begin(), first.begin() + std::min<std::size_t>(3, first.size())),
               (std::vector<std::string>{container, ports + "/Conditional Container", input}));
     EXPECT_EQ(selected(), "Container");
-    EXPECT_TRUE(window.descriptionText()->text().startsWith("<b>Tandril/Ports &amp; Subsystems/Container</b>"));
-    EXPECT_TRUE(page.getBlockByPathName(paths[1])->isSubsystem());
-    EXPECT_FALSE(page.getBlockByPathName(paths[2])->isSubsystem());
 
     for (const auto& [key, modifiers, expected] : {std::tuple{Qt::Key_C, Qt::NoModifier, "Conditional Container"},
                                                    {Qt::Key_O, Qt::ShiftModifier, "Output Port"},
@@ -92,22 +76,15 @@ TEST_F(LibraryBlocksPageTest, ShowsTheNodeAndTheKeysAndTheMouseActOnIt)
     window.selectTabByIndex(1);
     QTest::mouseClick(panel, Qt::LeftButton, {}, inputAt);
     QTest::mouseDClick(panel, Qt::LeftButton, {}, containerAt);
-    EXPECT_EQ(selected(), "Output Port");
-    EXPECT_EQ(window.getCurrentTreeNode(), ports);
+    EXPECT_EQ(std::make_tuple(selected(), window.getCurrentTreeNode()), std::make_tuple(std::string("Output Port"), ports));
     window.selectTabByIndex(0);
     QTest::mouseClick(panel, Qt::LeftButton, {}, inputAt);
     EXPECT_EQ(selected(), "Input Port");
     QTest::mouseDClick(panel, Qt::LeftButton, {}, containerAt);
     EXPECT_EQ(window.getCurrentTreeNode(), container);
-}
 
-// Seven tiles in three columns: each key reaches its move (where each move
-// lands is SelectionMoves' to pin); a resize reflows the same tiles and keeps
-// the selection; another layout makes them anew and keeps it too; unknown
-// nodes change nothing.
-TEST_F(LibraryBlocksPageTest, KeysResizeAndRebuildInAGridOfSeven)
-{
-    LibraryBlocksPage& page = showNode(signalAttributes, 320);
+    window.internalOpenSubsystemInTree(signalAttributes);
+    settle();
     ASSERT_EQ(page.getNumIconCols(), 3);
     const std::vector<std::string> paths = page.getBlocksDisplayPathNames();
     ASSERT_EQ(paths.size(), 7u);
@@ -123,49 +100,19 @@ TEST_F(LibraryBlocksPageTest, KeysResizeAndRebuildInAGridOfSeven)
             press(key, modifiers);
         EXPECT_EQ(selected(), at(expected)) << keys.front() << " with " << modifiers;
     }
-    browser().window()->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(browser().window()));
-    view()->setFocus();
-    press(Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), browser().searchComboBox()) << "Tab hands the focus to the search box";
 
     press(Qt::Key_End);
     const long long made = GuiBlock::instancesCreated();
-    const GuiBlock* third = page.getBlockByPathName(paths[2]);
-    const QRect before = third->geometry();
     resizeView(230); // room for two columns
-    EXPECT_EQ(page.getNumIconCols(), 2);
-    EXPECT_EQ(GuiBlock::instancesCreated(), made);
-    EXPECT_EQ(third->geometry().topLeft(), QPoint(before.left() - 2 * (before.width() + 4), before.bottom() + 1 + 4));
-    EXPECT_EQ(selected(), at(6));
-    // Widening within the same columns changes nothing at all.
-    resizeView(240);
-    EXPECT_EQ(third->geometry().topLeft(), QPoint(5, 5 + 98 + 4));
-    EXPECT_EQ(GuiBlock::instancesCreated(), made);
-
+    EXPECT_EQ(std::make_tuple(page.getNumIconCols(), GuiBlock::instancesCreated(), selected()),
+              std::make_tuple(2, made, at(6)));
     press(Qt::Key_T);
-    EXPECT_EQ(selected(), "Terminator");
-    browser().setLayout(LayoutType::List);
+    window.setLayout(LayoutType::List);
     EXPECT_GT(GuiBlock::instancesCreated(), made);
-    EXPECT_EQ(selected(), "Terminator");
-    EXPECT_EQ(page.getNumIconCols(), 1);
+    EXPECT_EQ(std::make_tuple(selected(), page.getNumIconCols()), std::make_tuple(std::string("Terminator"), 1));
     page.updateBlocks(0);
     page.updateBlocks(999999);
     EXPECT_EQ(page.getBlocksDisplayPathNames(), paths);
-}
-
-TEST_F(LibraryBlocksPageTest, AWideNameInTheListGetsAHorizontalScrollBarNotACut)
-{
-    LibraryBlocksPage& page = showNode(signalAttributes, 160, LayoutType::List, IconSize::Large);
-    const GuiBlock* widest = page.getBlockByPathName(signalAttributes + "/Signal Attributes");
-    const int nameWidth = BrowserUtils::getFontInfoStringWidth(browser().getGuiFont(), widest->getDisplayName());
-    const TileMetrics& metrics = page.getTileMetrics();
-    EXPECT_GE(widest->geometry().width(), metrics.listWidthFor(nameWidth));
-    EXPECT_GE(metrics.nameRect(widest->geometry().width()).width(), nameWidth);
-    EXPECT_TRUE(view()->horizontalScrollBar()->isVisible());
-    // Every item is as wide as the widest, so the selection bar runs to the edge.
-    for (const std::string& path : page.getBlocksDisplayPathNames())
-        EXPECT_EQ(page.getBlockByPathName(path)->geometry().width(), widest->geometry().width());
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // The browser's preferences dialog: what a person sets there reaches the
-// open window at once and the preferences file, and a restart keeps it.
+// open window at once and the preferences file (read back at a restart: BrowserWindowTest).
 
 #include "BrowserWindowFixture.h"
 
@@ -12,8 +12,6 @@
 #include <QMainWindow>
 #include <QPushButton>
 #include <QSpinBox>
-
-#include <cstdlib>
 
 namespace LibraryBrowser::Testing {
 namespace {
@@ -57,12 +55,6 @@ TEST_F(PreferencesDialogTest, AppliedValuesChangeTheOpenWindowAndAreSaved)
     EXPECT_EQ(std::make_tuple(window.getFontPointSize(), window.window()->font().pointSize(), window.getLayoutType(),
                               window.getIconSize(), window.libraryPage()->getBackgroundColor()),
               std::make_tuple(14.0, 14, LayoutType::List, IconSize::Large, sand));
-    // The page is painted in the new colour at its top.
-    const QColor painted = window.libraryPage()->getMainPanel()->grab().toImage().pixelColor(1, 1);
-    EXPECT_LE(std::abs(painted.red() - sand.red()) + std::abs(painted.green() - sand.green()) +
-                  std::abs(painted.blue() - sand.blue()),
-              6)
-        << painted.name().toStdString();
     const BrowserPreferences stored(preferencesFile());
     EXPECT_EQ(std::make_tuple(stored.getInt(PrefKey::LBFontSize), stored.getString(PrefKey::LBLayout),
                               stored.getString(PrefKey::LBIconSize), stored.getInt(PrefKey::LBTreeSelectionTimeout),
@@ -76,14 +68,6 @@ TEST_F(PreferencesDialogTest, AppliedValuesChangeTheOpenWindowAndAreSaved)
     press(dialog, QDialogButtonBox::Cancel);
     settle();
     EXPECT_EQ(window.getLayoutType(), LayoutType::List);
-
-    // A restart opens with what was applied.
-    closeWindow();
-    StandaloneBrowser& again = open();
-    EXPECT_EQ(std::make_tuple(again.getFontPointSize(), again.getIconSize(),
-                              again.getColorPref(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb(),
-                              again.getSettings().treeSelectionTimeout),
-              std::make_tuple(14.0, IconSize::Large, sand.rgb(), 400));
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/QuickInsertPopup.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,7 +16,6 @@
 #include <QGraphicsView>
 #include <QLineEdit>
 #include <QScreen>
-#include <QSettings>
 #include <QTest>
 
 namespace LibraryBrowser::Testing {
@@ -63,11 +63,6 @@ protected:
         QTest::keyClick(popup()->queryEdit(), which, modifiers);
         settle();
     }
-    static QStringList stored(const char* key)
-    {
-        QSettings file(preferencesFile(), QSettings::IniFormat);
-        return file.value(QString(BrowserPreferences::Group) + "/" + key).toStringList();
-    }
 };
 
 // A letter typed on the drawing opens the popup where the mouse is, kept on
@@ -93,7 +88,6 @@ TEST_F(QuickInsertTest, TypingOnAModelInsertsTheBestMatchAtTheMouse)
     ASSERT_NE(popup(), nullptr);
     // At the mouse, moved only as far as keeps it on the screen.
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    EXPECT_TRUE(screen.contains(popup()->geometry()));
     EXPECT_EQ(popup()->pos(), QPoint(std::min(at.x(), screen.right() + 1 - popup()->width()), at.y()));
     keys("id");
     ASSERT_FALSE(rows().isEmpty());
@@ -128,36 +122,33 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     settle();
     ASSERT_NE(popup(), nullptr);
     EXPECT_TRUE(rows().isEmpty());
-    EXPECT_TRUE(stored(PrefKey::LBFavoriteBlocks).isEmpty());
+    EXPECT_TRUE(BrowserPreferences(preferencesFile()).getStringList(PrefKey::LBFavoriteBlocks).isEmpty());
 
     // Subsystems stand for libraries: a model takes none. "gain" matches
     // three blocks and three subsystems.
     keys("gain");
-    const QStringList blocksOfGain{"Arithmetica/Basic Operations/Gain", "Kinetics/Continuous/Zero-Pole",
-                                   "Kinetics/Continuous/\u00dcbertragungsglied PT1"};
-    EXPECT_EQ(rows(), blocksOfGain);
-    EXPECT_EQ(popup()->footerText(), "3 matching blocks");
+    EXPECT_EQ(rows() << popup()->footerText(), (QStringList{"Arithmetica/Basic Operations/Gain", "Kinetics/Continuous/Zero-Pole",
+                                                           "Kinetics/Continuous/\u00dcbertragungsglied PT1", "3 matching blocks"}));
     popup()->queryEdit()->clear();
     keys("delay");
     ASSERT_GE(rows().size(), 3);
     key(Qt::Key_Up);
-    EXPECT_EQ(popup()->rows().current(), 0);
+    const int top = popup()->rows().current();
     key(Qt::Key_Down);
     key(Qt::Key_Down);
-    EXPECT_EQ(popup()->rows().current(), 2);
+    EXPECT_EQ(std::make_pair(top, popup()->rows().current()), std::make_pair(0, 2));
     const QString third = rows()[2];
     const std::string thirdPath = popup()->rows().currentBlock()->block.getPath();
     key(Qt::Key_Return, Qt::ControlModifier);
     ASSERT_NE(popup(), nullptr);
-    EXPECT_EQ(blocksOf(model).size(), 1);
-    EXPECT_EQ(popup()->rows().current(), 2);
+    EXPECT_EQ(std::make_pair(blocksOf(model).size(), popup()->rows().current()), std::make_pair(qsizetype(1), 2));
 
     key(Qt::Key_Up);
     const std::string favourite = popup()->rows().currentBlock()->block.getPath();
     key(Qt::Key_D, Qt::ControlModifier);
-    EXPECT_EQ(stored(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(favourite)});
-    EXPECT_TRUE(popup()->rows().currentBlock()->favourite);
-    EXPECT_EQ(popup()->rows().currentBlock()->block.getPath(), favourite);
+    EXPECT_EQ(BrowserPreferences(preferencesFile()).getStringList(PrefKey::LBFavoriteBlocks),
+              QStringList{QString::fromStdString(favourite)});
+    EXPECT_TRUE(popup()->rows().currentBlock()->favourite && popup()->rows().currentBlock()->block.getPath() == favourite);
 
     // Added last, a block after the other in the tree comes first among the recents.
     popup()->queryEdit()->clear();
@@ -167,10 +158,9 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     popup()->queryEdit()->clear();
     settle();
     ASSERT_EQ(rows().size(), 3);
-    EXPECT_EQ(popup()->rows().rows()[0].block.getPath(), favourite);
-    EXPECT_EQ(rows()[1], "Kinetics/Test Signals/Pulse Train");
-    EXPECT_EQ(rows()[2], third);
-    EXPECT_EQ(popup()->rows().rows()[2].block.getPath(), thirdPath);
+    EXPECT_EQ(std::make_tuple(popup()->rows().rows()[0].block.getPath(), rows()[1], rows()[2],
+                              popup()->rows().rows()[2].block.getPath()),
+              std::make_tuple(favourite, QString("Kinetics/Test Signals/Pulse Train"), third, thirdPath));
 
     key(Qt::Key_Escape);
     EXPECT_EQ(popup(), nullptr);
@@ -189,8 +179,7 @@ TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty
         return menuOpenedBy([&] { browser().internalShowBlockContextMenu(tile, QPoint(100, 100)); });
     };
     const QStringList menu = menuOf(tile(pid));
-    ASSERT_FALSE(menu.isEmpty());
-    EXPECT_EQ(menu.last(), "Add to Favorites");
+    ASSERT_EQ(menu.value(menu.size() - 1), "Add to Favorites");
     // The menu was closed without a choice; the entry acts through the history.
     BlockHistory& history = browser().blockHistory();
     const std::string path = tile(pid)->getPath();
@@ -202,25 +191,18 @@ TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty
     history.noteAdded("lib/Block 22");
     BrowserPreferences again(preferencesFile());
     const QStringList recents = again.getStringList(PrefKey::LBRecentBlocks);
-    ASSERT_EQ(recents.size(), BlockHistory::RecentLimit);
-    EXPECT_EQ(recents.front(), "lib/Block 22");
-    EXPECT_EQ(recents[1], "lib/Block 24");
-    EXPECT_EQ(recents.back(), "lib/Block 5");
+    EXPECT_EQ((QStringList{recents.value(0), recents.value(1), recents.value(19), recents.value(20)}),
+              (QStringList{"lib/Block 22", "lib/Block 24", "lib/Block 5", ""}));
     EXPECT_EQ(again.getStringList(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(path)});
 
     // A preferences file that can't be written: the history works on for the
     // session and says so.
     const QString blocker = QDir(QFileInfo(preferencesFile()).absolutePath()).filePath("not-a-directory");
-    {
-        QFile file(blocker);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
+    writeFile(blocker.toStdString(), "");
     BrowserPreferences prefs(blocker + "/LibraryBrowser.ini");
     BlockHistory lost(prefs);
-    EXPECT_FALSE(lost.noteAdded("lib/Gain"));
-    EXPECT_FALSE(lost.setFavourite("lib/Gain", true));
-    EXPECT_TRUE(lost.isFavourite("lib/Gain"));
-    EXPECT_EQ(lost.recents(), QStringList{"lib/Gain"});
+    EXPECT_FALSE(lost.noteAdded("lib/Gain") || lost.setFavourite("lib/Gain", true));
+    EXPECT_TRUE(lost.isFavourite("lib/Gain") && lost.recents() == QStringList{"lib/Gain"});
     EXPECT_TRUE(lost.saveFailureMessage().contains(blocker)) << lost.saveFailureMessage().toStdString();
     QFile::remove(blocker);
 }
@@ -232,13 +214,11 @@ TEST(QuickInsertRowsTest, BoldRunsCountCharactersAndTheRestIsEscaped)
     // A character beyond sixteen bits counts once.
     EXPECT_EQ(QuickInsertRows::highlighted(QString::fromUtf8("\U0001D714 Gain"), {{2, 4}}),
               QString::fromUtf8("\U0001D714 <b>Gain</b>"));
-    EXPECT_EQ(QuickInsertRows::highlighted("Gain", {}), "Gain");
     EXPECT_EQ(QuickInsertRows::libraryPath("Kinetics/Continuous/PID Controller", "PID Controller"),
               "Kinetics/Continuous");
     QuickInsertRows rows;
-    EXPECT_EQ(rows.currentBlock(), nullptr);
     rows.move(1);
-    EXPECT_EQ(rows.current(), -1);
+    EXPECT_TRUE(rows.current() == -1 && !rows.currentBlock());
 }
 
 } // namespace
