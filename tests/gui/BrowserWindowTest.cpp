@@ -14,6 +14,7 @@
 #include <QComboBox>
 #include <QDateTime>
 #include <QDockWidget>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
@@ -50,9 +51,25 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
     for (const char* name : {"LBTreeDockWidget", "LBSearchDockWidget", "LBDescDockWidget"})
         EXPECT_NE(window.window()->dockWidgetArea(dock(name)), Qt::NoDockWidgetArea) << name;
 
-    // The description of the selected block, closed with its cross.
+    // The description of the selected block, in the shown dock, its text
+    // beside the icon in a wide dock and below it in a narrow one; closed
+    // with its cross.
     QDockWidget* descriptions = dock("LBDescDockWidget");
     ASSERT_TRUE(descriptions->isVisible());
+    for (const char* name : {"LBDescText", "LBDescIcon"}) {
+        auto* label = descriptions->findChild<QLabel*>(name);
+        EXPECT_TRUE(label && label->isVisible() && label->window() == window.window()) << name;
+    }
+    const auto textCell = [&](QSize size) {
+        descriptions->widget()->resize(size);
+        settle();
+        auto* grid = qobject_cast<QGridLayout*>(window.descriptionText()->parentWidget()->layout());
+        int row = -1, column = -1, rows = 0, columns = 0;
+        grid->getItemPosition(grid->indexOf(window.descriptionText()), &row, &column, &rows, &columns);
+        return std::make_pair(row, column);
+    };
+    EXPECT_EQ(textCell({150, 400}), std::make_pair(1, 0));
+    EXPECT_EQ(textCell({600, 90}), std::make_pair(0, 1));
     window.internalOpenSubsystemInTree("Tandril/Signal Attributes");
     window.selectBlockByName("Tandril/Signal Attributes/Ground");
     EXPECT_TRUE(window.descriptionText()->text().startsWith("<b>Tandril/Signal Attributes/Ground</b>: "));
