@@ -3,6 +3,7 @@
 
 #include "BrowserWindowFixture.h"
 
+#include "frame/MessageCatalogue.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
@@ -50,6 +51,11 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
               std::make_tuple(false, 0, QString("Search Results: (none)")));
     for (const char* name : {"LBTreeDockWidget", "LBSearchDockWidget", "LBDescDockWidget"})
         EXPECT_NE(window.window()->dockWidgetArea(dock(name)), Qt::NoDockWidgetArea) << name;
+    // A command's own tip, or its name where it has none.
+    EXPECT_EQ(window.action(BrowserAction::NewModel)->toolTip().toStdString(),
+              BrowserUtils::xlatedMessageFromId(MessageId::TDLB_GuiToolBarNewModelToolTip));
+    for (BrowserAction plain : {BrowserAction::Close, BrowserAction::Find})
+        EXPECT_EQ(window.action(plain)->toolTip(), window.action(plain)->iconText()) << int(plain);
 
     // The description of the selected block, in the shown dock, its text
     // beside the icon in a wide dock and below it in a narrow one; closed
