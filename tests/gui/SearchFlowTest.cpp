@@ -150,6 +150,8 @@ TEST_F(SearchFlowTest, ShortTextsRunNoSearchAndTheHistoryKeepsTwentyFour)
 {
     StandaloneBrowser& window = browser();
     const std::string before = window.getCurrentStatusBarMessage();
+    const QString tip = window.searchComboBox()->toolTip();
+    ASSERT_FALSE(tip.isEmpty());
     enter("  a ");
     EXPECT_EQ(std::make_tuple(window.searchComboBox()->currentText(), window.getCurrentTabIndex(),
                               window.getCurrentStatusBarMessage(), history()),
@@ -157,6 +159,10 @@ TEST_F(SearchFlowTest, ShortTextsRunNoSearchAndTheHistoryKeepsTwentyFour)
     // Two characters between blanks are searched without the blanks.
     enter("  in ");
     EXPECT_EQ(resultsTabTitle(), "Found: 'in'");
+    // The tip goes with a search and comes back with the prompt.
+    EXPECT_TRUE(window.searchComboBox()->toolTip().isEmpty());
+    window.searchForBlock("  a ");
+    EXPECT_EQ(window.searchComboBox()->toolTip(), tip);
 
     enter("zzzz");
     EXPECT_EQ(resultsTabTitle(), "Not found: 'zzzz'");
