@@ -251,30 +251,30 @@ def sample(tree, seed, count, paths):
 
 def relocate(tree, record):
     """An earlier report's mutant found again in a later revision of its file:
-    the lines its diff changed, at the occurrence nearest the old line. None
-    when those lines are no longer there."""
+    an occurrence of its original text whose first line reads, before and
+    after the change, as the first line its diff removed and added, the one
+    nearest the old line. None when there is no such occurrence."""
     diff = record["diff"].splitlines()
-    old = "".join(ln[1:] + "\n" for ln in diff if ln.startswith("-") and not ln.startswith("---"))
-    new = "".join(ln[1:] + "\n" for ln in diff if ln.startswith("+") and not ln.startswith("+++"))
+    removed = next((ln[1:] for ln in diff if ln.startswith("-") and not ln.startswith("---")), None)
+    added = next((ln[1:] for ln in diff if ln.startswith("+") and not ln.startswith("+++")), None)
     path = tree / record["file"]
-    if not old or not path.exists():
+    original, replacement = record["original"], record["replacement"]
+    if removed is None or added is None or not original or not path.exists():
         return None
     text = path.read_text()
-    starts, at = [], text.find(old)
+    found = []
+    at = text.find(original)
     while at >= 0:
-        if at == 0 or text[at - 1] == "\n":
-            starts.append(at)
-        at = text.find(old, at + 1)
-    if not starts:
+        first = text.rfind("\n", 0, at) + 1
+        last = text.find("\n", at)
+        last = len(text) if last < 0 else last
+        mutated = text[first:at] + replacement + text[at + len(original):]
+        if text[first:last] == removed and mutated.split("\n", 1)[0] == added:
+            found.append(at)
+        at = text.find(original, at + 1)
+    if not found:
         return None
-    block = min(starts, key=lambda a: abs(text.count("\n", 0, a) + 1 - record["line"]))
-    original, replacement = record["original"], record["replacement"]
-    at = old.find(original)
-    while at >= 0 and old[:at] + replacement + old[at + len(original):] != new:
-        at = old.find(original, at + 1)
-    if at < 0:
-        return None
-    start = block + at
+    start = min(found, key=lambda a: abs(text.count("\n", 0, a) + 1 - record["line"]))
     return Mutant(record["file"], start, start + len(original), original, replacement, record["operator"],
                   text.count("\n", 0, start) + 1, record["id"])
 
