@@ -538,7 +538,7 @@ def cmd_run(args):
 
     with open(args.report, "a") as report:
         for r in gone:
-            if r["id"] not in done and shard == 0:
+            if r["id"] not in done and shard == 0 and (not args.ids or r["id"] in args.ids):
                 report.write(json.dumps(dict(r, status="gone", note="its lines are no longer in the file")) + "\n")
         for n, m in enumerate(mine, 1):
             if m.ident in done:
