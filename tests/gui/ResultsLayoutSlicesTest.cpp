@@ -18,6 +18,7 @@
 
 #include <QApplication>
 #include <QMainWindow>
+#include <QRegularExpression>
 #include <QStatusBar>
 #include <QTest>
 
@@ -124,7 +125,7 @@ std::string selectedPath(const ResultsBlocksPage& page)
 // While turns are pending the tiles are there, selected and moved between;
 // the status bar tells the last section made, and the totals at the end;
 // every section ends made and laid out one below the other in library order;
-// a second search deletes the first one's widgets over its turns.
+// a later search deletes the widgets of the one before over its turns.
 TEST_F(ResultsLayoutSlicesWindowTest, APendingPageAnswersAndEndsWithEverySectionLaidOut)
 {
     StandaloneBrowser& window = *m_window;
@@ -171,19 +172,38 @@ TEST_F(ResultsLayoutSlicesWindowTest, APendingPageAnswersAndEndsWithEverySection
     EXPECT_EQ(window.getCurrentStatusBarMessage(), libraryStatus);
     EXPECT_EQ(headersAlive(), 120) << "the first result's headers are deleted";
     EXPECT_EQ(page.getStatusMessage(), "Matches for 'Block'    120 blocksets    0 subsystems    360 blocks");
+
+    // A result that opens whole is made at once; the widgets before it still
+    // go over later turns.
+    window.searchForBlock("Block 2");
+    EXPECT_FALSE(page.sectionsPending());
+    ASSERT_TRUE(waitForTurns());
+    EXPECT_EQ(std::make_pair(headersAlive(), page.getBlocksDisplayPathNames().size()), std::make_pair(120, std::size_t(120)));
 }
 
-// A scripted question about the sections makes those still to come first.
-TEST_F(ResultsLayoutSlicesWindowTest, AskedByNameThePageMakesEverySectionAtOnce)
+// A search started while the page still makes the last result's sections
+// walks first, with nothing of the old result told meanwhile; a scripted
+// question about the sections makes those still to come at once.
+TEST_F(ResultsLayoutSlicesWindowTest, TurnsWaitForASearchAndAQuestionByNameMakesEverySection)
 {
     ResultsBlocksPage& page = *m_window->resultsPage();
     const std::vector<std::string> names = m_window->getSortedLibraryNames();
     m_window->searchForBlock("Block");
     ASSERT_TRUE(page.sectionsPending());
+    QStringList texts;
+    QObject::connect(m_window->window()->statusBar(), &QStatusBar::messageChanged, m_window->window(),
+                     [&texts](const QString& text) { texts.append(text); });
+    m_window->setSearchOptions({false, true, false});
+    m_window->searchForBlock("Block");
+    ASSERT_TRUE(page.sectionsPending());
+    const qsizetype lastSearching = texts.lastIndexOf(QRegularExpression(".*    Searching .*"));
+    EXPECT_TRUE(lastSearching > 0 && lastSearching < texts.indexOf(QRegularExpression(".*    (Showing|Hiding) .*")))
+        << texts.join(" | ").toStdString();
+
     EXPECT_FALSE(page.isResultsSectionVisibleGui(names.back()));
     EXPECT_FALSE(page.sectionsPending());
     EXPECT_EQ(m_window->getCurrentStatusBarMessage(), "Matches for 'Block'    120 blocksets    0 subsystems    360 blocks");
-    m_window->setSearchOptions({false, true, false});
+    m_window->setSearchOptions({false, false, false});
     m_window->searchForBlock("Block");
     ASSERT_TRUE(page.sectionsPending());
     EXPECT_TRUE(page.showResultsSectionByName(names.back()));
