@@ -8,6 +8,7 @@
 #include "gui/PageSection.h"
 #include "gui/ResultsPageHost.h"
 
+#include <QGridLayout>
 #include <QTimer>
 #include <QWidget>
 
@@ -19,6 +20,10 @@ void ResultsBlocksPage::makeSections(bool all)
 {
     const int first = int(m_sections.size());
     m_makingSections = true;
+    // A header shown in a shown panel lays out every section there and
+    // then: the grid waits for the end of the turn and lays out once.
+    QGridLayout* grid = getGridLayout();
+    grid->setEnabled(false);
     for (int index = first; all ? index < m_slices.sections() : m_slices.makes(first, index, m_opening.overflow());
          ++index) {
         const Library& library = m_sectionLibraries[std::size_t(index)];
@@ -40,6 +45,8 @@ void ResultsBlocksPage::makeSections(bool all)
     }
     m_makingSections = false;
     setPanelPosition();
+    grid->setEnabled(true);
+    grid->activate();
     if (sectionsPending())
         scheduleLaterTurn();
     else
