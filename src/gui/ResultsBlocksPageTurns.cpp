@@ -6,9 +6,9 @@
 
 #include "frame/MessageCatalogue.h"
 #include "gui/PageSection.h"
-#include "gui/ResultsPageHost.h"
 
 #include <QGridLayout>
+#include <QScrollArea>
 #include <QTimer>
 #include <QWidget>
 
@@ -72,9 +72,10 @@ void ResultsBlocksPage::completeSections()
 void ResultsBlocksPage::laterTurn()
 {
     retireSome();
-    // A search under way walks with the event loop turning: the sections
-    // wait for it, their texts must not mix with its own.
-    if (m_host.isSearching()) {
+    // The window is disabled while a search walks or products are made,
+    // with the event loop turning for their progress: the sections wait,
+    // their texts and reads must not mix with that work.
+    if (!m_scrollView->isEnabled()) {
         m_sliceTimer->start(20);
         return;
     }

@@ -19,8 +19,6 @@ public:
     // LBSearchResults_isTitleElidedMiddle, read by the window; the page always
     // cuts a long title in the middle.
     virtual bool isTitleElidedMiddle() const = 0;
-    // A search walks the libraries: the page makes no sections meanwhile.
-    virtual bool isSearching() const = 0;
 };
 
 } // namespace LibraryBrowser

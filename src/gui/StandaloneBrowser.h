@@ -152,7 +152,7 @@ public:
     std::vector<std::string> getLibraryPageBlockNames() const;
     int getLibraryNumIconCols() const;
     int getResultsNumIconCols() const;
-    bool isSearching() const override { return m_searching; }
+    bool isSearching() const { return m_searching; }
     // Escape during the walk: the search stops after the library at hand.
     void cancelSearch() { m_searchCancelled = true; }
 
