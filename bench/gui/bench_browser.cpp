@@ -8,9 +8,9 @@
 //   search          Return in the search box to the painted results page,
 //                   and on to the end of what its later turns do (sections
 //                   made, old ones deleted), with the longest stall of the
-//                   event loop until then (a
-//                   zero-interval timer records the gaps); floor: the same
-//                   search through the repository alone, without the window
+//                   event loop until then (a zero-interval timer records the
+//                   gaps); floor: the same search through the repository
+//                   alone, without the window
 //   memory          peak resident size after visiting every product
 // The root must have its store generated (tdlb --root R --prefdir P update).
 //
