@@ -4,7 +4,7 @@
 // file holds. The person's answers to file and unsaved-changes prompts come
 // from the test.
 
-#include "PageTestSupport.h"
+#include "BrowserWindowFixture.h"
 
 #include "ModelWindows.h"
 #include "support/Files.h"
