@@ -31,6 +31,8 @@
 #include <QTest>
 #include <QWindow>
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 namespace LibraryBrowser::Testing {
@@ -219,62 +221,52 @@ TEST_F(BlockActionsTest, ALibraryIsLoadedOnceBeforeItsFirstBlockIsUsed)
 
 using BlockContextMenuTest = BrowserWindowFixture;
 
-std::vector<std::string> labels(const std::vector<BlockContextMenu::Entry>& entries)
-{
-    std::vector<std::string> texts;
-    for (const auto& entry : entries)
-        texts.push_back((entry.separatorBefore ? "-- " : "") + entry.label +
-                        (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]"));
-    return texts;
-}
-
+// Each menu as one line: "-- " before an entry after a separator, the
+// accelerator in brackets. Then the window's host commands: what reaches the
+// host, and the warnings muted while they run.
 TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedToAndASubsystemsOpensItsLibrary)
 {
     StandaloneBrowser& window = open();
+    const auto menu = [](const GuiBlock& block, bool results, bool parent, const OpenSystemState& state) {
+        std::string text;
+        for (const auto& entry : BlockContextMenu::entriesFor(block, results, parent, state))
+            text += (text.empty() ? "" : ", ") + std::string(entry.separatorBefore ? "-- " : "") + entry.label +
+                    (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]");
+        return text;
+    };
     GuiBlock gain{&window, session().object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
-    const OpenSystemState model{"untitled", ModelType::Model, false};
-    const OpenSystemState lockedLibrary{"arithmetica", ModelType::Library, true};
-    const OpenSystemState library{"mylib", ModelType::Library, false};
-    EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, false, true, {})),
-              (std::vector<std::string>{"Add to a new model [Ctrl+I]", "Help for the Gain block", "Go to parent",
-                                        "-- Block parameters"}));
-    for (const auto& [state, label] : {std::pair{model, "Add to untitled"}, {lockedLibrary, "Add to a new model"},
-                                       {library, "Add to Library: mylib"}})
-        EXPECT_EQ(BlockContextMenu::entriesFor(gain, false, false, state).front().label, label);
-    // On the results page the way back to the library replaces the parent.
-    EXPECT_EQ(labels(BlockContextMenu::entriesFor(gain, true, true, model)),
-              (std::vector<std::string>{"Add to untitled [Ctrl+I]", "Help for the Gain block",
-                                        "Select in library view [Ctrl+R]", "-- Block parameters"}));
-    // A subsystem's menu opens its library.
     GuiSubsystem routing{&window, session().object("switchyard/Routing").toBlock(), nullptr};
-    EXPECT_EQ((std::vector<std::vector<std::string>>{labels(BlockContextMenu::entriesFor(routing, false, true, {})),
-                                                      labels(BlockContextMenu::entriesFor(routing, false, false, {})),
-                                                      labels(BlockContextMenu::entriesFor(routing, true, true, {}))}),
-              (std::vector<std::vector<std::string>>{{"Go to parent", "-- Open Routing library"},
-                                                      {"Open Routing library"},
-                                                      {"Select in library view [Ctrl+R]", "-- Open Routing library"}}));
-}
+    const OpenSystemState model{"untitled", ModelType::Model, false};
+    const std::string rest = ", Help for the Gain block, -- Block parameters";
+    EXPECT_EQ((std::vector<std::string>{menu(gain, false, true, {}), menu(gain, false, false, model),
+                                        menu(gain, false, false, {"arithmetica", ModelType::Library, true}),
+                                        menu(gain, false, false, {"mylib", ModelType::Library, false}),
+                                        // On the results page the way back to the library replaces the parent.
+                                        menu(gain, true, true, model), menu(routing, false, true, {}),
+                                        menu(routing, false, false, {}), menu(routing, true, true, {})}),
+              (std::vector<std::string>{"Add to a new model [Ctrl+I], Help for the Gain block, Go to parent, -- Block parameters",
+                                        "Add to untitled [Ctrl+I]" + rest, "Add to a new model [Ctrl+I]" + rest,
+                                        "Add to Library: mylib [Ctrl+I]" + rest,
+                                        "Add to untitled [Ctrl+I], Help for the Gain block, Select in library view [Ctrl+R], -- Block parameters",
+                                        "Go to parent, -- Open Routing library", "Open Routing library",
+                                        "Select in library view [Ctrl+R], -- Open Routing library"}));
 
-TEST(BrowserHostCommandsTest, CommandsReachTheHostWithTheirArgumentsAndWarningsMutedWhileTheyRun)
-{
-    ExampleRootSession session;
-    session.host().commandLog().clear();
+    session().host().commandLog().clear();
     using namespace BrowserUtils;
     dropBlock("kinetics/Continuous/Integrator", "untitled", 120, 45);
     openBlockDialog("arithmetica/Basic Operations/Sum", BlockDialogType::Parameters);
     addBlockToModel("", "untitled");
-    std::vector<std::string> texts;
-    for (const auto& entry : session.host().commandLog().entries())
-        texts.push_back(entry.text());
-    ASSERT_EQ(texts.size(), 2u);
-    EXPECT_TRUE(texts[0].find("private_td_drop_block") == 0 && texts[0].find("[120 45]") != std::string::npos &&
-                texts[1].find("'params'") != std::string::npos)
-        << texts[0] << "\n" << texts[1];
+    std::string texts;
+    for (const auto& entry : session().host().commandLog().entries())
+        texts += entry.text() + "\n";
+    EXPECT_TRUE(texts.find("private_td_drop_block") == 0 && texts.find("[120 45]") < texts.find('\n') &&
+                texts.find("'params'") > texts.find('\n') && std::count(texts.begin(), texts.end(), '\n') == 2)
+        << texts;
     // Warnings are muted while a command runs, and restored after.
     HostEnvironment& environment = Platform::environment();
     for (bool on : {true, false}) {
         environment.setWarningMode(3, on);
-        BrowserUtils::openSystem("no such library", "loadOnly");
+        openSystem("no such library", "loadOnly");
         EXPECT_EQ(environment.isWarningModeOn(3), on);
     }
 }
