@@ -31,12 +31,10 @@ struct TdlbResult {
 // standard error must contain. A run that fails prints nothing on standard
 // output unless out names what.
 struct ExpectedRun {
-    ExpectedRun(QStringList a, int c = 0, QStringList o = {}, QStringList e = {})
-        : arguments(std::move(a)), exitCode(c), out(std::move(o)), err(std::move(e)) {}
     QStringList arguments;
-    int exitCode;
-    QStringList out;
-    QStringList err;
+    int exitCode = 0;
+    QStringList out = {};
+    QStringList err = {};
 };
 
 // The built tdlb on a private copy of the example root, with a preferences

@@ -21,9 +21,28 @@ using TdlbWriteTest = UpdatedTdlbTest;
 // here a pseudo terminal, and the same run off a terminal stays quiet.
 // Destroy leaves the shipped store to answer. --verbose echoes the report of
 // the one product asked for; a product asked for by its display name and a
-// mode is generated again too.
+// mode is generated again too. First a broken file: the exit codes.
 TEST_F(TdlbWriteTest, GenerateShowsProgressRedoesAChangedLibraryAndDestroyRemovesTheWritableData)
 {
+    // A broken file of one product: the commands that change the store fail
+    // with its errors; those that only read answer, exit with 0 and show the
+    // errors with a line that counts them; a question that can't be answered
+    // still fails. Mended, it serves the rest.
+    const std::string blocks = (tdlb.root() + "/toolbox/wavecraft/tdblocks.json").toStdString();
+    const QByteArray good = readFile(blocks);
+    writeFile(blocks, "{ not json");
+    const QString note = "the repository's report holds 1 error, shown above\n";
+    expectRuns(tdlb.withRoot({}), {{{"update"}, 1, {"Updated: "}, {"??? **Error**", "wavecraft/tdblocks.json"}},
+                                   {{"show", "kinetics/NoSuchBlock"}, 1},
+                                   {{"generate", "Kinetics"}, 1}});
+    for (const QStringList& reading : {QStringList{"list"}, QStringList{"search", "gain"}, QStringList{"tree"}}) {
+        const TdlbResult result = ok(reading);
+        EXPECT_TRUE(!result.out.isEmpty() && result.err.endsWith("tdlb " + reading.first() + ": " + note) &&
+                    result.err.count("??? **Error**") == 1 && result.err.contains("wavecraft/tdblocks.json"))
+            << qPrintable(reading.join(' ') + "\n" + result.err);
+    }
+    writeFile(blocks, good);
+
     // Python's pty module runs tdlb with all three streams on a pseudo
     // terminal and copies what it shows.
     QProcess terminal;
@@ -69,24 +88,7 @@ TEST_F(TdlbWriteTest, GenerateShowsProgressRedoesAChangedLibraryAndDestroyRemove
                                    {{"generate", "Switchyard", "--mode", "IgnoreTimestamp"}},
                                    {{"show", "switchyard/Routes"}, 0, {"type: SubSystem\n"}},
                                    {{"show", "switchyard/Routing"}, 1}});
-}
-// A broken file of one product: the commands that change the store fail
-// with its errors; those that only read answer, exit with 0 and show the
-// errors with a line that counts them; a question that can't be answered
-// still fails.
-TEST_F(TdlbWriteTest, ExitCodesTellWhetherTheCommandDidItsWork)
-{
-    writeFile((tdlb.root() + "/toolbox/wavecraft/tdblocks.json").toStdString(), "{ not json");
-    const QString note = "the repository's report holds 1 error, shown above\n";
-    expectRuns(tdlb.withRoot({}), {{{"update"}, 1, {"Updated: "}, {"??? **Error**", "wavecraft/tdblocks.json"}},
-                                   {{"show", "kinetics/NoSuchBlock"}, 1},
-                                   {{"generate", "Kinetics"}, 1}});
-    for (const QStringList& reading : {QStringList{"list"}, QStringList{"search", "gain"}, QStringList{"tree"}}) {
-        const TdlbResult result = ok(reading);
-        EXPECT_TRUE(!result.out.isEmpty() && result.err.endsWith("tdlb " + reading.first() + ": " + note) &&
-                    result.err.count("??? **Error**") == 1 && result.err.contains("wavecraft/tdblocks.json"))
-            << qPrintable(reading.join(' ') + "\n" + result.err);
-    }
+
 }
 
 // A library whose recorded date is not older than the generation that
