@@ -20,7 +20,7 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include <sstream>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -114,10 +114,10 @@ TEST(TileSizes, ColumnsTruncateAndMayDropBelowOne)
     EXPECT_EQ((std::vector<int>{calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 390, 10),
                                 calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 273, 10),
                                 calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 272, 10),
-                                calculateMaxNumIconCols(LayoutType::List, IconSize::Large, 20, 10)}),
-              (std::vector<int>{4, 3, 2, 1}));
-    EXPECT_LE(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Large, 20, 10), 1);
-    EXPECT_EQ(getListIconWidth(LayoutType::List, IconSize::Small, 100, 10), 63 + 4 + 3 + 100);
+                                calculateMaxNumIconCols(LayoutType::List, IconSize::Large, 20, 10),
+                                int(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Large, 20, 10) <= 1),
+                                getListIconWidth(LayoutType::List, IconSize::Small, 100, 10)}),
+              (std::vector<int>{4, 3, 2, 1, 1, 63 + 4 + 3 + 100}));
     setScreenDPIOverride(0);
 }
 
@@ -143,12 +143,10 @@ TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)
 
 TEST(TextHelpers, LongestWordAndReplace)
 {
-    std::string word, first;
-    EXPECT_EQ(computeLongestWordInString("gain  integrator sum", word) + computeLongestWordInString("abc def", first), 13);
-    EXPECT_EQ(word + "/" + first, "integrator/abc");
-    std::string text = "a-b-A";
+    std::string word, first, text = "a-b-A";
+    const int lengths = computeLongestWordInString("gain  integrator sum", word) + computeLongestWordInString("abc def", first);
     strReplace(text, "a", "xa");
-    EXPECT_EQ(text, "xa-b-A");
+    EXPECT_EQ(word + "/" + first + "/" + text + "/" + std::to_string(lengths), "integrator/abc/xa-b-A/13");
 }
 
 // Seven tiles in three columns: 0 1 2 / 3 4 5 / 6. One row, one column, or
@@ -173,43 +171,35 @@ TEST(SelectionMoves, GridOfSevenInThreeColumnsAndInitials)
               (Ints{1, 4, 0, 2, -1, 3, 5, -1}));
 }
 
-struct OpeningCase {
-    const char* what;
-    std::vector<int> hits;
-    std::set<int> hiddenByName;
-    std::set<int> shownByUser;
-    std::vector<bool> open;
-};
-
-std::vector<bool> openings(const OpeningCase& c)
-{
-    SectionOpening opening(SearchResults::maxHitsShown);
-    std::vector<bool> open;
-    for (std::size_t i = 0; i < c.hits.size(); ++i) {
-        const bool starts = opening.startsOpen(c.hits[i], c.hiddenByName.count(int(i)) > 0,
-                                               c.shownByUser.count(int(i)) > 0);
-        if (starts)
-            opening.opened(c.hits[i]);
-        open.push_back(starts);
-    }
-    return open;
-}
-
+// Each case: the sections' hits, "h" after one hidden by name, "u" after
+// one the user opened; then which start open.
 TEST(ResultsSectionRulesTest, SectionsOpenWithinTheLimitAndNotAfterTheFirstOverflow)
 {
-    const std::vector<OpeningCase> cases{
-        {"exactly 144 opens all", {100, 44}, {}, {}, {true, true}},
-        {"one more starts the overflow", {100, 45}, {}, {}, {true, false}},
-        {"after the overflow even a small one stays shut", {100, 45, 1}, {}, {}, {true, false, false}},
-        {"a first section over the limit alone stays shut", {145, 1}, {}, {}, {false, false}},
-        {"hidden by name stays shut and opens nothing", {10, 140, 4}, {0}, {}, {false, true, true}},
-        {"hidden by name still counts towards the overflow", {100, 50, 4}, {1}, {}, {true, false, false}},
-        {"the user's choice opens past the limit", {140, 10, 5}, {}, {1}, {true, true, false}},
-        {"hidden by name wins over the user's choice", {10, 10}, {1}, {1}, {true, false}},
-        {"no hits, no overflow", {0, 144, 0}, {}, {}, {true, true, true}},
+    const std::pair<const char*, const char*> cases[] = {
+        {"100 44", "++"},     // exactly 144 opens all
+        {"100 45", "+-"},     // one more starts the overflow
+        {"100 45 1", "+--"},  // after the overflow even a small one stays shut
+        {"145 1", "--"},      // a first section over the limit alone stays shut
+        {"10h 140 4", "-++"}, // hidden by name stays shut and opens nothing
+        {"100 50h 4", "+--"}, // hidden by name still counts towards the overflow
+        {"140 10u 5", "++-"}, // the user's choice opens past the limit
+        {"10 10hu", "+-"},    // hidden by name wins over the user's choice
+        {"0 144 0", "+++"},   // no hits, no overflow
     };
-    for (const OpeningCase& c : cases)
-        EXPECT_EQ(openings(c), c.open) << c.what;
+    for (const auto& [sections, expected] : cases) {
+        SectionOpening opening(SearchResults::maxHitsShown);
+        std::istringstream in(sections);
+        std::string open;
+        for (std::string section; in >> section;) {
+            const int hits = std::stoi(section);
+            const bool starts = opening.startsOpen(hits, section.find('h') != std::string::npos,
+                                                   section.find('u') != std::string::npos);
+            if (starts)
+                opening.opened(hits);
+            open += starts ? '+' : '-';
+        }
+        EXPECT_EQ(open, expected) << sections;
+    }
 }
 
 TEST(ResultsSectionRulesTest, MovesAcrossSections)
@@ -299,12 +289,8 @@ TEST(BrowserPreferencesTest, EveryTypeRoundTripsThroughTheFileAndWhatCantBeReadI
                               bad.getColor(PrefKey::LBColorBlocksDescriptionBackground),
                               bad.getStringList(PrefKey::LBSearchHistory)),
               std::make_tuple(111, true, QRect(32, 64, 600, 640), QRect(0, 0, 390, 410), QColor(Qt::white), QStringList()));
-}
-
-// Words are exact; what isn't one is the default, and Model is not offered.
-// Font sizes outside 8 to 24 are the default.
-TEST(BrowserPreferenceWords, LayoutIconSizeAndFontSizeRules)
-{
+    // Words are exact; what isn't one is the default, and Model is not offered.
+    // Font sizes outside 8 to 24 are the default.
     using P = BrowserPreferences;
     EXPECT_EQ((std::vector<int>{int(P::layoutFromWord("List")), int(P::layoutFromWord("Model")), int(P::layoutFromWord("list")),
                                 int(P::iconSizeFromWord("Huge")), int(P::iconSizeFromWord(P::wordOf(IconSize::Large))),
