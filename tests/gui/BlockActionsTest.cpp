@@ -5,12 +5,10 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "ModelWindows.h"
 #include "gui/BlockContextMenu.h"
 #include "gui/BlockHistory.h"
 #include "gui/BlocksPanel.h"
 #include "gui/BrowserHostCommands.h"
-#include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/GuiSubsystem.h"
 #include "gui/QuickInsertPopup.h"
@@ -22,7 +20,6 @@
 #include <QContextMenuEvent>
 #include <QCursor>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QGraphicsView>
 #include <QLineEdit>
@@ -32,8 +29,6 @@
 #include <QWindow>
 
 #include <algorithm>
-
-#include <gtest/gtest.h>
 
 namespace LibraryBrowser::Testing {
 namespace {

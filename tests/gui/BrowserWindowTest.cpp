@@ -6,7 +6,6 @@
 
 #include "frame/MessageCatalogue.h"
 #include "gui/BlocksPanel.h"
-#include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/LibraryBlocksPage.h"
 #include "gui/LibraryTreeView.h"
@@ -18,10 +17,8 @@
 #include <QComboBox>
 #include <QDateTime>
 #include <QDialogButtonBox>
-#include <QDockWidget>
 #include <QGridLayout>
 #include <QLabel>
-#include <QMainWindow>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>

@@ -6,16 +6,11 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "ModelWindows.h"
 #include "support/Files.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace LibraryBrowser::Testing {
 namespace {

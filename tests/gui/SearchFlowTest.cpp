@@ -6,7 +6,6 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "gui/BrowserPreferences.h"
 #include "gui/GuiBlock.h"
 #include "gui/LBImageLink.h"
 #include "gui/LibraryBlocksPage.h"
@@ -14,7 +13,6 @@
 #include "gui/ResultsBlocksPage.h"
 #include "gui/SectionHeader.h"
 #include "gui/SectionTitleLink.h"
-#include "gui/StandaloneBrowser.h"
 #include "repository/TandrilObjectReferenceIterator.h"
 #include "repository/xmlrepository/XMLRepository.h"
 
@@ -22,7 +20,6 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMainWindow>
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QScrollArea>
@@ -32,8 +29,6 @@
 #include <QTimer>
 #include <algorithm>
 #include <cstdlib>
-
-#include <gtest/gtest.h>
 
 namespace LibraryBrowser::Testing {
 namespace {

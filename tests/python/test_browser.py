@@ -93,23 +93,3 @@ def test_create_makes_a_window_apart_whose_end_ends_the_handles(browser):
         browser.isOpen()
     assert window.getTitle() == "A window of the script's" and "destroyed" in repr(browser)
     assert StandaloneBrowser().getSortedLibraryNames()[0] == "Tandril"
-
-
-def test_unknown_paths_and_actions_without_a_selection_do_nothing(browser):
-    browser.selectTreeNodeByName("Kinetics")
-    for path in ["", "/", "Kinetics/Nothing", "kinetics", "\n", "ü" * 300]:
-        for step in [browser.selectTreeNodeByName, browser.selectTreeNodeByNameGui, browser.expandTreeNodeByName,
-                     browser.collapseTreeNodeByName, browser.selectBlockByName, browser.doubleClickBlock,
-                     browser.selectSearchResult, browser.selectBlockInLibraryView]:
-            step(path)
-        assert (browser.getChildren(path), browser.getResultsSectionBlockNames(path), browser.isTreeNodeExpanded(path),
-                browser.isTreeNodeExpandable(path), browser.isResultsSectionVisibleGui(path),
-                browser.showResultsSectionByName(path)) == ([], [], False, False, False, False)
-    assert browser.getCurrentTreeNode() == "Kinetics" and browser.isSelectedTreeNodeCurrent()
-    browser.selectTabByIndex(7)
-    assert browser.getCurrentTabIndex() == 0
-    browser.searchForBlock("xyzzy")
-    for action in (browser.addSelectedBlockToCurrentOpenSystem, browser.showSelectedBlockParams,
-                   browser.showTandrilPrefs):
-        action()
-    assert browser.getSelectedBlockName() == "" and browser.isEnabled()
