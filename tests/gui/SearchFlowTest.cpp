@@ -68,13 +68,14 @@ TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
 {
     StandaloneBrowser& window = browser();
     enter("Delay");
-    EXPECT_EQ(window.getCurrentTabIndex(), 1);
-    EXPECT_EQ(window.getResultsPageSectionNames(), (Names{"Tandril", "Kinetics"}));
-    EXPECT_EQ(window.getResultsSectionBlockNames("Kinetics"),
-              (Names{"Kinetics/Continuous/Transport Delay", "Kinetics/Continuous/Variable Delay",
-                     "Kinetics/Discrete/Unit Delay"}));
-    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'Delay'    2 blocksets    0 subsystems    6 blocks");
-    EXPECT_EQ(resultsTabTitle(), "Found: 'Delay'");
+    EXPECT_EQ(std::make_tuple(window.getCurrentTabIndex(), window.getResultsPageSectionNames(),
+                              window.getResultsSectionBlockNames("Kinetics"), window.getCurrentStatusBarMessage(),
+                              resultsTabTitle()),
+              std::make_tuple(1, Names{"Tandril", "Kinetics"},
+                              Names{"Kinetics/Continuous/Transport Delay", "Kinetics/Continuous/Variable Delay",
+                                    "Kinetics/Discrete/Unit Delay"},
+                              std::string("Matches for 'Delay'    2 blocksets    0 subsystems    6 blocks"),
+                              QString("Found: 'Delay'")));
     EXPECT_TRUE(statusTexts().contains("Searching for 'Delay'") &&
                 statusTexts().contains("Matches for 'Delay'    1 blocksets    0 subsystems    3 blocks    Searching Kinetics"));
     // Ctrl+R goes to the selected hit in its library, and back by the tab.
@@ -91,16 +92,15 @@ TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
                         Qt::Key_Escape);
     });
     window.searchForBlock("Unit Delay");
-    EXPECT_EQ(window.getResultsPageSectionNames(), (Names{"Tandril"}));
-    EXPECT_NE(window.getCurrentStatusBarMessage().find("Search cancelled"), std::string::npos);
-    EXPECT_TRUE(window.isEnabled());
+    EXPECT_TRUE(window.getResultsPageSectionNames() == Names{"Tandril"} && window.isEnabled() &&
+                window.getCurrentStatusBarMessage().find("Search cancelled") != std::string::npos);
     // The same text again is a new walk, not a repeat of the cut one.
     window.searchForBlock("Unit Delay");
     EXPECT_EQ(window.getResultsPageSectionNames().size(), 2u);
     window.searchForBlock("Unit Delay");
     EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'Unit Delay'    0 blocksets    0 subsystems    0 blocks");
-    EXPECT_TRUE(window.getSearchResultsDisplayPathNames().empty());
-    EXPECT_EQ(window.getResultsPageSectionNames().size(), 2u) << "the page still shows the first search";
+    EXPECT_TRUE(window.getSearchResultsDisplayPathNames().empty() && window.getResultsPageSectionNames().size() == 2u)
+        << "the page still shows the first search";
     window.setSearchOptions({false, true, false});
     window.searchForBlock("Unit Delay");
     EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'Unit Delay'    2 blocksets    0 subsystems    2 blocks");
@@ -109,21 +109,20 @@ TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
     // of windup; names still count, and the other options shape the match.
     window.setSearchOptions({false, false, false});
     auto* descriptions = window.window()->findChild<QAction*>("searchDescriptionsAction");
-    ASSERT_NE(descriptions, nullptr);
-    EXPECT_FALSE(descriptions->isChecked());
+    ASSERT_TRUE(descriptions && !descriptions->isChecked());
     const auto noResultsText = [&window] {
         const auto* label = window.window()->findChild<QLabel*>("noResultsText");
         return label ? label->text() : QString();
     };
     window.searchForBlock("windup");
-    EXPECT_TRUE(window.getResultsPageBlockNames().empty());
-    EXPECT_EQ(noResultsText(), "<font color=red>No search results found for 'windup'</font>");
+    EXPECT_TRUE(window.getResultsPageBlockNames().empty() &&
+                noResultsText() == "<font color=red>No search results found for 'windup'</font>");
     descriptions->trigger();
     window.searchForBlock("windup");
-    EXPECT_TRUE(noResultsText().isEmpty());
-    EXPECT_EQ(window.getResultsPageSectionNames(), (Names{"Tandril", "Kinetics"}));
-    EXPECT_EQ(window.getResultsSectionBlockNames("Kinetics"), (Names{"Kinetics/Continuous/PID Controller"}));
-    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'windup'    2 blocksets    0 subsystems    2 blocks");
+    EXPECT_EQ(std::make_tuple(noResultsText(), window.getResultsPageSectionNames(),
+                              window.getResultsSectionBlockNames("Kinetics"), window.getCurrentStatusBarMessage()),
+              std::make_tuple(QString(), Names{"Tandril", "Kinetics"}, Names{"Kinetics/Continuous/PID Controller"},
+                              std::string("Matches for 'windup'    2 blocksets    0 subsystems    2 blocks")));
     window.searchForBlock("Unit Delay");
     EXPECT_EQ(window.getResultsPageBlockNames().size(), 2u);
     window.setSearchOptions({false, true, true});
