@@ -86,6 +86,7 @@ QString compact(QJsonObject object, const QStringList& without = {})
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
+// The documents of list, search, tree, show and find, and browse's picture.
 TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
 {
     const TdlbResult text = ok({"list"});
@@ -156,11 +157,8 @@ TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
     EXPECT_TRUE(limited["blocks"].toArray().size() == 2 && limited["total"].toInt() > 2);
     EXPECT_EQ(ok({"find", "wave", "--limit", "0", "--json"}).json()["blocks"].toArray().size(),
               limited["total"].toInt());
-}
 
-// A picture of the asked node, with options for that run only.
-TEST_F(TdlbReadTest, BrowseScreenshotsTheAskedNodeAndLeavesTheUsersChoicesAlone)
-{
+    // Browse makes a picture of the asked node, with options for that run only.
     const QString picture = QDir(tdlb.preferences()).filePath("window.png");
     const auto preferences = [this] {
         const QSettings ini(tdlb.preferences() + "/LibraryBrowser.ini", QSettings::IniFormat);
