@@ -88,6 +88,8 @@ TEST_F(BlockActionsTest, CtrlIWithNoOpenSystemMakesANewModelAndThenAddsToIt)
     EXPECT_TRUE(second != "kinetics" && second != model && blocksOf(second) == QStringList{"Integrator"}) << second;
 }
 
+// A subsystem's tile goes only into a library; then what each tile's menu
+// offers, for each kind of tile, page and system in front.
 TEST_F(BlockActionsTest, ASubsystemTileGoesOnlyIntoALibrary)
 {
     StandaloneBrowser& window = openOn("Kinetics");
@@ -110,6 +112,52 @@ TEST_F(BlockActionsTest, ASubsystemTileGoesOnlyIntoALibrary)
     settle();
     window.selectBlockByName(derivative);
     EXPECT_TRUE(editMenuAddEntry().enabled);
+
+    // Each menu as one line: "-- " before an entry after a separator, the
+    // accelerator in brackets. Then the window's host commands: what reaches the
+    // host, and the warnings muted while they run.
+    const auto menu = [](const GuiBlock& block, bool results, bool parent, const OpenSystemState& state) {
+        std::string text;
+        for (const auto& entry : BlockContextMenu::entriesFor(block, results, parent, state))
+            text += (text.empty() ? "" : ", ") + std::string(entry.separatorBefore ? "-- " : "") + entry.label +
+                    (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]");
+        return text;
+    };
+    GuiBlock gain{&window, session().object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
+    GuiSubsystem routing{&window, session().object("switchyard/Routing").toBlock(), nullptr};
+    const OpenSystemState untitled{"untitled", ModelType::Model, false};
+    const std::string rest = ", Help for the Gain block, -- Block parameters";
+    EXPECT_EQ((std::vector<std::string>{menu(gain, false, true, {}), menu(gain, false, false, untitled),
+                                        menu(gain, false, false, {"arithmetica", ModelType::Library, true}),
+                                        menu(gain, false, false, {"mylib", ModelType::Library, false}),
+                                        // On the results page the way back to the library replaces the parent.
+                                        menu(gain, true, true, untitled), menu(routing, false, true, {}),
+                                        menu(routing, false, false, {}), menu(routing, true, true, {})}),
+              (std::vector<std::string>{"Add to a new model [Ctrl+I], Help for the Gain block, Go to parent, -- Block parameters",
+                                        "Add to untitled [Ctrl+I]" + rest, "Add to a new model [Ctrl+I]" + rest,
+                                        "Add to Library: mylib [Ctrl+I]" + rest,
+                                        "Add to untitled [Ctrl+I], Help for the Gain block, Select in library view [Ctrl+R], -- Block parameters",
+                                        "Go to parent, -- Open Routing library", "Open Routing library",
+                                        "Select in library view [Ctrl+R], -- Open Routing library"}));
+
+    session().host().commandLog().clear();
+    using namespace BrowserUtils;
+    dropBlock("kinetics/Continuous/Integrator", "untitled", 120, 45);
+    openBlockDialog("arithmetica/Basic Operations/Sum", BlockDialogType::Parameters);
+    addBlockToModel("", "untitled");
+    std::string texts;
+    for (const auto& entry : session().host().commandLog().entries())
+        texts += entry.text() + "\n";
+    EXPECT_TRUE(texts.find("private_td_drop_block") == 0 && texts.find("[120 45]") < texts.find('\n') &&
+                texts.find("'params'") > texts.find('\n') && std::count(texts.begin(), texts.end(), '\n') == 2)
+        << texts;
+    // Warnings are muted while a command runs, and restored after.
+    HostEnvironment& environment = Platform::environment();
+    for (bool on : {true, false}) {
+        environment.setWarningMode(3, on);
+        openSystem("no such library", "loadOnly");
+        EXPECT_EQ(environment.isWarningModeOn(3), on);
+    }
 }
 
 // A drag released over the browser drops nothing, even where a model's
@@ -212,58 +260,6 @@ TEST_F(BlockActionsTest, ALibraryIsLoadedOnceBeforeItsFirstBlockIsUsed)
     EXPECT_EQ(std::make_tuple(blocksOf("switchyard"), window.getCurrentStatusBarMessage(), window.isEnabled(),
                               session().host().modelWindows()->openDialogCount()),
               std::make_tuple(before, status, true, 0));
-}
-
-using BlockContextMenuTest = BrowserWindowFixture;
-
-// Each menu as one line: "-- " before an entry after a separator, the
-// accelerator in brackets. Then the window's host commands: what reaches the
-// host, and the warnings muted while they run.
-TEST_F(BlockContextMenuTest, ABlocksMenuNamesTheSystemItWouldBeAddedToAndASubsystemsOpensItsLibrary)
-{
-    StandaloneBrowser& window = open();
-    const auto menu = [](const GuiBlock& block, bool results, bool parent, const OpenSystemState& state) {
-        std::string text;
-        for (const auto& entry : BlockContextMenu::entriesFor(block, results, parent, state))
-            text += (text.empty() ? "" : ", ") + std::string(entry.separatorBefore ? "-- " : "") + entry.label +
-                    (entry.accelerator.empty() ? "" : " [" + entry.accelerator + "]");
-        return text;
-    };
-    GuiBlock gain{&window, session().object("arithmetica/Basic Operations/Gain").toBlock(), nullptr};
-    GuiSubsystem routing{&window, session().object("switchyard/Routing").toBlock(), nullptr};
-    const OpenSystemState model{"untitled", ModelType::Model, false};
-    const std::string rest = ", Help for the Gain block, -- Block parameters";
-    EXPECT_EQ((std::vector<std::string>{menu(gain, false, true, {}), menu(gain, false, false, model),
-                                        menu(gain, false, false, {"arithmetica", ModelType::Library, true}),
-                                        menu(gain, false, false, {"mylib", ModelType::Library, false}),
-                                        // On the results page the way back to the library replaces the parent.
-                                        menu(gain, true, true, model), menu(routing, false, true, {}),
-                                        menu(routing, false, false, {}), menu(routing, true, true, {})}),
-              (std::vector<std::string>{"Add to a new model [Ctrl+I], Help for the Gain block, Go to parent, -- Block parameters",
-                                        "Add to untitled [Ctrl+I]" + rest, "Add to a new model [Ctrl+I]" + rest,
-                                        "Add to Library: mylib [Ctrl+I]" + rest,
-                                        "Add to untitled [Ctrl+I], Help for the Gain block, Select in library view [Ctrl+R], -- Block parameters",
-                                        "Go to parent, -- Open Routing library", "Open Routing library",
-                                        "Select in library view [Ctrl+R], -- Open Routing library"}));
-
-    session().host().commandLog().clear();
-    using namespace BrowserUtils;
-    dropBlock("kinetics/Continuous/Integrator", "untitled", 120, 45);
-    openBlockDialog("arithmetica/Basic Operations/Sum", BlockDialogType::Parameters);
-    addBlockToModel("", "untitled");
-    std::string texts;
-    for (const auto& entry : session().host().commandLog().entries())
-        texts += entry.text() + "\n";
-    EXPECT_TRUE(texts.find("private_td_drop_block") == 0 && texts.find("[120 45]") < texts.find('\n') &&
-                texts.find("'params'") > texts.find('\n') && std::count(texts.begin(), texts.end(), '\n') == 2)
-        << texts;
-    // Warnings are muted while a command runs, and restored after.
-    HostEnvironment& environment = Platform::environment();
-    for (bool on : {true, false}) {
-        environment.setWarningMode(3, on);
-        openSystem("no such library", "loadOnly");
-        EXPECT_EQ(environment.isWarningModeOn(3), on);
-    }
 }
 
 const std::string pid = "Kinetics/Continuous/PID Controller";

@@ -136,15 +136,10 @@ TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheE
     window.internalOpenSubsystemInTree(nested);
     EXPECT_EQ(window.getCurrentTreeNode(), nested);
     ASSERT_NE(tree->itemOf(window.getCurrentNodeUID()), nullptr);
-}
 
-// Keys in the tree wait for the timer (the move shown when it runs: the
-// real-display journey); a click within the time-out shows its node at once
-// and cancels the move, so that nothing else is shown.
-TEST_F(BrowserWindowTest, KeyboardMovesWaitForTheTimerAndAClickCancelsThem)
-{
-    StandaloneBrowser& window = open();
-    LibraryTreeView* tree = window.tree();
+    // Keys in the tree wait for the timer (the move shown when it runs: the
+    // real-display journey); a click within the time-out shows its node at once
+    // and cancels the move, so that nothing else is shown.
     window.selectTreeNodeByName("Kinetics");
     tree->setFocus();
     const int before = int(statusTexts().size());
@@ -158,6 +153,7 @@ TEST_F(BrowserWindowTest, KeyboardMovesWaitForTheTimerAndAClickCancelsThem)
     settle(400);
     EXPECT_EQ(statusTexts().mid(before).filter("Showing: "), QStringList{"Showing: " + last->text(0).trimmed()});
 }
+
 
 // Wrong values come back corrected and are written as the file always had
 // them; the font steps stop at the ends.
@@ -223,6 +219,49 @@ TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
                               window.getIconSize(), window.action(BrowserAction::LargeIcons)->isChecked(),
                               window.action(BrowserAction::SmallIcons)->isChecked()),
               std::make_tuple(LayoutType::List, false, IconSize::Large, true, false));
+
+    // Show after close checks the products again without the progress dialog;
+    // Refresh regenerates a changed library with it; a library that fails to
+    // generate keeps its node, with no dialog, and the window goes on.
+    window.window()->close();
+    EXPECT_FALSE(window.isOpen());
+    const int busy = int(statusTexts().count("Busy"));
+    int dialogs = window.progressShownCount();
+    window.showBrowser();
+    EXPECT_EQ(std::make_tuple(window.isOpen(), int(statusTexts().count("Busy")), window.progressShownCount(),
+                              window.getCurrentTreeNode().empty()),
+              std::make_tuple(true, busy + 1, dialogs, false));
+    window.showBrowser();
+    EXPECT_EQ(statusTexts().count("Busy"), busy + 1);
+
+    // Each library file is edited and given a later time, as a user's save.
+    const auto edit = [&](const std::string& name, const std::string& after, const std::string& insert, int secs) {
+        const std::string file = session().root() + "/toolbox/" + name + "/" + name + ".tdlib.json";
+        const QByteArray good = readFile(file);
+        std::string text = good.toStdString();
+        writeFile(file, QByteArray::fromStdString(text.insert(text.find(after) + after.size(), insert)));
+        setModified(file, QDateTime::currentDateTime().addSecs(secs));
+        return good;
+    };
+    edit("kinetics", "\"blocks\": [",
+         "{\"name\": \"Fresh Block\", \"type\": \"Block\", \"position\": [0, 0, 40, 40],"
+         " \"icon\": {\"shape\": \"rectangle\", \"inputs\": 1, \"outputs\": 1}},",
+         60);
+    window.action(BrowserAction::Refresh)->trigger();
+    EXPECT_GT(window.progressShownCount(), dialogs);
+    EXPECT_TRUE(!window.isProgressShown() && window.isEnabled());
+    window.selectTreeNodeByName("Kinetics");
+    EXPECT_TRUE(window.libraryPage()->getBlockByPathName("Kinetics/Fresh Block"));
+
+    const QByteArray switchyard = edit("switchyard", "\"shape\": \"", "no such ", 120);
+    window.refreshLibraryBrowser();
+    window.selectTreeNodeByName("Switchyard");
+    EXPECT_EQ(std::make_tuple(window.isEnabled(), window.getCurrentTreeNode(),
+                              window.window()->findChildren<QMessageBox*>("LBWarningDialog").size()),
+              std::make_tuple(true, std::string("Switchyard"), qsizetype(0)));
+    const std::string file = session().root() + "/toolbox/switchyard/switchyard.tdlib.json";
+    writeFile(file, switchyard);
+    setModified(file, QDateTime::currentDateTime().addSecs(240));
 }
 
 TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
@@ -272,52 +311,6 @@ TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
     EXPECT_EQ(BrowserPreferences(preferencesFile()).getInt(PrefKey::LBTreeDockWidth), width);
 }
 
-// Show after close checks the products again without the progress dialog;
-// Refresh regenerates a changed library with it; a library that fails to
-// generate keeps its node, with no dialog, and the window goes on.
-TEST_F(BrowserWindowTest, ShowAfterCloseAndRefreshCheckTheProductsAgain)
-{
-    StandaloneBrowser& window = open();
-    window.window()->close();
-    EXPECT_FALSE(window.isOpen());
-    const int busy = int(statusTexts().count("Busy"));
-    int dialogs = window.progressShownCount();
-    window.showBrowser();
-    EXPECT_EQ(std::make_tuple(window.isOpen(), int(statusTexts().count("Busy")), window.progressShownCount(),
-                              window.getCurrentTreeNode().empty()),
-              std::make_tuple(true, busy + 1, dialogs, false));
-    window.showBrowser();
-    EXPECT_EQ(statusTexts().count("Busy"), busy + 1);
-
-    // Each library file is edited and given a later time, as a user's save.
-    const auto edit = [&](const std::string& name, const std::string& after, const std::string& insert, int secs) {
-        const std::string file = session().root() + "/toolbox/" + name + "/" + name + ".tdlib.json";
-        const QByteArray good = readFile(file);
-        std::string text = good.toStdString();
-        writeFile(file, QByteArray::fromStdString(text.insert(text.find(after) + after.size(), insert)));
-        setModified(file, QDateTime::currentDateTime().addSecs(secs));
-        return good;
-    };
-    edit("kinetics", "\"blocks\": [",
-         "{\"name\": \"Fresh Block\", \"type\": \"Block\", \"position\": [0, 0, 40, 40],"
-         " \"icon\": {\"shape\": \"rectangle\", \"inputs\": 1, \"outputs\": 1}},",
-         60);
-    window.action(BrowserAction::Refresh)->trigger();
-    EXPECT_GT(window.progressShownCount(), dialogs);
-    EXPECT_TRUE(!window.isProgressShown() && window.isEnabled());
-    window.selectTreeNodeByName("Kinetics");
-    EXPECT_TRUE(window.libraryPage()->getBlockByPathName("Kinetics/Fresh Block"));
-
-    const QByteArray switchyard = edit("switchyard", "\"shape\": \"", "no such ", 120);
-    window.refreshLibraryBrowser();
-    window.selectTreeNodeByName("Switchyard");
-    EXPECT_EQ(std::make_tuple(window.isEnabled(), window.getCurrentTreeNode(),
-                              window.window()->findChildren<QMessageBox*>("LBWarningDialog").size()),
-              std::make_tuple(true, std::string("Switchyard"), qsizetype(0)));
-    const std::string file = session().root() + "/toolbox/switchyard/switchyard.tdlib.json";
-    writeFile(file, switchyard);
-    setModified(file, QDateTime::currentDateTime().addSecs(240));
-}
 
 using PreferencesDialogTest = BrowserWindowFixture;
 
