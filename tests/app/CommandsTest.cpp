@@ -25,6 +25,14 @@ namespace {
 
 using TdlbReadTest = UpdatedTdlbTest;
 
+// A JSON object as one compact line, without the given keys.
+QString compact(QJsonObject object, const QStringList& without = {})
+{
+    for (const QString& key : without)
+        object.remove(key);
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
 // What tdlb refuses, it refuses with a reason on standard error and nothing
 // on standard output: usage errors before any repository work with exit
 // code 2, what can't be found with 1 (nothing is written then, so the
@@ -76,19 +84,8 @@ TEST_F(TdlbReadTest, EachCommandPrintsItsAnswerOrSaysWhyNotWithItsExitCode)
     // Nothing is generated again when nothing changed, and nothing refused writes to a store.
     EXPECT_TRUE(stores() == before);
     EXPECT_TRUE(ok({"report"}).out.startsWith("Action: Syncing the top level manifest"));
-}
 
-// A JSON object as one compact line, without the given keys.
-QString compact(QJsonObject object, const QStringList& without = {})
-{
-    for (const QString& key : without)
-        object.remove(key);
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-}
-
-// The documents of list, search, tree, show and find, and browse's picture.
-TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
-{
+    // The documents of list, search, tree, show and find, and browse's picture.
     const TdlbResult text = ok({"list"});
     EXPECT_EQ(text.out.count('\n'), 7);
     for (const char* row : {"^NAME", "\nSignal Workbench +signal_workbench +palette +yes +yes\n",
@@ -159,7 +156,6 @@ TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
               limited["total"].toInt());
 
     // Browse makes a picture of the asked node, with options for that run only.
-    const QString picture = QDir(tdlb.preferences()).filePath("window.png");
     const auto preferences = [this] {
         const QSettings ini(tdlb.preferences() + "/LibraryBrowser.ini", QSettings::IniFormat);
         return ini.value("LibraryBrowser/LBLayout").toString() + "|" + ini.value("LibraryBrowser/LBIconSize").toString();
@@ -172,6 +168,8 @@ TEST_F(TdlbReadTest, ListSearchTreeShowAndFindGiveTheirDocuments)
     EXPECT_EQ(QImage(picture).size(), QSize(700, 500));
     EXPECT_EQ(preferences(), chosen) << "the options were for that run only";
 }
+
+
 
 // The command line's own contract without a root: help on every command,
 // the window commands without a display, and the build's example root by
