@@ -230,13 +230,6 @@ void clickToggle(ResultsBlocksPage& page, const std::string& name)
     QApplication::processEvents();
 }
 
-// The picture for the docs, where TDLB_SCREENSHOT_DIR names a directory.
-void screenshot(ResultsBlocksPage& page, const char* name)
-{
-    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR"))
-        EXPECT_TRUE(page.getScrollView()->grab().save(QString::fromLocal8Bit(directory) + "/" + name, "PNG"));
-}
-
 // Sections in tree order with their counts and tiles; the header's image
 // hides and shows a section, whose tiles outlive the hide; with the
 // preference a hidden library stays hidden in the next search, without it
@@ -263,7 +256,9 @@ TEST_F(ResultsPageTest, SectionsFollowTheLibrariesAndAHiddenOneIsRememberedOrFor
     ASSERT_EQ(sections(page), "Tandril 4, Kinetics 3, Signal Workbench 4, Switchyard 3");
     clickToggle(page, "Switchyard");
     EXPECT_EQ(sections(page), "Tandril 4, Kinetics 3, Signal Workbench 4, -Switchyard 3") << "the tiles outlive the hide";
-    screenshot(page, "results-page.png");
+    // The picture for the docs, where TDLB_SCREENSHOT_DIR names a directory.
+    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR"))
+        EXPECT_TRUE(page.getScrollView()->grab().save(QString::fromLocal8Bit(directory) + "/results-page.png", "PNG"));
     EXPECT_TRUE(page.getSectionByName("Switchyard")->header->imageLink()->expandsOnClick());
 
     window.searchForBlock("gate");
@@ -290,20 +285,15 @@ TEST_F(ResultsPageTest, SectionsFollowTheLibrariesAndAHiddenOneIsRememberedOrFor
     EXPECT_EQ(std::make_pair(sections(again), GuiBlock::instancesCreated()), std::make_pair(std::string("Tandril 3, -Kinetics 3"), tiles));
     forgetting.searchForBlock("wave");
     EXPECT_EQ(sections(again), "Tandril 4, Kinetics 3, Signal Workbench 4, Switchyard 3");
-}
 
-// Moves cross from section to section by the rows of two columns, take the
-// last tile of a shorter last row, pass over hidden sections and never wrap.
-TEST_F(ResultsPageTest, SelectionMovesAcrossSections)
-{
-    StandaloneBrowser& window = open();
-    ResultsBlocksPage& page = *window.resultsPage();
-    window.setIconSize(IconSize::Compact);
-    window.window()->resize(750, 600);
+    // Moves cross from section to section by the rows of two columns, take the
+    // last tile of a shorter last row, pass over hidden sections and never wrap.
+    forgetting.setIconSize(IconSize::Compact);
+    forgetting.window()->resize(750, 600);
     settle();
-    window.searchForBlock("wave");
-    ASSERT_EQ(page.getNumIconCols(), 2);
-    const auto select = [&](const std::string& path) { page.setSelectedBlock(page.getBlockByPathName(path)); };
+    forgetting.searchForBlock("wave");
+    ASSERT_EQ(again.getNumIconCols(), 2);
+    const auto select = [&](const std::string& path) { again.setSelectedBlock(again.getBlockByPathName(path)); };
     const std::string tandril = "Tandril/Frequently Used/Wave Sources";
     const std::string kinetics = "Kinetics/Test Signals/";
     const std::string workbench = "Signal Workbench/Wavecraft Signals";
@@ -319,16 +309,17 @@ TEST_F(ResultsPageTest, SelectionMovesAcrossSections)
     };
     for (const auto& [move, from, to] : moves) {
         select(from);
-        (page.*move)();
-        EXPECT_EQ(selectedPath(page), to) << "from " << from;
+        (again.*move)();
+        EXPECT_EQ(selectedPath(again), to) << "from " << from;
     }
     // A hidden section is passed over (which tile each move lands on: the
     // section arithmetic), and a key press reaches the same moves.
-    page.hideResultsSectionByName("Kinetics");
+    again.hideResultsSectionByName("Kinetics");
     select(tandril + "/Square Wave");
-    QTest::keyClick(page.getScrollView(), Qt::Key_Down);
-    EXPECT_EQ(selectedPath(page), workbench);
+    QTest::keyClick(again.getScrollView(), Qt::Key_Down);
+    EXPECT_EQ(selectedPath(again), workbench);
 }
+
 
 // The default stores, with one more product at the top that names nothing
 // the store holds.
