@@ -344,6 +344,43 @@ TEST_F(QuickInsertTest, TypingOnAModelInsertsTheBestMatchAtTheMouse)
     QTest::keyClick(drawing, Qt::Key_A, Qt::ControlModifier);
     settle();
     EXPECT_EQ(popup(), nullptr);
+
+    // The context menu's entry after the design's, the recents' bound, and a
+    // history whose file can't be written.
+    closeWindow();
+    openOn("Kinetics/Continuous");
+    browser().selectBlockByName(pid);
+    settle();
+    const auto menuOf = [this](GuiBlock* tile) {
+        return menuOpenedBy([&] { browser().internalShowBlockContextMenu(tile, QPoint(100, 100)); });
+    };
+    const QStringList menu = menuOf(tile(pid));
+    ASSERT_EQ(menu.value(menu.size() - 1), "Add to Favorites");
+    // The menu was closed without a choice; the entry acts through the history.
+    BlockHistory& history = browser().blockHistory();
+    const std::string path = tile(pid)->getPath();
+    history.setFavourite(path, true);
+    EXPECT_EQ(menuOf(tile(pid)).value(menu.size() - 1), "Remove from Favorites");
+
+    for (int i = 0; i < 25; ++i)
+        history.noteAdded("lib/Block " + std::to_string(i));
+    history.noteAdded("lib/Block 22");
+    BrowserPreferences again(preferencesFile());
+    const QStringList recents = again.getStringList(PrefKey::LBRecentBlocks);
+    EXPECT_EQ((QStringList{recents.value(0), recents.value(1), recents.value(19), recents.value(20)}),
+              (QStringList{"lib/Block 22", "lib/Block 24", "lib/Block 5", ""}));
+    EXPECT_EQ(again.getStringList(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(path)});
+
+    // A preferences file that can't be written: the history works on for the
+    // session and says so.
+    const QString blocker = QDir(QFileInfo(preferencesFile()).absolutePath()).filePath("not-a-directory");
+    writeFile(blocker.toStdString(), "");
+    BrowserPreferences prefs(blocker + "/LibraryBrowser.ini");
+    BlockHistory lost(prefs);
+    EXPECT_FALSE(lost.noteAdded("lib/Gain") || lost.setFavourite("lib/Gain", true));
+    EXPECT_TRUE(lost.isFavourite("lib/Gain") && lost.recents() == QStringList{"lib/Gain"});
+    EXPECT_TRUE(lost.saveFailureMessage().contains(blocker)) << lost.saveFailureMessage().toStdString();
+    QFile::remove(blocker);
 }
 
 // Arrows stop at the ends, Ctrl+Enter inserts and stays, Ctrl+D marks a
@@ -408,45 +445,6 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     EXPECT_EQ(blocksOf(model).size(), 2);
 }
 
-// The context menu's entry after the design's, the recents' bound, and a
-// history whose file can't be written.
-TEST_F(QuickInsertTest, TheContextMenuMarksFavouritesAndRecentsKeepTheLastTwenty)
-{
-    closeWindow();
-    openOn("Kinetics/Continuous");
-    browser().selectBlockByName(pid);
-    settle();
-    const auto menuOf = [this](GuiBlock* tile) {
-        return menuOpenedBy([&] { browser().internalShowBlockContextMenu(tile, QPoint(100, 100)); });
-    };
-    const QStringList menu = menuOf(tile(pid));
-    ASSERT_EQ(menu.value(menu.size() - 1), "Add to Favorites");
-    // The menu was closed without a choice; the entry acts through the history.
-    BlockHistory& history = browser().blockHistory();
-    const std::string path = tile(pid)->getPath();
-    history.setFavourite(path, true);
-    EXPECT_EQ(menuOf(tile(pid)).value(menu.size() - 1), "Remove from Favorites");
-
-    for (int i = 0; i < 25; ++i)
-        history.noteAdded("lib/Block " + std::to_string(i));
-    history.noteAdded("lib/Block 22");
-    BrowserPreferences again(preferencesFile());
-    const QStringList recents = again.getStringList(PrefKey::LBRecentBlocks);
-    EXPECT_EQ((QStringList{recents.value(0), recents.value(1), recents.value(19), recents.value(20)}),
-              (QStringList{"lib/Block 22", "lib/Block 24", "lib/Block 5", ""}));
-    EXPECT_EQ(again.getStringList(PrefKey::LBFavoriteBlocks), QStringList{QString::fromStdString(path)});
-
-    // A preferences file that can't be written: the history works on for the
-    // session and says so.
-    const QString blocker = QDir(QFileInfo(preferencesFile()).absolutePath()).filePath("not-a-directory");
-    writeFile(blocker.toStdString(), "");
-    BrowserPreferences prefs(blocker + "/LibraryBrowser.ini");
-    BlockHistory lost(prefs);
-    EXPECT_FALSE(lost.noteAdded("lib/Gain") || lost.setFavourite("lib/Gain", true));
-    EXPECT_TRUE(lost.isFavourite("lib/Gain") && lost.recents() == QStringList{"lib/Gain"});
-    EXPECT_TRUE(lost.saveFailureMessage().contains(blocker)) << lost.saveFailureMessage().toStdString();
-    QFile::remove(blocker);
-}
 
 } // namespace
 } // namespace LibraryBrowser::Testing
