@@ -44,7 +44,6 @@ public:
     // fails the test and gives none when the root can't be written.
     static std::unique_ptr<ExampleRootSession> synthetic(int products, int blocksPerProduct);
 
-    Repository& repository() { return *m_repository; }
     const RepositoryPtr& repositoryPtr() const { return m_repository; }
     std::string root() const { return m_root.path().toStdString(); }
     Host::EmbeddedHost& host() { return *m_host; }

@@ -53,11 +53,6 @@ protected:
         return items;
     }
     QString resultsTabTitle() { return browser().window()->findChild<QTabWidget*>("LBTabContainer")->tabText(1); }
-    void SetUp() override
-    {
-        BrowserWindowFixture::SetUp();
-        open();
-    }
 };
 
 // The walk names each library as it goes and gives a section per library in
@@ -66,7 +61,7 @@ protected:
 // descriptions shape the match and are kept.
 TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
 {
-    StandaloneBrowser& window = browser();
+    StandaloneBrowser& window = open();
     enter("Delay");
     EXPECT_EQ(std::make_tuple(window.getCurrentTabIndex(), window.getResultsPageSectionNames(),
                               window.getResultsSectionBlockNames("Kinetics"), window.getCurrentStatusBarMessage(),
@@ -160,7 +155,7 @@ TEST_F(SearchFlowTest, HitsInSeveralLibrariesGiveOneSectionEachInTreeOrder)
 // and forgets what found nothing.
 TEST_F(SearchFlowTest, ShortTextsRunNoSearchAndTheHistoryKeepsTwentyFour)
 {
-    StandaloneBrowser& window = browser();
+    StandaloneBrowser& window = open();
     const std::string before = window.getCurrentStatusBarMessage();
     const QString tip = window.searchComboBox()->toolTip();
     ASSERT_FALSE(tip.isEmpty());
