@@ -7,26 +7,19 @@
 
 #include "gui/BlockContextMenu.h"
 #include "gui/BlockHistory.h"
-#include "gui/BlocksPanel.h"
 #include "gui/BrowserHostCommands.h"
-#include "gui/GuiBlock.h"
 #include "gui/GuiSubsystem.h"
 #include "gui/QuickInsertPopup.h"
 #include "platform/HostEnvironment.h"
 #include "platform/Platform.h"
-#include "support/Files.h"
 
-#include <QApplication>
 #include <QContextMenuEvent>
-#include <QCursor>
 #include <QDir>
 #include <QFileInfo>
 #include <QGraphicsView>
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QScreen>
-#include <QTest>
-#include <QWindow>
 
 #include <algorithm>
 
@@ -444,7 +437,6 @@ TEST_F(QuickInsertTest, KeysMoveInsertMarkFavouritesAndClose)
     EXPECT_EQ(popup(), nullptr);
     EXPECT_EQ(blocksOf(model).size(), 2);
 }
-
 
 } // namespace
 } // namespace LibraryBrowser::Testing

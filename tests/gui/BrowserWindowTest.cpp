@@ -4,30 +4,20 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "frame/MessageCatalogue.h"
-#include "gui/BlocksPanel.h"
-#include "gui/GuiBlock.h"
-#include "gui/LibraryBlocksPage.h"
 #include "gui/LibraryTreeView.h"
 #include "gui/PreferencesDialog.h"
-#include "support/Files.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QComboBox>
 #include <QDateTime>
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
-#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSpinBox>
-#include <QStatusBar>
 #include <QStatusTipEvent>
 #include <QTabWidget>
-#include <QTest>
 #include <algorithm>
 
 namespace LibraryBrowser::Testing {
@@ -166,7 +156,6 @@ TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheE
     settle(400);
     EXPECT_EQ(statusTexts().mid(before).filter("Showing: "), QStringList{"Showing: " + last->text(0).trimmed()});
 }
-
 
 // Wrong values come back corrected and are written as the file always had
 // them; the font steps stop at the ends.
@@ -362,10 +351,6 @@ TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
     window.closeBrowser();
     EXPECT_EQ(BrowserPreferences(preferencesFile()).getInt(PrefKey::LBTreeDockWidth), width);
 }
-
-
-
-
 
 using LibraryBlocksPageTest = BrowserWindowFixture;
 

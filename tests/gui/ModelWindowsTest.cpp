@@ -6,10 +6,6 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "support/Files.h"
-
-#include <QAction>
-#include <QApplication>
 #include <QFileInfo>
 
 namespace LibraryBrowser::Testing {
@@ -166,7 +162,6 @@ TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereThe
     EXPECT_TRUE(call("private_td_show_block_help", {HostValue::string(gain)}).ok);
     EXPECT_TRUE(help->windowTitle() == "Help: Gain" && help->plainText().contains("Multiplies its input by a constant."));
 }
-
 
 } // namespace
 } // namespace LibraryBrowser::Testing

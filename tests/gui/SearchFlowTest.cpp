@@ -6,9 +6,7 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "gui/GuiBlock.h"
 #include "gui/LBImageLink.h"
-#include "gui/LibraryBlocksPage.h"
 #include "gui/LibraryTreeView.h"
 #include "gui/ResultsBlocksPage.h"
 #include "gui/SectionHeader.h"
@@ -16,17 +14,13 @@
 #include "repository/TandrilObjectReferenceIterator.h"
 #include "repository/xmlrepository/XMLRepository.h"
 
-#include <QAction>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QScrollArea>
-#include <QStatusBar>
 #include <QTabWidget>
-#include <QTest>
-#include <QTimer>
 #include <algorithm>
 #include <cstdlib>
 
@@ -314,7 +308,6 @@ TEST_F(ResultsPageTest, SectionsFollowTheLibrariesAndAHiddenOneIsRememberedOrFor
     QTest::keyClick(again.getScrollView(), Qt::Key_Down);
     EXPECT_EQ(selectedPath(again), workbench);
 }
-
 
 // The default stores, with one more product at the top that names nothing
 // the store holds.
