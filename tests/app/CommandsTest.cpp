@@ -8,13 +8,9 @@
 
 #include "TdlbProcess.h"
 
-#include "support/Files.h"
-
 #include <QCryptographicHash>
 #include <QDir>
 #include <QImage>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QRegularExpression>
 #include <QSettings>
 
@@ -168,8 +164,6 @@ TEST_F(TdlbReadTest, EachCommandPrintsItsAnswerOrSaysWhyNotWithItsExitCode)
     EXPECT_EQ(QImage(picture).size(), QSize(700, 500));
     EXPECT_EQ(preferences(), chosen) << "the options were for that run only";
 }
-
-
 
 // The command line's own contract without a root: help on every command,
 // the window commands without a display, and the build's example root by

@@ -13,12 +13,10 @@
 #include "model/Model.h"
 #include "platform/ErrorHolder.h"
 #include "platform/ZipArchive.h"
-#include "support/Files.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QJsonArray>
 #include <QtEndian>
 
 #include <functional>
