@@ -71,12 +71,8 @@ public:
     // fails the test and gives none when the root can't be written.
     static std::unique_ptr<ExampleRootSession> synthetic(int products, int blocksPerProduct)
     {
-        Host::SyntheticRootGenerator::Settings settings;
-        settings.products = products;
-        settings.blocksPerProduct = blocksPerProduct;
-        settings.depth = 1;
-        settings.crossReferences = false;
-        settings.referenceShare = 0;
+        // One level, no references between products.
+        const Host::SyntheticRootGenerator::Settings settings{products, blocksPerProduct, 1, 0, false};
         QTemporaryDir source;
         QString error;
         if (!Host::SyntheticRootGenerator(settings).write(source.path(), error)) {
