@@ -152,8 +152,7 @@ TEST_F(TdlbSelfRepairTest, DamagedDataOfEitherStoreIsGeneratedAgainByTheNextUpda
     const auto shippedBefore = snapshot(shipped.toStdString());
     expectRuns(tdlb.withRoot({}),
                {{{"update"}, 1, {"The shipped top level manifest"}, {"The top level manifest file looks corrupted"}}});
-    EXPECT_EQ(tdlb.run({"tree"}).out, everything.out);
-    EXPECT_TRUE(snapshot(shipped.toStdString()) == shippedBefore);
+    EXPECT_TRUE(tdlb.run({"tree"}).out == everything.out && snapshot(shipped.toStdString()) == shippedBefore);
 }
 
 // Bytes changed inside an entry, the archive's directory intact: a read of
