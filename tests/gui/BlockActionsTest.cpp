@@ -173,8 +173,7 @@ TEST_F(BlockActionsTest, DragsOntoAModelAddTheBlockWhereDroppedAndARightDragOpen
     ASSERT_EQ(call("private_td_sys_name_under_mouse", {}, 1).outputs.front().toString(), model);
     mark();
     drag(tile(integrator), Qt::LeftButton, release);
-    EXPECT_TRUE(blocksOf(model).isEmpty());
-    EXPECT_FALSE(commandsSinceMark().contains("private_td_drop_block"));
+    EXPECT_TRUE(blocksOf(model).isEmpty() && !commandsSinceMark().contains("private_td_drop_block"));
     placeBesideBrowser(target);
     drag(tile(integrator), Qt::LeftButton, target->frameGeometry().bottomRight() + QPoint(60, 60));
     EXPECT_TRUE(blocksOf(model).isEmpty());
@@ -211,9 +210,7 @@ TEST_F(BlockActionsTest, DragsOntoAModelAddTheBlockWhereDroppedAndARightDragOpen
     QTest::mousePress(panel, Qt::RightButton, {}, start);
     QTest::mouseMove(panel, end);
     QTest::mouseRelease(panel, Qt::RightButton, {}, end);
-    EXPECT_EQ(blocksOf(model).size(), 3);
-    EXPECT_TRUE(menuEvent().isEmpty());
-    EXPECT_FALSE(menuEvent().isEmpty());
+    EXPECT_TRUE(blocksOf(model).size() == 3 && menuEvent().isEmpty() && !menuEvent().isEmpty()) << "shut once only";
 }
 
 // A double click acts only on a tile of the current page; a library is

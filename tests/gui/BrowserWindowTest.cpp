@@ -76,8 +76,7 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
         grid->getItemPosition(grid->indexOf(window.descriptionText()), &row, &column, &rows, &columns);
         return std::make_pair(row, column);
     };
-    EXPECT_EQ(textCell({150, 400}), std::make_pair(1, 0));
-    EXPECT_EQ(textCell({600, 90}), std::make_pair(0, 1));
+    EXPECT_TRUE(textCell({150, 400}) == std::make_pair(1, 0) && textCell({600, 90}) == std::make_pair(0, 1));
     window.internalOpenSubsystemInTree("Tandril/Signal Attributes");
     window.selectBlockByName("Tandril/Signal Attributes/Ground");
     EXPECT_TRUE(window.descriptionText()->text().startsWith("<b>Tandril/Signal Attributes/Ground</b>: "));
@@ -118,8 +117,7 @@ TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheE
     window.selectTreeNodeByName(nested);
     EXPECT_EQ(window.getCurrentTreeNode(), "Tandril");
     window.internalOpenSubsystemInTree(nested);
-    EXPECT_EQ(window.getCurrentTreeNode(), nested);
-    EXPECT_EQ(tree->currentItem()->text(0), "Conditional Container");
+    EXPECT_TRUE(window.getCurrentTreeNode() == nested && tree->currentItem()->text(0) == "Conditional Container");
     EXPECT_EQ(window.getSelectedBlockName(), nested + "/Condition Logic");
     window.collapseTreeNodeByName("Tandril/Ports & Subsystems");
     EXPECT_EQ(window.getCurrentTreeNode(), "Tandril");
@@ -271,8 +269,7 @@ TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
     window.setIconSize(IconSize::Small);
     settle();
     PreferencesDialog& dialog = *PreferencesDialog::open(window);
-    EXPECT_TRUE(dialog.isVisible());
-    EXPECT_EQ(field<QComboBox>(dialog, "layout")->currentText(), "Grid");
+    EXPECT_TRUE(dialog.isVisible() && field<QComboBox>(dialog, "layout")->currentText() == "Grid");
     EXPECT_EQ(field<QSpinBox>(dialog, "fontSize")->value(), int(window.getFontPointSize()));
 
     const QColor sand(230, 215, 170);
@@ -313,8 +310,7 @@ TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
     // Tab from the tree reaches the page, not the tab bar; the first key acts.
     window.tree()->setFocus();
     QTest::keyClick(window.tree(), Qt::Key_Tab);
-    ASSERT_EQ(QApplication::focusWidget(), page);
-    EXPECT_TRUE(window.libraryPage()->hasFocusMark());
+    ASSERT_TRUE(QApplication::focusWidget() == page && window.libraryPage()->hasFocusMark());
     const std::vector<std::string> tiles = window.getLibraryPageBlockNames();
     ASSERT_GT(tiles.size(), 1u);
     QTest::keyClick(page, Qt::Key_Right);
