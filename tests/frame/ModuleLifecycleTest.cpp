@@ -32,9 +32,8 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
 
     // A host may load the application before it initialises the module.
     load_td_lib_browse_application();
-    ASSERT_NE(Module::application(), nullptr);
     TDLBApp* first = Module::application();
-    ASSERT_EQ(first->localClasses().size(), 1u);
+    ASSERT_TRUE(first && first->localClasses().size() == 1u);
     EXPECT_EQ(first->localClasses().front()->name(), "StandaloneBrowser");
 
     NRInitialize_td_lib_browse();
@@ -43,8 +42,8 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
                                                      "addMessageTable 5E 129", "addPackage Repository"}));
     EXPECT_EQ(first->localClasses().size(), 1u) << "the class is registered once";
     EXPECT_EQ(environment.rootQueries, 1) << "the start fills the host root once";
-    EXPECT_TRUE(host.shutdownRegistry().contains("TDLibBrowse"));
-    EXPECT_TRUE(host.packages().size() == 1 && host.packages().front()->name() == "Repository");
+    EXPECT_TRUE(host.shutdownRegistry().contains("TDLibBrowse") && host.packages().size() == 1 &&
+                host.packages().front()->name() == "Repository");
 
     NRInitialize_td_lib_browse();
     EXPECT_EQ(std::make_pair(host.events.size(), host.shutdownRegistry().size()), std::make_pair(4ul, 1ul))
@@ -82,54 +81,34 @@ TEST(ModuleLifecycle, StartAndEndInOrderAndOnlyOnce)
     Platform::setEnvironment(nullptr);
 }
 
-TEST(ModuleEntry, ExportsAnEmptyFunctionListAndVersionStrings)
+// The entry points the host reads, and the message catalogue as the host's
+// message service reads it: every row has its full number, a mnemonic of its
+// own and a text; the reserved row 4 has a number and nothing else. (The
+// texts and their formatting are checked where the window shows them.)
+TEST(ModuleEntry, ExportsAnEmptyFunctionListVersionStringsAndTheMessageCatalogue)
 {
     const ModuleFunction* functions = QueryNRFcns_td_lib_browse();
-    ASSERT_TRUE(functions && !functions[0].name);
-    EXPECT_EQ(QueryNRFcnTable_td_lib_browse()->functions, functions);
+    ASSERT_TRUE(functions && !functions[0].name && QueryNRFcnTable_td_lib_browse()->functions == functions);
     // Four dotted numbers, and a date "Mmm dd yyyy" with the day padded by a blank.
-    EXPECT_TRUE(QRegularExpression("^\\d+\\.\\d+\\.\\d+\\.\\d+$").match(libtd_lib_browse_version).hasMatch())
-        << libtd_lib_browse_version;
-    EXPECT_TRUE(QRegularExpression("^[A-Z][a-z]{2} [ \\d]\\d \\d{4}$").match(libtd_lib_browse_build_date).hasMatch())
-        << libtd_lib_browse_build_date;
-}
+    EXPECT_TRUE(QRegularExpression("^\\d+\\.\\d+\\.\\d+\\.\\d+$").match(libtd_lib_browse_version).hasMatch() &&
+                QRegularExpression("^[A-Z][a-z]{2} [ \\d]\\d \\d{4}$").match(libtd_lib_browse_build_date).hasMatch())
+        << libtd_lib_browse_version << " " << libtd_lib_browse_build_date;
 
-// The message catalogue as the host's message service reads it, and the
-// lookups the window formats its texts with. The texts themselves are
-// checked where they are shown.
-// Every row has its full number, a mnemonic of its own and a text; the
-// reserved row 4 has a number and nothing else.
-TEST(MessagesTest, RowsAreNumberedNamedAndLookedUpAndFormattedByFullNumber)
-{
     const MessageTable& table = MessageCatalogue::table();
     MessageService::instance().addPrimaryTable(table);
     ASSERT_EQ(std::make_pair(table.count, table.facility), std::make_pair(129u, 0x5Eu));
     std::set<std::string> names;
-    for (std::uint32_t i = 0; i < table.count; ++i) {
-        SCOPED_TRACE("row " + std::to_string(i + 1));
-        EXPECT_EQ(table.numbers[i], 0x5E0001u + i);
-        if (i + 1 == 4) {
-            EXPECT_TRUE(table.names[i] == std::string() && table.texts[i] == nullptr);
-            continue;
-        }
-        EXPECT_TRUE(std::string(table.names[i]).rfind("TDLB_", 0) == 0 && names.insert(table.names[i]).second);
-        EXPECT_TRUE(table.texts[i] && *table.texts[i]);
-    }
-
-    EXPECT_EQ(Messages::xlatedMessageFromId(0x5E0002), "Tandril Library Browser");
-    EXPECT_EQ(Messages::xlatedMessageFromId(MessageId::TDLB_GuiLibraryBrowserShortTitle), "Library Browser");
-    EXPECT_EQ(Messages::xlatedMessageFromId(0x5E0004), "") << "reserved row";
-    EXPECT_EQ(Messages::xlatedMessageFromId(0x5F0001), "") << "other facility";
-    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, "Tandril/Sources"),
-              "Loading: Tandril/Sources");
-    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStarAndThreeInts(MessageId::TDLB_GuiStatusBarSearchResults,
-                                                                   "gain", 2, 3, 17),
-              "Matches for 'gain'    2 blocksets    3 subsystems    17 blocks");
-    EXPECT_EQ(Messages::xlatedMessageFromIdAndCharStarAndThreeIntsAndCharStar(
-                  MessageId::TDLB_GuiStatusBarSearchResultsNowSearching, "gain", 1, 0, 4, "Tandril"),
-              "Matches for 'gain'    1 blocksets    0 subsystems    4 blocks    Searching Tandril");
-    // Formatted text is cut at 4095 characters.
+    for (std::uint32_t i = 0; i < table.count; ++i)
+        EXPECT_TRUE(table.numbers[i] == 0x5E0001u + i &&
+                    (i + 1 == 4 ? table.names[i] == std::string() && !table.texts[i]
+                                : std::string(table.names[i]).rfind("TDLB_", 0) == 0 &&
+                                      names.insert(table.names[i]).second && table.texts[i] && *table.texts[i]))
+            << "row " << i + 1;
+    // The reserved row and another facility have no text; formatted text is cut at 4095 characters.
     const std::string text =
         Messages::xlatedMessageFromIdAndCharStar(MessageId::TDLB_GuiStatusBarLoading, std::string(5000, 'x'));
-    EXPECT_EQ(std::make_pair(text.size(), text.substr(0, 9)), std::make_pair(std::size_t(4095), std::string("Loading: ")));
+    EXPECT_EQ(std::make_tuple(Messages::xlatedMessageFromId(0x5E0002), Messages::xlatedMessageFromId(0x5E0004),
+                              Messages::xlatedMessageFromId(0x5F0001), text.size(), text.substr(0, 9)),
+              std::make_tuple(std::string("Tandril Library Browser"), std::string(), std::string(), std::size_t(4095),
+                              std::string("Loading: ")));
 }

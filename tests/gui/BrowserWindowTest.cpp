@@ -1,37 +1,42 @@
 // The browser window as a user meets it: start, tree, selection by keyboard
-// and mouse, preferences across a restart, docks, close and show, refresh.
+// and mouse, the library page, preferences from the dialog and across a
+// restart, docks, close and show, refresh.
 
 #include "BrowserWindowFixture.h"
 
-#include "frame/MessageCatalogue.h"
-#include "gui/BrowserPreferences.h"
-#include "gui/GuiBlock.h"
-#include "gui/LibraryBlocksPage.h"
 #include "gui/LibraryTreeView.h"
-#include "support/Files.h"
+#include "gui/PreferencesDialog.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QComboBox>
 #include <QDateTime>
-#include <QDockWidget>
+#include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
-#include <QMainWindow>
-#include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QScrollArea>
-#include <QStatusBar>
+#include <QSpinBox>
 #include <QStatusTipEvent>
 #include <QTabWidget>
-#include <QTest>
-
 #include <algorithm>
 
 namespace LibraryBrowser::Testing {
 namespace {
 
 using BrowserWindowTest = BrowserWindowFixture;
+
+template <typename Widget>
+Widget* field(PreferencesDialog& dialog, const char* name)
+{
+    auto* widget = dialog.findChild<Widget*>(name);
+    EXPECT_NE(widget, nullptr) << name;
+    return widget;
+}
+
+void press(PreferencesDialog& dialog, QDialogButtonBox::StandardButton which)
+{
+    dialog.findChild<QDialogButtonBox*>()->button(which)->click();
+}
 
 // The first window: the tree's order, the first product shown, the panels
 // docked, and the description closed with its cross staying closed across a
@@ -46,9 +51,6 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
         EXPECT_EQ(window.tree()->topLevelItem(i)->text(0).toStdString(), " " + names[i]);
     EXPECT_TRUE(window.isTreeNodeExpanded(window.getCurrentTreeNode()));
     EXPECT_EQ(window.getCurrentStatusBarMessage(), "Showing: " + window.getCurrentTreeNode());
-    EXPECT_EQ(std::make_tuple(dock("LBSearchDockWidget")->isVisible(), window.getCurrentTabIndex(),
-                              window.window()->findChild<QTabWidget*>("LBTabContainer")->tabText(1)),
-              std::make_tuple(false, 0, QString("Search Results: (none)")));
     for (const char* name : {"LBTreeDockWidget", "LBSearchDockWidget", "LBDescDockWidget"})
         EXPECT_NE(window.window()->dockWidgetArea(dock(name)), Qt::NoDockWidgetArea) << name;
     // A command's own tip, or its name where it has none.
@@ -74,8 +76,7 @@ TEST_F(BrowserWindowTest, OpensWithTheMainLibraryFirstTheDocksAndTheDescription)
         grid->getItemPosition(grid->indexOf(window.descriptionText()), &row, &column, &rows, &columns);
         return std::make_pair(row, column);
     };
-    EXPECT_EQ(textCell({150, 400}), std::make_pair(1, 0));
-    EXPECT_EQ(textCell({600, 90}), std::make_pair(0, 1));
+    EXPECT_TRUE(textCell({150, 400}) == std::make_pair(1, 0) && textCell({600, 90}) == std::make_pair(0, 1));
     window.internalOpenSubsystemInTree("Tandril/Signal Attributes");
     window.selectBlockByName("Tandril/Signal Attributes/Ground");
     EXPECT_TRUE(window.descriptionText()->text().startsWith("<b>Tandril/Signal Attributes/Ground</b>: "));
@@ -116,8 +117,7 @@ TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheE
     window.selectTreeNodeByName(nested);
     EXPECT_EQ(window.getCurrentTreeNode(), "Tandril");
     window.internalOpenSubsystemInTree(nested);
-    EXPECT_EQ(window.getCurrentTreeNode(), nested);
-    EXPECT_EQ(tree->currentItem()->text(0), "Conditional Container");
+    EXPECT_TRUE(window.getCurrentTreeNode() == nested && tree->currentItem()->text(0) == "Conditional Container");
     EXPECT_EQ(window.getSelectedBlockName(), nested + "/Condition Logic");
     window.collapseTreeNodeByName("Tandril/Ports & Subsystems");
     EXPECT_EQ(window.getCurrentTreeNode(), "Tandril");
@@ -137,15 +137,10 @@ TEST_F(BrowserWindowTest, TheCurrentNodeOutlivesItsBranchClosedAndOpenedWithTheE
     window.internalOpenSubsystemInTree(nested);
     EXPECT_EQ(window.getCurrentTreeNode(), nested);
     ASSERT_NE(tree->itemOf(window.getCurrentNodeUID()), nullptr);
-}
 
-// Keys in the tree wait for the timer (the move shown when it runs: the
-// real-display journey); a click within the time-out shows its node at once
-// and cancels the move, so that nothing else is shown.
-TEST_F(BrowserWindowTest, KeyboardMovesWaitForTheTimerAndAClickCancelsThem)
-{
-    StandaloneBrowser& window = open();
-    LibraryTreeView* tree = window.tree();
+    // Keys in the tree wait for the timer (the move shown when it runs: the
+    // real-display journey); a click within the time-out shows its node at once
+    // and cancels the move, so that nothing else is shown.
     window.selectTreeNodeByName("Kinetics");
     tree->setFocus();
     const int before = int(statusTexts().size());
@@ -182,8 +177,7 @@ TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwa
                               std::vector<bool>{false, true, false}, true));
     EXPECT_EQ(window.getPosition().size(), QSize(700, 500));
     window.setIconSize(IconSize::Small);
-    EXPECT_TRUE(window.closeBrowser());
-    EXPECT_FALSE(window.closeBrowser());
+    EXPECT_TRUE(window.closeBrowser() && !window.closeBrowser()) << "a second close finds it closed";
     {
         BrowserPreferences stored(preferencesFile());
         EXPECT_EQ(std::make_tuple(stored.getString(PrefKey::LBLayout), stored.getString(PrefKey::LBIconSize),
@@ -209,7 +203,8 @@ TEST_F(BrowserWindowTest, PreferencesComeBackCorrectedAndAreWrittenAsTheFileAlwa
     EXPECT_EQ(again.getFontPointSize(), 9);
 }
 
-// Only a different layout or icon size rebuilds the page.
+// Only a different layout or icon size rebuilds the page; then show after
+// close, refresh and the preferences dialog on the same window.
 TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
 {
     StandaloneBrowser& window = open();
@@ -224,6 +219,85 @@ TEST_F(BrowserWindowTest, LayoutAndIconSizeRebuildThePageOnlyOnAChange)
                               window.getIconSize(), window.action(BrowserAction::LargeIcons)->isChecked(),
                               window.action(BrowserAction::SmallIcons)->isChecked()),
               std::make_tuple(LayoutType::List, false, IconSize::Large, true, false));
+
+    // Show after close checks the products again without the progress dialog;
+    // Refresh regenerates a changed library with it; a library that fails to
+    // generate keeps its node, with no dialog, and the window goes on.
+    window.window()->close();
+    EXPECT_FALSE(window.isOpen());
+    const int busy = int(statusTexts().count("Busy"));
+    int dialogs = window.progressShownCount();
+    window.showBrowser();
+    EXPECT_EQ(std::make_tuple(window.isOpen(), int(statusTexts().count("Busy")), window.progressShownCount(),
+                              window.getCurrentTreeNode().empty()),
+              std::make_tuple(true, busy + 1, dialogs, false));
+    window.showBrowser();
+    EXPECT_EQ(statusTexts().count("Busy"), busy + 1);
+
+    // Each library file is edited and given a later time, as a user's save.
+    const auto edit = [&](const std::string& name, const std::string& after, const std::string& insert, int secs) {
+        const std::string file = session().root() + "/toolbox/" + name + "/" + name + ".tdlib.json";
+        const QByteArray good = readFile(file);
+        std::string text = good.toStdString();
+        writeFile(file, QByteArray::fromStdString(text.insert(text.find(after) + after.size(), insert)));
+        setModified(file, QDateTime::currentDateTime().addSecs(secs));
+        return good;
+    };
+    edit("kinetics", "\"blocks\": [",
+         "{\"name\": \"Fresh Block\", \"type\": \"Block\", \"position\": [0, 0, 40, 40],"
+         " \"icon\": {\"shape\": \"rectangle\", \"inputs\": 1, \"outputs\": 1}},",
+         60);
+    window.action(BrowserAction::Refresh)->trigger();
+    EXPECT_TRUE(window.progressShownCount() > dialogs && !window.isProgressShown() && window.isEnabled());
+    window.selectTreeNodeByName("Kinetics");
+    EXPECT_TRUE(window.libraryPage()->getBlockByPathName("Kinetics/Fresh Block"));
+
+    const QByteArray switchyard = edit("switchyard", "\"shape\": \"", "no such ", 120);
+    window.refreshLibraryBrowser();
+    window.selectTreeNodeByName("Switchyard");
+    EXPECT_EQ(std::make_tuple(window.isEnabled(), window.getCurrentTreeNode(),
+                              window.window()->findChildren<QMessageBox*>("LBWarningDialog").size()),
+              std::make_tuple(true, std::string("Switchyard"), qsizetype(0)));
+    const std::string file = session().root() + "/toolbox/switchyard/switchyard.tdlib.json";
+    writeFile(file, switchyard);
+    setModified(file, QDateTime::currentDateTime().addSecs(240));
+
+    // The preferences dialog: what a person sets there reaches the open
+    // window at once and the preferences file (read back at a restart:
+    // PreferencesComeBackCorrected...).
+    window.setLayout(LayoutType::Grid);
+    window.setIconSize(IconSize::Small);
+    settle();
+    PreferencesDialog& dialog = *PreferencesDialog::open(window);
+    EXPECT_TRUE(dialog.isVisible() && field<QComboBox>(dialog, "layout")->currentText() == "Grid");
+    EXPECT_EQ(field<QSpinBox>(dialog, "fontSize")->value(), int(window.getFontPointSize()));
+
+    const QColor sand(230, 215, 170);
+    field<QSpinBox>(dialog, "fontSize")->setValue(14);
+    field<QComboBox>(dialog, "layout")->setCurrentText("List");
+    field<QComboBox>(dialog, "iconSize")->setCurrentText("Large");
+    field<QSpinBox>(dialog, "treeSelectionTimeout")->setValue(400);
+    dialog.chooseColor(PrefKey::LBColorLibraryBlocksBackgroundTop, sand);
+    EXPECT_EQ(window.getLayoutType(), LayoutType::Grid) << "nothing changes before Apply";
+    press(dialog, QDialogButtonBox::Apply);
+    settle();
+
+    EXPECT_EQ(std::make_tuple(window.getFontPointSize(), window.window()->font().pointSize(), window.getLayoutType(),
+                              window.getIconSize(), window.libraryPage()->getBackgroundColor()),
+              std::make_tuple(14.0, 14, LayoutType::List, IconSize::Large, sand));
+    const BrowserPreferences stored(preferencesFile());
+    EXPECT_EQ(std::make_tuple(stored.getInt(PrefKey::LBFontSize), stored.getString(PrefKey::LBLayout),
+                              stored.getString(PrefKey::LBIconSize), stored.getInt(PrefKey::LBTreeSelectionTimeout),
+                              stored.getColor(PrefKey::LBColorLibraryBlocksBackgroundTop).rgb()),
+              std::make_tuple(14, QString("List"), QString("Large"), 400, sand.rgb()));
+
+    // Restore Defaults fills the fields only; Cancel leaves the window as it is.
+    press(dialog, QDialogButtonBox::RestoreDefaults);
+    EXPECT_EQ(field<QComboBox>(dialog, "layout")->currentText(), "Grid");
+    EXPECT_EQ(field<QSpinBox>(dialog, "treeSelectionTimeout")->value(), 111);
+    press(dialog, QDialogButtonBox::Cancel);
+    settle();
+    EXPECT_EQ(window.getLayoutType(), LayoutType::List);
 }
 
 TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
@@ -236,8 +310,7 @@ TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
     // Tab from the tree reaches the page, not the tab bar; the first key acts.
     window.tree()->setFocus();
     QTest::keyClick(window.tree(), Qt::Key_Tab);
-    ASSERT_EQ(QApplication::focusWidget(), page);
-    EXPECT_TRUE(window.libraryPage()->hasFocusMark());
+    ASSERT_TRUE(QApplication::focusWidget() == page && window.libraryPage()->hasFocusMark());
     const std::vector<std::string> tiles = window.getLibraryPageBlockNames();
     ASSERT_GT(tiles.size(), 1u);
     QTest::keyClick(page, Qt::Key_Right);
@@ -273,51 +346,103 @@ TEST_F(BrowserWindowTest, TheKeyboardWorksThePageAndTheWindowKeepsWhatItShows)
     EXPECT_EQ(BrowserPreferences(preferencesFile()).getInt(PrefKey::LBTreeDockWidth), width);
 }
 
-// Show after close checks the products again without the progress dialog;
-// Refresh regenerates a changed library with it; a library that fails to
-// generate keeps its node, with no dialog, and the window goes on.
-TEST_F(BrowserWindowTest, ShowAfterCloseAndRefreshCheckTheProductsAgain)
+using LibraryBlocksPageTest = BrowserWindowFixture;
+
+const std::string ports = "Tandril/Ports & Subsystems";
+const std::string signalAttributes = "Tandril/Signal Attributes";
+
+// A node's page: its label and first tile selected, subsystems first;
+// initials cycle; the menu keys open the selected tile's menu; the mouse
+// selects and a double click opens a subsystem in the tree, but not on a page
+// that isn't the window's current one. Then seven tiles in three columns:
+// each key reaches its move (where each move lands is SelectionMoves' to
+// pin); a resize reflows the same tiles and keeps the selection; another
+// layout makes them anew and keeps it too; unknown nodes change nothing.
+TEST_F(LibraryBlocksPageTest, TheKeysAndTheMouseActOnThePageAndItsSelectionOutlivesAReflow)
 {
     StandaloneBrowser& window = open();
-    window.window()->close();
-    EXPECT_FALSE(window.isOpen());
-    const int busy = int(statusTexts().count("Busy"));
-    int dialogs = window.progressShownCount();
-    window.showBrowser();
-    EXPECT_EQ(std::make_tuple(window.isOpen(), int(statusTexts().count("Busy")), window.progressShownCount(),
-                              window.getCurrentTreeNode().empty()),
-              std::make_tuple(true, busy + 1, dialogs, false));
-    window.showBrowser();
-    EXPECT_EQ(statusTexts().count("Busy"), busy + 1);
-
-    // Each library file is edited and given a later time, as a user's save.
-    const auto edit = [&](const std::string& name, const std::string& after, const std::string& insert, int secs) {
-        const std::string file = session().root() + "/toolbox/" + name + "/" + name + ".tdlib.json";
-        const QByteArray good = readFile(file);
-        std::string text = good.toStdString();
-        writeFile(file, QByteArray::fromStdString(text.insert(text.find(after) + after.size(), insert)));
-        setModified(file, QDateTime::currentDateTime().addSecs(secs));
-        return good;
+    LibraryBlocksPage& page = *window.libraryPage();
+    QScrollArea* view = page.getScrollView();
+    const auto resizeView = [&](int width) {
+        window.window()->resize(window.window()->width() + width - view->viewport()->width(), 600);
+        settle();
     };
-    edit("kinetics", "\"blocks\": [",
-         "{\"name\": \"Fresh Block\", \"type\": \"Block\", \"position\": [0, 0, 40, 40],"
-         " \"icon\": {\"shape\": \"rectangle\", \"inputs\": 1, \"outputs\": 1}},",
-         60);
-    window.action(BrowserAction::Refresh)->trigger();
-    EXPECT_GT(window.progressShownCount(), dialogs);
-    EXPECT_TRUE(!window.isProgressShown() && window.isEnabled());
-    window.selectTreeNodeByName("Kinetics");
-    EXPECT_TRUE(window.libraryPage()->getBlockByPathName("Kinetics/Fresh Block"));
+    const auto selected = [&] { return page.getSelectedBlock() ? page.getSelectedBlock()->getDisplayName() : ""; };
+    const auto press = [&](int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(view, Qt::Key(key), modifiers);
+    };
+    window.setLayout(LayoutType::Grid);
+    window.setIconSize(IconSize::Small);
+    resizeView(320);
+    window.window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.window()));
+    view->setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), window.searchComboBox()) << "Tab hands the focus to the search box";
+    window.internalOpenSubsystemInTree(ports);
+    settle();
+    EXPECT_EQ(window.window()->findChild<QTabWidget*>("LBTabContainer")->tabText(0),
+              "Library: Tandril/Ports && Subsystems");
+    const std::string container = ports + "/Container";
+    const std::string input = ports + "/Input Port";
+    const std::vector<std::string> first = page.getBlocksDisplayPathNames();
+    EXPECT_EQ(std::vector<std::string>(first.begin(), first.begin() + std::min<std::size_t>(3, first.size())),
+              (std::vector<std::string>{container, ports + "/Conditional Container", input}));
+    EXPECT_EQ(selected(), "Container");
 
-    const QByteArray switchyard = edit("switchyard", "\"shape\": \"", "no such ", 120);
-    window.refreshLibraryBrowser();
-    window.selectTreeNodeByName("Switchyard");
-    EXPECT_EQ(std::make_tuple(window.isEnabled(), window.getCurrentTreeNode(),
-                              window.window()->findChildren<QMessageBox*>("LBWarningDialog").size()),
-              std::make_tuple(true, std::string("Switchyard"), qsizetype(0)));
-    const std::string file = session().root() + "/toolbox/switchyard/switchyard.tdlib.json";
-    writeFile(file, switchyard);
-    setModified(file, QDateTime::currentDateTime().addSecs(240));
+    for (const auto& [key, modifiers, expected] : {std::tuple{Qt::Key_C, Qt::NoModifier, "Conditional Container"},
+                                                   {Qt::Key_O, Qt::ShiftModifier, "Output Port"},
+                                                   {Qt::Key_Q, Qt::NoModifier, "Output Port"}}) {
+        press(key, modifiers);
+        EXPECT_EQ(selected(), expected) << char(key);
+    }
+    EXPECT_TRUE(menuOpenedBy([&] { press(Qt::Key_F10); }).isEmpty());
+    for (const auto& [key, modifiers] : {std::pair{Qt::Key_F10, Qt::ShiftModifier}, {Qt::Key_Menu, Qt::NoModifier}})
+        EXPECT_TRUE(menuOpenedBy([&] { press(key, modifiers); }).contains("Help for the Output Port block")) << key;
+
+    auto* panel = static_cast<BlocksPanel*>(page.getMainPanel());
+    const QPoint inputAt = page.getBlockByPathName(input)->geometry().center();
+    const QPoint containerAt = page.getBlockByPathName(container)->geometry().center();
+    window.selectTabByIndex(1);
+    QTest::mouseClick(panel, Qt::LeftButton, {}, inputAt);
+    QTest::mouseDClick(panel, Qt::LeftButton, {}, containerAt);
+    EXPECT_EQ(std::make_tuple(selected(), window.getCurrentTreeNode()), std::make_tuple(std::string("Output Port"), ports));
+    window.selectTabByIndex(0);
+    QTest::mouseClick(panel, Qt::LeftButton, {}, inputAt);
+    EXPECT_EQ(selected(), "Input Port");
+    QTest::mouseDClick(panel, Qt::LeftButton, {}, containerAt);
+    EXPECT_EQ(window.getCurrentTreeNode(), container);
+
+    window.internalOpenSubsystemInTree(signalAttributes);
+    settle();
+    ASSERT_EQ(page.getNumIconCols(), 3);
+    const std::vector<std::string> paths = page.getBlocksDisplayPathNames();
+    ASSERT_EQ(paths.size(), 7u);
+    const auto at = [&](int index) { return page.getBlockByPathName(paths[index])->getDisplayName(); };
+    const std::vector<std::tuple<std::vector<int>, Qt::KeyboardModifiers, int>> steps{
+        {{Qt::Key_Right, Qt::Key_Right}, Qt::NoModifier, 2}, {{Qt::Key_Down}, Qt::NoModifier, 5},
+        {{Qt::Key_Up, Qt::Key_Left}, Qt::NoModifier, 1},     {{Qt::Key_End}, Qt::NoModifier, 6},
+        {{Qt::Key_Home}, Qt::NoModifier, 0},                 {{Qt::Key_End}, Qt::ControlModifier, 0},
+        {{Qt::Key_Right}, Qt::AltModifier, 0},
+    };
+    for (const auto& [keys, modifiers, expected] : steps) {
+        for (int key : keys)
+            press(key, modifiers);
+        EXPECT_EQ(selected(), at(expected)) << keys.front() << " with " << modifiers;
+    }
+
+    press(Qt::Key_End);
+    const long long made = GuiBlock::instancesCreated();
+    resizeView(230); // room for two columns
+    EXPECT_EQ(std::make_tuple(page.getNumIconCols(), GuiBlock::instancesCreated(), selected()),
+              std::make_tuple(2, made, at(6)));
+    press(Qt::Key_T);
+    window.setLayout(LayoutType::List);
+    EXPECT_GT(GuiBlock::instancesCreated(), made);
+    EXPECT_EQ(std::make_tuple(selected(), page.getNumIconCols()), std::make_tuple(std::string("Terminator"), 1));
+    page.updateBlocks(0);
+    page.updateBlocks(999999);
+    EXPECT_EQ(page.getBlocksDisplayPathNames(), paths);
 }
 
 } // namespace
