@@ -3,7 +3,7 @@
 // while turns are pending and ends with every section made, laid out and
 // told, and the widgets of the result before deleted.
 
-#include "PageTestSupport.h"
+#include "BrowserWindowFixture.h"
 
 #include "gui/BlocksPanel.h"
 #include "gui/BrowserUtils.h"
