@@ -226,8 +226,6 @@ protected:
 
 // Made at the first open, the shipped store is then read as it is. A changed
 // product is generated into the writable store between the two signals, once.
-// When the host can no longer read it, an update tries again, keeps what the
-// writable store holds and says why, and the next update tries again.
 TEST_F(RepositoryOnDemandTest, ShippedStoreMadeAtOpenThenChangedProductsGeneratedOnDemand)
 {
     EXPECT_TRUE(open()->exists());
@@ -252,41 +250,6 @@ TEST_F(RepositoryOnDemandTest, ShippedStoreMadeAtOpenThenChangedProductsGenerate
     repository = open();
     EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("arithmetica")).size(), 4);
     EXPECT_TRUE(sent.empty());
-
-    const std::string relative = "toolbox/wavecraft/wavecraft.tdlib.json";
-    editRootFile(relative, "\"Sine Wave\"", "\"Sine Wave 2\"");
-    repository = open();
-    ASSERT_TRUE(child(*repository, repository->getTandrilObject("wavecraft"), "Sources").isValid());
-    std::map<std::string, QByteArray> archives;
-    for (const char* kind : {"icons", "manifests"})
-        archives[kind] = readFile(writableArchive("wavecraft", kind));
-    ASSERT_FALSE(archives["manifests"].isEmpty());
-
-    writeRootFile(relative, "{ \"format\": \"tandril-library\", broken");
-    // Later than the edit, which may have been dated the same second.
-    setModified(root() + "/" + relative, QDateTime::currentDateTime().addSecs(120));
-    repository = open();
-    // What the update command does: every product's store chosen now.
-    for (TandrilObjectIterator it = repository->getProductsIterator(); it.isValidIterator(); it.next())
-        repository->getChildrenIterator(it.current());
-    EXPECT_NE(std::find(sent.begin(), sent.end(), "pre Wavecraft Signals"), sent.end())
-        << testing::PrintToString(sent);
-    for (const auto& [kind, bytes] : archives)
-        EXPECT_EQ(readFile(writableArchive("wavecraft", kind.c_str())), bytes) << "the " << kind << " archive changed";
-    // Read from the writable store: the shipped one has no "Sine Wave 2".
-    const TandrilObject sources = child(*repository, repository->getTandrilObject("wavecraft"), "Sources");
-    EXPECT_TRUE(child(*repository, sources, "Sine Wave 2").isValid());
-    std::vector<std::string> why;
-    for (const RepositoryReport::Issue& warning : repository->getRepositoryReport()->takeUniqueWarnings())
-        if (warning.message.rfind("Product Wavecraft Signals was not generated again (", 0) == 0)
-            why.push_back(warning.message);
-    ASSERT_EQ(why.size(), 1u);
-    EXPECT_NE(why.front().find("wavecraft.tdlib.json"), std::string::npos) << why.front();
-    EXPECT_EQ(why.front().find('\n'), std::string::npos) << why.front();
-
-    repository = open();
-    repository->getChildrenIterator(repository->getTandrilObject("wavecraft"));
-    EXPECT_EQ(sent, (std::vector<std::string>{"pre Wavecraft Signals", "post Wavecraft Signals"}));
 }
 
 enum class Root { Example, Synthetic };

@@ -471,10 +471,12 @@ TEST_F(WriterTest, TheTopLevelManifestAndTheStoreRecoverFromWhatTheyFind)
 
 // Faults in the host's product list are warned of, and generation goes on:
 // a doubled name keeps the first, an unknown type is left out, not guessed
-// at, and a palette listing itself is generated.
+// at, and a palette listing itself is generated. A block of a type no
+// library may hold is left out with an error; its product is generated.
 TEST_F(WriterTest, ADoubledProductNameKeepsTheFirstAndAPaletteListingItselfIsGenerated)
 {
     setAlphaAndBeta(1);
+    libraries.setLibrary("Alpha", {{"A0"}, {"Note", "Annotation"}, {"A1"}});
     libraries.setProducts({{"Alpha Library", "Alpha"},
                            {"Alpha Library", "Beta"},
                            {"Gadgets", "Beta", "Gadget"},
@@ -487,6 +489,8 @@ TEST_F(WriterTest, ADoubledProductNameKeepsTheFirstAndAPaletteListingItselfIsGen
     EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(),
                             [](const auto& w) { return w.id == "Tandril:LibraryBrowser:CycleInPalette"; }),
               2);
+    EXPECT_TRUE(logged(*report, "??? **Error**   Invalid block type Annotation"));
+    EXPECT_EQ(childNames("Alpha"), (Messages{"A0", "A1"}));
     const auto reader = openReader();
     EXPECT_FALSE(reader->getProduct("Beta").isValid());
     EXPECT_FALSE(reader->getProduct("Gadgets").isValid());
