@@ -23,14 +23,6 @@ HostInterpreter::CallResult HostFixture::tdprivate(const std::string& operation,
     return m_host->callWithTrap("tdprivate", outputs, rest);
 }
 
-std::vector<std::string> HostFixture::messages(const RepositoryReport::IssueList& issues)
-{
-    std::vector<std::string> texts;
-    for (const RepositoryReport::Issue& issue : issues)
-        texts.push_back(issue.message);
-    return texts;
-}
-
 std::vector<double> HostFixture::children(const HostValue& of)
 {
     const auto result = tdprivate("lb_getChildrenHandles", 1, {of});

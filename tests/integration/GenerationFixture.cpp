@@ -13,7 +13,6 @@
 #include <QJsonObject>
 #include <QProcessEnvironment>
 
-#include <algorithm>
 
 namespace LibraryBrowser::Testing {
 
@@ -110,12 +109,6 @@ std::string GenerationFixture::logText() const
     for (const std::string& line : report->getLog())
         text += line;
     return text;
-}
-
-int GenerationFixture::logCount(const std::string& text) const
-{
-    const auto& log = report->getLog();
-    return int(std::count_if(log.begin(), log.end(), [&](const auto& line) { return line.find(text) != line.npos; }));
 }
 
 void GenerationFixture::editRootFile(const std::string& relative, const std::string& from,

@@ -3,6 +3,7 @@
 #include "EmbeddedHost.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
+#include "support/ReportLines.h"
 
 #include <QTemporaryDir>
 
@@ -70,8 +71,8 @@ protected:
         return store() + "/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
     }
 
-    bool logHas(const std::string& text) const { return logCount(text) > 0; }
-    int logCount(const std::string& text) const;
+    bool logHas(const std::string& text) const { return logged(*report, text); }
+    int logCount(const std::string& text) const { return loggedCount(*report, text); }
     std::string logText() const;
     // Rewrites a file of the root copy, dated a minute ahead: every `from`
     // becomes `to`.

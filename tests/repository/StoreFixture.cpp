@@ -98,22 +98,6 @@ void StoreFixture::recordModelFile(LibraryImpl& library, const std::string& spec
     });
 }
 
-int StoreFixture::loggedCount(const RepositoryReport& report, const std::string& text)
-{
-    int n = 0;
-    for (const std::string& line : report.getLog())
-        n += line.find(text) != std::string::npos;
-    return n;
-}
-
-std::vector<std::string> StoreFixture::errorMessages(const RepositoryReport& report)
-{
-    std::vector<std::string> messages;
-    for (const RepositoryReport::Issue& issue : report.getErrors())
-        messages.push_back(issue.message);
-    return messages;
-}
-
 void StoreFixture::setAlphaAndBeta(int alphaBlocks, int betaBlocks)
 {
     std::vector<ScriptedProduct> products{{"Alpha Library", "Alpha"}};
