@@ -1,6 +1,7 @@
 #pragma once
 
 #include "EmbeddedHost.h"
+#include "repository/TandrilObjectIterator.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
 #include "support/ReportLines.h"
@@ -57,8 +58,10 @@ protected:
         return std::make_unique<XMLRepositoryReader>(store(), RepositoryReport::create());
     }
 
-    // The paths of the products the store lists, in its order.
-    static std::vector<std::string> productPaths(XMLRepositoryReader& reader);
+    // The paths of the objects of a walk, in its order or sorted; of the
+    // products the store lists.
+    static std::vector<std::string> paths(TandrilObjectIterator it, bool sorted = false);
+    static std::vector<std::string> productPaths(XMLRepositoryReader& reader) { return paths(reader.getProductsIterator()); }
     // What a library file declares, references not followed.
     TreeCounts declaredCounts(const std::string& product) const;
     // What the store gives back for a product, walked through a reader.

@@ -34,7 +34,8 @@ using TempDirectoriesTest = Testing::StoreFixture;
 
 // Removing what was never made does nothing; numbered directories are named
 // by their use; a name keeps its directory across removals; host failures
-// and a missing or unwritable system temporary directory are errors.
+// and a missing or unwritable system temporary directory are errors, an
+// unmakeable writable store a warning.
 TEST_F(TempDirectoriesTest, HostFailuresAreErrors)
 {
     removeTempDirectory(*report, 9001);
@@ -84,6 +85,14 @@ TEST_F(TempDirectoriesTest, HostFailuresAreErrors)
               (Messages{"Failed to call 'rmdir' on the temporary directory " + first,
                         "Unable to remove temporary directory. The following error occurred:", "Permission denied",
                         "Unable to find the operating system temporary directory"}));
+    // A writable store that can't be made, below a preferences "directory"
+    // that is a file, is a warning.
+    writeFile(path("prefs-file"), "x");
+    Testing::RecordingEnvironment blocked(hostRoot(), path("prefs-file"));
+    Platform::setEnvironment(&blocked);
+    EXPECT_EQ(writableRepositoryDirectory(*report), path("prefs-file") + "/td_library_browser_repos");
+    Platform::setEnvironment(environment);
+    EXPECT_EQ(messages(report->getWarnings()), Messages{"Unable to create preference directory"});
 
     qputenv("TMPDIR", QByteArray::fromStdString(tempRoot()));
     report = RepositoryReport::create();
@@ -325,21 +334,6 @@ TEST(RepositoryPathsTest, OnlyRelativePathsWithinTheStoreServeAsRepositoryDirect
     EXPECT_TRUE(holdsControlCharacter("Carriage\rReturn"));
     EXPECT_EQ(showControlCharacters("Bell\a\x1f"), "Bell\\x07\\x1f");
 }
-
-using RepositoryDirectoriesTest = Testing::StoreFixture;
-
-TEST_F(RepositoryDirectoriesTest, UnmakeableWritableStoreIsAWarning)
-{
-    // The preferences "directory" is a file: nothing can be made below it.
-    writeFile(path("prefs-file"), "x");
-    Testing::RecordingEnvironment blocked(hostRoot(), path("prefs-file"));
-    Platform::setEnvironment(&blocked);
-    EXPECT_EQ(writableRepositoryDirectory(*report), path("prefs-file") + "/td_library_browser_repos");
-    Platform::setEnvironment(environment);
-    ASSERT_EQ(report->getWarnings().size(), 1u);
-    EXPECT_EQ(report->getWarnings().front().message, "Unable to create preference directory");
-}
-
 
 const QDateTime stamp = QDateTime::fromSecsSinceEpoch(1763800000);
 

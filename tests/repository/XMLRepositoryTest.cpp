@@ -510,7 +510,8 @@ Messages lines(const RepositoryReport& report)
 // raises the flags; the log keeps the newest thousand lines; taking empties
 // the lists and clears the flags but not the log, and unique warnings keep
 // the first of each text; the echo goes to the host console only when asked.
-TEST(RepositoryReportTest, LinesLevelsListsAndEcho)
+// Host operations reach it as a log sink.
+TEST(RepositoryReportTest, LinesLevelsListsEchoAndTheHostsSink)
 {
     Testing::RecordingEnvironment environment("/root", "/prefs");
     Platform::setEnvironment(&environment);
@@ -563,20 +564,18 @@ TEST(RepositoryReportTest, LinesLevelsListsAndEcho)
         shallow.log("depth " + std::to_string(depth));
     }
     EXPECT_EQ(lines(shallow), (Messages{"Action: depth 0\n", "  Action: depth 1\n"}));
-}
 
-TEST(RepositoryReportTest, HostOperationsReachItAsALogSink)
-{
-    auto report = RepositoryReport::create();
-    const HostValue argument = HostValue::object(report);
+    // Host operations reach it as a log sink.
+    auto shared = RepositoryReport::create();
+    const HostValue argument = HostValue::object(shared);
     ASSERT_EQ(argument.hostObject()->hostClassName(), "Repository.RepositoryReport");
     auto* sink = dynamic_cast<HostLogSink*>(argument.hostObject().get());
     ASSERT_NE(sink, nullptr);
     sink->logAction("host step");
     sink->logWarning("Host:W", "host warning");
     sink->logError("Host:E", "host error");
-    EXPECT_EQ(report->getLog().front(), "Action: host step\n");
-    EXPECT_EQ(report->getErrors(), (Issues{{"Host:E", "host error"}}));
+    EXPECT_EQ(shared->getLog().front(), "Action: host step\n");
+    EXPECT_EQ(shared->getErrors(), (Issues{{"Host:E", "host error"}}));
 }
 
 } // namespace
