@@ -24,12 +24,9 @@ void StoreFixture::SetUp()
     environment = new RecordingEnvironment(hostRoot(), path("prefs"));
     Platform::setEnvironment(environment);
     interpreter.on("tdprivate:rmdir", [](int, const std::vector<HostValue>& inputs) {
-        HostInterpreter::CallResult result;
-        result.ok = true;
         const bool removed = QDir(QString::fromStdString(inputs.at(1).toString())).removeRecursively();
-        result.outputs = {HostValue::logicalScalar(removed), HostValue::string(removed ? "" : "rmdir failed"),
-                          HostValue::string("")};
-        return result;
+        return HostInterpreter::CallResult{true, {HostValue::logicalScalar(removed),
+                                                  HostValue::string(removed ? "" : "rmdir failed"), HostValue::string("")}};
     });
     Platform::setInterpreter(&interpreter);
 }
@@ -87,14 +84,11 @@ void StoreFixture::recordModelFile(LibraryImpl& library, const std::string& spec
     library.setModelFileDate(std::int32_t(fileDate(file)));
     m_modelFiles[library.getPath()] = spec;
     interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& inputs) {
-        HostInterpreter::CallResult result;
         const auto it = m_modelFiles.find(inputs.at(2).toString());
-        result.ok = it != m_modelFiles.end();
-        if (result.ok)
-            result.outputs = {HostValue::cellOfStrings({it->second}),
-                              HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())),
-                              HostValue()};
-        return result;
+        if (it == m_modelFiles.end())
+            return HostInterpreter::CallResult{};
+        return HostInterpreter::CallResult{true, {HostValue::cellOfStrings({it->second}),
+            HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())), HostValue()}};
     });
 }
 
