@@ -342,8 +342,7 @@ TEST(ManifestScanner, DeclinesAnythingBeyondThePlainFormAndLeavesTheModelAsItWas
         QByteArray bytes;
     };
     const Case cases[] = {
-        {"empty", QByteArray()},
-        {"comment", document("<!-- note --><BlockImpl id=\"1\"/>")},
+        {"empty", QByteArray()}, {"comment", document("<!-- note --><BlockImpl id=\"1\"/>")},
         {"doctype", QByteArray::fromStdString(declaration + "<!DOCTYPE x>" + root + rootEnd)},
         {"processing instruction", document("<?pi data?><BlockImpl id=\"1\"/>")},
         {"other encoding", QByteArray::fromStdString("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + root + rootEnd)},
@@ -370,8 +369,7 @@ TEST(ManifestScanner, DeclinesAnythingBeyondThePlainFormAndLeavesTheModelAsItWas
         {"abstract node class", document("<TandrilObjectImpl id=\"1\"/>")},
         {"element with content", document("<BlockImpl id=\"1\"></BlockImpl>")},
         {"text between elements", document("text<BlockImpl id=\"1\"/>")},
-        {"no id", document("<BlockImpl name=\"a\"/>")},
-        {"id zero", document("<BlockImpl id=\"0\"/>")},
+        {"no id", document("<BlockImpl name=\"a\"/>")}, {"id zero", document("<BlockImpl id=\"0\"/>")},
         {"id with a sign", document("<BlockImpl id=\"+1\"/>")},
         {"id used twice", document("<BlockImpl id=\"1\"/><BlockImpl id=\"1\"/>")},
         {"value that doesn't read", document("<BlockImpl id=\"1\" isInvalid=\"yes\"/>")},

@@ -21,50 +21,29 @@ TEST(SearchPattern, MatchesByTheOptions)
 {
     const Case cases[] = {
         // Plain words match anywhere, without case, non-ASCII letters too.
-        {"gain", "Variable Gain Amplifier", true},
-        {"GAIN", "gain", true},
-        {"gain", "Gai n", false},
-        {"", "anything", true},
-        {"\u00e4quator", "\u00c4quator Scope", true},
+        {"gain", "Variable Gain Amplifier", true}, {"GAIN", "gain", true}, {"gain", "Gai n", false},
+        {"", "anything", true}, {"\u00e4quator", "\u00c4quator Scope", true},
         // Names and patterns are read as Unicode, not byte by byte: a letter
         // beyond ASCII folds its case, and "?" stands for the whole of it.
-        {"r\u00e9sonateur", "R\u00e9sonateur", true},
-        {"r?sonateur", "R\u00e9sonateur", true},
-        {"r??sonateur", "R\u00e9sonateur", false},
-        {"gain", "Variable Gain", false, false, false, true},
+        {"r\u00e9sonateur", "R\u00e9sonateur", true}, {"r?sonateur", "R\u00e9sonateur", true},
+        {"r??sonateur", "R\u00e9sonateur", false}, {"gain", "Variable Gain", false, false, false, true},
         {"Gain", "Variable Gain", true, false, false, true},
         // Whole words refuse parts of longer words; the boundaries bind to
         // the outer alternatives only.
-        {"gain", "Variable Gain", true, false, true},
-        {"gain", "Gains", false, false, true},
-        {"gain", "Again", false, false, true},
-        {"sum|gain", "Again", true, true, true},
+        {"gain", "Variable Gain", true, false, true}, {"gain", "Gains", false, false, true},
+        {"gain", "Again", false, false, true}, {"sum|gain", "Again", true, true, true},
         {"(sum|gain)", "Again", false, true, true},
         // Wildcards and escapes of plain patterns; operators with the option.
-        {"s?ne", "Sine Wave", true},
-        {"sig*gen", "Signal Generator", true},
-        {"1.5", "Gain 1.5", true},
-        {"1.5", "Gain 105", false},
-        {"a+b", "a+b", true},
-        {"1.5", "Gain 105", true, true},
-        {"^s?ne", "Sine Wave", true},
-        {"^s?ne", "Sine Wave", false, true},
-        {"^sine", "Sine Wave", true, true},
+        {"s?ne", "Sine Wave", true}, {"sig*gen", "Signal Generator", true}, {"1.5", "Gain 1.5", true},
+        {"1.5", "Gain 105", false}, {"a+b", "a+b", true}, {"1.5", "Gain 105", true, true}, {"^s?ne", "Sine Wave", true},
+        {"^s?ne", "Sine Wave", false, true}, {"^sine", "Sine Wave", true, true},
         // Bars, anchors and blanks keep their meaning in plain patterns.
-        {"scope|gain", "XY Scope", true},
-        {"^sine", "Sine Wave", true},
-        {"^wave", "Sine Wave", false},
-        {"wave$", "Sine Wave", true},
-        {"sine wave", "Sine    Wave", true},
-        {"sine wave", "Sine\nWave", true},
-        {"sine  wave", "Sine Wave", true},
-        {"sine wave", "SineWave", false},
-        {"wave ", "Sine Wave", false},
+        {"scope|gain", "XY Scope", true}, {"^sine", "Sine Wave", true}, {"^wave", "Sine Wave", false},
+        {"wave$", "Sine Wave", true}, {"sine wave", "Sine    Wave", true}, {"sine wave", "Sine\nWave", true},
+        {"sine  wave", "Sine Wave", true}, {"sine wave", "SineWave", false}, {"wave ", "Sine Wave", false},
         {"sine ", "Sine Wave", true},
         // Invalid expressions match nothing, not even themselves.
-        {"(", "(", false},
-        {"(", "Sine (Wave)", false},
-        {"[abc", "abc", false, true},
+        {"(", "(", false}, {"(", "Sine (Wave)", false}, {"[abc", "abc", false, true},
     };
     for (const Case& c : cases) {
         const SearchPattern pattern(c.pattern, c.regExp ? SearchOptions::RegExpOn : SearchOptions::RegExpOff,
@@ -106,16 +85,10 @@ TEST(SearchPattern, EachNameIsMatchedOnItsOwn)
     const SearchPattern endsInWave("wave$", SearchOptions::RegExpOn, SearchOptions::WholeWordOff,
                                    SearchOptions::MatchCaseOff);
     const std::pair<const char*, bool> names[] = {
-        {"Sine Wave", true},
-        {"Sine", false},
-        {"R\u00e9sonateur \u00c4quator wave", true},
-        {"Wave\u00e9", false},
-        {"\u00c4", false},
-        {"wave", true},
-        {"", false},
+        {"Sine Wave", true}, {"Sine", false}, {"R\u00e9sonateur \u00c4quator wave", true}, {"Wave\u00e9", false},
+        {"\u00c4", false}, {"wave", true}, {"", false},
         // A byte that is no UTF-8 reads as one replacement character.
-        {"Sine Wave\xff", false},
-        {"\xffwave", true},
+        {"Sine Wave\xff", false}, {"\xffwave", true},
     };
     for (const auto& [name, expected] : names)
         EXPECT_EQ(endsInWave.matches(name), expected) << name;
