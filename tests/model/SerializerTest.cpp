@@ -223,14 +223,12 @@ TEST(SerializerBadInput, EveryStructuralFaultEndsInTheErrorHolder)
         {"unclosed root", header + "<BlockImpl id=\"1\"/>", "Premature end of document"},
         {"unknown node type", header + "<WidgetImpl id=\"1\"/></tdlb-manifest>", "Unknown node type 'WidgetImpl'"},
         {"abstract node type", header + "<TandrilObjectImpl id=\"1\"/></tdlb-manifest>", "Unknown node type"},
-        {"unknown property", header + "<BlockImpl id=\"1\" colour=\"red\"/></tdlb-manifest>",
-         "Unknown property 'colour'"},
+        {"unknown property", header + "<BlockImpl id=\"1\" colour=\"red\"/></tdlb-manifest>", "Unknown property 'colour'"},
         {"missing id", header + "<BlockImpl name=\"Gain\"/></tdlb-manifest>", "without an id"},
         {"repeated id", header + "<BlockImpl id=\"1\"/><BlockImpl id=\"1\"/></tdlb-manifest>", "repeated node id"},
         {"non-numeric id", header + "<BlockImpl id=\"one\"/></tdlb-manifest>", "node id 'one'"},
         {"wrong root", "<?xml version=\"1.0\"?><catalogue/>", "root element is 'catalogue'"},
-        {"empty", "", "<manifest data>"},
-        {"text", "just some text", "<manifest data>"},
+        {"empty", "", "<manifest data>"}, {"text", "just some text", "<manifest data>"},
     };
     for (const BadDocument& c : cases) {
         SCOPED_TRACE(c.what);

@@ -61,8 +61,7 @@ TEST(HostValue, ValuesAreEqualOnlyInKindShapeAndEveryElement)
     EXPECT_EQ(HostValue::cellOfStrings({"a", "b"}), HostValue::cellOfStrings({"a", "b"}));
     EXPECT_EQ(HostValue::doubleMatrix(1, 2, {1, 2}), HostValue::doubleMatrix(1, 2, {1, 2}));
     const std::pair<HostValue, HostValue> different[] = {
-        {HostValue::string("a"), HostValue::string("b")},
-        {HostValue::doubleScalar(1), HostValue::doubleScalar(2)},
+        {HostValue::string("a"), HostValue::string("b")}, {HostValue::doubleScalar(1), HostValue::doubleScalar(2)},
         {HostValue::logicalScalar(true), HostValue::logicalScalar(false)},
         {HostValue::doubleMatrix(1, 2, {1, 2}), HostValue::doubleMatrix(2, 1, {1, 2})},
         {HostValue::string("1"), HostValue::cellOfStrings({"1"})},

@@ -315,17 +315,13 @@ TEST(RepositoryPathsTest, OnlyRelativePathsWithinTheStoreServeAsRepositoryDirect
     const struct {
         const char* path;
         const char* problem;
-    } refused[] = {{"", "it is empty"},
-                   {"/etc", "it is not a relative path"},
-                   {"\\\\server\\share", "it is not a relative path"},
-                   {"C:/data", "it is not a relative path"},
-                   {"a/../../b", "it holds a \"..\" segment"},
-                   {"..", "it holds a \"..\" segment"},
-                   {"a\\..", "it holds a \"..\" segment"},
-                   {"./a", "it holds a \".\" segment"},
-                   {"a//b", "it holds an empty segment"},
-                   {"a/", "it holds an empty segment"},
-                   {"a\x01b", "it holds a control character"}};
+    } refused[] = {
+        {"", "it is empty"}, {"/etc", "it is not a relative path"}, {"\\\\server\\share", "it is not a relative path"},
+        {"C:/data", "it is not a relative path"}, {"a/../../b", "it holds a \"..\" segment"},
+        {"..", "it holds a \"..\" segment"}, {"a\\..", "it holds a \"..\" segment"},
+        {"./a", "it holds a \".\" segment"}, {"a//b", "it holds an empty segment"}, {"a/", "it holds an empty segment"},
+        {"a\x01b", "it holds a control character"},
+    };
     for (const auto& c : refused)
         EXPECT_EQ(storePathProblem(c.path), c.problem) << c.path;
 
