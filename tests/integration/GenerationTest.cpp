@@ -31,14 +31,11 @@ TEST_F(GenerateRepositoryTest, FromNothingThenOnlyWhatChangedThenEverything)
     auto reader = makeReader();
     EXPECT_EQ(paths(reader->getProductsIterator(), true), (std::vector<std::string>{"arithmetica", "kinetics", "signal_workbench", "switchyard",
                                                 "tandril", "wavecraft"}));
-    int blocks = 0;
     for (const char* product : {"arithmetica", "kinetics", "switchyard", "tandril", "wavecraft"}) {
         const TreeCounts stored = storedCounts(*reader, product);
         EXPECT_EQ(stored, declaredCounts(product)) << product;
-        EXPECT_EQ(stored.icons, stored.blocks + stored.subsystems + stored.references) << product;
-        blocks += stored.blocks + stored.subsystems + stored.references;
+        EXPECT_TRUE(stored.blocks > 0 && stored.icons == stored.blocks + stored.subsystems + stored.references) << product;
     }
-    EXPECT_EQ(blocks, 185);
 
     SCOPED_TRACE("nothing changed, or a library file only newer: no archive is written");
     const auto before = archiveStamps();
