@@ -250,7 +250,7 @@ TEST(SerializerBadInput, EveryStructuralFaultEndsInTheErrorHolder)
 // A value that holds nothing of its type costs that value only: the property
 // keeps its default, one warning names it, and the rest of the node and of
 // the document loads.
-TEST(SerializerBadInput, AnUnreadableValueKeepsItsDefaultWithOneWarning)
+TEST(SerializerBadInput, AnUnreadableValueKeepsItsDefaultWithOneWarningAndValuesAreReadAsFarAsTheyGo)
 {
     const BadDocument cases[] = {
         {"non-numeric bool", "<BlockImpl id=\"1\" isInvalid=\"yes\"", "'isInvalid'"},
@@ -278,12 +278,8 @@ TEST(SerializerBadInput, AnUnreadableValueKeepsItsDefaultWithOneWarning)
         for (const auto& property : node->metaNode().properties())
             EXPECT_TRUE(property->name() == StringId("name") || property->hasDefaultValue(*node)) << property->name().str();
     }
-}
 
-// Numbers are read as stream input reads them, and a file record as far as it
-// goes; references that lead nowhere are no fault.
-TEST(SerializerBadInput, ValuesAreReadAsFarAsTheyGo)
-{
+    // Numbers are read as stream input reads them, and a file record as far as it goes.
     ModelPtr model = Model::createModel();
     ErrorHolder errors;
     ASSERT_TRUE(model->loadFromBytes(
@@ -299,7 +295,7 @@ TEST(SerializerBadInput, ValuesAreReadAsFarAsTheyGo)
                               FileInfoVector{{"a", "b", 0, 0}, {"short,x", "y", 0, 1}, {"notes, v2.txt", "7", 8, 9}}));
 }
 
-TEST(ManifestScanner, ReadsWhatXmlAllowsAroundThePlainForm)
+TEST(ManifestScanner, ReadsWhatXmlAllowsAroundThePlainFormNumbersNodesOnAndBindsReferences)
 {
     struct Case {
         const char* what;
@@ -327,6 +323,27 @@ TEST(ManifestScanner, ReadsWhatXmlAllowsAroundThePlainForm)
     ModelPtr empty = Model::createModel();
     EXPECT_TRUE(ManifestScanner::scan(*empty, QByteArray::fromStdString(declaration + "<tdlb-manifest format=\"1\"/>")));
     EXPECT_EQ(empty->nodeCount(), 0);
+
+    // Nodes are numbered on after those the model had; references bind within the document, ahead
+    // or behind; an id it never defined, or a node of the wrong class, binds to null and drops out
+    // of a list.
+    ModelPtr numbered = Model::createModel();
+    numbered->createBlockImpl();
+    ASSERT_TRUE(ManifestScanner::scan(
+        *numbered, document("<PaletteImpl id=\"1\" product=\"2\" dependencies=\"[2,9]\"/><LibraryImpl id=\"2\" product=\"7\"/>"
+                         "<BlockImpl id=\"3\"/><LibraryImpl id=\"4\" product=\"3\" dependencies=\"[3,4]\"/>")));
+    ASSERT_EQ(numbered->nodeCount(), 5);
+    const auto* palette = dynamic_cast<const PaletteImpl*>(numbered->getNodes().get(1));
+    const auto* library = static_cast<const LibraryImpl*>(numbered->getNodes().get(2));
+    const auto* last = static_cast<const LibraryImpl*>(numbered->getNodes().get(4));
+    ASSERT_NE(palette, nullptr);
+    EXPECT_EQ(std::make_tuple(palette->id(), library->id()), std::make_tuple(2u, 3u));
+    EXPECT_EQ(palette->getProduct(), library);
+    ASSERT_EQ(palette->getDependencies().size(), 1);
+    EXPECT_EQ(palette->getDependencies().get(0), library);
+    EXPECT_TRUE(library->getProduct() == nullptr && last->getProduct() == nullptr);
+    ASSERT_EQ(last->getDependencies().size(), 1) << "the block is dropped, the library kept";
+    EXPECT_EQ(last->getDependencies().get(0), last);
 }
 
 TEST(ManifestScanner, DeclinesAnythingBeyondThePlainFormAndLeavesTheModelAsItWas)
@@ -387,30 +404,6 @@ TEST(ManifestScanner, DeclinesAnythingBeyondThePlainFormAndLeavesTheModelAsItWas
         EXPECT_EQ(model->createdCount(), 2u);
         EXPECT_EQ(model->createBlockImpl()->id(), 3u);
     }
-}
-
-// Nodes are numbered on after those the model had; references bind within
-// the document, ahead or behind. An id it never defined, or a node of the
-// wrong class, is no fault: it binds to null, and drops out of a list.
-TEST(ManifestScanner, NumbersNodesOnAfterThoseTheModelHadAndBindsReferencesWithinTheDocument)
-{
-    ModelPtr model = Model::createModel();
-    model->createBlockImpl();
-    ASSERT_TRUE(ManifestScanner::scan(
-        *model, document("<PaletteImpl id=\"1\" product=\"2\" dependencies=\"[2,9]\"/><LibraryImpl id=\"2\" product=\"7\"/>"
-                         "<BlockImpl id=\"3\"/><LibraryImpl id=\"4\" product=\"3\" dependencies=\"[3,4]\"/>")));
-    ASSERT_EQ(model->nodeCount(), 5);
-    const auto* palette = dynamic_cast<const PaletteImpl*>(model->getNodes().get(1));
-    const auto* library = static_cast<const LibraryImpl*>(model->getNodes().get(2));
-    const auto* last = static_cast<const LibraryImpl*>(model->getNodes().get(4));
-    ASSERT_NE(palette, nullptr);
-    EXPECT_EQ(std::make_tuple(palette->id(), library->id()), std::make_tuple(2u, 3u));
-    EXPECT_EQ(palette->getProduct(), library);
-    ASSERT_EQ(palette->getDependencies().size(), 1);
-    EXPECT_EQ(palette->getDependencies().get(0), library);
-    EXPECT_TRUE(library->getProduct() == nullptr && last->getProduct() == nullptr);
-    ASSERT_EQ(last->getDependencies().size(), 1) << "the block is dropped, the library kept";
-    EXPECT_EQ(last->getDependencies().get(0), last);
 }
 
 // Setters mark a node dirty only on a change (containers whenever set), and

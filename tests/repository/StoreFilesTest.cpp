@@ -103,10 +103,11 @@ TEST_F(TempDirectoriesTest, HostFailuresAreErrors)
     EXPECT_EQ(errorMessages(*report), (Messages{"Unable to create a temporary directory"}));
 }
 
-// A TMPDIR given is where the directories go. Without one they go to a memory
-// file system where the machine has one, never to a directory on the disk,
-// however roomy; copies made there are whole.
-TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystem)
+// A TMPDIR given is where the directories go, and left-overs of ended
+// processes are cleared from it. Without one they go to a memory file system
+// where the machine has one, never to a directory on the disk, however roomy;
+// copies made there are whole.
+TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystemAndLeftOversGo)
 {
     EXPECT_EQ(privateTempBase().toStdString(), tempRoot());
     const std::string copy = namedTempDirectory(*report, "LBCopy", true) + "/copy.rps";
@@ -116,27 +117,9 @@ TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystem)
     EXPECT_FALSE(copyToPrivateFile(path("missing.rps"), copy));
     EXPECT_FALSE(exists(copy)) << "a failed copy leaves no file";
 
-    const QString disk = QString::fromStdString(path("runtime-on-disk"));
-    QDir().mkpath(disk);
-    const QByteArray type = QStorageInfo(disk).fileSystemType();
-    if (type != "tmpfs" && type != "ramfs") {
-        EXPECT_EQ(memoryFileSystemBase({disk, QString::fromStdString(path("missing"))}), QString());
-    }
-    qunsetenv("TMPDIR");
-    const QStorageInfo shm(QStringLiteral("/dev/shm"));
-    if (!QFileInfo(QStringLiteral("/dev/shm")).isWritable() || shm.bytesAvailable() < (qint64(1) << 30))
-        GTEST_SKIP() << "no memory file system with room here";
-    EXPECT_EQ(memoryFileSystemBase({disk, QStringLiteral("/dev/shm")}), QStringLiteral("/dev/shm"));
-    const QString base = privateTempBase();
-    EXPECT_EQ(QStorageInfo(base).fileSystemType(), QByteArray("tmpfs")) << base.toStdString();
-    const std::string made = namedTempDirectory(*report, "LBMemory", true);
-    EXPECT_EQ(made.rfind(base.toStdString() + "/LBMemory", 0), 0u) << made;
-}
-
-// Left-overs of ended processes go, and unmarked ones after a while; those of
-// running ones, our own, other names, new unmarked ones and other users' stay.
-TEST_F(TempDirectoriesTest, LeftOversOfEndedProcessesAreRemovedAndNothingElse)
-{
+    // Left-overs of ended processes go, and unmarked ones after a while; those
+    // of running ones, our own, other names, new unmarked ones and other
+    // users' stay.
     QProcess ended, running;
     ended.start("sleep", {"30"});
     running.start("sleep", {"30"});
@@ -177,7 +160,24 @@ TEST_F(TempDirectoriesTest, LeftOversOfEndedProcessesAreRemovedAndNothingElse)
     EXPECT_FALSE(report->hasError());
     running.kill();
     running.waitForFinished();
+
+    const QString disk = QString::fromStdString(path("runtime-on-disk"));
+    QDir().mkpath(disk);
+    const QByteArray type = QStorageInfo(disk).fileSystemType();
+    if (type != "tmpfs" && type != "ramfs") {
+        EXPECT_EQ(memoryFileSystemBase({disk, QString::fromStdString(path("missing"))}), QString());
+    }
+    qunsetenv("TMPDIR");
+    const QStorageInfo shm(QStringLiteral("/dev/shm"));
+    if (!QFileInfo(QStringLiteral("/dev/shm")).isWritable() || shm.bytesAvailable() < (qint64(1) << 30))
+        GTEST_SKIP() << "no memory file system with room here";
+    EXPECT_EQ(memoryFileSystemBase({disk, QStringLiteral("/dev/shm")}), QStringLiteral("/dev/shm"));
+    const QString base = privateTempBase();
+    EXPECT_EQ(QStorageInfo(base).fileSystemType(), QByteArray("tmpfs")) << base.toStdString();
+    const std::string made = namedTempDirectory(*report, "LBMemory", true);
+    EXPECT_EQ(made.rfind(base.toStdString() + "/LBMemory", 0), 0u) << made;
 }
+
 
 using RepositoryFilesTest = Testing::StoreFixture;
 
@@ -230,17 +230,15 @@ TEST_F(RepositoryFilesTest, CheckSumIsTheDecimalMd5OfTheWholeFile)
                         "Unable to read model file " + path("tmp") + ". Skipping checksum",
                         "Querying the date and size of an invalid file: " + hostRoot() + "/toolbox",
                         "Unexpected error occurred while loading the manifest file"}));
-}
 
-// A copy replaces the destination and makes its directory, but a failed one
-// keeps it, read-only or not.
-TEST_F(RepositoryFilesTest, CopyReplacesTheDestinationAndMakesItsDirectoryButAFailedOneKeepsIt)
-{
-    const std::string source = path("Quelle ä/modèle.json");
+    // A copy replaces the destination and makes its directory, but a failed
+    // one keeps it, read-only or not.
+    report = RepositoryReport::create();
+    const std::string from = path("Quelle ä/modèle.json");
     const std::string destination = path("out/neu er/Ziel ö.json");
     for (const char* content : {"new", "newer"}) {
-        writeFile(source, content);
-        EXPECT_TRUE(copyFile(*report, source, destination));
+        writeFile(from, content);
+        EXPECT_TRUE(copyFile(*report, from, destination));
         EXPECT_EQ(readFile(destination), content);
     }
     EXPECT_FALSE(report->hasError());
@@ -249,11 +247,11 @@ TEST_F(RepositoryFilesTest, CopyReplacesTheDestinationAndMakesItsDirectoryButAFa
     ASSERT_TRUE(QDir().mkpath(QString::fromStdString(path("a directory/inner"))));
     EXPECT_FALSE(copyFile(*report, path("nothing here.json"), kept));
     // A directory can't be replaced by a file, nor copied as one, nor made where a file is.
-    EXPECT_FALSE(copyFile(*report, source, path("a directory")));
+    EXPECT_FALSE(copyFile(*report, from, path("a directory")));
     EXPECT_FALSE(copyFile(*report, path("a directory"), path("copy.json")));
-    EXPECT_FALSE(copyFile(*report, source, source + "/below.json"));
+    EXPECT_FALSE(copyFile(*report, from, from + "/below.json"));
     EXPECT_EQ(readFile(kept), "old");
-    EXPECT_EQ(readFile(source), "newer");
+    EXPECT_EQ(readFile(from), "newer");
     EXPECT_TRUE(exists(path("a directory/inner")));
     EXPECT_FALSE(exists(path("copy.json")));
     EXPECT_EQ(errorMessages(*report),
@@ -261,7 +259,7 @@ TEST_F(RepositoryFilesTest, CopyReplacesTheDestinationAndMakesItsDirectoryButAFa
                         "Unable to remove " + path("a directory") + ": it is a directory",
                         "Unable to copy " + path("a directory") + " to " + path("copy.json")
                             + ": file to open is a directory",
-                        "Unable to create directory " + source}));
+                        "Unable to create directory " + from}));
 
     report = RepositoryReport::create();
     const std::string locked = path("locked/dest.json");
@@ -271,7 +269,7 @@ TEST_F(RepositoryFilesTest, CopyReplacesTheDestinationAndMakesItsDirectoryButAFa
         Testing::ReadOnlyPath lockedDirectory(path("locked"));
         if (!lockedFile.active() || !lockedDirectory.active())
             GTEST_SKIP() << "cannot make a path read-only here";
-        EXPECT_FALSE(copyFile(*report, source, locked));
+        EXPECT_FALSE(copyFile(*report, from, locked));
     }
     EXPECT_EQ(readFile(locked), "old");
     // The reason is the system's: refused to a user, or to anyone for an immutable file.
@@ -279,6 +277,7 @@ TEST_F(RepositoryFilesTest, CopyReplacesTheDestinationAndMakesItsDirectoryButAFa
                 ::testing::ElementsAre(::testing::AnyOf("Unable to remove " + locked + ": Permission denied",
                                                         "Unable to remove " + locked + ": Operation not permitted")));
 }
+
 
 using Segments = std::vector<std::string>;
 

@@ -17,7 +17,7 @@ struct Case {
 
 } // namespace
 
-TEST(SearchPattern, MatchesByTheOptions)
+TEST(SearchPattern, MatchesByTheOptionsEachNameOnItsOwn)
 {
     const Case cases[] = {
         // Plain words match anywhere, without case, non-ASCII letters too.
@@ -53,6 +53,25 @@ TEST(SearchPattern, MatchesByTheOptions)
             << "'" << c.pattern << "' on '" << c.name << "' regexp " << c.regExp << " word " << c.wholeWord
             << " case " << c.matchCase;
     }
+
+    // One pattern matched over many names in turn, as a search does: nothing of a longer name, or
+    // of one beyond ASCII, may stay behind for the next.
+    const SearchPattern endsInWave("wave$", SearchOptions::RegExpOn, SearchOptions::WholeWordOff,
+                                   SearchOptions::MatchCaseOff);
+    const std::pair<const char*, bool> names[] = {
+        {"Sine Wave", true}, {"Sine", false}, {"R\u00e9sonateur \u00c4quator wave", true}, {"Wave\u00e9", false},
+        {"\u00c4", false}, {"wave", true}, {"", false},
+        // A byte that is no UTF-8 reads as one replacement character.
+        {"Sine Wave\xff", false}, {"\xffwave", true},
+    };
+    for (const auto& [name, expected] : names)
+        EXPECT_EQ(endsInWave.matches(name), expected) << name;
+
+    const SearchPattern oneCharacterBetween("a.b", SearchOptions::RegExpOn, SearchOptions::WholeWordOff,
+                                            SearchOptions::MatchCaseOn);
+    EXPECT_TRUE(oneCharacterBetween.matches("a\xff" "b"));
+    EXPECT_TRUE(oneCharacterBetween.matches("a\u00e9b"));
+    EXPECT_FALSE(oneCharacterBetween.matches("a\u00e9\u00e9b"));
 }
 
 TEST(SearchPattern, PlainPatternsTranslateToExpressionsCutAfterTheLimit)
@@ -78,24 +97,3 @@ TEST(SearchPattern, PlainPatternsTranslateToExpressionsCutAfterTheLimit)
     EXPECT_TRUE(plain(longPattern, std::string(2044, 'a') + "b")) << "the cut-off tail is not searched for";
 }
 
-// One pattern matched over many names in turn, as a search does: nothing of
-// a longer name, or of one beyond ASCII, may stay behind for the next.
-TEST(SearchPattern, EachNameIsMatchedOnItsOwn)
-{
-    const SearchPattern endsInWave("wave$", SearchOptions::RegExpOn, SearchOptions::WholeWordOff,
-                                   SearchOptions::MatchCaseOff);
-    const std::pair<const char*, bool> names[] = {
-        {"Sine Wave", true}, {"Sine", false}, {"R\u00e9sonateur \u00c4quator wave", true}, {"Wave\u00e9", false},
-        {"\u00c4", false}, {"wave", true}, {"", false},
-        // A byte that is no UTF-8 reads as one replacement character.
-        {"Sine Wave\xff", false}, {"\xffwave", true},
-    };
-    for (const auto& [name, expected] : names)
-        EXPECT_EQ(endsInWave.matches(name), expected) << name;
-
-    const SearchPattern oneCharacterBetween("a.b", SearchOptions::RegExpOn, SearchOptions::WholeWordOff,
-                                            SearchOptions::MatchCaseOn);
-    EXPECT_TRUE(oneCharacterBetween.matches("a\xff" "b"));
-    EXPECT_TRUE(oneCharacterBetween.matches("a\u00e9b"));
-    EXPECT_FALSE(oneCharacterBetween.matches("a\u00e9\u00e9b"));
-}
