@@ -150,7 +150,7 @@ TEST(Serializer, RoundTripKeepsEveryNodeAndPropertyOnBothReaders)
 
 // Rects keep six significant digits; file records and containers have text
 // forms of their own, in which one empty name is not the empty list.
-TEST(Serializer, RectsFilesAndContainersInTheirTextForms)
+TEST(Serializer, RectsFilesAndContainersInTheirTextFormsAndFilesRoundTrip)
 {
     ModelPtr model = Model::createModel();
     model->createBlockImpl()->setPosition(QRectF(1.23456789, 100.5, 1234567.0, 0.5));
@@ -167,6 +167,29 @@ TEST(Serializer, RectsFilesAndContainersInTheirTextForms)
     ASSERT_TRUE(ValueText::fromText("[a/b.json|12|3|4,c||0|0]\nignored second line", files));
     EXPECT_EQ(files, (FileInfoVector{{"a/b.json", "12", 3, 4}, {"c", "", 0, 0}}));
     EXPECT_EQ(ValueText::firstLevelStrings("[a,[b,c],d]"), (StringVector{"a", "[b,c]", "d"}));
+
+    // A file round-trips, and a load replaces the model's nodes, even one that
+    // fails; a fault names the file.
+    QTemporaryDir dir;
+    const std::string path = dir.filePath(QStringLiteral("m\u00e4nifest with space.xml")).toStdString();
+    ErrorHolder fileErrors;
+    ASSERT_TRUE(everyKindOfNode()->save(path, fileErrors)) << fileErrors.message();
+
+    ModelPtr fromFile = Model::createModel();
+    fromFile->createBlockImpl()->setName("left over");
+    ASSERT_TRUE(fromFile->load(path, fileErrors)) << fileErrors.message();
+    expectSameNodes(*everyKindOfNode(), *fromFile);
+
+    fromFile->createBlockImpl();
+    EXPECT_FALSE(fromFile->load(dir.filePath(QStringLiteral("missing.xml")).toStdString(), fileErrors));
+    EXPECT_EQ(fromFile->nodeCount(), 0) << "the nodes go before the load, even one that fails";
+    EXPECT_NE(fileErrors.message().find("missing.xml"), std::string::npos);
+
+    const std::string garbage = dir.filePath(QStringLiteral("garbage.xml")).toStdString();
+    Testing::writeFile(garbage, "<?xml version=\"1.0\"?>\n\x01\x02 not a manifest");
+    fileErrors.clear();
+    EXPECT_FALSE(fromFile->load(garbage, fileErrors));
+    EXPECT_NE(fileErrors.message().find("garbage.xml"), std::string::npos) << "a fault names the file";
 }
 
 TEST(Serializer, SignatureIsReadWithoutLoadingAndFromForeignDocuments)
@@ -188,30 +211,6 @@ TEST(Serializer, SignatureIsReadWithoutLoadingAndFromForeignDocuments)
     errors.clear();
     EXPECT_TRUE(Serializer::getModelSignatureFromByteArray("", errors).isNull());
     EXPECT_TRUE(errors.hasError());
-}
-
-TEST(Serializer, FilesRoundTripAndLoadReplacesTheModelsNodes)
-{
-    QTemporaryDir dir;
-    const std::string path = dir.filePath(QStringLiteral("m\u00e4nifest with space.xml")).toStdString();
-    ErrorHolder errors;
-    ASSERT_TRUE(everyKindOfNode()->save(path, errors)) << errors.message();
-
-    ModelPtr model = Model::createModel();
-    model->createBlockImpl()->setName("left over");
-    ASSERT_TRUE(model->load(path, errors)) << errors.message();
-    expectSameNodes(*everyKindOfNode(), *model);
-
-    model->createBlockImpl();
-    EXPECT_FALSE(model->load(dir.filePath(QStringLiteral("missing.xml")).toStdString(), errors));
-    EXPECT_EQ(model->nodeCount(), 0) << "the nodes go before the load, even one that fails";
-    EXPECT_NE(errors.message().find("missing.xml"), std::string::npos);
-
-    const std::string garbage = dir.filePath(QStringLiteral("garbage.xml")).toStdString();
-    Testing::writeFile(garbage, "<?xml version=\"1.0\"?>\n\x01\x02 not a manifest");
-    errors.clear();
-    EXPECT_FALSE(model->load(garbage, errors));
-    EXPECT_NE(errors.message().find("garbage.xml"), std::string::npos) << "a fault names the file";
 }
 
 // Every structural fault ends in the error holder, and the nodes read before
