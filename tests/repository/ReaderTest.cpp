@@ -7,7 +7,6 @@
 #include "repository/TandrilObjectReferenceIterator.h"
 #include "repository/search/BlockTypeCriteria.h"
 #include "repository/search/TandrilObjectSearchIterator.h"
-#include "repository/xmlrepository/RecentIcons.h"
 #include "repository/xmlrepository/XMLRepository.h"
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
 #include "repository/xmlrepository/XMLRepositoryReaderCache.h"
@@ -572,35 +571,6 @@ TEST_F(ReadCacheFaultTest, EachBrokenStoreGivesEmptyResultsAndTheReportsLines)
     EXPECT_EQ(errorMessages(*report), (Names{"Unexpected error occurred while loading the manifest file"}));
     EXPECT_TRUE(reader->getChildrenIterator(reader->getTandrilObject("Alpha/Ref1")).isEmpty());
     EXPECT_EQ(reader->getDepthFirstIterator(reader->getTandrilObject("Alpha")).size(), 6);
-}
-
-// The last used icons are held up to the budget, though nobody else holds
-// them; using one again makes the next the oldest, which a new icon pushes
-// out. Empty and oversized icons are not held.
-TEST(RecentIconsTest, HoldsTheLastUsedIconsUpToTheBudget)
-{
-    RecentIcons recent(300);
-    recent.keep(nullptr);
-    recent.keep(std::make_shared<BlockIcon>());
-    const auto big = std::make_shared<BlockIcon>(QByteArray(301, 'h'));
-    recent.keep(big);
-    EXPECT_EQ(recent.count(), 0);
-    EXPECT_EQ(big.use_count(), 1);
-
-    std::vector<std::weak_ptr<BlockIcon>> seen;
-    for (char fill : {'a', 'b', 'c'}) {
-        const auto icon = std::make_shared<BlockIcon>(QByteArray(100, fill));
-        recent.keep(icon);
-        seen.push_back(icon);
-    }
-    EXPECT_EQ(recent.count(), 3);
-    EXPECT_EQ(recent.bytes(), 300);
-    recent.keep(seen[0].lock());
-    recent.keep(std::make_shared<BlockIcon>(QByteArray(100, 'd')));
-    EXPECT_FALSE(seen[0].expired());
-    EXPECT_TRUE(seen[1].expired());
-    EXPECT_FALSE(seen[2].expired());
-    EXPECT_EQ(recent.bytes(), 300);
 }
 
 } // namespace
