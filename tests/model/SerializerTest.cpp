@@ -405,43 +405,6 @@ TEST(ManifestScanner, DeclinesAnythingBeyondThePlainFormAndLeavesTheModelAsItWas
     }
 }
 
-// Setters mark a node dirty only on a change (containers whenever set), and
-// a change set commits only what changed. The model owns its nodes in
-// creation order; a removed node stays readable, as a cache's handle may
-// point at it until the cache lets go of the model.
-TEST(NodeClasses, SettersMarkDirtyOnlyOnChange)
-{
-    ModelPtr model = Model::createModel();
-    BlockImpl* block = model->createBlockImpl();
-    block->setName("");
-    block->setPosition(QRectF());
-    block->setIsInvalid(false);
-    EXPECT_FALSE(block->isDirty()) << "setting equal values leaves the node clean";
-    model->beginChangeSet();
-    block->setName("Gain");
-    EXPECT_TRUE(block->isDirty());
-    EXPECT_TRUE(model->commitChangeSet());
-    block->clearDirty();
-    model->beginChangeSet();
-    block->setName("Gain");
-    EXPECT_FALSE(model->commitChangeSet()) << "nothing changed in this change set";
-    EXPECT_FALSE(model->commitChangeSet()) << "a commit without a begin does nothing";
-    LibraryImpl* library = model->createLibraryImpl();
-    library->setChildren({});
-    EXPECT_TRUE(library->isDirty());
-
-    PaletteImpl* palette = Model::createPaletteImplIntoModel(model.get());
-    EXPECT_EQ(model->getNodes().get(2), palette);
-    EXPECT_EQ(model->findNode(library->id()), library);
-    EXPECT_NE(block->id(), library->id());
-    library->setName("gone");
-    model->removeNode(library);
-    EXPECT_EQ(model->nodeCount(), 2);
-    EXPECT_EQ(model->findNode(2), nullptr);
-    EXPECT_EQ(library->getModel(), model.get());
-    EXPECT_EQ(library->getName(), "gone");
-}
-
 // A non-structural copy keeps the target's references, a full one takes the
 // source's, one from a more general class what the two have in common, and a
 // clone stands outside any model. Swizzling rebinds mapped references and

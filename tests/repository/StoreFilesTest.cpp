@@ -434,44 +434,9 @@ TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
         EXPECT_FALSE(compare(*product)) << change.line;
         EXPECT_TRUE(logged(*report, change.line));
     }
-}
-
-// Missing stored data or files are out of date silently; a library below a
-// product counts the product's files and its own model; a palette passes on
-// its files alone.
-TEST_F(LibraryComparisonTest, MissingFilesLibrariesBelowAProductAndPalettes)
-{
-    put(hostRoot() + "/toolbox/signals/filters.tdlib.json", "{\"blocks\": []}");
-    LibraryImpl* filters = nodes->createLibraryImpl();
-    filters->setName("Filters");
-    filters->setPath("filters");
-    filters->setProduct(product);
-    filters->setFileDependencies({{"toolbox/never/read.json", "", 0, 0}});
-    recordModelFile(*filters, "toolbox/signals/filters.tdlib.json");
-    EXPECT_TRUE(compare(*filters));
-    EXPECT_TRUE(logged(*report, "The timestamps matched! (toolbox/signals/tdblocks.json)"));
-    EXPECT_TRUE(logged(*report, "The timestamps matched! (Filters)"));
-
-    PaletteImpl* palette = nodes->createPaletteImpl();
-    palette->setName("Workbench");
-    palette->setFileDependencies({dependency("toolbox/signals/tdblocks.json")});
-    const std::size_t libraryData = interpreter.callCount("tdprivate:lb_getLibraryData");
-    EXPECT_TRUE(compare(*palette)) << "no archives and no model file are asked of a palette";
-    EXPECT_EQ(interpreter.callCount("tdprivate:lb_getLibraryData"), libraryData);
-
-    QFile::remove(QString::fromStdString(store() + "/signals/icons.rps"));
-    EXPECT_FALSE(compare(*product)) << "a library without its icons archive is out of date";
-    EXPECT_EQ(report->getLog().size(), 1u) << "the dependency's line and nothing more";
-    writeFile(store() + "/signals/icons.rps", "icons");
-    writeFile(tdblocks, "{\"entries\": {}}");
-    EXPECT_FALSE(compare(*filters)) << "the product's dependency changed";
-    QFile::remove(QString::fromStdString(tdblocks));
-    EXPECT_FALSE(compare(*product));
-    EXPECT_TRUE(report->getLog().empty());
     product->setFileDependencies({});
     product->setPath("forgotten"); // the host no longer knows the library
     EXPECT_FALSE(compare(*product));
-    EXPECT_TRUE(logged(*report, "The timestamps did not match (Signals)"));
     EXPECT_TRUE(logged(*report, "The files have different sizes (Signals)"));
 }
 
