@@ -74,7 +74,6 @@ TEST_F(GenerationFaultsTest, AnUnreadableLibraryKeepsItsLastArchivesUntilMended)
     generate(GenerationMode::Regenerate);
     EXPECT_FALSE(keptLine().empty()) << logText();
     expectWavecraftAsBefore();
-    EXPECT_EQ(storedCounts(*makeReader(), "arithmetica"), declaredCounts("arithmetica"));
 
     writeRootFile(wavecraftFile, QByteArray(original).replace("\"Sine Wave\"", "\"Sine Wave 2\""));
     generate();

@@ -103,15 +103,13 @@ TEST_F(TempDirectoriesTest, HostFailuresAreErrors)
 }
 
 // A TMPDIR given is where the directories go, and left-overs of ended
-// processes are cleared from it; copies made there are whole. (Without one,
-// the memory file system is where every tdlb run and window test puts them.)
+// processes are cleared from it; a failed copy leaves no file. (Without one,
+// the memory file system is where every tdlb run and window test puts them;
+// whole copies of large archives are WriterTest's icons of 3 MiB read back.)
 TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystemAndLeftOversGo)
 {
     EXPECT_EQ(privateTempBase().toStdString(), tempRoot());
     const std::string copy = namedTempDirectory(*report, "LBCopy", true) + "/copy.rps";
-    writeFile(path("original.rps"), QByteArray(3 << 20, 'z') + "end");
-    ASSERT_TRUE(copyToPrivateFile(path("original.rps"), copy));
-    EXPECT_EQ(readFile(copy), readFile(path("original.rps")));
     EXPECT_FALSE(copyToPrivateFile(path("missing.rps"), copy));
     EXPECT_FALSE(exists(copy)) << "a failed copy leaves no file";
 
