@@ -1,10 +1,8 @@
 #include "HostTestSupport.h"
 
-#include "BlockPath.h"
 #include "LibraryFileParser.h"
 #include "LibraryFileWriter.h"
 
-#include "platform/Platform.h"
 #include "support/Files.h"
 
 #include <QDir>
@@ -19,22 +17,6 @@ namespace LibraryBrowser::Host::Testing {
 namespace {
 
 using Names = std::vector<std::string>;
-
-TEST(BlockPathTest, OddRunsSeparateEvenRunsStandForSlashesInNames)
-{
-    const std::vector<std::pair<std::string, Names>> splits{
-        {"lib/Sub/Block", {"lib", "Sub", "Block"}}, {"lib/A//D Converter", {"lib", "A/D Converter"}},
-        {"lib/a////b", {"lib", "a//b"}},           {"lib///x", {"lib", "x"}},
-        {"lib", {"lib"}},                          {"lib/Zero-Order\nHold", {"lib", "Zero-Order\nHold"}}};
-    for (const auto& [path, names] : splits)
-        EXPECT_EQ(BlockPath::split(path), names) << path;
-    const Names names{"lib", "Min/Max", "a//b", "Rate\nLimiter"};
-    EXPECT_EQ(BlockPath::join(names), "lib/Min//Max/a////b/Rate\nLimiter");
-    EXPECT_EQ(BlockPath::split(BlockPath::join(names)), names);
-    EXPECT_EQ(BlockPath::matchKey("Rate\nLimiter"), "Rate Limiter");
-    EXPECT_TRUE(BlockPath::isAddressable("in/out") && !BlockPath::isAddressable("/lead")
-                && !BlockPath::isAddressable("trail/") && !BlockPath::isAddressable(""));
-}
 
 // Everything the format can say, 64 ports a side (the limit) included. Save As
 // may name a folder that is not there yet; where no folder can be made, the
@@ -96,39 +78,8 @@ TEST(HostOptionsTest, FlagsBeatEnvironmentWhichBeatsDefaults)
               (QStringList{"/env/root", "/env/prefs", "/env/a:/env/b", "", "verbose"}));
     EXPECT_EQ(resolved({"--prefdir"}, environment), QStringList{"refused: --prefdir needs a value"});
     EXPECT_TRUE(resolved({"--root="}, environment).front().startsWith("refused: "));
-
-    // Without a root named, the build's copy of the example root serves, or a
-    // clear refusal if it has not been built; never the sources themselves.
-    EXPECT_FALSE(HostOptions::defaultRoot().startsWith(HostOptions::bundledRoot()));
-    const QStringList plain = resolved({}, QProcessEnvironment());
-    if (QFileInfo::exists(HostOptions::defaultRoot()))
-        EXPECT_TRUE(plain.size() == 5 && plain[0] == HostOptions::defaultRoot() && !plain[1].isEmpty() && plain[2].isEmpty())
-            << qPrintable(plain.join('|'));
-    else
-        EXPECT_TRUE(plain.front().contains("--root DIR")) << qPrintable(plain.front());
-}
-
-// A verbose host echoes the commands it runs to its console.
-TEST(HostInstall, InstallsItselfAsInterpreterAndEnvironmentAndLeavesCleanly)
-{
-    QTemporaryDir preferences;
-    HostOptions options;
-    std::tie(options.root, options.preferencesDirectory, options.verbose) =
-        std::make_tuple(HostOptions::bundledRoot(), preferences.path(), true);
-    {
-        EmbeddedHost host(options);
-        host.install();
-        std::string console;
-        host.environment().setConsole([&](const std::string& text) { console += text; });
-        EXPECT_EQ(&Platform::interpreter(), &host);
-        const HostEnvironment& environment = Platform::environment();
-        EXPECT_EQ(std::make_tuple(environment.root(), environment.preferencesDirectory(), environment.isWarningModeOn(3),
-                                  Platform::interpreter().callWithTrap("docroot", 1, {}).ok),
-                  std::make_tuple(options.root.toStdString(), preferences.path().toStdString(), true, true));
-        host.callWithTrap("uiopen", 0, {str("*.mdl")});
-        EXPECT_EQ(console, "host: docroot()\nhost: uiopen('*.mdl')\n");
-    }
-    EXPECT_FALSE(Platform::interpreter().callWithTrap("docroot", 1, {}).ok) << "the standalone default is back";
+    // (Without a root named, the build's copy of the example root serves:
+    // TdlbUsageTest runs tdlb so and sees the sources untouched.)
 }
 
 // Each case breaks files in a copy of the example root; at the end of every

@@ -2,11 +2,6 @@
 
 #include "support/Files.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
-
 namespace LibraryBrowser::Host::Testing {
 
 HostFixture::HostFixture(const QString& root, const QStringList& path)
@@ -21,14 +16,6 @@ HostInterpreter::CallResult HostFixture::tdprivate(const std::string& operation,
 {
     rest.insert(rest.begin(), {HostValue::string(operation), HostValue::object(m_report)});
     return m_host->callWithTrap("tdprivate", outputs, rest);
-}
-
-std::vector<std::string> HostFixture::messages(const RepositoryReport::IssueList& issues)
-{
-    std::vector<std::string> texts;
-    for (const RepositoryReport::Issue& issue : issues)
-        texts.push_back(issue.message);
-    return texts;
 }
 
 std::vector<double> HostFixture::children(const HostValue& of)
@@ -53,13 +40,8 @@ double HostFixture::childNamed(const std::string& parentPath, const std::string&
 
 RootCopy::RootCopy() : m_path(m_directory.path() + QStringLiteral("/root"))
 {
-    const QString source = HostOptions::bundledRoot();
-    for (QDirIterator it(source, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
-        const QString from = it.next();
-        const QString to = file(QDir(source).relativeFilePath(from));
-        QDir().mkpath(QFileInfo(to).absolutePath());
-        QFile::copy(from, to);
-    }
+    for (const auto& [relative, bytes] : LibraryBrowser::Testing::snapshot(HostOptions::bundledRoot().toStdString()))
+        write(relative, bytes);
 }
 
 void RootCopy::write(const QString& relative, const QByteArray& bytes) const

@@ -4,6 +4,7 @@
 
 #include "platform/HostValue.h"
 #include "repository/RepositoryReport.h"
+#include "support/ReportLines.h"
 
 #include <QByteArray>
 #include <QString>
@@ -25,8 +26,8 @@ public:
 
     EmbeddedHost& host() { return *m_host; }
     // The error messages the report got, oldest first.
-    std::vector<std::string> errors() const { return messages(m_report->getErrors()); }
-    std::vector<std::string> warnings() const { return messages(m_report->getWarnings()); }
+    std::vector<std::string> errors() const { return LibraryBrowser::Testing::messages(m_report->getErrors()); }
+    std::vector<std::string> warnings() const { return LibraryBrowser::Testing::messages(m_report->getWarnings()); }
     void clearErrors() { m_report->takeErrors(); }
 
     HostInterpreter::CallResult tdprivate(const std::string& operation, int outputs, std::vector<HostValue> rest);
@@ -44,8 +45,6 @@ public:
     double childNamed(const std::string& parentPath, const std::string& name);
 
 private:
-    static std::vector<std::string> messages(const RepositoryReport::IssueList& issues);
-
     QTemporaryDir m_preferences;
     RepositoryReportPtr m_report = RepositoryReport::create();
     std::unique_ptr<EmbeddedHost> m_host;

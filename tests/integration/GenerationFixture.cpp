@@ -1,7 +1,6 @@
 #include "GenerationFixture.h"
 
 #include "repository/BlockIcon.h"
-#include "repository/TandrilObjectIterator.h"
 #include "support/Files.h"
 
 #include <QCryptographicHash>
@@ -14,6 +13,7 @@
 #include <QProcessEnvironment>
 
 #include <algorithm>
+
 
 namespace LibraryBrowser::Testing {
 
@@ -68,12 +68,14 @@ void GenerationFixture::generate(GenerationMode mode)
     makeWriter()->generateRepository(mode);
 }
 
-std::vector<std::string> GenerationFixture::productPaths(XMLRepositoryReader& reader)
+std::vector<std::string> GenerationFixture::paths(TandrilObjectIterator it, bool sorted)
 {
-    std::vector<std::string> paths;
-    for (TandrilObjectIterator it = reader.getProductsIterator(); it.isValidIterator(); it.next())
-        paths.push_back(it.current().getPath());
-    return paths;
+    std::vector<std::string> result;
+    for (; it.isValidIterator(); it.next())
+        result.push_back(it.current().getPath());
+    if (sorted)
+        std::sort(result.begin(), result.end());
+    return result;
 }
 
 TreeCounts GenerationFixture::declaredCounts(const std::string& product) const
@@ -110,12 +112,6 @@ std::string GenerationFixture::logText() const
     for (const std::string& line : report->getLog())
         text += line;
     return text;
-}
-
-int GenerationFixture::logCount(const std::string& text) const
-{
-    const auto& log = report->getLog();
-    return int(std::count_if(log.begin(), log.end(), [&](const auto& line) { return line.find(text) != line.npos; }));
 }
 
 void GenerationFixture::editRootFile(const std::string& relative, const std::string& from,

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "EmbeddedHost.h"
+#include "repository/TandrilObjectIterator.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
+#include "support/ReportLines.h"
 
 #include <QTemporaryDir>
 
@@ -56,8 +58,10 @@ protected:
         return std::make_unique<XMLRepositoryReader>(store(), RepositoryReport::create());
     }
 
-    // The paths of the products the store lists, in its order.
-    static std::vector<std::string> productPaths(XMLRepositoryReader& reader);
+    // The paths of the objects of a walk, in its order or sorted; of the
+    // products the store lists.
+    static std::vector<std::string> paths(TandrilObjectIterator it, bool sorted = false);
+    static std::vector<std::string> productPaths(XMLRepositoryReader& reader) { return paths(reader.getProductsIterator()); }
     // What a library file declares, references not followed.
     TreeCounts declaredCounts(const std::string& product) const;
     // What the store gives back for a product, walked through a reader.
@@ -70,8 +74,8 @@ protected:
         return store() + "/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
     }
 
-    bool logHas(const std::string& text) const { return logCount(text) > 0; }
-    int logCount(const std::string& text) const;
+    bool logHas(const std::string& text) const { return logged(*report, text); }
+    int logCount(const std::string& text) const { return loggedCount(*report, text); }
     std::string logText() const;
     // Rewrites a file of the root copy, dated a minute ahead: every `from`
     // becomes `to`.

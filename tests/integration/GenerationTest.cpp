@@ -22,35 +22,14 @@ namespace {
 
 using GenerateRepositoryTest = GenerationFixture;
 
-// From nothing every block and icon reads back; afterwards only what changed
-// is written again, and a regeneration rewrites everything.
-TEST_F(GenerateRepositoryTest, FromNothingThenOnlyWhatChangedThenEverything)
+// After a first generation only what changed is written again. (From nothing
+// every block reads back: FileFaultSweepTest's complete runs; a file only
+// newer: LibraryComparisonTest; a regeneration: GenerationFaultsTest.)
+TEST_F(GenerateRepositoryTest, OnlyWhatChangedIsWrittenAgain)
 {
     generate();
-    EXPECT_EQ(logCount("??? **Error**"), 0) << logText();
-    auto reader = makeReader();
-    std::vector<std::string> listed = productPaths(*reader);
-    std::sort(listed.begin(), listed.end());
-    EXPECT_EQ(listed, (std::vector<std::string>{"arithmetica", "kinetics", "signal_workbench", "switchyard",
-                                                "tandril", "wavecraft"}));
-    int blocks = 0;
-    for (const char* product : {"arithmetica", "kinetics", "switchyard", "tandril", "wavecraft"}) {
-        const TreeCounts stored = storedCounts(*reader, product);
-        EXPECT_EQ(stored, declaredCounts(product)) << product;
-        EXPECT_EQ(stored.icons, stored.blocks + stored.subsystems + stored.references) << product;
-        blocks += stored.blocks + stored.subsystems + stored.references;
-    }
-    EXPECT_EQ(blocks, 185);
-
-    SCOPED_TRACE("nothing changed, or a library file only newer: no archive is written");
     const auto before = archiveStamps();
     ASSERT_EQ(before.size(), 10u);
-    generate();
-    EXPECT_EQ(archiveStamps(), before);
-    setModified(libraryFile("arithmetica"), QDateTime::currentDateTime().addSecs(120));
-    generate();
-    EXPECT_EQ(logCount("Product is up-to-date!"), 5) << logText();
-    EXPECT_EQ(archiveStamps(), before);
 
     SCOPED_TRACE("a changed description: its library and Tandril, which references it");
     editRootFile("toolbox/arithmetica/arithmetica.tdlib.json", "Adds or subtracts its inputs",
@@ -58,12 +37,12 @@ TEST_F(GenerateRepositoryTest, FromNothingThenOnlyWhatChangedThenEverything)
     setModified(libraryFile("arithmetica"), QDateTime::currentDateTime().addSecs(180));
     generate();
     EXPECT_EQ(logCount("Product is up-to-date!"), 3) << logText();
-    auto after = archiveStamps();
+    const auto after = archiveStamps();
     for (const char* product : {"kinetics", "switchyard", "wavecraft"})
         for (const char* kind : {"icons", "manifests"})
             EXPECT_EQ(after.at(archiveOf(product, kind)), before.at(archiveOf(product, kind))) << product << kind;
     EXPECT_NE(after.at(archiveOf("arithmetica", "manifests")), before.at(archiveOf("arithmetica", "manifests")));
-    reader = makeReader();
+    auto reader = makeReader();
     EXPECT_EQ(reader->getTandrilObject("arithmetica/Basic Operations/Sum").getDescription().rfind(
                   "Adds or subtracts, edited, its inputs", 0),
               0u);
@@ -75,18 +54,9 @@ TEST_F(GenerateRepositoryTest, FromNothingThenOnlyWhatChangedThenEverything)
     EXPECT_TRUE(logHas("Library wavecraft is up-to-date!")) << logText();
     EXPECT_TRUE(logHas("**Warning**   Unable to resolve library reference Kinetics/Test Signals to wavecraft/Sources"));
     reader = makeReader();
-    EXPECT_EQ(storedCounts(*reader, "kinetics"), declaredCounts("kinetics"));
     const int referenced = reader->getChildrenIterator(reader->getTandrilObject("kinetics-wavecraft/Sources")).size();
     EXPECT_GT(referenced, 0);
     EXPECT_EQ(reader->getChildrenIterator(reader->getTandrilObject("kinetics/Test Signals")).size(), referenced);
-
-    SCOPED_TRACE("regenerate rewrites every archive");
-    after = archiveStamps();
-    generate(GenerationMode::Regenerate);
-    const auto regenerated = archiveStamps();
-    ASSERT_EQ(regenerated.size(), after.size());
-    for (const auto& [path, stamp] : regenerated)
-        EXPECT_NE(stamp, after.at(path)) << path;
 }
 
 using WriterVerbsTest = GenerationFixture;
@@ -96,19 +66,9 @@ bool contains(const std::vector<std::string>& list, const std::string& item)
     return std::find(list.begin(), list.end(), item) != list.end();
 }
 
-std::vector<std::string> paths(TandrilObjectIterator it, bool sorted)
-{
-    std::vector<std::string> result;
-    for (; it.isValidIterator(); it.next())
-        result.push_back(it.current().getPath());
-    if (sorted)
-        std::sort(result.begin(), result.end());
-    return result;
-}
-
-// Listing the products generates nothing; a product generates alone, a
-// palette its members (leaving its level of the report open); an invalid or
-// vanished product is refused before anything is written.
+// Listing the products generates nothing; a palette generates its members
+// (leaving its level of the report open); an invalid or vanished product is
+// refused before anything is written. (One product alone: TdlbWriteTest.)
 TEST_F(WriterVerbsTest, UpdateProductsThenGenerateOneProductAtATime)
 {
     makeWriter()->generateProduct(Library());
@@ -127,10 +87,6 @@ TEST_F(WriterVerbsTest, UpdateProductsThenGenerateOneProductAtATime)
     EXPECT_EQ(paths(makeReader()->getTopLevelIterator(), true),
               (std::vector<std::string>{"kinetics", "signal_workbench", "switchyard", "tandril"}));
 
-    writer->generateProduct(makeReader()->getProduct("wavecraft"));
-    EXPECT_FALSE(exists(archiveOf("arithmetica", "icons")));
-    EXPECT_EQ(storedCounts(*makeReader(), "wavecraft"), declaredCounts("wavecraft"));
-    EXPECT_EQ(report->indentation, 0);
     writer->generateProduct(makeReader()->getProduct("signal_workbench"));
     EXPECT_TRUE(exists(archiveOf("arithmetica", "manifests")));
     EXPECT_FALSE(exists(archiveOf("kinetics", "manifests")));
@@ -148,10 +104,9 @@ TEST_F(WriterVerbsTest, UpdateProductsThenGenerateOneProductAtATime)
     EXPECT_EQ(storedCounts(*reader, "tandril"), declaredCounts("tandril"));
 }
 
-// Destroying an unknown product changes nothing; a known one keeps its place
-// in the list and comes back with the next generation. A product that became
-// a palette comes back as one; of one model file listed twice the first
-// wins; destroying the repository leaves no store.
+// Destroying an unknown product changes nothing. A product that became a
+// palette comes back as one; of one model file listed twice the first wins.
+// (Destroying a product or the whole store is TdlbWriteTest's.)
 TEST_F(WriterVerbsTest, DestroyAndChangedProductLists)
 {
     generate();
@@ -159,13 +114,6 @@ TEST_F(WriterVerbsTest, DestroyAndChangedProductLists)
     makeWriter()->destroyProduct(std::string("nowhere"));
     EXPECT_TRUE(logHas("??? **Error**   Unable to find product 'nowhere'")) << logText();
     EXPECT_EQ(archiveStamps(), before);
-    makeWriter()->destroyProduct(std::string("switchyard"));
-    EXPECT_FALSE(exists(archiveOf("switchyard", "icons")));
-    EXPECT_TRUE(contains(productPaths(*makeReader()), "switchyard"));
-    EXPECT_EQ(archiveStamps().size(), 8u);
-    generate();
-    EXPECT_EQ(logCount("Product is up-to-date!"), 4) << logText();
-    EXPECT_EQ(storedCounts(*makeReader(), "switchyard"), declaredCounts("switchyard"));
 
     editRootFile("toolbox/arithmetica/tdblocks.json", "\"type\": \"Product\",",
                  "\"type\": \"Palette\", \"children\": [\"Kinetics\"],");
@@ -186,10 +134,6 @@ TEST_F(WriterVerbsTest, DestroyAndChangedProductLists)
     reader = makeReader();
     EXPECT_EQ(reader->getProduct("kinetics").getDisplayName(), "Kinetics");
     EXPECT_FALSE(contains(productPaths(*reader), "switchyard"));
-
-    makeWriter()->destroyRepository();
-    EXPECT_TRUE(archiveStamps().empty());
-    EXPECT_FALSE(makeReader()->exists());
 }
 
 // A repository on the root copy, with the shipped store at its place and a
@@ -226,17 +170,12 @@ protected:
 
 // Made at the first open, the shipped store is then read as it is. A changed
 // product is generated into the writable store between the two signals, once.
-// When the host can no longer read it, an update tries again, keeps what the
-// writable store holds and says why, and the next update tries again.
 TEST_F(RepositoryOnDemandTest, ShippedStoreMadeAtOpenThenChangedProductsGeneratedOnDemand)
 {
     EXPECT_TRUE(open()->exists());
     EXPECT_TRUE(exists(shippedRepositoryDirectory() + "/wavecraft/lb_wavecraft_icons_repos.rps"));
     auto repository = open();
     EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("wavecraft")).size(), 3);
-    const TandrilObject kinetics = repository->getTandrilObject("kinetics");
-    EXPECT_EQ(repository->getChildrenIterator(kinetics).size(), 5);
-    EXPECT_EQ(repository->getChildrenIterator(child(*repository, kinetics, "Continuous")).size(), 10);
     EXPECT_TRUE(sent.empty());
     EXPECT_FALSE(exists(writableArchive("kinetics", "manifests")));
 
@@ -252,41 +191,6 @@ TEST_F(RepositoryOnDemandTest, ShippedStoreMadeAtOpenThenChangedProductsGenerate
     repository = open();
     EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("arithmetica")).size(), 4);
     EXPECT_TRUE(sent.empty());
-
-    const std::string relative = "toolbox/wavecraft/wavecraft.tdlib.json";
-    editRootFile(relative, "\"Sine Wave\"", "\"Sine Wave 2\"");
-    repository = open();
-    ASSERT_TRUE(child(*repository, repository->getTandrilObject("wavecraft"), "Sources").isValid());
-    std::map<std::string, QByteArray> archives;
-    for (const char* kind : {"icons", "manifests"})
-        archives[kind] = readFile(writableArchive("wavecraft", kind));
-    ASSERT_FALSE(archives["manifests"].isEmpty());
-
-    writeRootFile(relative, "{ \"format\": \"tandril-library\", broken");
-    // Later than the edit, which may have been dated the same second.
-    setModified(root() + "/" + relative, QDateTime::currentDateTime().addSecs(120));
-    repository = open();
-    // What the update command does: every product's store chosen now.
-    for (TandrilObjectIterator it = repository->getProductsIterator(); it.isValidIterator(); it.next())
-        repository->getChildrenIterator(it.current());
-    EXPECT_NE(std::find(sent.begin(), sent.end(), "pre Wavecraft Signals"), sent.end())
-        << testing::PrintToString(sent);
-    for (const auto& [kind, bytes] : archives)
-        EXPECT_EQ(readFile(writableArchive("wavecraft", kind.c_str())), bytes) << "the " << kind << " archive changed";
-    // Read from the writable store: the shipped one has no "Sine Wave 2".
-    const TandrilObject sources = child(*repository, repository->getTandrilObject("wavecraft"), "Sources");
-    EXPECT_TRUE(child(*repository, sources, "Sine Wave 2").isValid());
-    std::vector<std::string> why;
-    for (const RepositoryReport::Issue& warning : repository->getRepositoryReport()->takeUniqueWarnings())
-        if (warning.message.rfind("Product Wavecraft Signals was not generated again (", 0) == 0)
-            why.push_back(warning.message);
-    ASSERT_EQ(why.size(), 1u);
-    EXPECT_NE(why.front().find("wavecraft.tdlib.json"), std::string::npos) << why.front();
-    EXPECT_EQ(why.front().find('\n'), std::string::npos) << why.front();
-
-    repository = open();
-    repository->getChildrenIterator(repository->getTandrilObject("wavecraft"));
-    EXPECT_EQ(sent, (std::vector<std::string>{"pre Wavecraft Signals", "post Wavecraft Signals"}));
 }
 
 enum class Root { Example, Synthetic };
@@ -410,9 +314,10 @@ TEST_P(BlockRankerTest, FirstResultsOfTheTable)
     }
 }
 
-// Each block once, however many products store it or references reach it;
-// an empty query lists favourites before recents and drops unknown paths.
-TEST_P(BlockRankerTest, BlocksComeOnceAndAnEmptyQueryListsFavouritesThenRecents)
+// Each block once, however many products store it or references reach it.
+// (An empty query's list of favourites, then recents, is a row of the table
+// above and the script binding's case.)
+TEST_P(BlockRankerTest, BlocksComeOnceHoweverOftenTheyAreStoredOrReached)
 {
     RankingQuery all;
     all.text = GetParam() == Root::Example ? "controller" : "wave";
@@ -421,17 +326,6 @@ TEST_P(BlockRankerTest, BlocksComeOnceAndAnEmptyQueryListsFavouritesThenRecents)
     for (const RankedBlock& ranked : ranker->rank(all).blocks)
         EXPECT_TRUE(paths.insert(ranked.block.getPath()).second) << ranked.block.getPath();
     EXPECT_FALSE(paths.empty());
-
-    const std::string first = ranker->rank({all.text, {}, {}, 1}).blocks.front().block.getPath();
-    RankingQuery empty;
-    empty.recents = {first, "nowhere/At All"};
-    empty.favourites = {*paths.rbegin()};
-    const RankingResult listed = ranker->rank(empty);
-    ASSERT_EQ(listed.total, first == *paths.rbegin() ? 1u : 2u);
-    EXPECT_EQ(listed.blocks.front().block.getPath(), *paths.rbegin());
-    EXPECT_TRUE(listed.blocks.front().favourite);
-    EXPECT_EQ(listed.blocks.back().block.getPath(), first);
-    EXPECT_TRUE(listed.blocks.back().recent);
 }
 
 INSTANTIATE_TEST_SUITE_P(Roots, BlockRankerTest, ::testing::Values(Root::Example, Root::Synthetic),

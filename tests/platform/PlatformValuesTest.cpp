@@ -1,58 +1,13 @@
 #include "platform/HostValue.h"
 #include "platform/PlainXmlCheck.h"
-#include "platform/SharedText.h"
 #include "platform/ShutdownRegistry.h"
-#include "platform/StringId.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 using namespace LibraryBrowser;
-
-// Enough new texts to grow the table several times over, with texts that
-// differ only late and some that differ only in length.
-TEST(StringId, EqualTextGivesIdenticalIdAndHashAcrossTheTableGrowing)
-{
-    const StringId a("Tandril/Sources/Sine Wave");
-    const StringId b(std::string("Tandril/Sources/") + "Sine Wave");
-    EXPECT_TRUE(a == b && a.c_str() == b.c_str() && a.hash() == b.hash()) << "interned ids share one text";
-    EXPECT_NE(a, StringId("Tandril/Sources/Sine wave"));
-    EXPECT_EQ((std::unordered_set<StringId>{a, b, StringId("other")}.size()), 2u);
-    EXPECT_TRUE(StringId().isEmpty());
-    EXPECT_EQ(StringId(), StringId(""));
-    EXPECT_EQ(StringId(static_cast<const char*>(nullptr)), StringId());
-    EXPECT_NE(StringId(std::string("a\0b", 3)), StringId("a")) << "text after a zero byte counts";
-
-    const std::size_t before = StringId::internedCount();
-    const auto text = [](int i) { return "StringIdGrowth/Subsystem/Block " + std::to_string(i); };
-    std::vector<StringId> ids;
-    std::vector<const char*> addresses;
-    for (int i = 0; i < 20000; ++i) {
-        ids.emplace_back(text(i));
-        addresses.push_back(ids.back().c_str());
-    }
-    EXPECT_EQ(StringId::internedCount(), before + 20000);
-    for (int i = 0; i < 20000; ++i) {
-        const StringId again(text(i));
-        ASSERT_TRUE(again == ids[std::size_t(i)] && again.c_str() == addresses[std::size_t(i)]) << "moved: " << i;
-        ASSERT_EQ(again.str(), text(i));
-    }
-    EXPECT_EQ(StringId::internedCount(), before + 20000) << "looking up interns nothing new";
-}
-
-TEST(SharedText, HoldersOfEqualTextShareOneCopyAndReadAsText)
-{
-    const std::string name = "toolbox/Signals/lb_Signals_icons_repos.rps";
-    const SharedText a(name);
-    const SharedText b = std::string("toolbox/Signals/") + "lb_Signals_icons_repos.rps";
-    EXPECT_TRUE(a == b && a.c_str() == b.c_str()) << "one copy for every holder";
-    EXPECT_NE(a, SharedText("toolbox/Signals/lb_Signals_manifests_repos.rps"));
-    EXPECT_EQ("/store/" + a + ".bak", "/store/" + name + ".bak");
-    EXPECT_EQ(SharedText(), SharedText(""));
-}
 
 // Two values the host passes are the same only when kind, shape and every
 // element agree: scripts compare what a call gave back with what they sent.
@@ -61,8 +16,7 @@ TEST(HostValue, ValuesAreEqualOnlyInKindShapeAndEveryElement)
     EXPECT_EQ(HostValue::cellOfStrings({"a", "b"}), HostValue::cellOfStrings({"a", "b"}));
     EXPECT_EQ(HostValue::doubleMatrix(1, 2, {1, 2}), HostValue::doubleMatrix(1, 2, {1, 2}));
     const std::pair<HostValue, HostValue> different[] = {
-        {HostValue::string("a"), HostValue::string("b")},
-        {HostValue::doubleScalar(1), HostValue::doubleScalar(2)},
+        {HostValue::string("a"), HostValue::string("b")}, {HostValue::doubleScalar(1), HostValue::doubleScalar(2)},
         {HostValue::logicalScalar(true), HostValue::logicalScalar(false)},
         {HostValue::doubleMatrix(1, 2, {1, 2}), HostValue::doubleMatrix(2, 1, {1, 2})},
         {HostValue::string("1"), HostValue::cellOfStrings({"1"})},

@@ -130,9 +130,6 @@ TEST_F(ZipArchiveTest, DamagedOrMissingFilesLeaveItClosedAndHarmless)
     EXPECT_TRUE(bytes.isEmpty());
     EXPECT_FALSE(archive.remove(archive.find("x")) || archive.close());
     EXPECT_EQ(readFile(garbage).left(4), QByteArray("PK\x03\x04"));
-    std::string error;
-    EXPECT_FALSE(ZipArchive::readEntry(garbage, "x", bytes, error));
-    EXPECT_FALSE(error.empty());
 
     EXPECT_EQ(entry(archiveOf("damaged.rps", {{"fresh", "1"}}), "fresh"), "1") << "a new archive replaces a damaged file";
 

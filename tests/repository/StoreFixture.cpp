@@ -24,12 +24,9 @@ void StoreFixture::SetUp()
     environment = new RecordingEnvironment(hostRoot(), path("prefs"));
     Platform::setEnvironment(environment);
     interpreter.on("tdprivate:rmdir", [](int, const std::vector<HostValue>& inputs) {
-        HostInterpreter::CallResult result;
-        result.ok = true;
         const bool removed = QDir(QString::fromStdString(inputs.at(1).toString())).removeRecursively();
-        result.outputs = {HostValue::logicalScalar(removed), HostValue::string(removed ? "" : "rmdir failed"),
-                          HostValue::string("")};
-        return result;
+        return HostInterpreter::CallResult{true, {HostValue::logicalScalar(removed),
+                                                  HostValue::string(removed ? "" : "rmdir failed"), HostValue::string("")}};
     });
     Platform::setInterpreter(&interpreter);
 }
@@ -87,31 +84,12 @@ void StoreFixture::recordModelFile(LibraryImpl& library, const std::string& spec
     library.setModelFileDate(std::int32_t(fileDate(file)));
     m_modelFiles[library.getPath()] = spec;
     interpreter.on("tdprivate:lb_getLibraryData", [this](int, const std::vector<HostValue>& inputs) {
-        HostInterpreter::CallResult result;
         const auto it = m_modelFiles.find(inputs.at(2).toString());
-        result.ok = it != m_modelFiles.end();
-        if (result.ok)
-            result.outputs = {HostValue::cellOfStrings({it->second}),
-                              HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())),
-                              HostValue()};
-        return result;
+        if (it == m_modelFiles.end())
+            return HostInterpreter::CallResult{};
+        return HostInterpreter::CallResult{true, {HostValue::cellOfStrings({it->second}),
+            HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())), HostValue()}};
     });
-}
-
-int StoreFixture::loggedCount(const RepositoryReport& report, const std::string& text)
-{
-    int n = 0;
-    for (const std::string& line : report.getLog())
-        n += line.find(text) != std::string::npos;
-    return n;
-}
-
-std::vector<std::string> StoreFixture::errorMessages(const RepositoryReport& report)
-{
-    std::vector<std::string> messages;
-    for (const RepositoryReport::Issue& issue : report.getErrors())
-        messages.push_back(issue.message);
-    return messages;
 }
 
 void StoreFixture::setAlphaAndBeta(int alphaBlocks, int betaBlocks)

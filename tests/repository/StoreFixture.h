@@ -7,6 +7,7 @@
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 #include "support/Files.h"
 #include "support/RecordingHost.h"
+#include "support/ReportLines.h"
 #include "support/ScriptedHostInterpreter.h"
 
 #include <QTemporaryDir>
@@ -55,11 +56,6 @@ protected:
     // Records the library's model file below the host root, as it is on disk
     // now, and makes the host's lb_getLibraryData name it.
     void recordModelFile(LibraryImpl& library, const std::string& spec);
-
-    // How many log lines of the report contain the text; whether one does.
-    static int loggedCount(const RepositoryReport& report, const std::string& text);
-    static bool logged(const RepositoryReport& report, const std::string& text) { return loggedCount(report, text) > 0; }
-    static std::vector<std::string> errorMessages(const RepositoryReport& report);
 
     // The writer on store(): the products Alpha (blocks A0, A1, ...) and,
     // where asked, Beta (B0, ...); a generation with a new report; a reader

@@ -14,16 +14,6 @@ void RecordingHostFramework::initializeDesignTools(ErrorHolder& errors)
     StandaloneFramework::initializeDesignTools(errors);
 }
 
-void RecordingHostFramework::terminateDesignTools()
-{
-    events.push_back("terminateDesignTools");
-}
-
-void RecordingHostFramework::loadToolkitBridge(const StringId& name)
-{
-    events.push_back("loadToolkitBridge " + name.str());
-}
-
 void RecordingHostFramework::addMessageTable(const MessageTable& table)
 {
     std::ostringstream line;
@@ -47,12 +37,6 @@ void RecordingHostFramework::removePackage(const StringId& name)
 void RecordingHostFramework::removeApplication(HostApplication* application)
 {
     events.push_back("removeApplication " + (application ? application->getName() : std::string("<null>")));
-}
-
-std::string RecordingEnvironment::root() const
-{
-    ++rootQueries;
-    return m_root;
 }
 
 } // namespace LibraryBrowser::Testing

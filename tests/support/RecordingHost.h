@@ -13,8 +13,8 @@ namespace LibraryBrowser::Testing {
 class RecordingHostFramework : public StandaloneFramework {
 public:
     void initializeDesignTools(ErrorHolder& errors) override;
-    void terminateDesignTools() override;
-    void loadToolkitBridge(const StringId& name) override;
+    void terminateDesignTools() override { events.push_back("terminateDesignTools"); }
+    void loadToolkitBridge(const StringId& name) override { events.push_back("loadToolkitBridge " + name.str()); }
     void addMessageTable(const MessageTable& table) override;
     void addPackage(std::shared_ptr<HostPackage> package) override;
     void removePackage(const StringId& name) override;
@@ -33,7 +33,11 @@ public:
         setWarningMode(3, true);
     }
 
-    std::string root() const override;
+    std::string root() const override
+    {
+        ++rootQueries;
+        return m_root;
+    }
     std::string preferencesDirectory() const override { return m_preferences; }
     void print(const std::string& text) override { console += text; }
 

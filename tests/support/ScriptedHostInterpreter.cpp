@@ -1,5 +1,7 @@
 #include "support/ScriptedHostInterpreter.h"
 
+#include <algorithm>
+
 namespace LibraryBrowser::Testing {
 
 std::string ScriptedHostInterpreter::Call::operation() const
@@ -14,21 +16,12 @@ void ScriptedHostInterpreter::on(const std::string& key, Handler handler)
 
 void ScriptedHostInterpreter::answer(const std::string& key, std::vector<HostValue> outputs)
 {
-    on(key, [outputs](int, const std::vector<HostValue>&) {
-        CallResult r;
-        r.ok = true;
-        r.outputs = outputs;
-        return r;
-    });
+    on(key, [outputs](int, const std::vector<HostValue>&) { return CallResult{true, outputs}; });
 }
 
 void ScriptedHostInterpreter::fail(const std::string& key, const std::string& message)
 {
-    on(key, [message](int, const std::vector<HostValue>&) {
-        CallResult r;
-        r.errorMessage = message;
-        return r;
-    });
+    on(key, [message](int, const std::vector<HostValue>&) { return CallResult{false, {}, message}; });
 }
 
 HostInterpreter::CallResult ScriptedHostInterpreter::callWithTrap(const std::string& function, int outputCount,
@@ -40,21 +33,15 @@ HostInterpreter::CallResult ScriptedHostInterpreter::callWithTrap(const std::str
     auto it = op.empty() ? m_handlers.end() : m_handlers.find(function + ":" + op);
     if (it == m_handlers.end())
         it = m_handlers.find(function);
-    if (it == m_handlers.end()) {
-        CallResult r;
-        r.errorMessage = "Undefined function '" + function + "'";
-        return r;
-    }
-    return it->second(outputCount, inputs);
+    return it == m_handlers.end() ? CallResult{false, {}, "Undefined function '" + function + "'"}
+                                  : it->second(outputCount, inputs);
 }
 
 std::size_t ScriptedHostInterpreter::callCount(const std::string& key) const
 {
-    std::size_t n = 0;
-    for (const Call& c : m_calls)
-        if (c.function == key || c.function + ":" + c.operation() == key)
-            ++n;
-    return n;
+    return std::size_t(std::count_if(m_calls.begin(), m_calls.end(), [&](const Call& c) {
+        return c.function == key || c.function + ":" + c.operation() == key;
+    }));
 }
 
 } // namespace LibraryBrowser::Testing

@@ -14,11 +14,7 @@ namespace {
 // Outputs, or a failure where there are none.
 HostInterpreter::CallResult answer(std::optional<std::vector<HostValue>> outputs)
 {
-    HostInterpreter::CallResult result;
-    result.ok = outputs.has_value();
-    result.outputs = outputs.value_or(std::vector<HostValue>());
-    result.errorMessage = result.ok ? "" : "no such block";
-    return result;
+    return outputs ? HostInterpreter::CallResult{true, *outputs} : HostInterpreter::CallResult{false, {}, "no such block"};
 }
 
 HostValue cellOfCells(const std::vector<std::vector<std::string>>& lists)
