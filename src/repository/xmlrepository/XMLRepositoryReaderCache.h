@@ -47,7 +47,7 @@ public:
     // again): a walk over a store of a million blocks then holds a part of
     // it, while a store of a few hundred thousand stays loaded whole. A
     // product being read, and the one read last, are never released.
-    static constexpr std::size_t DefaultLoadedNodeBudget = 200000;
+    static constexpr std::size_t DefaultLoadedNodeBudget = 400000;
     void setLoadedNodeBudget(std::size_t nodes) { m_loadedNodeBudget = nodes; }
     std::size_t loadedNodeCount() const { return *m_loadedNodes; }
 
