@@ -257,11 +257,13 @@ void BlocksPage::clearBlocks()
     m_selectedBlock = nullptr;
     // The panel goes before its tiles: hiding it sends a leave event that
     // repaints the tile under the mouse.
-    delete m_scrollView->takeWidget();
+    disposePanel(m_scrollView->takeWidget());
     m_mainPanel = nullptr;
     m_blocks.clear();
     createMainPanel();
 }
+
+void BlocksPage::disposePanel(QWidget* panel) { delete panel; }
 
 int BlocksPage::addBlocksToPanel(TandrilObjectIterator iterator, BlocksPanel* panel,
                                  std::vector<GuiBlockPtr>& tiles, int numBlocks, int& row, int& column)

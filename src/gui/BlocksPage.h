@@ -108,6 +108,8 @@ protected:
 
     BlocksPageHost& browser() const { return m_browser; }
     virtual void createMainPanel();
+    // A panel taken out of the view at clearBlocks, its tiles gone.
+    virtual void disposePanel(QWidget* panel);
     // Makes a tile per object of the iterator that has an icon, up to
     // numBlocks, into the panel and the list; row and column run on.
     int addBlocksToPanel(TandrilObjectIterator iterator, BlocksPanel* panel, std::vector<GuiBlockPtr>& tiles,

@@ -12,6 +12,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QScrollArea>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -32,6 +33,10 @@ ResultsBlocksPage::ResultsBlocksPage(ResultsPageHost& browser, LayoutType layout
     m_results.matchCase = window.matchCase;
     m_results.searchDescriptions = window.searchDescriptions;
     createMainPanel();
+    m_sliceTimer = new QTimer(this);
+    m_sliceTimer->setSingleShot(true);
+    m_sliceTimer->setInterval(0);
+    connect(m_sliceTimer, &QTimer::timeout, this, &ResultsBlocksPage::laterTurn);
 }
 
 ResultsBlocksPage::~ResultsBlocksPage()
@@ -40,6 +45,8 @@ ResultsBlocksPage::~ResultsBlocksPage()
     // even where the scroll view outlives it in the window.
     m_sections.clear();
     delete m_scrollView->takeWidget();
+    for (QWidget* panel : m_retiredPanels)
+        delete panel;
 }
 
 void ResultsBlocksPage::createMainPanel()
@@ -141,7 +148,15 @@ void ResultsBlocksPage::setStatus(std::uint32_t messageId, const std::string& na
     m_statusMessage = xlatedMessageFromIdAndCharStarAndThreeIntsAndCharStar(
         messageId, m_results.searchString, m_results.numLibrariesWithHits, m_results.numSubsystems,
         m_results.numBlocks, name);
-    m_browser.internalSetStatusBarMessage(m_statusMessage);
+    showStatus();
+}
+
+void ResultsBlocksPage::showStatus()
+{
+    // A later turn's texts are the page's; they reach the status bar only
+    // while the page is the one shown.
+    if (!m_laterTurn || m_browser.internalGetCurrentBlocksPage() == this)
+        m_browser.internalSetStatusBarMessage(m_statusMessage);
 }
 
 void ResultsBlocksPage::updateBlocks(int)
@@ -197,38 +212,25 @@ void ResultsBlocksPage::updateBlocks(int)
         m_listViewWidth = preComputeListViewWidgetWidth(m_longestName);
     m_browser.internalSetStatusBarMessage(m_statusMessage);
     preComputeContentsSize();
-    const int sectionsWidth = m_effectiveViewWidth;
+    m_sectionsWidth = m_effectiveViewWidth;
     m_contentsHeight = 0;
     showPageBlocks();
 
-    SectionOpening opening(SearchResults::maxHitsShown);
-    int index = 0;
+    int lastShownByUser = -1;
     for (const Library& library : m_results.libraries) {
-        const auto entry = m_results.searchResults.find(library);
-        if (entry == m_results.searchResults.end())
+        if (!m_results.searchResults.count(library))
             continue;
         const std::string name = library.getDisplayPath();
-        const bool open =
-            opening.startsOpen(entry->second.hits(), m_hiddenSections.count(name), m_userShownSections.count(name));
-        setStatus(open ? MessageId::TDLB_GuiStatusBarSearchResultsNowShowing
-                       : MessageId::TDLB_GuiStatusBarSearchResultsNowHiding,
-                  name);
-        createSection(library, entry->second, index++, open, sectionsWidth);
-        PageSection& section = *m_sections.back();
-        if (open) {
-            opening.opened(expandSection(section));
-        } else {
-            m_contentsHeight += section.height;
-            shrinkSection(section);
-        }
-        showPageBlocks();
+        if (m_userShownSections.count(name) && !m_hiddenSections.count(name))
+            lastShownByUser = int(m_sectionLibraries.size());
+        m_sectionLibraries.push_back(library);
     }
+    const int screenful = m_viewHeight / std::max(1, m_headerHeight) + 1;
+    m_slices = SectionSlices(int(m_sectionLibraries.size()), screenful, sectionsPerTurn, lastShownByUser);
+    m_opening = SectionOpening(SearchResults::maxHitsShown);
+    makeSections(false);
 
-    m_statusMessage = xlatedMessageFromIdAndCharStarAndThreeInts(
-        MessageId::TDLB_GuiStatusBarSearchResults, m_results.searchString, m_results.numLibrariesWithHits,
-        m_results.numSubsystems, m_results.numBlocks);
-    m_browser.internalSetStatusBarMessage(m_statusMessage);
-
+    // Every section that may hold tiles is made: the selection is taken now.
     GuiBlock* selection = takeSavedOrFirstBlock();
     showPageBlocks();
     if (selection)
@@ -273,15 +275,19 @@ void ResultsBlocksPage::createSection(const Library& library, const SingleLibrar
                                    m_expandImage,
                                    m_collapseImage};
     section.header = new SectionHeader(section.name, section.hits(), look, sectionsWidth, m_headerHeight, m_mainPanel);
+    if (m_headersAdjusted) {
+        section.header->setMinimumSize(m_headerMinWidth, m_headerHeight);
+        section.header->setMaximumSize(m_headerMaxWidth, m_headerHeight);
+    }
     section.header->setExpanded(open);
     const std::string name = section.name;
     connect(section.header, &SectionHeader::titleActivated, this,
             [this, name] { m_browser.internalOpenSubsystemInTree(name); });
     connect(section.header, &SectionHeader::toggleClicked, this, [this, name] {
-        if (PageSection* clicked = getSectionByName(name))
+        if (PageSection* clicked = findSection(name))
             effectHyperLinkToHideOrShowBlocks(*clicked);
     });
-    setPanelPosition();
+    placePanel();
 
     grid->addWidget(section.header, 2 * index, 0, 1, 2);
     section.header->show();
@@ -307,7 +313,7 @@ int ResultsBlocksPage::expandSection(PageSection& section)
 {
     if (section.numTiles != 0) {
         m_contentsHeight += section.height;
-        setPanelPosition();
+        placePanel();
     } else {
         section.numTiles = -1;
         const auto entry = m_results.searchResults.find(section.library);
@@ -333,7 +339,7 @@ int ResultsBlocksPage::expandSection(PageSection& section)
         section.minWidth = minWidth;
         section.height = maxHeight;
         m_contentsHeight += section.height;
-        setPanelPosition();
+        placePanel();
         section.body->setMinimumSize(std::max(0, minWidth), section.height);
         section.body->setMaximumSize(std::max(minWidth, m_effectiveViewWidth), section.height);
         int row = 0;
@@ -354,7 +360,7 @@ int ResultsBlocksPage::shrinkSection(PageSection& section)
     section.body->hide();
     m_numIconColsShown = postComputeNumIconColsShown();
     m_contentsHeight -= section.height;
-    setPanelPosition();
+    placePanel();
     return 0;
 }
 
@@ -401,9 +407,12 @@ void ResultsBlocksPage::adjustHeaderSizes()
 {
     if (m_effectiveViewWidth <= 0)
         return;
+    m_headersAdjusted = true;
+    m_headerMinWidth = m_effectiveViewWidth;
+    m_headerMaxWidth = std::max(m_effectiveViewWidth, m_contentsWidth);
     for (const auto& section : m_sections) {
-        section->header->setMinimumSize(m_effectiveViewWidth, m_headerHeight);
-        section->header->setMaximumSize(std::max(m_effectiveViewWidth, m_contentsWidth), m_headerHeight);
+        section->header->setMinimumSize(m_headerMinWidth, m_headerHeight);
+        section->header->setMaximumSize(m_headerMaxWidth, m_headerHeight);
     }
 }
 
@@ -437,9 +446,14 @@ void ResultsBlocksPage::reflowBlocks()
 
 void ResultsBlocksPage::clearSections()
 {
+    m_sectionLibraries.clear();
+    m_headersAdjusted = false;
     m_sectionsByName.clear();
     m_numIconColsShown = -1;
-    // The tiles go with the list of the page; the widgets with the panel.
+    // The tiles go with the list of the page; the widgets with the panel,
+    // which may outlive them.
+    for (const auto& section : m_sections)
+        section->body->clearTiles();
     m_sections.clear();
     clearBlocks();
     m_noResultsText = nullptr;
@@ -526,15 +540,16 @@ void ResultsBlocksPage::selectByMove(Move move)
         setSelectedBlock(m_sections[to.section]->blocks[to.tile].get());
 }
 
-std::vector<std::string> ResultsBlocksPage::getPageSectionNames() const
+std::vector<std::string> ResultsBlocksPage::getPageSectionNames()
 {
+    completeSections();
     std::vector<std::string> names;
     for (const auto& section : m_sections)
         names.push_back(section->name);
     return names;
 }
 
-std::vector<std::string> ResultsBlocksPage::getPageSectionBlocksDisplayPathNames(const std::string& name) const
+std::vector<std::string> ResultsBlocksPage::getPageSectionBlocksDisplayPathNames(const std::string& name)
 {
     std::vector<std::string> paths;
     if (const PageSection* section = getSectionByName(name))
@@ -563,13 +578,19 @@ bool ResultsBlocksPage::hideResultsSectionByName(const std::string& name)
     return true;
 }
 
-bool ResultsBlocksPage::isResultsSectionVisibleGui(const std::string& name) const
+bool ResultsBlocksPage::isResultsSectionVisibleGui(const std::string& name)
 {
     const PageSection* section = getSectionByName(name);
     return section && !section->body->isHidden();
 }
 
-PageSection* ResultsBlocksPage::getSectionByName(const std::string& name) const
+PageSection* ResultsBlocksPage::getSectionByName(const std::string& name)
+{
+    completeSections();
+    return findSection(name);
+}
+
+PageSection* ResultsBlocksPage::findSection(const std::string& name) const
 {
     const auto found = m_sectionsByName.find(name);
     return found == m_sectionsByName.end() ? nullptr : found->second;

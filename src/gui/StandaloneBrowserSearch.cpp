@@ -145,8 +145,9 @@ void StandaloneBrowser::internalSearchForString(std::string text)
             m_resultsPage->setStatusMessage(running);
             internalSetStatusBarMessage(running);
             // The running text is painted, and Escape heard, between libraries;
-            // a few times a second is enough to look alive and costs little.
-            if (!sinceEvents.isValid() || sinceEvents.elapsed() >= 40) {
+            // often enough that one slow library read on top of the wait still
+            // keeps the window answering within a tenth of a second.
+            if (!sinceEvents.isValid() || sinceEvents.elapsed() >= 15) {
                 QApplication::processEvents();
                 sinceEvents.start();
             }
@@ -238,6 +239,8 @@ void StandaloneBrowser::internalSearchForString(std::string text)
     else
         m_resultsPage->getScrollView()->setFocus(Qt::OtherFocusReason);
     if (cancelled) {
+        // The page's last text is the one the mark goes on.
+        m_resultsPage->completeSections();
         m_statusMessage += "    " + xlatedMessageFromId(MessageId::TDLB_GuiStatusBarSearchCancelled);
         internalSetStatusBarMessage(m_statusMessage);
     }
