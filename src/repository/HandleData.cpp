@@ -6,11 +6,11 @@
 
 namespace LibraryBrowser {
 
-HandleData::HandleData(const StringId& id, ReaderCache* cache, TandrilObjectImpl* node)
+HandleData::HandleData(const StringId& id, ReaderCache* cache, TandrilObjectImpl* node, HandleData*& entry)
     : m_id(id), m_cache(cache), m_node(node)
 {
-    if (m_cache)
-        m_cache->registerHandle(this);
+    entry = this;
+    m_cache->registerHandle(this);
 }
 
 HandleData::~HandleData()
@@ -24,26 +24,29 @@ HandleData* HandleData::acquire(TandrilObjectImpl* node, ReaderCache* cache)
     if (!node || !cache)
         return nullptr;
     const StringId& id = node->getUniquePath();
-    if (HandleData* entry = cache->lookupHandle(id)) {
+    // One look-up for both the search and the registration of a new one.
+    HandleData*& entry = cache->handleEntry(id);
+    if (entry) {
         // An entry with a real node of its own keeps it: one id standing for
         // two objects is a fault of the store, not something to paper over.
         if (!entry->m_node || entry->m_node->getIsInvalid())
             entry->setNode(node);
         return entry;
     }
-    return new HandleData(id, cache, node);
+    return new HandleData(id, cache, node, entry);
 }
 
 HandleData* HandleData::acquire(const StringId& id, TandrilObjectImpl* node, ReaderCache* cache)
 {
     if (!cache)
         return nullptr;
-    if (HandleData* entry = cache->lookupHandle(id)) {
+    HandleData*& entry = cache->handleEntry(id);
+    if (entry) {
         if (!entry->m_node || !entry->m_cache)
             entry->setNode(node);
         return entry;
     }
-    return new HandleData(id, cache, node);
+    return new HandleData(id, cache, node, entry);
 }
 
 void HandleData::setNode(TandrilObjectImpl* node)

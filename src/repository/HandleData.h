@@ -2,13 +2,23 @@
 
 #include "platform/StringId.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace LibraryBrowser {
 
+class HandleData;
 class Model;
 class ReaderCache;
 class TandrilObjectImpl;
+
+// The handles of one product in a cache, linked through their HandleData:
+// leaving it costs two pointers, where a hashed set cost a look-up into
+// memory long cold, once per handle whenever a product was dropped.
+struct ProductHandleList {
+    HandleData* first = nullptr;
+    std::size_t count = 0;
+};
 
 // What all handles on one object share: the object's id, the cache it is
 // registered with, and the manifest node once it has been found. A cache has
@@ -21,7 +31,6 @@ public:
     // The set of its cache that a HandleData is filed in.
     enum class HandleSet : std::uint8_t { Library, Invalid, Product };
 
-    HandleData(const StringId& id, ReaderCache* cache, TandrilObjectImpl* node);
     ~HandleData();
     HandleData(const HandleData&) = delete;
     HandleData& operator=(const HandleData&) = delete;
@@ -59,14 +68,21 @@ public:
         m_cache = nullptr;
         m_model = nullptr;
         m_previousOfModel = m_nextOfModel = nullptr;
+        m_product = nullptr;
+        m_previousOfProduct = m_nextOfProduct = nullptr;
     }
 
     HandleSet handleSet() const { return m_set; }
     void setHandleSet(HandleSet set) { m_set = set; }
 
 private:
+    // Registered with the cache, filling `entry`, the cache's table entry
+    // for the id.
+    HandleData(const StringId& id, ReaderCache* cache, TandrilObjectImpl* node, HandleData*& entry);
+
     // The cache keeps, per model, the list of its handles on the model's
-    // nodes, threaded through these fields.
+    // nodes, and per product the list of the product's handles, threaded
+    // through these fields.
     friend class ReaderCache;
 
     StringId m_id;
@@ -75,6 +91,9 @@ private:
     const Model* m_model = nullptr;
     HandleData* m_previousOfModel = nullptr;
     HandleData* m_nextOfModel = nullptr;
+    ProductHandleList* m_product = nullptr;
+    HandleData* m_previousOfProduct = nullptr;
+    HandleData* m_nextOfProduct = nullptr;
     unsigned m_refCount = 0;
     HandleSet m_set = HandleSet::Library;
     // Set while the cache looks for the node, so that a lookup that meets

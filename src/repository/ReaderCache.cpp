@@ -113,7 +113,7 @@ void ReaderCache::clearProductHandles(const std::string& productKey)
         data->clearNode();
     const auto product = m_productHandles.find(productKey);
     if (product != m_productHandles.end())
-        for (HandleData* data : product->second)
+        for (HandleData* data = product->second.first; data; data = data->m_nextOfProduct)
             data->clearNode();
 }
 
@@ -182,7 +182,6 @@ HandleData* ReaderCache::lookupHandle(const StringId& id) const
 
 void ReaderCache::registerHandle(HandleData* data)
 {
-    m_handles[data->id()] = data;
     fileByModel(*data, data->node() ? data->node()->getModel() : nullptr);
     const std::string& text = data->id().str();
     const TandrilObjectImpl* node = data->node();
@@ -194,8 +193,26 @@ void ReaderCache::registerHandle(HandleData* data)
         m_libraryHandles.insert(data);
     } else {
         data->setHandleSet(HandleData::HandleSet::Product);
-        m_productHandles[productKey(text)].insert(data);
+        ProductHandleList& product = productHandles(text);
+        data->m_product = &product;
+        data->m_nextOfProduct = product.first;
+        if (product.first)
+            product.first->m_previousOfProduct = data;
+        product.first = data;
+        ++product.count;
     }
+}
+
+ProductHandleList& ReaderCache::productHandles(const std::string& id)
+{
+    const std::size_t size = m_lastProductKey.size();
+    // The key is the id up to its first "/" or "-"; the last key has neither.
+    if (m_lastProduct && id.compare(0, size, m_lastProductKey) == 0
+        && (id.size() == size || id[size] == '/' || id[size] == '-'))
+        return *m_lastProduct;
+    m_lastProductKey = productKey(id);
+    m_lastProduct = &m_productHandles[m_lastProductKey];
+    return *m_lastProduct;
 }
 
 void ReaderCache::unregisterHandle(HandleData* data)
@@ -212,12 +229,16 @@ void ReaderCache::unregisterHandle(HandleData* data)
         m_invalidHandles.erase(data);
         break;
     case HandleData::HandleSet::Product: {
-        const auto product = m_productHandles.find(productKey(data->id().str()));
-        if (product != m_productHandles.end()) {
-            product->second.erase(data);
-            if (product->second.empty())
-                m_productHandles.erase(product);
-        }
+        ProductHandleList& product = *data->m_product;
+        if (data->m_nextOfProduct)
+            data->m_nextOfProduct->m_previousOfProduct = data->m_previousOfProduct;
+        if (data->m_previousOfProduct)
+            data->m_previousOfProduct->m_nextOfProduct = data->m_nextOfProduct;
+        else
+            product.first = data->m_nextOfProduct;
+        --product.count;
+        data->m_product = nullptr;
+        data->m_previousOfProduct = data->m_nextOfProduct = nullptr;
         break;
     }
     }
@@ -226,7 +247,7 @@ void ReaderCache::unregisterHandle(HandleData* data)
 std::size_t ReaderCache::productHandleCount(const std::string& productKey) const
 {
     const auto product = m_productHandles.find(productKey);
-    return product == m_productHandles.end() ? 0 : product->second.size();
+    return product == m_productHandles.end() ? 0 : product->second.count;
 }
 
 } // namespace LibraryBrowser

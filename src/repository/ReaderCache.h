@@ -2,6 +2,7 @@
 
 #include "model/Model.h"
 #include "repository/BlockIcon.h"
+#include "repository/HandleData.h"
 #include "repository/Library.h"
 #include "repository/TandrilObjectIterator.h"
 
@@ -12,7 +13,6 @@
 
 namespace LibraryBrowser {
 
-class HandleData;
 
 // The cache behind a reader: it loads on demand, keeps what it loaded, and
 // owns the table of the handles bound to it, one HandleData per id. The
@@ -70,6 +70,11 @@ public:
 
     // The HandleData table.
     HandleData* lookupHandle(const StringId& id) const;
+    // The table's entry for the id, made empty if missing: a new HandleData
+    // fills it before anything else can look.
+    HandleData*& handleEntry(const StringId& id) { return m_handles[id]; }
+    // Files a new HandleData, already in the table, in its set and under
+    // its node's model.
     void registerHandle(HandleData* data);
     void unregisterHandle(HandleData* data);
     // Files a registered handle under the model of its new node (none for
@@ -90,7 +95,16 @@ private:
     std::unordered_map<StringId, HandleData*> m_handles;
     HandleSet m_libraryHandles;
     HandleSet m_invalidHandles;
-    std::unordered_map<std::string, HandleSet> m_productHandles;
+    // The list of the product of an id, made if missing.
+    ProductHandleList& productHandles(const std::string& id);
+
+    // Kept when they empty: a node of the map stays where it is, and the
+    // handles point at their list.
+    std::unordered_map<std::string, ProductHandleList> m_productHandles;
+    // The list found last, with its key: the handles of a read come product
+    // by product, and the key is then compared in place, not cut out.
+    std::string m_lastProductKey;
+    ProductHandleList* m_lastProduct = nullptr;
     // The first of each model's handles, the rest linked from it: forgetting
     // the models of an unloaded product then costs their handles, not a
     // walk of every handle the cache holds.

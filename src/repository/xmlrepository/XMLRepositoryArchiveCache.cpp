@@ -81,6 +81,7 @@ std::string XMLRepositoryArchiveCache::indexedLocalCopy()
     if (!m_localCopy.empty() && m_index.isLoaded() && QFileInfo::exists(qs(m_localCopy)))
         return m_localCopy;
     m_localCopy.clear();
+    m_directoryMade = true;
     const std::string directory = namedTempDirectory(*m_report, directoryName(), true);
     if (directory.empty())
         return std::string();
@@ -153,7 +154,11 @@ void XMLRepositoryArchiveCache::close()
     m_damage.clear();
     m_index.clear();
     m_localCopy.clear();
-    removeNamedTempDirectory(*m_report, directoryName());
+    // Most caches of a search never read their icons archive: no directory
+    // to look for then.
+    if (m_directoryMade)
+        removeNamedTempDirectory(*m_report, directoryName());
+    m_directoryMade = false;
 }
 
 } // namespace LibraryBrowser

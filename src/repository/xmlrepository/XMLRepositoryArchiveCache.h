@@ -81,6 +81,8 @@ private:
     ZipEntryIndex m_index;
     // The private copy once made and indexed, until close().
     std::string m_localCopy;
+    // Whether the private directory may have been made since close().
+    bool m_directoryMade = false;
 };
 
 using XMLRepositoryArchiveCachePtr = std::shared_ptr<XMLRepositoryArchiveCache>;

@@ -34,9 +34,10 @@ std::string archivePath(const std::string& directory, const std::string& relativ
 XMLRepositoryProductCache::XMLRepositoryProductCache(std::string directory, const Library& product,
                                                      RepositoryReportPtr report, RepositoryReader* reader,
                                                      RecentIconsPtr recent,
-                                                     const XMLRepositoryArchiveCache::Origin& origin)
+                                                     const XMLRepositoryArchiveCache::Origin& origin,
+                                                     std::shared_ptr<std::size_t> readerNodes)
     : m_directory(std::move(directory)), m_product(product), m_report(std::move(report)), m_reader(reader),
-      m_recentIcons(std::move(recent))
+      m_recentIcons(std::move(recent)), m_originStamp(origin.topLevelStamp), m_readerNodes(std::move(readerNodes))
 {
     const auto* node = dynamic_cast<const LibraryImpl*>(m_product.getImpl());
     m_iconsArchive = std::make_shared<XMLRepositoryArchiveCache>(
@@ -100,6 +101,9 @@ ModelPtr XMLRepositoryProductCache::getModel(const SubSystem& subsystem)
         return known->second;
     ModelPtr model = getModelUncached(subsystem);
     m_models[subsystem] = model;
+    const auto nodes = std::size_t(model->nodeCount());
+    m_loadedNodes += nodes;
+    *m_readerNodes += nodes;
     return model;
 }
 
@@ -219,7 +223,7 @@ void XMLRepositoryProductCache::noteDamage(const std::string& reason)
     StoreDamage::note(m_directory, m_product.id().str(), reason);
 }
 
-void XMLRepositoryProductCache::clear()
+void XMLRepositoryProductCache::release()
 {
     std::unordered_set<const Model*> models;
     for (const auto& entry : m_models)
@@ -228,6 +232,13 @@ void XMLRepositoryProductCache::clear()
     m_icons.clear();
     m_children.clear();
     m_models.clear();
+    *m_readerNodes -= m_loadedNodes;
+    m_loadedNodes = 0;
+}
+
+void XMLRepositoryProductCache::clear()
+{
+    release();
     m_iconsArchive->close();
     m_manifestsArchive->close();
 }

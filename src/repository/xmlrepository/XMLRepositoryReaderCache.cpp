@@ -14,7 +14,9 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <optional>
+#include <vector>
 
 namespace LibraryBrowser {
 
@@ -169,15 +171,44 @@ XMLRepositoryProductCachePtr XMLRepositoryReaderCache::productCacheOf(const Tand
     if (!product.isValid())
         return nullptr;
     XMLRepositoryProductCachePtr& cache = m_productCaches[product];
+    // The stamp of the top level the product's record comes from.
+    getTopLevelModel();
+    // A product that holds nothing now, released or never read, whose
+    // record has come from a new top level since: its private copies may no
+    // longer fit the record, so it is read from the store as a new product.
+    if (cache && cache->loadedNodeCount() == 0 && !cache->isBeingRead() && cache->originStamp() != m_topLevelStamp)
+        cache.reset();
     if (!cache) {
-        // The stamp of the top level the product's record comes from.
-        getTopLevelModel();
         const XMLRepositoryArchiveCache::Origin origin{
             m_directory, XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false), m_topLevelStamp};
         cache = std::make_shared<XMLRepositoryProductCache>(m_directory, product, m_report, m_reader, m_recentIcons,
-                                                            origin);
+                                                            origin, m_loadedNodes);
     }
     return cache;
+}
+
+void XMLRepositoryReaderCache::releaseIdleProducts(const XMLRepositoryProductCache& last)
+{
+    if (*m_loadedNodes <= m_loadedNodeBudget)
+        return;
+    std::vector<XMLRepositoryProductCache*> idle;
+    for (const auto& entry : m_productCaches) {
+        XMLRepositoryProductCache* cache = entry.second.get();
+        if (cache != &last && cache->loadedNodeCount() > 0 && !cache->isBeingRead())
+            idle.push_back(cache);
+    }
+    std::sort(idle.begin(), idle.end(),
+              [](const XMLRepositoryProductCache* a, const XMLRepositoryProductCache* b) {
+                  return a->lastUse() < b->lastUse();
+              });
+    // Down to three quarters of the budget, so that a walk releases a few
+    // products at a time rather than one at each read.
+    const std::size_t target = m_loadedNodeBudget / 4 * 3;
+    for (XMLRepositoryProductCache* cache : idle) {
+        if (*m_loadedNodes <= target)
+            break;
+        cache->release();
+    }
 }
 
 template <class Read>
@@ -204,9 +235,13 @@ auto XMLRepositoryReaderCache::readProduct(const TandrilObject& object, Read rea
             return read(nullptr);
         }
         const std::uint64_t changes = XMLRepositoryArchiveCache::changeCount();
+        productCache->beginRead(++m_uses);
         auto result = read(productCache);
-        if (XMLRepositoryArchiveCache::changeCount() == changes)
+        productCache->endRead();
+        if (XMLRepositoryArchiveCache::changeCount() == changes) {
+            releaseIdleProducts(*productCache);
             return result;
+        }
         // Another process changed the store since its top level was read:
         // what was loaded of it goes, and the product is read anew from the
         // top level now on disk.
@@ -251,7 +286,13 @@ ModelPtr XMLRepositoryReaderCache::getModel(const TandrilObject& object)
 {
     const SubSystem subsystem = object.toSubSystem();
     const XMLRepositoryProductCachePtr productCache = subsystem.isValid() ? productCacheOf(object) : nullptr;
-    return productCache ? productCache->getModelUncached(subsystem) : Model::createModel();
+    if (!productCache)
+        return Model::createModel();
+    // A reference loading its target reads on into other products.
+    productCache->beginRead(++m_uses);
+    ModelPtr model = productCache->getModelUncached(subsystem);
+    productCache->endRead();
+    return model;
 }
 
 void XMLRepositoryReaderCache::refresh()

@@ -42,6 +42,15 @@ public:
 
     std::size_t productCacheCount() const { return m_productCaches.size(); }
 
+    // How many manifest nodes the products' models may hold in all before
+    // the products used longest ago are released (read again when asked
+    // again): a walk over a store of a million blocks then holds a part of
+    // it, while a store of a few hundred thousand stays loaded whole. A
+    // product being read, and the one read last, are never released.
+    static constexpr std::size_t DefaultLoadedNodeBudget = 400000;
+    void setLoadedNodeBudget(std::size_t nodes) { m_loadedNodeBudget = nodes; }
+    std::size_t loadedNodeCount() const { return *m_loadedNodes; }
+
     // Drops, in every cache of the store, what was loaded from a top-level
     // manifest that another process has since replaced. Called by a writer
     // once it holds the store's lock, before it reads the store.
@@ -61,6 +70,9 @@ private:
     // The product cache that serves the object, made if missing; null for
     // an object without a valid product.
     XMLRepositoryProductCachePtr productCacheOf(const TandrilObject& object);
+    // Releases the products used longest ago, other than `last`, until the
+    // nodes loaded are within the budget.
+    void releaseIdleProducts(const XMLRepositoryProductCache& last);
     // The top-level handles, given their nodes again if the outer cache
     // cleared them while the model stayed.
     const TandrilObjectListPtr& topLevelHandles();
@@ -73,6 +85,10 @@ private:
     TandrilObjectListPtr m_topLevelHandles;
     std::unordered_map<Library, XMLRepositoryProductCachePtr> m_productCaches;
     const RecentIconsPtr m_recentIcons = std::make_shared<RecentIcons>();
+    const std::shared_ptr<std::size_t> m_loadedNodes = std::make_shared<std::size_t>(0);
+    std::size_t m_loadedNodeBudget = DefaultLoadedNodeBudget;
+    // Goes up with each read of a product: the order of last use.
+    std::uint64_t m_uses = 0;
 };
 
 using XMLRepositoryReaderCachePtr = std::shared_ptr<XMLRepositoryReaderCache>;
