@@ -197,13 +197,18 @@ void XMLRepositoryReaderCache::releaseIdleProducts(const XMLRepositoryProductCac
         if (cache != &last && cache->loadedNodeCount() > 0 && !cache->isBeingRead())
             idle.push_back(cache);
     }
+    // Those used most recently go first. Walks and searches meet the
+    // products in one order each time, so releasing the oldest would release
+    // exactly what the next walk needs first; this way the products a walk
+    // meets first stay loaded across walks, and the first sections of a
+    // search's results are still at hand when they are shown.
     std::sort(idle.begin(), idle.end(),
               [](const XMLRepositoryProductCache* a, const XMLRepositoryProductCache* b) {
-                  return a->lastUse() < b->lastUse();
+                  return a->lastUse() > b->lastUse();
               });
-    // Down to three quarters of the budget, so that a walk releases a few
-    // products at a time rather than one at each read.
-    const std::size_t target = m_loadedNodeBudget / 4 * 3;
+    // A little below the budget, so that a walk does not sort the products
+    // at every read.
+    const std::size_t target = m_loadedNodeBudget - m_loadedNodeBudget / 20;
     for (XMLRepositoryProductCache* cache : idle) {
         if (*m_loadedNodes <= target)
             break;

@@ -43,11 +43,11 @@ public:
     std::size_t productCacheCount() const { return m_productCaches.size(); }
 
     // How many manifest nodes the products' models may hold in all before
-    // the products used longest ago are released (read again when asked
-    // again): a walk over a store of a million blocks then holds a part of
-    // it, while a store of a few hundred thousand stays loaded whole. A
-    // product being read, and the one read last, are never released.
-    static constexpr std::size_t DefaultLoadedNodeBudget = 400000;
+    // products are released (read again when asked again): a walk over a
+    // store of a million blocks then holds a part of it, while a store of a
+    // few hundred thousand stays loaded whole. A product being read, and
+    // the one read last, are never released.
+    static constexpr std::size_t DefaultLoadedNodeBudget = 600000;
     void setLoadedNodeBudget(std::size_t nodes) { m_loadedNodeBudget = nodes; }
     std::size_t loadedNodeCount() const { return *m_loadedNodes; }
 
@@ -70,8 +70,8 @@ private:
     // The product cache that serves the object, made if missing; null for
     // an object without a valid product.
     XMLRepositoryProductCachePtr productCacheOf(const TandrilObject& object);
-    // Releases the products used longest ago, other than `last`, until the
-    // nodes loaded are within the budget.
+    // Releases the products used most recently, other than `last`, until
+    // the nodes loaded are within the budget.
     void releaseIdleProducts(const XMLRepositoryProductCache& last);
     // The top-level handles, given their nodes again if the outer cache
     // cleared them while the model stayed.
