@@ -3,8 +3,7 @@
 // ranked answer; browse run as a user runs it to make a picture of the
 // window; help and the build's root without --root. The commands that change
 // the store: generation and its modes, its progress on a terminal,
-// destruction, a fault in the store reported with exit code 1, edits within
-// the second of the record, and names the manifest's lists can't carry.
+// destruction, and a fault in the store reported with exit code 1.
 
 #include "TdlbProcess.h"
 
@@ -266,66 +265,6 @@ TEST_F(TdlbWriteTest, GenerateShowsProgressRedoesAChangedLibraryAndDestroyRemove
                                    {{"show", "switchyard/Routes"}, 0, {"type: SubSystem\n"}},
                                    {{"show", "switchyard/Routing"}, 1}});
 
-}
-
-// A library whose recorded date is not older than the generation that
-// recorded it is compared by content as well: an edit within that same
-// second keeps the date, and must not leave the product up to date for good.
-// A file recorded with an older date keeps the plain date rule.
-
-using TdlbRacyTimestampTest = UpdatedTdlbTest;
-
-TEST_F(TdlbRacyTimestampTest, AnEditInTheSecondOfTheRecordIsSeenAndAnOlderRecordKeepsTheDateRule)
-{
-    const std::string library = (tdlb.root() + "/toolbox/wavecraft/wavecraft.tdlib.json").toStdString();
-    // Gives Sine Wave's description the word, the file the same size and the date;
-    // then, after an update if asked, whether wavecraft is up to date and, if so, the description shown.
-    const auto edit = [&](const QByteArray& word, const QDateTime& date, bool update) {
-        QByteArray bytes = readFile(library);
-        const int at = bytes.indexOf("Produces a ");
-        writeFile(library, bytes.replace(at + 11, word.size(), word));
-        setModified(library, date);
-        if (update)
-            ok({"update"});
-        if (!tdlb.run({"list", "--json"}).jsonEntry("products", "wavecraft")["upToDate"].toBool())
-            return QString("out of date");
-        return "up to date: " + tdlb.run({"show", "--json", "wavecraft/Sources/Sine Wave"})
-                                    .json()["description"].toString().left(19);
-    };
-    // Not older than the generation's start: from the future, not to race the clock.
-    const QDateTime racy = QDateTime::currentDateTime().addSecs(300);
-    EXPECT_EQ(edit("Sinusoid", racy, true), "up to date: Produces a Sinusoid");
-    // Same size, same date, other content.
-    EXPECT_EQ(edit("SINUSOID", racy, false), "out of date");
-    EXPECT_EQ(edit("SINUSOID", racy, true), "up to date: Produces a SINUSOID");
-    // Recorded older than its generation: the date is trusted, the content not read.
-    const QDateTime old = QDateTime::currentDateTime().addSecs(-3600);
-    EXPECT_EQ(edit("sinusoiD", old, true), "up to date: Produces a sinusoiD");
-    EXPECT_EQ(edit("sinusoID", old, false), "up to date: Produces a sinusoiD");
-}
-
-// Names the manifest's list forms can't carry must cost no product: a root in
-// which one product depends on "notes, v2.txt" and "a|b" is updated, listed
-// and updated again like any other.
-
-TEST(TdlbOddNamesTest, DependenciesWithACommaOrABarLoseNoProduct)
-{
-    TdlbProcess tdlb;
-    const std::string directory = (tdlb.root() + "/toolbox/kinetics/").toStdString();
-    writeFile(directory + "notes, v2.txt", "release notes");
-    writeFile(directory + "a|b", "odd");
-    writeFile(directory + "tdblocks.json", readFile(directory + "tdblocks.json").replace(
-        "\"kinetics.tdlib.json\"", "\"kinetics.tdlib.json\", \"notes, v2.txt\", \"a|b\""));
-    // The one warning names the refused name's place; the comma is kept.
-    const TdlbResult update = tdlb.run({"update"});
-    EXPECT_TRUE(update.exitCode == 0 && update.out.contains("Updated: 6 products, 1 warnings") &&
-                update.out.contains("tdblocks.json:13:") && update.out.contains("entries[0].dependencies[2]") &&
-                !update.out.contains("notes"))
-        << qPrintable(update.out + update.err);
-    const auto before = snapshot(tdlb.preferences().toStdString());
-    expectRuns(tdlb.withRoot({}), {{{"update"}, 0, {update.out}},
-                                   {{"search", "Integrator"}, 0, {"kinetics/Continuous/Integrator"}}});
-    EXPECT_TRUE(snapshot(tdlb.preferences().toStdString()) == before) << "kinetics was up to date: nothing changes";
 }
 
 } // namespace

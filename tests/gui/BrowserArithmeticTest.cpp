@@ -1,26 +1,18 @@
 // The window's rules that need no widget: where a saved window goes on the
-// screens there are, the search box's history, where a tile's name wraps,
-// the tile arithmetic for a 96 dots-per-inch screen and 10-point names, the
-// selection's moves, which result sections open, the quick insert's rows, and
-// the preferences file.
+// screens there are, the search box's history, block paths, the selection's
+// moves across result sections, and the preferences file.
 
 #include "gui/BrowserLayoutRules.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/BrowserUtils.h"
-#include "gui/NameWrap.h"
-#include "gui/QuickInsertPopup.h"
 #include "gui/SearchHistory.h"
-#include "gui/SearchResults.h"
 #include "gui/SectionMoves.h"
-#include "gui/SectionOpening.h"
-#include "gui/SelectionMoves.h"
 #include "support/Files.h"
 
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -88,39 +80,6 @@ TEST(SearchHistoryTest, TextsAreTrimmedNeedTwoCharactersAndASearchedOneKeepsItsP
     EXPECT_EQ(SearchHistory::toSave(found, QString()), found);
 }
 
-TEST(NameWrapTest, NamesWrapWhereAReaderExpectsBeforeAnywhereElse)
-{
-    // One unit per character; two lines at most, the second keeps the rest.
-    const std::tuple<const char*, int, QStringList> cases[] = {
-        {"Gain", 10, {"Gain"}},
-        {"Transport Delay", 10, {"Transport", "Delay"}},
-        {"Zero-Order Hold", 6, {"Zero-", "Order Hold"}},
-        {"SignalGenerator", 10, {"Signal", "Generator"}},
-        // No place to wrap fits: the line breaks where the width ends.
-        {"Abcdefghijklmnop", 5, {"Abcde", "fghijklmnop"}},
-        {"Unit  Delay ", 5, {"Unit", "Delay"}},
-    };
-    const auto widthOf = [](const QString& text) { return int(text.size()); };
-    for (const auto& [name, width, lines] : cases)
-        EXPECT_EQ(NameWrap::wrapName(name, width, 2, widthOf), lines) << name << " in " << width;
-    EXPECT_EQ(NameWrap::wrapName("Discrete Transfer Fcn", 9, 3, widthOf),
-              (QStringList{"Discrete", "Transfer", "Fcn"}));
-}
-
-TEST(TileSizes, ColumnsTruncateAndMayDropBelowOne)
-{
-    setScreenDPIOverride(96);
-    // (390 - 85 - 10) / 89 + 1
-    EXPECT_EQ((std::vector<int>{calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 390, 10),
-                                calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 273, 10),
-                                calculateMaxNumIconCols(LayoutType::Grid, IconSize::Small, 272, 10),
-                                calculateMaxNumIconCols(LayoutType::List, IconSize::Large, 20, 10),
-                                int(calculateMaxNumIconCols(LayoutType::Grid, IconSize::Large, 20, 10) <= 1),
-                                getListIconWidth(LayoutType::List, IconSize::Small, 100, 10)}),
-              (std::vector<int>{4, 3, 2, 1, 1, 63 + 4 + 3 + 100}));
-    setScreenDPIOverride(0);
-}
-
 TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)
 {
     struct Row {
@@ -139,67 +98,6 @@ TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)
                       "|" + tokenizeBlockPath(row.path, TokenType::RootName),
                   std::string(row.parent) + "|" + row.last + "|" + row.root)
             << row.path;
-}
-
-TEST(TextHelpers, LongestWordAndReplace)
-{
-    std::string word, first, text = "a-b-A";
-    const int lengths = computeLongestWordInString("gain  integrator sum", word) + computeLongestWordInString("abc def", first);
-    strReplace(text, "a", "xa");
-    EXPECT_EQ(word + "/" + first + "/" + text + "/" + std::to_string(lengths), "integrator/abc/xa-b-A/13");
-}
-
-// Seven tiles in three columns: 0 1 2 / 3 4 5 / 6. One row, one column, or
-// a list: down and up step along. Nothing selected: down counts from -1 and
-// lands at the end of the first row. Initials cycle and end on the selected
-// tile.
-TEST(SelectionMoves, GridOfSevenInThreeColumnsAndInitials)
-{
-    using namespace SelectionMoves;
-    using Ints = std::vector<int>;
-    EXPECT_EQ((Ints{down(2, 7, 3, false), down(5, 7, 3, false), down(3, 7, 3, false), up(6, 7, 3, false),
-                    up(1, 7, 3, false), right(2, 7), right(6, 7), left(0), left(-1)}),
-              (Ints{5, -1, 6, 3, -1, 3, -1, -1, -1}));
-    EXPECT_EQ((Ints{down(1, 4, 4, false), up(1, 4, 4, false), down(1, 7, 1, false), down(1, 7, 3, true),
-                    down(-1, 7, 3, false)}),
-              (Ints{2, 0, 2, 2, 2}));
-    EXPECT_EQ((Ints{home(-1), home(0), home(3), end(-1, 7), end(6, 7)}), (Ints{-1, -1, 0, 6, -1}));
-    const std::vector<std::string> names{"Container", "conditional", "Input", "Output", "Cast", "_x"};
-    EXPECT_EQ((Ints{byInitial(0, names, 'C'), byInitial(1, names, 'C'), byInitial(4, names, 'C'),
-                    byInitial(2, names, 'I'), byInitial(2, names, 'Z'), byInitial(-1, names, 'O'),
-                    byInitial(-1, names, '_'), byInitial(-1, {"Only"}, 'O')}),
-              (Ints{1, 4, 0, 2, -1, 3, 5, -1}));
-}
-
-// Each case: the sections' hits, "h" after one hidden by name, "u" after
-// one the user opened; then which start open.
-TEST(ResultsSectionRulesTest, SectionsOpenWithinTheLimitAndNotAfterTheFirstOverflow)
-{
-    const std::pair<const char*, const char*> cases[] = {
-        {"100 44", "++"},     // exactly 144 opens all
-        {"100 45", "+-"},     // one more starts the overflow
-        {"100 45 1", "+--"},  // after the overflow even a small one stays shut
-        {"145 1", "--"},      // a first section over the limit alone stays shut
-        {"10h 140 4", "-++"}, // hidden by name stays shut and opens nothing
-        {"100 50h 4", "+--"}, // hidden by name still counts towards the overflow
-        {"140 10u 5", "++-"}, // the user's choice opens past the limit
-        {"10 10hu", "+-"},    // hidden by name wins over the user's choice
-        {"0 144 0", "+++"},   // no hits, no overflow
-    };
-    for (const auto& [sections, expected] : cases) {
-        SectionOpening opening(SearchResults::maxHitsShown);
-        std::istringstream in(sections);
-        std::string open;
-        for (std::string section; in >> section;) {
-            const int hits = std::stoi(section);
-            const bool starts = opening.startsOpen(hits, section.find('h') != std::string::npos,
-                                                   section.find('u') != std::string::npos);
-            if (starts)
-                opening.opened(hits);
-            open += starts ? '+' : '-';
-        }
-        EXPECT_EQ(open, expected) << sections;
-    }
 }
 
 TEST(ResultsSectionRulesTest, MovesAcrossSections)
@@ -237,20 +135,6 @@ TEST(ResultsSectionRulesTest, MovesAcrossSections)
     // A shown section without tiles, nothing shown, and a shown one after a hidden one.
     EXPECT_EQ((std::vector<Position>{first({{3, false}, {0, true}}), first({{3, false}}), first({{3, false}, {2, true}})}),
               (std::vector<Position>{{}, {}, {1, 0}}));
-}
-
-TEST(QuickInsertRowsTest, BoldRunsCountCharactersAndTheRestIsEscaped)
-{
-    EXPECT_EQ(QuickInsertRows::highlighted(QString::fromUtf8("R\u00e9sonateur <2>"), {{1, 3}, {12, 1}}),
-              QString::fromUtf8("R<b>\u00e9so</b>nateur &lt;<b>2</b>&gt;"));
-    // A character beyond sixteen bits counts once.
-    EXPECT_EQ(QuickInsertRows::highlighted(QString::fromUtf8("\U0001D714 Gain"), {{2, 4}}),
-              QString::fromUtf8("\U0001D714 <b>Gain</b>"));
-    EXPECT_EQ(QuickInsertRows::libraryPath("Kinetics/Continuous/PID Controller", "PID Controller"),
-              "Kinetics/Continuous");
-    QuickInsertRows rows;
-    rows.move(1);
-    EXPECT_TRUE(rows.current() == -1 && !rows.currentBlock());
 }
 
 // Every type round-trips through the file; what can't be read, like what

@@ -187,8 +187,10 @@ protected:
 
     static ExampleRootSession& session() { return *s_session; }
 
-private:
+    // A suite on another root sets it in its own SetUpTestSuite.
     static inline ExampleRootSession* s_session = nullptr;
+
+private:
     std::unique_ptr<StandaloneBrowser> m_browser;
     std::shared_ptr<QStringList> m_statusTexts = std::make_shared<QStringList>();
 };

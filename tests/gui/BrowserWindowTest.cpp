@@ -355,8 +355,7 @@ const std::string signalAttributes = "Tandril/Signal Attributes";
 // initials cycle; the menu keys open the selected tile's menu; the mouse
 // selects and a double click opens a subsystem in the tree, but not on a page
 // that isn't the window's current one. Then seven tiles in three columns:
-// each key reaches its move (where each move lands is SelectionMoves' to
-// pin); a resize reflows the same tiles and keeps the selection; another
+// each key lands where its move goes; a resize reflows the same tiles and keeps the selection; another
 // layout makes them anew and keeps it too; unknown nodes change nothing.
 TEST_F(LibraryBlocksPageTest, TheKeysAndTheMouseActOnThePageAndItsSelectionOutlivesAReflow)
 {

@@ -56,19 +56,12 @@ protected:
     Host::ModelWindowPrompts::Unsaved unsavedAnswer = Host::ModelWindowPrompts::Unsaved::Cancel;
 };
 
-// The current system is the one whose window was activated last; a model
-// saved from its window opens again with its blocks where they were dropped;
+// A model saved from its window opens again with its blocks where they were dropped;
 // a file that is no model, or a save that would hide a library, is refused.
 TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereTheyWereDropped)
 {
     const std::string model = newModel();
-    const std::string second = newModel();
     const auto current = [&] { return call("private_td_get_current_open_mdl", {}, 1).outputs.front().toString(); };
-    EXPECT_EQ(current(), second);
-    window(model)->activateWindow();
-    QApplication::setActiveWindow(window(model));
-    QApplication::processEvents();
-    EXPECT_EQ(current(), model);
     dropAt(gain, model, {150, 90});
     dropAt(sum, model, {40, 210});
 

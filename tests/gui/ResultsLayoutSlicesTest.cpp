@@ -5,26 +5,13 @@
 
 #include "BrowserWindowFixture.h"
 
-#include "gui/BlocksPanel.h"
-#include "gui/BrowserUtils.h"
-#include "gui/GuiBlock.h"
 #include "gui/PageSection.h"
 #include "gui/ResultsBlocksPage.h"
 #include "gui/SectionHeader.h"
 #include "gui/SectionSlices.h"
-#include "gui/StandaloneBrowser.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QMainWindow>
 #include <QRegularExpression>
-#include <QStatusBar>
-#include <QTest>
 
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace LibraryBrowser::Testing {
 namespace {
@@ -74,34 +61,13 @@ TEST(ResultsLayoutSlicesTest, TheFirstTurnMakesWhatMayOpenAndAScreenfulLaterTurn
 
 // 120 products of three plain blocks: 48 sections open (144 hits), and the
 // rest come as hidden headers in later turns.
-class ResultsLayoutSlicesWindowTest : public ::testing::Test {
+class ResultsLayoutSlicesWindowTest : public BrowserWindowFixture {
 protected:
     static void SetUpTestSuite() { s_session = ExampleRootSession::synthetic(120, 3).release(); }
-    static void TearDownTestSuite()
-    {
-        delete s_session;
-        s_session = nullptr;
-    }
-    void SetUp() override
-    {
-        ASSERT_NE(s_session, nullptr);
-        BrowserUtils::setScreenDPIOverride(96);
-        m_window = StandaloneBrowser::create(s_session->repositoryPtr());
-        m_window->showBrowser();
-        QApplication::processEvents();
-    }
-    void TearDown() override
-    {
-        m_window.reset();
-        BrowserUtils::setScreenDPIOverride(0);
-    }
 
     // Lets the later turns run, without asking the page anything that would
     // make the sections at once.
-    bool waitForTurns() const
-    {
-        return QTest::qWaitFor([this] { return !m_window->resultsPage()->laterTurnsPending(); }, 10000);
-    }
+    bool waitForTurns() { return QTest::qWaitFor([this] { return !browser().resultsPage()->laterTurnsPending(); }, 10000); }
 
     static int headersAlive()
     {
@@ -110,12 +76,7 @@ protected:
             count += widget->objectName() == "sectionHeader";
         return count;
     }
-
-    static ExampleRootSession* s_session;
-    std::unique_ptr<StandaloneBrowser> m_window;
 };
-
-ExampleRootSession* ResultsLayoutSlicesWindowTest::s_session = nullptr;
 
 std::string selectedPath(const ResultsBlocksPage& page)
 {
@@ -128,7 +89,7 @@ std::string selectedPath(const ResultsBlocksPage& page)
 // a later search deletes the widgets of the one before over its turns.
 TEST_F(ResultsLayoutSlicesWindowTest, APendingPageAnswersAndEndsWithEverySectionLaidOut)
 {
-    StandaloneBrowser& window = *m_window;
+    StandaloneBrowser& window = open();
     ResultsBlocksPage& page = *window.resultsPage();
     const std::vector<std::string> names = window.getSortedLibraryNames();
     ASSERT_EQ(names.size(), 120u);
@@ -186,15 +147,16 @@ TEST_F(ResultsLayoutSlicesWindowTest, APendingPageAnswersAndEndsWithEverySection
 // question about the sections makes those still to come at once.
 TEST_F(ResultsLayoutSlicesWindowTest, TurnsWaitForASearchAndAQuestionByNameMakesEverySection)
 {
-    ResultsBlocksPage& page = *m_window->resultsPage();
-    const std::vector<std::string> names = m_window->getSortedLibraryNames();
-    m_window->searchForBlock("Block");
+    StandaloneBrowser& window = open();
+    ResultsBlocksPage& page = *window.resultsPage();
+    const std::vector<std::string> names = window.getSortedLibraryNames();
+    window.searchForBlock("Block");
     ASSERT_TRUE(page.sectionsPending());
     QStringList texts;
-    QObject::connect(m_window->window()->statusBar(), &QStatusBar::messageChanged, m_window->window(),
+    QObject::connect(window.window()->statusBar(), &QStatusBar::messageChanged, window.window(),
                      [&texts](const QString& text) { texts.append(text); });
-    m_window->setSearchOptions({false, true, false});
-    m_window->searchForBlock("Block");
+    window.setSearchOptions({false, true, false});
+    window.searchForBlock("Block");
     ASSERT_TRUE(page.sectionsPending());
     const qsizetype lastSearching = texts.lastIndexOf(QRegularExpression(".*    Searching .*"));
     EXPECT_TRUE(lastSearching > 0 && lastSearching < texts.indexOf(QRegularExpression(".*    (Showing|Hiding) .*")))
@@ -202,9 +164,9 @@ TEST_F(ResultsLayoutSlicesWindowTest, TurnsWaitForASearchAndAQuestionByNameMakes
 
     EXPECT_FALSE(page.isResultsSectionVisibleGui(names.back()));
     EXPECT_FALSE(page.sectionsPending());
-    EXPECT_EQ(m_window->getCurrentStatusBarMessage(), "Matches for 'Block'    120 blocksets    0 subsystems    360 blocks");
-    m_window->setSearchOptions({false, false, false});
-    m_window->searchForBlock("Block");
+    EXPECT_EQ(window.getCurrentStatusBarMessage(), "Matches for 'Block'    120 blocksets    0 subsystems    360 blocks");
+    window.setSearchOptions({false, false, false});
+    window.searchForBlock("Block");
     ASSERT_TRUE(page.sectionsPending());
     EXPECT_TRUE(page.showResultsSectionByName(names.back()));
     EXPECT_EQ(page.getPageSectionBlocksDisplayPathNames(names.back()).size(), 3u);

@@ -7,13 +7,12 @@ import pytest
 
 import tandril
 from conftest import calls_with
-from tandril import Repository, StandaloneBrowser
+from tandril import Repository
 
 SVG = b'<svg xmlns="http://www.w3.org/2000/svg" width="40" height="30"><rect width="40" height="30"/></svg>'
 BLOCKS = {1.0: ("Alpha", "The first of two."), 2.0: ("Beta", "The second of two.")}
 OPERATIONS = ["lb_getTdBlocksData", "lb_getLibraryData", "lb_getChildrenHandles", "lb_getBlockData",
               "lb_createSubSystemIcons"]
-WINDOW_COMMANDS = ["private_td_is_system_loaded", "private_td_open_block_dialog"]
 
 
 @pytest.fixture(scope="session")
@@ -25,10 +24,10 @@ def root_dir(tmp_path_factory):
 
 
 class TwoBlockHost:
-    """The host operations for "Duo" and the window's commands; the calls made and the dialogs opened are noted."""
+    """The host operations for "Duo"; the calls made are noted."""
 
     def __init__(self, root):
-        self.root, self.calls, self.dialogs = root, [], []
+        self.root, self.calls = root, []
 
     def lb_getTdBlocksData(self, nargout, report, path):
         self.calls.append(("lb_getTdBlocksData", type(report), nargout))
@@ -57,17 +56,11 @@ class TwoBlockHost:
             file.parent.mkdir(parents=True, exist_ok=True)
             file.write_bytes(SVG)
 
-    def private_td_is_system_loaded(self, nargout, name):
-        return [True]
-
-    def private_td_open_block_dialog(self, nargout, path, kind):
-        self.dialogs.append((path, kind))
-
 
 @pytest.fixture(scope="module")
 def python_host(session, root_dir):
     host = TwoBlockHost(root_dir)
-    for name in OPERATIONS + WINDOW_COMMANDS:
+    for name in OPERATIONS:
         tandril.register_host_function(name, getattr(host, name))
     yield host
     for name in tandril.registered_host_functions():
@@ -90,7 +83,7 @@ def test_a_two_block_library_served_from_python_is_browsed(python_host):
         ("lb_getTdBlocksData", report_class, 9), ("lb_getLibraryData", report_class),
         ("lb_getChildrenHandles", report_class), ("lb_getBlockData", report_class),
         ("lb_createSubSystemIcons", report_class, "duo", ["duo/Alpha", "duo/Beta"])]))
-    assert repository.isProductUpToDate("duo") and tandril.registered_host_functions() == sorted(OPERATIONS + WINDOW_COMMANDS)
+    assert repository.isProductUpToDate("duo") and tandril.registered_host_functions() == sorted(OPERATIONS)
 
 
 class Refusal(Exception):
@@ -135,26 +128,4 @@ def test_a_failing_operation_reaches_the_report_not_the_script(python_host, tmp_
         report.getWarnings()
     reader = Repository.Reader.open(str(tmp_path / "store"))
     assert reader.getChildrenIterator(reader.getTandrilObject("duo")).isEmpty()
-    (tmp_path / "doomed" / "inner").mkdir(parents=True)  # What is not registered goes to the embedded host.
-    assert tandril.call_host("tdprivate", 3, "rmdir", str(tmp_path / "doomed"), "s") == [True, "", ""]
-    assert not (tmp_path / "doomed").exists()
 
-
-def test_the_window_browses_the_library_and_survives_its_callables(python_host):
-    browser = StandaloneBrowser()
-    browser.show()
-    browser.selectTreeNodeByName("Duo")
-    assert (browser.getSortedLibraryNames(), browser.getBlocks()) == (["Duo"], ["Duo/Alpha", "Duo/Beta"])
-    browser.selectBlockByName("Duo/Beta")
-    browser.doubleClickBlock("Duo/Beta")
-    browser.showSelectedBlockParams()
-    assert python_host.dialogs == [("duo/Beta", "default"), ("duo/Beta", "params")]
-    browser.searchForBlock("bet")
-    assert browser.getResultsSectionBlockNames("Duo") == ["Duo/Beta"]
-    refusals = []  # A failing callable leaves the window working.
-    browser.selectTabByIndex(0)
-    calls_with("private_td_open_block_dialog", lambda nargout, path, kind: refusals.append(path) or refuse(nargout),
-               lambda: browser.doubleClickBlock("Duo/Alpha"))
-    assert browser.isEnabled() and browser.getBlocks() == ["Duo/Alpha", "Duo/Beta"] and refusals == ["duo/Alpha"]
-    browser.destroyInstance()
-    assert "destroyed" in repr(browser)
