@@ -7,6 +7,7 @@
 #include "model/Signature.h"
 #include "model/ValueText.h"
 #include "platform/ErrorHolder.h"
+#include "support/Files.h"
 
 #include <QTemporaryDir>
 
@@ -167,14 +168,19 @@ TEST(Serializer, RectsFilesAndContainersInTheirTextFormsAndFilesRoundTrip)
     EXPECT_EQ(files, (FileInfoVector{{"a/b.json", "12", 3, 4}, {"c", "", 0, 0}}));
     EXPECT_EQ(ValueText::firstLevelStrings("[a,[b,c],d]"), (StringVector{"a", "[b,c]", "d"}));
 
-    // A load replaces the model's nodes, even one that fails; the fault names the file.
+    // A load replaces the model's nodes, even one that fails; a fault names the file.
     QTemporaryDir dir;
+    Testing::writeFile(dir.filePath(QStringLiteral("garbage.xml")).toStdString(),
+                       "<?xml version=\"1.0\"?>\n\x01\x02 not a manifest");
     ModelPtr fromFile = Model::createModel();
-    fromFile->createBlockImpl();
-    ErrorHolder fileErrors;
-    EXPECT_FALSE(fromFile->load(dir.filePath(QStringLiteral("missing.xml")).toStdString(), fileErrors));
-    EXPECT_EQ(fromFile->nodeCount(), 0) << "the nodes go before the load, even one that fails";
-    EXPECT_NE(fileErrors.message().find("missing.xml"), std::string::npos);
+    for (const char* name : {"missing.xml", "garbage.xml"}) {
+        SCOPED_TRACE(name);
+        fromFile->createBlockImpl();
+        ErrorHolder fileErrors;
+        EXPECT_FALSE(fromFile->load(dir.filePath(QString::fromUtf8(name)).toStdString(), fileErrors));
+        EXPECT_EQ(fromFile->nodeCount(), 0) << "the nodes go before the load, even one that fails";
+        EXPECT_NE(fileErrors.message().find(name), std::string::npos);
+    }
 }
 
 TEST(Serializer, SignatureIsReadWithoutLoadingAndFromForeignDocuments)
