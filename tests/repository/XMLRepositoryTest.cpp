@@ -225,8 +225,8 @@ protected:
     XMLRepositoryPtr repository;
 };
 
-// The merge takes the writable copy only while the shipped one is unchanged;
-// the writable list decides what is listed.
+// The merge takes the writable copy only while the shipped one is unchanged
+// and matches products by unique path; the writable list decides what is listed.
 TEST_F(XMLRepositoryProductsTest, MergeTakesTheWritableCopyOnlyWhileTheShippedOneIsUnchanged)
 {
     // Alpha took over the current shipped Alpha, Beta an older one, Gamma is
@@ -237,6 +237,16 @@ TEST_F(XMLRepositoryProductsTest, MergeTakesTheWritableCopyOnlyWhileTheShippedOn
     // A new shipped Alpha makes the writable copy stale.
     rewrite(*products({{"Alpha", "shipped-2", ""}, {"Beta", "shipped-0", ""}}), shipped());
     EXPECT_EQ(describe(repository->getProductsIterator()), (Messages{"s:Alpha", "w:Beta", "w:Gamma"}));
+
+    // Matched by unique path, not by path: a library Beta depends on is
+    // listed under Alpha's path, with dates of its own.
+    ModelPtr shippedModel = products({{"Alpha", "shipped-1", ""}, {"Alpha", "shipped-0", ""}});
+    auto* dependency = static_cast<LibraryImpl*>(shippedModel->getNodes().get(1));
+    dependency->setUniquePath(StringId("Beta-Alpha"));
+    dependency->setIsProduct(false);
+    rewrite(*shippedModel, shipped());
+    rewrite(*products({{"Alpha", "writable-2", "shipped-1"}}), writable());
+    EXPECT_EQ(describe(repository->getMergedProducts()), (Messages{"w:Alpha"}));
 }
 
 // Archives are copied unless the writable store has both, and never from a
