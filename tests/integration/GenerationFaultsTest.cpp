@@ -161,11 +161,8 @@ protected:
     {
         const auto reader = makeReader();
         const std::vector<std::string> products = productPaths(*reader);
-        if (complete) {
-            EXPECT_EQ(products.size(), sweptProducts.size() + 1) << "the products and the palette";
-        } else if (products.empty()) {
-            EXPECT_GT(problems, 0) << "a store without products and no word why";
-        }
+        EXPECT_TRUE(complete ? products.size() == sweptProducts.size() + 1 : !products.empty() || problems > 0)
+            << products.size() << " products, the palette among them, and " << problems << " problems told";
         for (const std::string& product : products) {
             const TandrilObject handle = reader->getTandrilObject(product);
             const bool fresh = reader->isProductUpToDate(handle);

@@ -2,8 +2,6 @@
 
 #include "repository/TandrilObjectIterator.h"
 #include "repository/search/BlockRanker.h"
-#include "repository/xmlrepository/RepositoryPaths.h"
-#include "repository/xmlrepository/XMLRepository.h"
 #include "support/Files.h"
 
 #include <QDateTime>
@@ -134,63 +132,6 @@ TEST_F(WriterVerbsTest, DestroyAndChangedProductLists)
     reader = makeReader();
     EXPECT_EQ(reader->getProduct("kinetics").getDisplayName(), "Kinetics");
     EXPECT_FALSE(contains(productPaths(*reader), "switchyard"));
-}
-
-// A repository on the root copy, with the shipped store at its place and a
-// writable store below the preferences.
-class RepositoryOnDemandTest : public GenerationFixture {
-protected:
-    XMLRepositoryPtr open()
-    {
-        sent.clear();
-        auto repository = std::dynamic_pointer_cast<XMLRepository>(Repository::open());
-        QObject::connect(repository.get(), &Repository::preGenerateProduct,
-                         [this](const std::string& name) { sent.push_back("pre " + name); });
-        QObject::connect(repository.get(), &Repository::postGenerateProduct,
-                         [this](const std::string& path) { sent.push_back("post " + path); });
-        return repository;
-    }
-
-    // The child of that name, read through the repository as the window does.
-    static TandrilObject child(XMLRepository& repository, const TandrilObject& parent, const std::string& name)
-    {
-        for (TandrilObjectIterator it = repository.getChildrenIterator(parent); it.isValidIterator(); it.next())
-            if (it.current().getName() == name)
-                return it.current();
-        return TandrilObject();
-    }
-
-    std::string writableArchive(const std::string& product, const char* kind) const
-    {
-        return preferences() + "/td_library_browser_repos/" + product + "/lb_" + product + "_" + kind + "_repos.rps";
-    }
-
-    std::vector<std::string> sent;
-};
-
-// Made at the first open, the shipped store is then read as it is. A changed
-// product is generated into the writable store between the two signals, once.
-TEST_F(RepositoryOnDemandTest, ShippedStoreMadeAtOpenThenChangedProductsGeneratedOnDemand)
-{
-    EXPECT_TRUE(open()->exists());
-    EXPECT_TRUE(exists(shippedRepositoryDirectory() + "/wavecraft/lb_wavecraft_icons_repos.rps"));
-    auto repository = open();
-    EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("wavecraft")).size(), 3);
-    EXPECT_TRUE(sent.empty());
-    EXPECT_FALSE(exists(writableArchive("kinetics", "manifests")));
-
-    editRootFile("toolbox/arithmetica/arithmetica.tdlib.json", "Adds or subtracts its inputs",
-                 "Adds or subtracts, edited, its inputs");
-    repository = open();
-    const TandrilObject basic = child(*repository, repository->getTandrilObject("arithmetica"), "Basic Operations");
-    ASSERT_TRUE(basic.isValid());
-    EXPECT_EQ(sent, (std::vector<std::string>{"pre Arithmetica", "post Arithmetica"}));
-    EXPECT_TRUE(exists(writableArchive("arithmetica", "manifests")));
-    EXPECT_FALSE(exists(writableArchive("kinetics", "manifests")));
-    EXPECT_EQ(child(*repository, basic, "Sum").getDescription().rfind("Adds or subtracts, edited, its inputs", 0), 0u);
-    repository = open();
-    EXPECT_EQ(repository->getChildrenIterator(repository->getTandrilObject("arithmetica")).size(), 4);
-    EXPECT_TRUE(sent.empty());
 }
 
 enum class Root { Example, Synthetic };
