@@ -1,18 +1,23 @@
 // The window's rules that need no widget: where a saved window goes on the
 // screens there are, the search box's history, block paths, the selection's
-// moves across result sections, and the preferences file.
+// moves in a grid and across result sections, which result sections open,
+// and the preferences file.
 
 #include "gui/BrowserLayoutRules.h"
 #include "gui/BrowserPreferences.h"
 #include "gui/BrowserUtils.h"
 #include "gui/SearchHistory.h"
+#include "gui/SearchResults.h"
 #include "gui/SectionMoves.h"
+#include "gui/SectionOpening.h"
+#include "gui/SelectionMoves.h"
 #include "support/Files.h"
 
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -98,6 +103,59 @@ TEST(BlockPaths, DoubledSlashesStayInNamesAndOddRunsSeparate)
                       "|" + tokenizeBlockPath(row.path, TokenType::RootName),
                   std::string(row.parent) + "|" + row.last + "|" + row.root)
             << row.path;
+}
+
+// Seven tiles in three columns: 0 1 2 / 3 4 5 / 6. One row, one column, or
+// a list: down and up step along. Nothing selected: down counts from -1 and
+// lands at the end of the first row. Initials cycle and end on the selected
+// tile.
+TEST(SelectionMoves, GridOfSevenInThreeColumnsAndInitials)
+{
+    using namespace SelectionMoves;
+    using Ints = std::vector<int>;
+    EXPECT_EQ((Ints{down(2, 7, 3, false), down(4, 7, 3, false), down(3, 7, 3, false), up(6, 7, 3, false),
+                    up(1, 7, 3, false), right(2, 7), right(6, 7), left(0), left(-1)}),
+              (Ints{5, -1, 6, 3, -1, 3, -1, -1, -1}));
+    EXPECT_EQ((Ints{down(1, 4, 4, false), up(1, 4, 4, false), down(1, 7, 1, false), down(1, 7, 3, true),
+                    down(-1, 7, 3, false)}),
+              (Ints{2, 0, 2, 2, 2}));
+    EXPECT_EQ((Ints{home(-1), home(0), home(3), end(-1, 7), end(6, 7)}), (Ints{-1, -1, 0, 6, -1}));
+    const std::vector<std::string> names{"Container", "conditional", "Input", "Output", "Cast", "_x"};
+    EXPECT_EQ((Ints{byInitial(0, names, 'C'), byInitial(1, names, 'C'), byInitial(4, names, 'C'),
+                    byInitial(2, names, 'I'), byInitial(2, names, 'Z'), byInitial(-1, names, 'O'),
+                    byInitial(-1, names, '_'), byInitial(-1, {"Only"}, 'O')}),
+              (Ints{1, 4, 0, 2, -1, 3, 5, -1}));
+}
+
+// Each case: the sections' hits, "h" after one hidden by name, "u" after
+// one the user opened; then which start open.
+TEST(ResultsSectionRulesTest, SectionsOpenWithinTheLimitAndNotAfterTheFirstOverflow)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"100 44", "++"},     // exactly 144 opens all
+        {"100 45", "+-"},     // one more starts the overflow
+        {"100 45 1", "+--"},  // after the overflow even a small one stays shut
+        {"145 1", "--"},      // a first section over the limit alone stays shut
+        {"10h 140 4", "-++"}, // hidden by name stays shut and opens nothing
+        {"100 50h 4", "+--"}, // hidden by name still counts towards the overflow
+        {"140 10u 5", "++-"}, // the user's choice opens past the limit
+        {"10 10hu", "+-"},    // hidden by name wins over the user's choice
+        {"0 144 0", "+++"},   // no hits, no overflow
+    };
+    for (const auto& [sections, expected] : cases) {
+        SectionOpening opening(SearchResults::maxHitsShown);
+        std::istringstream in(sections);
+        std::string open;
+        for (std::string section; in >> section;) {
+            const int hits = std::stoi(section);
+            const bool starts = opening.startsOpen(hits, section.find('h') != std::string::npos,
+                                                   section.find('u') != std::string::npos);
+            if (starts)
+                opening.opened(hits);
+            open += starts ? '+' : '-';
+        }
+        EXPECT_EQ(open, expected) << sections;
+    }
 }
 
 TEST(ResultsSectionRulesTest, MovesAcrossSections)
