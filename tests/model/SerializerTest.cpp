@@ -166,7 +166,8 @@ TEST(Serializer, RectsFilesAndContainersInTheirTextFormsAndFilesRoundTrip)
     EXPECT_TRUE(files.empty()) << "the empty text reads as the empty vector";
     ASSERT_TRUE(ValueText::fromText("[a/b.json|12|3|4,c||0|0]\nignored second line", files));
     EXPECT_EQ(files, (FileInfoVector{{"a/b.json", "12", 3, 4}, {"c", "", 0, 0}}));
-    EXPECT_EQ(ValueText::firstLevelStrings("[a,[b,c],d]"), (StringVector{"a", "[b,c]", "d"}));
+    for (const char* list : {"[a,[b,c],d]", "a,[b,c],d"}) // the brackets around the whole are optional
+        EXPECT_EQ(ValueText::firstLevelStrings(list), (StringVector{"a", "[b,c]", "d"})) << list;
 
     // A load replaces the model's nodes, even one that fails; a fault names the file.
     QTemporaryDir dir;
