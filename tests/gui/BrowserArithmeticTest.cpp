@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <tuple>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -62,10 +63,11 @@ TEST(BrowserLayoutRulesTest, ASavedWindowIsBroughtBackOntoASingleScreen)
     screens.screenCount = 2;
     screens.screenAtPoint = 1;
     screens.screen1Available = QRect(1920, 0, 1280, 1024);
-    // Too far right on the second screen: back to its start.
-    EXPECT_EQ(std::make_pair(fitBrowserOnScreens(QRect(2000, 100, 600, 640), screens),
-                             fitBrowserOnScreens(QRect(3190, 100, 600, 640), screens).x()),
-              std::make_pair(QRect(2000, 100, 600, 640), 1920 + 32));
+    // Too far right on the second screen: back to its start; above it: down onto it.
+    EXPECT_EQ(std::make_tuple(fitBrowserOnScreens(QRect(2000, 100, 600, 640), screens),
+                              fitBrowserOnScreens(QRect(3190, 100, 600, 640), screens).x(),
+                              fitBrowserOnScreens(QRect(2000, -50, 600, 640), screens).y()),
+              std::make_tuple(QRect(2000, 100, 600, 640), 1920 + 32, 16));
 }
 
 TEST(SearchHistoryTest, TextsAreTrimmedNeedTwoCharactersAndASearchedOneKeepsItsPlace)

@@ -196,7 +196,8 @@ TEST_F(BadInput, BadTdBlocksFileDropsOnlyItsOwnEntries)
     const std::vector<std::pair<std::string, std::string>> cases{
         {R"("type": "Toolbox"}]})", "tdblocks.json:2:50: entries[0].type: unknown entry type \"Toolbox\""},
         {R"("type": "product", "children": ["x"]}]})", "entries[0].children: only a Palette lists children"},
-        {R"("type": "Product", "children": ["a,b"], "dependencies": ["x|y"]}]})", "only a Palette lists children"}};
+        {R"("type": "Product", "children": ["a,b"], "dependencies": ["x|y"]}]})", "only a Palette lists children"},
+        {R"("type": "Product"}], "extras": 1})", "extras: unknown field (expected one of: format, version, entries)"}};
     for (const auto& [tail, says] : cases) {
         breakFile("toolbox/kinetics/tdblocks.json", QByteArray::fromStdString(head + tail));
         HostFixture fixture(root.path());
