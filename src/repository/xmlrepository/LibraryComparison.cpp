@@ -10,6 +10,8 @@
 
 #include <QDateTime>
 
+#include <unordered_map>
+
 namespace LibraryBrowser {
 
 bool LibraryComparison::compareLibrary(const LibraryImpl& library, bool ignoreTimestamp) const
@@ -53,11 +55,15 @@ bool LibraryComparison::fileDependenciesAgree(const LibraryImpl& owner, bool ign
     for (const FileInfo& stored : owner.getFileDependencies()) {
         const std::string& text = stored.fileSpec;
         const std::string path = absolutePath(root, text);
-        if (!fileExists(path))
-            return false;
         // By its name below the root, not the joined path: a root given
         // relative would be joined twice, and every file would look gone.
-        const FileInfo now = fileInfoOf(m_report, text);
+        // One stat where the file is there, as it mostly is.
+        FileInfo now;
+        if (!regularFileInfo(text, now)) {
+            if (!fileExists(path))
+                return false;
+            now = fileInfoOf(m_report, text);
+        }
         if (judgeDates(std::int64_t(stored.date), std::int64_t(now.date), generationStart(owner), ignoreTimestamp,
                        text, text)
             == DateVerdict::Trusted)
@@ -86,9 +92,18 @@ bool LibraryComparison::storedDataExists(const LibraryImpl& owner, const Library
 
 std::int64_t LibraryComparison::generationStart(const LibraryImpl& owner)
 {
-    const QDateTime start =
-        QDateTime::fromString(QString::fromStdString(owner.getLastModified()), Qt::TextDate);
-    return start.isValid() ? start.toSecsSinceEpoch() : 0;
+    // Read in local time, which costs a look at the time zone each time; the
+    // products of one store share a few dates, asked for once per file.
+    static std::unordered_map<std::string, std::int64_t> known;
+    const std::string& text = owner.getLastModified();
+    if (const auto found = known.find(text); found != known.end())
+        return found->second;
+    const QDateTime start = QDateTime::fromString(QString::fromStdString(text), Qt::TextDate);
+    const std::int64_t seconds = start.isValid() ? start.toSecsSinceEpoch() : 0;
+    if (known.size() > 4096)
+        known.clear();
+    known.emplace(text, seconds);
+    return seconds;
 }
 
 bool LibraryComparison::modelFileAgrees(const LibraryImpl& owner, const LibraryImpl& library,

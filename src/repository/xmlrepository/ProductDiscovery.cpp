@@ -57,9 +57,14 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
 {
     if (!discardIncompatibleStore())
         return;
-    ModelPtr model = m_writer.reader().topLevelManifest();
-    if (!model)
-        model = Model::createModel();
+    const ModelPtr loaded = m_writer.reader().topLevelManifest();
+    ModelPtr model = loaded ? loaded : Model::createModel();
+    // Discovery mostly finds what the store lists already: then the stored
+    // manifest is left as it is, unread and unwritten. Setters of single
+    // values note a change only when the value differs; the lists are
+    // compared here, and nodes made or taken out are counted.
+    const int nodesBefore = model->nodeCount();
+    const std::size_t createdBefore = model->createdCount();
 
     // Products by path, kept in the model's order so that the walks below
     // don't depend on hashing.
@@ -149,7 +154,7 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
         }
         setProperties(*node, data, entry);
         mergeFileDependencies(*node, data.fileDependencies.at(entry));
-        if (isPalette)
+        if (isPalette && node->getChildren() != data.children.at(entry))
             node->setChildren(data.children.at(entry));
     }
 
@@ -181,8 +186,9 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
                 target->setIsTopLevel(false);
         }
     }
-    model->commitChangeSet();
-    m_writer.updateTopLevelManifest(*model);
+    const bool changed = model->commitChangeSet() || model != loaded || model->nodeCount() != nodesBefore
+                         || model->createdCount() != createdBefore;
+    m_writer.updateTopLevelManifest(*model, !changed);
 }
 
 void ProductDiscovery::setProperties(LibraryImpl& node, const ProductsData& data, std::size_t entry)
@@ -226,7 +232,8 @@ void ProductDiscovery::mergeFileDependencies(LibraryImpl& node, const FileInfoVe
         added.fileSpec = fileSpec;
         merged.push_back(added);
     }
-    node.setFileDependencies(merged);
+    if (merged != node.getFileDependencies())
+        node.setFileDependencies(merged);
 }
 
 } // namespace LibraryBrowser

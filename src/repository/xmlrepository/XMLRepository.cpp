@@ -188,8 +188,9 @@ void XMLRepository::generateProduct(const Library& product, GenerationMode mode)
     if (m_shippedReader->isProductUpToDate(product, mode == GenerationMode::IgnoreTimestamp) || refuseWriting())
         return;
     const StoreLock lock(*m_report, m_writableDirectory);
+    const FileStamp before = topLevelStamp();
     m_writer->generateProduct(product, mode);
-    forgetTopLevelManifests();
+    forgetTopLevelManifestsIfChanged(before);
 }
 
 void XMLRepository::updateProducts()
@@ -201,8 +202,9 @@ void XMLRepository::updateProducts()
     const StoreLock lock(*m_report, m_writableDirectory);
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
     syncTopLevelManifest();
+    const FileStamp before = topLevelStamp();
     m_writer->updateProducts();
-    forgetTopLevelManifests();
+    forgetTopLevelManifestsIfChanged(before);
 }
 
 void XMLRepository::destroyRepository()
@@ -228,6 +230,17 @@ void XMLRepository::destroyProduct(const Library& product)
 void XMLRepository::forgetTopLevelManifests()
 {
     ReaderCacheRegistry::unloadTopLevelCaches(m_writableDirectory);
+}
+
+FileStamp XMLRepository::topLevelStamp()
+{
+    return fileStamp(getTopLevelManifestFile(*m_report, m_writableDirectory, false));
+}
+
+void XMLRepository::forgetTopLevelManifestsIfChanged(const FileStamp& before)
+{
+    if (topLevelStamp() != before)
+        forgetTopLevelManifests();
 }
 
 bool XMLRepository::regenerateShippedStore()
@@ -356,8 +369,9 @@ XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product
         const auto* node = dynamic_cast<const BlockImpl*>(product.getImpl());
         const std::string displayPath = node ? node->getDisplayPath() : std::string();
         emit preGenerateProduct(displayName);
+        const FileStamp before = topLevelStamp();
         m_writer->generateProduct(product, GenerationMode::Minimal);
-        forgetTopLevelManifests();
+        forgetTopLevelManifestsIfChanged(before);
         emit postGenerateProduct(displayPath);
         if (m_writableReader->isProductUpToDate(product))
             return m_writableReader;
