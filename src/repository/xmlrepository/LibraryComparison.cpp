@@ -8,9 +8,11 @@
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 
+#include <QDate>
 #include <QDateTime>
 
-#include <unordered_map>
+#include <cstdio>
+#include <cstring>
 
 namespace LibraryBrowser {
 
@@ -28,7 +30,7 @@ bool LibraryComparison::compareLibrary(const LibraryImpl& library, bool ignoreTi
 }
 
 LibraryComparison::DateVerdict LibraryComparison::judgeDates(std::int64_t recordedDate, std::int64_t currentDate,
-                                                             std::int64_t generationStart, bool ignoreTimestamp,
+                                                             const LibraryImpl& owner, bool ignoreTimestamp,
                                                              const std::string& shownName,
                                                              const std::string& shownPath) const
 {
@@ -37,7 +39,7 @@ LibraryComparison::DateVerdict LibraryComparison::judgeDates(std::int64_t record
         return DateVerdict::CheckContent;
     }
     const bool datesEqual = recordedDate == currentDate;
-    if (datesEqual && generationStart != 0 && recordedDate >= generationStart) {
+    if (datesEqual && recordedSinceGenerationStart(recordedDate, owner)) {
         m_report.log("The timestamps matched but are too recent to trust (" + shownName + ")");
         return DateVerdict::CheckContent;
     }
@@ -64,7 +66,7 @@ bool LibraryComparison::fileDependenciesAgree(const LibraryImpl& owner, bool ign
                 return false;
             now = fileInfoOf(m_report, text);
         }
-        if (judgeDates(std::int64_t(stored.date), std::int64_t(now.date), generationStart(owner), ignoreTimestamp,
+        if (judgeDates(std::int64_t(stored.date), std::int64_t(now.date), owner, ignoreTimestamp,
                        text, text)
             == DateVerdict::Trusted)
             continue;
@@ -90,20 +92,51 @@ bool LibraryComparison::storedDataExists(const LibraryImpl& owner, const Library
         && fileExists(absolutePath(Platform::environment().root(), library.getModelFileSpec()));
 }
 
+namespace {
+
+// The date of a lastModified text ("Tue Nov 24 11:24:49 2026", local time)
+// read as if it were UTC, or false. Local time is UTC shifted by less than
+// sixteen hours anywhere, summer time included.
+bool readAsUtc(const std::string& text, std::int64_t& seconds)
+{
+    static const char* const months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    char weekday[4] = {}, month[4] = {};
+    int day = 0, hour = 0, minute = 0, second = 0, year = 0, used = 0;
+    if (std::sscanf(text.c_str(), "%3s %3s %d %d:%d:%d %d%n", weekday, month, &day, &hour, &minute, &second, &year,
+                    &used) != 7
+        || used != int(text.size()))
+        return false;
+    int number = 0;
+    while (number < 12 && std::strcmp(months[number], month) != 0)
+        ++number;
+    const QDate date(year, number + 1, day);
+    if (number == 12 || !date.isValid() || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0
+        || second > 59)
+        return false;
+    seconds = QDate(1970, 1, 1).daysTo(date) * 86400 + hour * 3600 + minute * 60 + second;
+    return true;
+}
+
+} // namespace
+
+bool LibraryComparison::recordedSinceGenerationStart(std::int64_t recordedDate, const LibraryImpl& owner)
+{
+    // Mostly the file is far older than the generation: that needs no time
+    // zone, whose look-up per date costs a read of the zone's file.
+    const std::int64_t zoneSpan = 16 * 3600;
+    std::int64_t asUtc = 0;
+    if (readAsUtc(owner.getLastModified(), asUtc) && recordedDate < asUtc - zoneSpan)
+        return false;
+    const std::int64_t start = generationStart(owner);
+    return start != 0 && recordedDate >= start;
+}
+
 std::int64_t LibraryComparison::generationStart(const LibraryImpl& owner)
 {
-    // Read in local time, which costs a look at the time zone each time; the
-    // products of one store share a few dates, asked for once per file.
-    static std::unordered_map<std::string, std::int64_t> known;
-    const std::string& text = owner.getLastModified();
-    if (const auto found = known.find(text); found != known.end())
-        return found->second;
-    const QDateTime start = QDateTime::fromString(QString::fromStdString(text), Qt::TextDate);
-    const std::int64_t seconds = start.isValid() ? start.toSecsSinceEpoch() : 0;
-    if (known.size() > 4096)
-        known.clear();
-    known.emplace(text, seconds);
-    return seconds;
+    const QDateTime start =
+        QDateTime::fromString(QString::fromStdString(owner.getLastModified()), Qt::TextDate);
+    return start.isValid() ? start.toSecsSinceEpoch() : 0;
 }
 
 bool LibraryComparison::modelFileAgrees(const LibraryImpl& owner, const LibraryImpl& library,
@@ -112,7 +145,7 @@ bool LibraryComparison::modelFileAgrees(const LibraryImpl& owner, const LibraryI
     // The host's answer decides which file counts, not the stored spec.
     const LibraryData now = m_host.getLibraryData(library.getPath());
     const std::string& name = library.getName();
-    if (judgeDates(library.getModelFileDate(), now.date, generationStart(owner), ignoreTimestamp, name,
+    if (judgeDates(library.getModelFileDate(), now.date, owner, ignoreTimestamp, name,
                    now.fileSpec)
         == DateVerdict::Trusted)
         return true;
