@@ -188,9 +188,8 @@ void XMLRepository::generateProduct(const Library& product, GenerationMode mode)
     if (m_shippedReader->isProductUpToDate(product, mode == GenerationMode::IgnoreTimestamp) || refuseWriting())
         return;
     const StoreLock lock(*m_report, m_writableDirectory);
-    const FileStamp before = topLevelStamp();
     m_writer->generateProduct(product, mode);
-    forgetTopLevelManifestsIfChanged(before);
+    forgetTopLevelManifests();
 }
 
 void XMLRepository::updateProducts()
@@ -202,9 +201,9 @@ void XMLRepository::updateProducts()
     const StoreLock lock(*m_report, m_writableDirectory);
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
     syncTopLevelManifest();
-    const FileStamp before = topLevelStamp();
     m_writer->updateProducts();
-    forgetTopLevelManifestsIfChanged(before);
+    // Also where nothing changed: a refresh must read every product again.
+    forgetTopLevelManifests();
 }
 
 void XMLRepository::destroyRepository()
@@ -230,17 +229,6 @@ void XMLRepository::destroyProduct(const Library& product)
 void XMLRepository::forgetTopLevelManifests()
 {
     ReaderCacheRegistry::unloadTopLevelCaches(m_writableDirectory);
-}
-
-FileStamp XMLRepository::topLevelStamp()
-{
-    return fileStamp(getTopLevelManifestFile(*m_report, m_writableDirectory, false));
-}
-
-void XMLRepository::forgetTopLevelManifestsIfChanged(const FileStamp& before)
-{
-    if (topLevelStamp() != before)
-        forgetTopLevelManifests();
 }
 
 bool XMLRepository::regenerateShippedStore()
@@ -369,9 +357,8 @@ XMLRepositoryReaderPtr XMLRepository::getReaderForProduct(const Library& product
         const auto* node = dynamic_cast<const BlockImpl*>(product.getImpl());
         const std::string displayPath = node ? node->getDisplayPath() : std::string();
         emit preGenerateProduct(displayName);
-        const FileStamp before = topLevelStamp();
         m_writer->generateProduct(product, GenerationMode::Minimal);
-        forgetTopLevelManifestsIfChanged(before);
+        forgetTopLevelManifests();
         emit postGenerateProduct(displayPath);
         if (m_writableReader->isProductUpToDate(product))
             return m_writableReader;

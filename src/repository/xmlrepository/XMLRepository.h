@@ -1,7 +1,6 @@
 #pragma once
 
 #include "repository/Repository.h"
-#include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/XMLRepositoryCache.h"
 #include "repository/xmlrepository/XMLRepositoryReader.h"
 #include "repository/xmlrepository/XMLRepositoryWriter.h"
@@ -111,12 +110,6 @@ private:
     bool regenerateShippedStore();
     // The writable store's state changed on disk: readers must read again.
     void forgetTopLevelManifests();
-    // The same after a writer's work, only if the top-level manifest it
-    // started from (`before`, from topLevelStamp) is no longer the one on
-    // disk. A writer that only checked what the store holds leaves the
-    // loaded manifests, which are the file's, where they are.
-    FileStamp topLevelStamp();
-    void forgetTopLevelManifestsIfChanged(const FileStamp& before);
     // A handle of the cache on exactly this node: the store chosen here wins
     // over whichever store's node the handle had.
     TandrilObject boundHandle(TandrilObjectImpl* node);
