@@ -29,17 +29,7 @@ protected:
             writeFile(file, "{\"blocks\": [1, 2, 3]}");
             setModified(file, fileTime);
         }
-        writeFile(store() + "/signals/icons.rps", "icons");
-        writeFile(store() + "/signals/manifests.rps", "manifests");
-        product = nodes->createLibraryImpl();
-        product->setName("Signals");
-        product->setPath("signals");
-        product->setReposIconsArchiveSpec("signals/icons.rps");
-        product->setReposManifestsArchiveSpec("signals/manifests.rps");
-        recordModelFile(*product, "toolbox/signals/signals.tdlib.json");
-        const std::string spec = "toolbox/signals/tdblocks.json";
-        product->setFileDependencies(
-            {{spec, computeCheckSum(*report, tdblocks), fileDate(tdblocks), std::uint64_t(readFile(tdblocks).size())}});
+        product = addRecordedSignals(*nodes, "toolbox/signals/tdblocks.json");
     }
 
     // A date as the writer words it (Qt's text date in local time), made
