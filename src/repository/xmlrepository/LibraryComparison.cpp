@@ -13,6 +13,8 @@
 
 #include <cstdio>
 #include <cstring>
+#include <limits>
+#include <unordered_map>
 
 namespace LibraryBrowser {
 
@@ -95,8 +97,7 @@ bool LibraryComparison::storedDataExists(const LibraryImpl& owner, const Library
 namespace {
 
 // The date of a lastModified text ("Tue Nov 24 11:24:49 2026", local time)
-// read as if it were UTC, or false. Local time is UTC shifted by less than
-// sixteen hours anywhere, summer time included.
+// read as if it were UTC, or false.
 bool readAsUtc(const std::string& text, std::int64_t& seconds)
 {
     static const char* const months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
@@ -118,24 +119,42 @@ bool readAsUtc(const std::string& text, std::int64_t& seconds)
     return true;
 }
 
+// Marks an hour whose offset from UTC changes within it.
+constexpr std::int64_t UnevenHour = std::numeric_limits<std::int64_t>::min();
+
 } // namespace
 
 bool LibraryComparison::recordedSinceGenerationStart(std::int64_t recordedDate, const LibraryImpl& owner)
 {
-    // Mostly the file is far older than the generation: that needs no time
-    // zone, whose look-up per date costs a read of the zone's file.
-    const std::int64_t zoneSpan = 16 * 3600;
-    std::int64_t asUtc = 0;
-    if (readAsUtc(owner.getLastModified(), asUtc) && recordedDate < asUtc - zoneSpan)
-        return false;
     const std::int64_t start = generationStart(owner);
     return start != 0 && recordedDate >= start;
 }
 
 std::int64_t LibraryComparison::generationStart(const LibraryImpl& owner)
 {
-    const QDateTime start =
-        QDateTime::fromString(QString::fromStdString(owner.getLastModified()), Qt::TextDate);
+    const std::string& text = owner.getLastModified();
+    // The local time's offset from UTC is looked up once per hour of the
+    // text, since each look-up reads the zone's file and a store of a
+    // thousand products asks for every product; the rest is arithmetic. An
+    // hour in which the offset changes is read whole, as any text that is
+    // not of the form the writer gives.
+    std::int64_t asUtc = 0;
+    if (readAsUtc(text, asUtc) && asUtc >= 0) {
+        static std::unordered_map<std::int64_t, std::int64_t> offsets;
+        const std::int64_t hour = asUtc - asUtc % 3600;
+        auto found = offsets.find(hour);
+        if (found == offsets.end()) {
+            const auto offsetAt = [](std::int64_t reading) {
+                const QDateTime fields = QDateTime::fromSecsSinceEpoch(reading, Qt::UTC);
+                return reading - QDateTime(fields.date(), fields.time(), Qt::LocalTime).toSecsSinceEpoch();
+            };
+            const std::int64_t offset = offsetAt(hour);
+            found = offsets.emplace(hour, offset == offsetAt(hour + 3600) ? offset : UnevenHour).first;
+        }
+        if (found->second != UnevenHour)
+            return asUtc - found->second;
+    }
+    const QDateTime start = QDateTime::fromString(QString::fromStdString(text), Qt::TextDate);
     return start.isValid() ? start.toSecsSinceEpoch() : 0;
 }
 
