@@ -33,6 +33,7 @@ private:
     // lastModified): an edit within that same second leaves the date as it was.
     DateVerdict judgeDates(std::int64_t recordedDate, std::int64_t currentDate, const LibraryImpl& owner,
                            bool ignoreTimestamp, const std::string& shownName, const std::string& shownPath) const;
+    // Whether the recorded date is not older than that start.
     static bool recordedSinceGenerationStart(std::int64_t recordedDate, const LibraryImpl& owner);
     // The start of the generation that made the product's records, from its
     // lastModified; 0 when there is none to read.
