@@ -10,6 +10,8 @@
 
 #include <cstdio>
 
+#include <sys/stat.h>
+
 namespace LibraryBrowser::Host {
 
 namespace {
@@ -86,13 +88,14 @@ RepositoryOperations::CallResult RepositoryOperations::getTdBlocksData(int outpu
     std::vector<TdBlocksEntry> entries;
     for (const QString& directory : directories) {
         const QString file = directory + QLatin1Char('/') + QLatin1String(TdBlocksParser::fileName);
-        if (!QFileInfo::exists(file))
-            continue;
         FileIssue issue;
         std::vector<FileIssue> refused;
+        bool parsed = false;
+        if (!m_tdBlocks.read(file, m_path.root(), entries, parsed, issue, refused))
+            continue;
         // A bad file leaves out its own entries only: failing the whole call
         // would make every product look uninstalled.
-        if (!TdBlocksParser::parse(file, m_path.root(), entries, issue, refused) && report)
+        if (!parsed && report)
             report->logError(invalidFile, issue.toString());
         for (const FileIssue& name : refused)
             if (report)
@@ -203,16 +206,17 @@ RepositoryOperations::CallResult RepositoryOperations::getLibraryData(int output
         return reportFailure(report, badArguments, args.error());
     const std::string library = BlockPath::split(path).front();
     const QString file = m_catalog.fileOf(library);
-    const QFileInfo info(file);
-    if (file.isEmpty() || !info.isFile())
+    // By stat: a date from QFileInfo goes through the time zone, and the
+    // store asks for every library of every product it checks.
+    struct stat status;
+    if (file.isEmpty() || ::stat(QFile::encodeName(file).constData(), &status) != 0 || !S_ISREG(status.st_mode))
         return reportFailure(report, invalidFile,
                              "lb_getLibraryData: no library \"" + library + "\" on the path");
     HostValue fileSpec = HostValue::cellArray(1, 1);
     fileSpec.setCell(0, HostValue::string(SearchPath::fileSpec(m_path.root(), file)));
     return CallArguments::success("tdprivate lb_getLibraryData", outputCount,
-                                  {fileSpec, HostValue::doubleScalar(static_cast<double>(info.size())),
-                                   HostValue::doubleScalar(
-                                       static_cast<double>(info.lastModified().toSecsSinceEpoch()))});
+                                  {fileSpec, HostValue::doubleScalar(static_cast<double>(status.st_size)),
+                                   HostValue::doubleScalar(static_cast<double>(status.st_mtim.tv_sec))});
 }
 
 BlockTree::NodeId RepositoryOperations::childAtPath(BlockTree::NodeId container, const std::string& containerPath,

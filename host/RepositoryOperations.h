@@ -3,6 +3,7 @@
 #include "BlockTree.h"
 #include "CallArguments.h"
 #include "SearchPath.h"
+#include "TdBlocksCache.h"
 
 #include <string>
 #include <vector>
@@ -41,6 +42,7 @@ private:
     const SearchPath& m_path;
     LibraryCatalog& m_catalog;
     BlockTree& m_tree;
+    TdBlocksCache m_tdBlocks;
 };
 
 } // namespace LibraryBrowser::Host

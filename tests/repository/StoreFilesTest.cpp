@@ -322,27 +322,13 @@ protected:
         StoreFixture::SetUp();
         put(tdblocks, "{\"entries\": []}");
         put(model, "{\"blocks\": [1, 2, 3]}");
-        writeFile(store() + "/signals/icons.rps", "icons");
-        writeFile(store() + "/signals/manifests.rps", "manifests");
-        product = nodes->createLibraryImpl();
-        product->setName("Signals");
-        product->setPath("signals");
-        product->setReposIconsArchiveSpec("signals/icons.rps");
-        product->setReposManifestsArchiveSpec("signals/manifests.rps");
-        recordModelFile(*product, "toolbox/signals/signals.tdlib.json");
-        product->setFileDependencies({dependency("toolbox/signals/tdblocks.json")});
+        product = addRecordedSignals(*nodes, "toolbox/signals/tdblocks.json");
     }
 
     void put(const std::string& file, const char* content)
     {
         writeFile(file, content);
         setModified(file, stamp);
-    }
-
-    FileInfo dependency(const std::string& spec)
-    {
-        const std::string file = hostRoot() + "/" + spec;
-        return {spec, computeCheckSum(*report, file), fileDate(file), std::uint64_t(readFile(file).size())};
     }
 
     bool compare(const LibraryImpl& library, bool ignoreTimestamp = false)

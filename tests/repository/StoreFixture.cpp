@@ -75,6 +75,22 @@ void StoreFixture::saveManifest(const Model& model, const std::string& file)
     ASSERT_TRUE(model.save(file, errors)) << errors.message();
 }
 
+LibraryImpl* StoreFixture::addRecordedSignals(Model& nodes, const std::string& dependencySpec)
+{
+    writeFile(store() + "/signals/icons.rps", "icons");
+    writeFile(store() + "/signals/manifests.rps", "manifests");
+    LibraryImpl* product = nodes.createLibraryImpl();
+    product->setName("Signals");
+    product->setPath("signals");
+    product->setReposIconsArchiveSpec("signals/icons.rps");
+    product->setReposManifestsArchiveSpec("signals/manifests.rps");
+    recordModelFile(*product, "toolbox/signals/signals.tdlib.json");
+    const std::string file = hostRoot() + "/" + dependencySpec;
+    product->setFileDependencies({{dependencySpec, computeCheckSum(*RepositoryReport::create(), file), fileDate(file),
+                                   std::uint64_t(readFile(file).size())}});
+    return product;
+}
+
 void StoreFixture::recordModelFile(LibraryImpl& library, const std::string& spec)
 {
     const std::string file = hostRoot() + "/" + spec;

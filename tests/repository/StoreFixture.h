@@ -56,6 +56,10 @@ protected:
     // Records the library's model file below the host root, as it is on disk
     // now, and makes the host's lb_getLibraryData name it.
     void recordModelFile(LibraryImpl& library, const std::string& spec);
+    // The product "signals" in `nodes`, both archives in store(), its model
+    // file toolbox/signals/signals.tdlib.json and one dependency (a spec below
+    // the host root) recorded as they are on disk now.
+    LibraryImpl* addRecordedSignals(Model& nodes, const std::string& dependencySpec);
 
     // The writer on store(): the products Alpha (blocks A0, A1, ...) and,
     // where asked, Beta (B0, ...); a generation with a new report; a reader

@@ -29,10 +29,12 @@ private:
     bool modelFileAgrees(const LibraryImpl& owner, const LibraryImpl& library, bool ignoreTimestamp) const;
     // Writes the date line and says whether the content must be looked at.
     // Equal dates are not trusted for a file whose recorded date is not older
-    // than the start of the generation that recorded it (generationStart, 0
-    // when unknown): an edit within that same second leaves the date as it was.
-    DateVerdict judgeDates(std::int64_t recordedDate, std::int64_t currentDate, std::int64_t generationStart,
+    // than the start of the generation that recorded it (the owner's
+    // lastModified): an edit within that same second leaves the date as it was.
+    DateVerdict judgeDates(std::int64_t recordedDate, std::int64_t currentDate, const LibraryImpl& owner,
                            bool ignoreTimestamp, const std::string& shownName, const std::string& shownPath) const;
+    // Whether the recorded date is not older than that start.
+    static bool recordedSinceGenerationStart(std::int64_t recordedDate, const LibraryImpl& owner);
     // The start of the generation that made the product's records, from its
     // lastModified; 0 when there is none to read.
     static std::int64_t generationStart(const LibraryImpl& owner);

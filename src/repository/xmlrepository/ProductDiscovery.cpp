@@ -57,9 +57,14 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
 {
     if (!discardIncompatibleStore())
         return;
-    ModelPtr model = m_writer.reader().topLevelManifest();
-    if (!model)
-        model = Model::createModel();
+    const ModelPtr loaded = m_writer.reader().topLevelManifest();
+    ModelPtr model = loaded ? loaded : Model::createModel();
+    // Discovery mostly finds what the store lists already: then the stored
+    // manifest is left as it is, unread and unwritten. Setters of single
+    // values note a change only when the value differs; the lists are
+    // compared here, and nodes made or taken out are counted.
+    const int nodesBefore = model->nodeCount();
+    const std::size_t createdBefore = model->createdCount();
 
     // Products by path, kept in the model's order so that the walks below
     // don't depend on hashing.
@@ -98,6 +103,10 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
 
     model->beginChangeSet();
     const ProductsData data = m_context.host.getTdBlocksData(m_writer.hostPathList());
+    // The nodes of the entries taken, which stand at the top unless a
+    // palette lists them: set once the palettes are known, so that a member
+    // is not set to the top and back, which would count as a change.
+    std::vector<LibraryImpl*> announced;
     std::unordered_set<std::string> seen;
     for (std::size_t entry = 0; entry < data.size(); ++entry) {
         const std::string& file = data.modelFiles[entry];
@@ -148,8 +157,9 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
             order.push_back(node);
         }
         setProperties(*node, data, entry);
+        announced.push_back(node);
         mergeFileDependencies(*node, data.fileDependencies.at(entry));
-        if (isPalette)
+        if (isPalette && node->getChildren() != data.children.at(entry))
             node->setChildren(data.children.at(entry));
     }
 
@@ -165,6 +175,7 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
         kept.push_back(node);
     }
 
+    std::unordered_set<LibraryImpl*> members;
     std::unordered_map<std::string, LibraryImpl*> byDisplayName;
     for (LibraryImpl* node : kept)
         byDisplayName[node->getDisplayName()] = node;
@@ -178,11 +189,17 @@ void ProductDiscovery::syncTopLevelManifest(int mode, const std::string& product
             else if (const auto byPath = stored.find(childName); byPath != stored.end())
                 target = byPath->second;
             if (target)
-                target->setIsTopLevel(false);
+                members.insert(target);
         }
     }
-    model->commitChangeSet();
-    m_writer.updateTopLevelManifest(*model);
+    for (LibraryImpl* node : announced)
+        if (!members.count(node))
+            node->setIsTopLevel(true);
+    for (LibraryImpl* node : members)
+        node->setIsTopLevel(false);
+    const bool changed = model->commitChangeSet() || model != loaded || model->nodeCount() != nodesBefore
+                         || model->createdCount() != createdBefore;
+    m_writer.updateTopLevelManifest(*model, !changed);
 }
 
 void ProductDiscovery::setProperties(LibraryImpl& node, const ProductsData& data, std::size_t entry)
@@ -200,7 +217,6 @@ void ProductDiscovery::setProperties(LibraryImpl& node, const ProductsData& data
     node.setReposManifestsArchiveSpec(node.getReposDirectorySpec() + "/" + "lb_" + encoded + "_manifests_repos.rps");
     node.setReposIconsArchiveSpec(node.getReposDirectorySpec() + "/" + "lb_" + encoded + "_icons_repos.rps");
     node.setIsProduct(true);
-    node.setIsTopLevel(true);
     node.setProduct(nullptr);
     node.setProductName(file);
     node.setTreeIcon(data.treeIcons.at(entry));
@@ -226,7 +242,8 @@ void ProductDiscovery::mergeFileDependencies(LibraryImpl& node, const FileInfoVe
         added.fileSpec = fileSpec;
         merged.push_back(added);
     }
-    node.setFileDependencies(merged);
+    if (merged != node.getFileDependencies())
+        node.setFileDependencies(merged);
 }
 
 } // namespace LibraryBrowser

@@ -10,7 +10,6 @@
 #include "repository/xmlrepository/RepositoryPaths.h"
 
 #include <QCryptographicHash>
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -37,12 +36,23 @@ QString qs(const std::string& text)
 
 } // namespace
 
+namespace {
+
+// By stat: QFileInfo's dates go through the time zone, a read of the zone
+// file each time, and a store of a thousand products asks for thousands.
+bool statFile(const std::string& path, struct stat& status)
+{
+    return ::stat(path.c_str(), &status) == 0;
+}
+
+} // namespace
+
 std::uint64_t fileDate(const std::string& path)
 {
-    const QFileInfo info(qs(path));
-    if (!info.exists())
+    struct stat status;
+    if (!statFile(path, status))
         return 0;
-    return std::uint64_t(info.lastModified().toSecsSinceEpoch());
+    return std::uint64_t(std::int64_t(status.st_mtim.tv_sec));
 }
 
 bool isAutomatedBuildUser()
@@ -72,18 +82,25 @@ bool fileExists(const std::string& path)
     return false;
 }
 
-FileInfo fileInfoOf(RepositoryReport& report, const std::string& fileSpec)
+bool regularFileInfo(const std::string& fileSpec, FileInfo& info)
 {
     const std::string path = absolutePath(Platform::environment().root(), fileSpec);
-    FileInfo info;
+    info = FileInfo();
     info.fileSpec = fileSpec;
-    const QFileInfo file(qs(path));
-    if (file.exists() && file.isFile()) {
-        info.date = std::uint64_t(file.lastModified().toSecsSinceEpoch());
-        info.size = std::uint64_t(file.size());
-    } else {
-        report.logError("Querying the date and size of an invalid file: " + path);
-    }
+    struct stat status;
+    if (!statFile(path, status) || !S_ISREG(status.st_mode))
+        return false;
+    info.date = std::uint64_t(std::int64_t(status.st_mtim.tv_sec));
+    info.size = std::uint64_t(status.st_size);
+    return true;
+}
+
+FileInfo fileInfoOf(RepositoryReport& report, const std::string& fileSpec)
+{
+    FileInfo info;
+    if (!regularFileInfo(fileSpec, info))
+        report.logError("Querying the date and size of an invalid file: "
+                        + absolutePath(Platform::environment().root(), fileSpec));
     return info;
 }
 

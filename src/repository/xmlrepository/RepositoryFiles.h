@@ -27,6 +27,9 @@ bool fileExists(const std::string& path);
 // zeros, and an error, for anything but an existing regular file. The
 // checksum is left empty: it is costly and computed where needed.
 FileInfo fileInfoOf(RepositoryReport& report, const std::string& fileSpec);
+// The same without a word in the report: false for anything but an existing
+// regular file.
+bool regularFileInfo(const std::string& fileSpec, FileInfo& info);
 // The whole-file MD5, written as the sixteen byte values in decimal without
 // padding; the empty string, and an error, if the file can't be read. The
 // file is read in chunks, so its size doesn't matter.

@@ -202,6 +202,7 @@ void XMLRepository::updateProducts()
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
     syncTopLevelManifest();
     m_writer->updateProducts();
+    // Also where nothing changed: a refresh must read every product again.
     forgetTopLevelManifests();
 }
 

@@ -78,12 +78,14 @@ bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool i
         // what is asked of most commands.
         const std::string archives[] = {m_directory + "/" + node->getReposIconsArchiveSpec().str(),
                                         m_directory + "/" + node->getReposManifestsArchiveSpec().str()};
+        // Both verified need no look at their records again either.
         if (!StoreDamage::archiveVerified(m_directory, archives[0])
-            || !StoreDamage::archiveVerified(m_directory, archives[1]))
+            || !StoreDamage::archiveVerified(m_directory, archives[1])) {
             problem = StoredDataCheck::productProblem(m_directory, *node);
-        for (const std::string& archive : archives)
-            if (problem.empty())
-                problem = StoreDamage::archiveDamage(m_directory, archive);
+            for (const std::string& archive : archives)
+                if (problem.empty())
+                    problem = StoreDamage::archiveDamage(m_directory, archive);
+        }
     }
     if (!problem.empty()) {
         m_report->logWarning("The stored data of " + node->getDisplayName() + " in " + m_directory

@@ -451,20 +451,24 @@ void XMLRepositoryWriter::updateLastModified(LibraryImpl& library)
     model->commitChangeSet();
 }
 
-void XMLRepositoryWriter::updateTopLevelManifest(const Model& model)
+void XMLRepositoryWriter::updateTopLevelManifest(const Model& model, bool unchanged)
 {
     const std::string path = XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false);
     m_report->log("Updating top level manifest (writing: " + path + ")");
+    if (unchanged)
+        return;
     // Most calls write back what the store holds (a product found up to date,
     // a discovery that changed nothing): then putting a new file in place
     // would only cost a file created and synced on the disk.
-    if (!holdsBytes(path, model.saveToBytes(Model::Compact))) {
-        const std::string copy =
-            XMLRepository::getTopLevelManifestFile(*m_report, m_context.tempDirectory(), false);
-        // An older copy left in the temporary directory must not take its place.
-        if (ArchiveUpdater::saveManifest(*m_report, model, copy))
-            copyFile(*m_report, copy, path);
-    }
+    // The read caches then hold what the file holds, and need not read it
+    // again: at a thousand products that read costs more than the rest of
+    // a generation of one.
+    if (holdsBytes(path, model.saveToBytes(Model::Compact)))
+        return;
+    const std::string copy = XMLRepository::getTopLevelManifestFile(*m_report, m_context.tempDirectory(), false);
+    // An older copy left in the temporary directory must not take its place.
+    if (ArchiveUpdater::saveManifest(*m_report, model, copy))
+        copyFile(*m_report, copy, path);
     ReaderCacheRegistry::unloadTopLevelCaches(m_directory);
 }
 

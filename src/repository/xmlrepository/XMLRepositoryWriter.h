@@ -50,8 +50,10 @@ public:
     XMLRepositoryReader& reader() { return *m_reader; }
 
     // Saves the model as the store's top-level manifest, by way of a private
-    // copy, and tells the read caches.
-    void updateTopLevelManifest(const Model& model);
+    // copy, and tells the read caches. `unchanged` promises that the model
+    // is the one the store's reader loaded, untouched since: nothing is
+    // compared or written then.
+    void updateTopLevelManifest(const Model& model, bool unchanged = false);
 
 private:
     void generateProductInternal(const ModelPtr& topLevel, LibraryImpl& product, GenerationMode mode);
