@@ -52,8 +52,8 @@ TEST_F(HandleTableTest, GrownInStepsWhileHandlesComeAndGoEveryHandleStaysFindabl
         expected[i] = handle(i);
         // Erasing an id with another's handle takes nothing out.
         table.erase(id(i / 3), handle(i / 3 + 1));
-        // Every third id made so far goes again, some while an old table is
-        // still being moved over.
+        // Now and then an id made earlier goes again, some while an old
+        // table is still being moved over.
         if (i % 7 == 3) {
             const std::size_t gone = i - i % 3;
             table.erase(id(gone), handle(gone));
