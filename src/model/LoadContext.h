@@ -33,7 +33,12 @@ private:
         std::vector<unsigned> ids;
         Binder binder;
     };
-    std::unordered_map<unsigned, Node*> m_nodes;
+    // Documents number their nodes densely from 1: those ids index a
+    // vector (a manifest read is one heap block then, not one per node), the
+    // few far beyond the count go to the map.
+    std::vector<Node*> m_dense;
+    std::unordered_map<unsigned, Node*> m_sparse;
+    std::size_t m_added = 0;
     std::vector<Pending> m_pending;
 };
 

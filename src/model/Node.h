@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/SmallObjectPool.h"
 #include "platform/StringId.h"
 
 #include <memory>
@@ -18,6 +19,9 @@ class NodeMap;
 // meta node that describes its properties. The model owns its nodes.
 class Node {
 public:
+    // A walk of a large store frees and makes nodes by the thousand.
+    TDLB_POOLED_ALLOCATION
+
     Node() = default;
     explicit Node(Model* model) : m_model(model) {}
     virtual ~Node() = default;

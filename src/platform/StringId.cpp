@@ -1,5 +1,6 @@
 #include "platform/StringId.h"
 
+#include <algorithm>
 #include <deque>
 #include <string_view>
 #include <vector>
@@ -11,7 +12,10 @@ namespace {
 // The strings, each interned once, and an open-addressed table of them by
 // hash. A store of 100,000 blocks interns as many unique paths; a node-based
 // set spent more on its buckets' pointer chase and prime-modulo hashing than
-// on the strings themselves.
+// on the strings themselves. At a million the table is tens of megabytes:
+// past half full it takes one twice the size and moves the old one's slots
+// over a few at a time with each string interned, looking in both until
+// then, instead of stopping a read for a whole rehash.
 class Pool {
 public:
     Pool() : m_slots(1024) { intern(std::string_view()); }
@@ -19,23 +23,16 @@ public:
     const std::string* intern(std::string_view text)
     {
         const std::size_t hash = std::hash<std::string_view>()(text);
-        std::size_t mask = m_slots.size() - 1;
-        for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
-            Slot& slot = m_slots[i];
-            if (!slot.text)
-                break;
-            if (slot.hash == hash && *slot.text == text)
-                return slot.text;
-        }
-        // At most half full, so that probes stay short.
+        if (const std::string* found = find(m_slots, hash, text))
+            return found;
+        if (!m_old.empty())
+            if (const std::string* found = find(m_old, hash, text))
+                return found;
         if (2 * (m_strings.size() + 1) > m_slots.size())
             grow();
-        mask = m_slots.size() - 1;
+        moveOver(MoveStep);
         const std::string* stored = &m_strings.emplace_back(text);
-        std::size_t i = hash & mask;
-        while (m_slots[i].text)
-            i = (i + 1) & mask;
-        m_slots[i] = Slot{hash, stored};
+        place(Slot{hash, stored});
         return stored;
     }
 
@@ -46,25 +43,59 @@ private:
         std::size_t hash = 0;
         const std::string* text = nullptr;
     };
+    // Old slots moved over per string interned: the old table, at most half
+    // full when it was replaced, is empty long before the new one is.
+    static constexpr std::size_t MoveStep = 8;
+
+    static const std::string* find(const std::vector<Slot>& slots, std::size_t hash, std::string_view text)
+    {
+        const std::size_t mask = slots.size() - 1;
+        for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+            const Slot& slot = slots[i];
+            if (!slot.text)
+                return nullptr;
+            if (slot.hash == hash && *slot.text == text)
+                return slot.text;
+        }
+    }
+
+    void place(const Slot& slot)
+    {
+        const std::size_t mask = m_slots.size() - 1;
+        std::size_t i = slot.hash & mask;
+        while (m_slots[i].text)
+            i = (i + 1) & mask;
+        m_slots[i] = slot;
+    }
 
     void grow()
     {
-        std::vector<Slot> slots(2 * m_slots.size());
-        const std::size_t mask = slots.size() - 1;
-        for (const Slot& slot : m_slots) {
-            if (!slot.text)
-                continue;
-            std::size_t i = slot.hash & mask;
-            while (slots[i].text)
-                i = (i + 1) & mask;
-            slots[i] = slot;
-        }
-        m_slots.swap(slots);
+        moveOver(m_old.size());
+        m_old.swap(m_slots);
+        m_slots = std::vector<Slot>(2 * m_old.size());
+        m_moved = 0;
+    }
+
+    // Each old slot is moved once, in the order of the slots; the old table
+    // is never searched for a string that the new one has.
+    void moveOver(std::size_t count)
+    {
+        if (m_old.empty())
+            return;
+        const std::size_t end = std::min(m_old.size(), m_moved + count);
+        for (; m_moved < end; ++m_moved)
+            if (m_old[m_moved].text)
+                place(m_old[m_moved]);
+        if (m_moved == m_old.size())
+            std::vector<Slot>().swap(m_old);
     }
 
     // A deque never moves its elements: their addresses are the ids.
     std::deque<std::string> m_strings;
     std::vector<Slot> m_slots;
+    // The table being moved over into m_slots, and how far.
+    std::vector<Slot> m_old;
+    std::size_t m_moved = 0;
 };
 
 Pool& pool()

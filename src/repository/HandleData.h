@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/SmallObjectPool.h"
 #include "platform/StringId.h"
 
 #include <cstddef>
@@ -30,6 +31,9 @@ class HandleData {
 public:
     // The set of its cache that a HandleData is filed in.
     enum class HandleSet : std::uint8_t { Library, Invalid, Product };
+
+    // Made and dropped with the nodes of the products read and released.
+    TDLB_POOLED_ALLOCATION
 
     ~HandleData();
     HandleData(const HandleData&) = delete;

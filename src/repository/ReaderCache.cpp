@@ -13,8 +13,10 @@ ReaderCache::~ReaderCache()
 {
     // Its handles go while the table they unregister from is still whole.
     m_products.clear();
-    for (auto& entry : m_handles)
-        entry.second->orphan();
+    m_handles.forEach([](HandleData* data) {
+        if (data)
+            data->orphan();
+    });
 }
 
 std::string ReaderCache::productKey(const std::string& id)
@@ -52,9 +54,9 @@ Library ReaderCache::getProductOf(const TandrilObject& object)
 
 TandrilObject ReaderCache::findObject(const StringId& id)
 {
-    const auto known = m_handles.find(id);
-    if (known != m_handles.end() && known->second->node())
-        return TandrilObject::fromData(known->second);
+    HandleData* const known = m_handles.find(id);
+    if (known && known->node())
+        return TandrilObject::fromData(known);
 
     const QStringList tokens = QString::fromStdString(id.str()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
     if (tokens.isEmpty())
@@ -102,8 +104,10 @@ TandrilObject ReaderCache::placeholder(const StringId& id, TandrilObjectImpl* no
 void ReaderCache::clearHandles()
 {
     ++m_clearCount;
-    for (auto& entry : m_handles)
-        entry.second->clearNode();
+    m_handles.forEach([](HandleData* data) {
+        if (data)
+            data->clearNode();
+    });
 }
 
 void ReaderCache::clearProductHandles(const std::string& productKey)
@@ -176,8 +180,7 @@ void ReaderCache::fileByModel(HandleData& data, const Model* model)
 
 HandleData* ReaderCache::lookupHandle(const StringId& id) const
 {
-    const auto found = m_handles.find(id);
-    return found == m_handles.end() ? nullptr : found->second;
+    return m_handles.find(id);
 }
 
 void ReaderCache::registerHandle(HandleData* data)
@@ -217,9 +220,7 @@ ProductHandleList& ReaderCache::productHandles(const std::string& id)
 
 void ReaderCache::unregisterHandle(HandleData* data)
 {
-    const auto entry = m_handles.find(data->id());
-    if (entry != m_handles.end() && entry->second == data)
-        m_handles.erase(entry);
+    m_handles.erase(data->id(), data);
     fileByModel(*data, nullptr);
     switch (data->handleSet()) {
     case HandleData::HandleSet::Library:

@@ -3,6 +3,7 @@
 #include "model/Model.h"
 #include "repository/BlockIcon.h"
 #include "repository/HandleData.h"
+#include "repository/HandleTable.h"
 #include "repository/Library.h"
 #include "repository/TandrilObjectIterator.h"
 
@@ -72,7 +73,7 @@ public:
     HandleData* lookupHandle(const StringId& id) const;
     // The table's entry for the id, made empty if missing: a new HandleData
     // fills it before anything else can look.
-    HandleData*& handleEntry(const StringId& id) { return m_handles[id]; }
+    HandleData*& handleEntry(const StringId& id) { return m_handles.entry(id); }
     // Files a new HandleData, already in the table, in its set and under
     // its node's model.
     void registerHandle(HandleData* data);
@@ -92,7 +93,7 @@ protected:
 private:
     using HandleSet = std::unordered_set<HandleData*>;
 
-    std::unordered_map<StringId, HandleData*> m_handles;
+    HandleTable m_handles;
     HandleSet m_libraryHandles;
     HandleSet m_invalidHandles;
     // The list of the product of an id, made if missing.
