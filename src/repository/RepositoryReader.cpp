@@ -47,6 +47,11 @@ Library RepositoryReader::getProduct(const std::string& name)
     return getCache()->getProduct(name);
 }
 
+std::shared_ptr<const SearchIndex> RepositoryReader::getSearchIndex(const TandrilObject&)
+{
+    return nullptr;
+}
+
 TandrilObjectIterator RepositoryReader::getDepthFirstIterator()
 {
     return TandrilObjectIterator(std::make_unique<TandrilObjectDepthFirstIterator>(this, TandrilObject(), true));

@@ -13,6 +13,7 @@
 namespace LibraryBrowser {
 
 class ReaderCache;
+class SearchIndex;
 
 using IconTable = std::unordered_map<TandrilObject, BlockIconPtr>;
 
@@ -74,6 +75,12 @@ public:
                                                         SearchOptions::RegExp regExp,
                                                         SearchOptions::WholeWord wholeWord,
                                                         SearchOptions::MatchCase matchCase);
+
+    // The store's search index of a product, for name searches below it that
+    // need not walk its manifests; null where the store keeps none that can
+    // be used (the search then walks). Asked for, the product is made up to
+    // date as for a read of its manifests.
+    virtual std::shared_ptr<const SearchIndex> getSearchIndex(const TandrilObject& product);
 
     // A pre-order walk of everything below the products, or below one
     // object; the starting object itself is not returned. Library references

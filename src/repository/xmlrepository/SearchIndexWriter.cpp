@@ -1,0 +1,115 @@
+#include "repository/xmlrepository/SearchIndexWriter.h"
+
+#include "model/LibraryImpl.h"
+#include "model/LibraryRefImpl.h"
+#include "model/MetaNode.h"
+#include "model/Model.h"
+#include "model/NodeCast.h"
+#include "model/PaletteImpl.h"
+#include "repository/RepositoryReport.h"
+#include "repository/search/SearchIndex.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
+
+#include <QFile>
+
+#include <algorithm>
+
+namespace LibraryBrowser {
+
+bool SearchIndexWriter::write(const LibraryImpl& product, ZipArchive& manifests,
+                              const std::vector<std::string>& written, const std::string& temporary)
+{
+    m_archive = &manifests;
+    m_writtenFiles.clear();
+    const std::string prefix = temporary + "/";
+    for (const std::string& file : written)
+        if (file.compare(0, prefix.size(), prefix) == 0)
+            m_writtenFiles.emplace(file.substr(prefix.size()), file);
+    const std::optional<SearchIndex> index = make(product);
+    m_archive = nullptr;
+    if (index && manifests.add(SearchIndex::EntryName, index->toBytes()))
+        return true;
+    // The archive came from the store with the index of its last state.
+    const ZipArchive::Entry old = manifests.find(SearchIndex::EntryName);
+    if (!old.isValid() || manifests.remove(old))
+        return true;
+    m_report.logError("Unable to remove the search index from archive " + manifests.getArchiveFilePath());
+    return false;
+}
+
+std::optional<SearchIndex> SearchIndexWriter::make(const LibraryImpl& product)
+{
+    if (nodeCast<const PaletteImpl>(&product))
+        return std::nullopt;
+    SearchIndex index;
+    std::vector<std::string> entered;
+    if (!product.getManifestFileSpec().empty() && !addChildren(product.getManifestFileSpec(), product.getIsEmpty(), 0, entered, index))
+        return std::nullopt;
+    return index;
+}
+
+std::optional<QByteArray> SearchIndexWriter::readManifest(const std::string& entry)
+{
+    QByteArray bytes;
+    const auto file = m_writtenFiles.find(entry);
+    if (file != m_writtenFiles.end()) {
+        QFile source(QString::fromStdString(file->second));
+        if (!source.open(QIODevice::ReadOnly))
+            return std::nullopt;
+        bytes = source.readAll();
+    } else if (!m_archive || !m_archive->read(m_archive->find(entry), bytes)) {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+bool SearchIndexWriter::addChildren(const std::string& entry, bool empty, int depth,
+                                    std::vector<std::string>& entered, SearchIndex& index)
+{
+    static const StringId description("description");
+    const std::optional<QByteArray> bytes = readManifest(entry);
+    ModelPtr model = Model::createModel();
+    // A subsystem without children may have no manifest; one with children
+    // must, or the reader finds the product damaged.
+    if (!bytes)
+        return empty;
+    if (!loadManifestFromBytes(m_report, *model, *bytes))
+        return false;
+    for (const TandrilObjectImpl* node : model->getNodes()) {
+        // A reference leads into another product's manifests.
+        if (nodeCast<const LibraryRefImpl>(node) || nodeCast<const PaletteImpl>(node))
+            return false;
+        const auto* subsystem = nodeCast<const SubSystemImpl>(node);
+        // As the walk does: a subsystem of the same path as one it is inside
+        // of is neither returned nor entered.
+        if (subsystem && std::find(entered.begin(), entered.end(), subsystem->getPath()) != entered.end())
+            continue;
+        SearchIndex::Object object;
+        object.depth = std::uint16_t(depth);
+        if (const auto* block = nodeCast<const BlockImpl>(node)) {
+            object.kind |= SearchIndex::Block;
+            object.name = block->getDisplayName();
+        }
+        if (subsystem)
+            object.kind |= SearchIndex::SubSystem;
+        if (nodeCast<const LibraryImpl>(node))
+            object.kind |= SearchIndex::Library;
+        if (const PropertyBase* property = node->metaNode().findProperty(description)) {
+            object.kind |= SearchIndex::HasDescription;
+            object.description = property->getPropAsString(*node);
+        }
+        if (!index.add(std::move(object)))
+            return false;
+        if (subsystem && !subsystem->getManifestFileSpec().empty()) {
+            entered.push_back(subsystem->getPath());
+            const bool added = depth < 0xfffe && addChildren(subsystem->getManifestFileSpec(), subsystem->getIsEmpty(), depth + 1,
+                                                                    entered, index);
+            entered.pop_back();
+            if (!added)
+                return false;
+        }
+    }
+    return true;
+}
+
+} // namespace LibraryBrowser

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/ZipArchive.h"
+
+#include <QByteArray>
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace LibraryBrowser {
+
+class LibraryImpl;
+class RepositoryReport;
+class SearchIndex;
+
+// Puts a product's search index into its manifests archive while the archive
+// is still the writer's private copy, so that the index is published with
+// the manifests it was made from and is never older than they are. The index
+// is made from the manifests as a reader would load them. A product that a
+// name search cannot walk by its own manifests alone (a palette, a library
+// reference to follow) gets none, and searches read its manifests.
+class SearchIndexWriter {
+public:
+    explicit SearchIndexWriter(RepositoryReport& report) : m_report(report) {}
+
+    // `written` are the manifest files made this run, in the writer's
+    // temporary directory `temporary`, which the open archive holds as
+    // entries named by their place below it. False, and an error, only if
+    // the archive would be left with an index that no longer fits it.
+    bool write(const LibraryImpl& product, ZipArchive& manifests, const std::vector<std::string>& written,
+               const std::string& temporary);
+
+    // The index of the product's manifests; nothing where it can have none.
+    std::optional<SearchIndex> make(const LibraryImpl& product);
+
+private:
+    std::optional<QByteArray> readManifest(const std::string& entry);
+    bool addChildren(const std::string& entry, bool empty, int depth, std::vector<std::string>& entered, SearchIndex& index);
+
+    RepositoryReport& m_report;
+    ZipArchive* m_archive = nullptr;
+    std::unordered_map<std::string, std::string> m_writtenFiles;
+};
+
+} // namespace LibraryBrowser
