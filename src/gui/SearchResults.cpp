@@ -29,7 +29,7 @@ SingleLibrarySearchResults_tag countSearchHits(const TandrilObjectIterator& hits
     return counted;
 }
 
-SingleLibrarySearchResults_tag indexedSearchHits(SearchIndex::Hits& indexed, const TandrilObjectIterator& hits,
+SingleLibrarySearchResults_tag indexedSearchHits(IndexedSearch::Hits& indexed, const TandrilObjectIterator& hits,
                                                  int& libraries, std::vector<std::string>& listed)
 {
     SingleLibrarySearchResults_tag counted;

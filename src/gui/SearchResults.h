@@ -2,7 +2,7 @@
 
 #include "repository/Library.h"
 #include "repository/TandrilObjectIterator.h"
-#include "repository/search/SearchIndex.h"
+#include "repository/search/IndexedSearch.h"
 
 #include <string>
 #include <unordered_map>
@@ -55,7 +55,7 @@ SingleLibrarySearchResults_tag countSearchHits(const TandrilObjectIterator& hits
 
 // The same, from the hits of a search index, with `hits` as the iterator;
 // their display paths are moved to `listed`.
-SingleLibrarySearchResults_tag indexedSearchHits(SearchIndex::Hits& indexed, const TandrilObjectIterator& hits,
+SingleLibrarySearchResults_tag indexedSearchHits(IndexedSearch::Hits& indexed, const TandrilObjectIterator& hits,
                                                  int& libraries, std::vector<std::string>& listed);
 
 } // namespace LibraryBrowser

@@ -166,12 +166,11 @@ void StandaloneBrowser::internalSearchForString(std::string text)
             listed.clear();
             // The store's index gives the counts and the list; the page walks
             // the manifests only for the sections it opens.
-            if (const std::shared_ptr<const SearchIndex> index = m_repository->getSearchIndex(library)) {
-                SearchIndex::Hits indexed = index->search(text, regExpOption, wholeWordOption, matchCaseOption,
-                                                          descriptions, library.getDisplayPath());
-                if (indexed.matched == 0)
+            if (std::optional<IndexedSearch::Hits> indexed = m_repository->searchIndexed(
+                    library, text, regExpOption, wholeWordOption, matchCaseOption, descriptions)) {
+                if (indexed->matched == 0)
                     continue;
-                hits = indexedSearchHits(indexed, TandrilObjectDeferredIterator::defer(walk), libraries, listed);
+                hits = indexedSearchHits(*indexed, TandrilObjectDeferredIterator::defer(walk), libraries, listed);
             } else {
                 TandrilObjectIterator found = walk();
                 if (found.isEmpty())

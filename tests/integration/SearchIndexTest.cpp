@@ -1,12 +1,13 @@
-// The search index the writer keeps with each product: every search it
-// answers gives what the walk over the manifests gives, it follows the
-// product's changes, and one it can't use leaves the search to the walk.
+// The search index the writer keeps with each product: every search the
+// indexes answer, library references followed, gives what the walk over the
+// manifests gives; an index follows the product's changes, and one that
+// can't be used leaves the search to the walk.
 
 #include "GenerationFixture.h"
 
 #include "gui/SearchResults.h"
 #include "platform/ZipArchive.h"
-#include "repository/search/SearchIndex.h"
+#include "repository/search/IndexedSearch.h"
 
 #include <tuple>
 
@@ -51,16 +52,19 @@ protected:
         answer.longestName = hits.longestName;
         return answer;
     }
-    // As the window counts the hits of an index.
-    static Answer indexed(const SearchIndex& index, const TandrilObject& product, const std::string& pattern,
-                          const Options& o)
+    // As the window counts the hits of the indexes; nothing where they
+    // can't answer.
+    static std::optional<Answer> indexed(XMLRepositoryReader& reader, const TandrilObject& product,
+                                         const std::string& pattern, const Options& o)
     {
-        SearchIndex::Hits found =
-            index.search(pattern, o.regExp, o.wholeWord, o.matchCase, o.descriptions, product.getDisplayPath());
+        std::optional<IndexedSearch::Hits> found =
+            reader.searchIndexed(product, pattern, o.regExp, o.wholeWord, o.matchCase, o.descriptions);
+        if (!found)
+            return std::nullopt;
         Answer answer;
-        answer.empty = found.matched == 0;
+        answer.empty = found->matched == 0;
         const SingleLibrarySearchResults_tag hits =
-            indexedSearchHits(found, TandrilObjectIterator(), answer.libraries, answer.listed);
+            indexedSearchHits(*found, TandrilObjectIterator(), answer.libraries, answer.listed);
         answer.blocks = hits.numBlocks;
         answer.subsystems = hits.numSubsystems;
         answer.longestName = hits.longestName;
@@ -87,24 +91,25 @@ TEST_F(SearchIndexTest, EveryOptionFindsWhatTheWalkFinds)
     int hitsCompared = 0;
     for (TandrilObjectIterator it = reader->getProductsIterator(); it.isValidIterator(); it.next()) {
         const TandrilObject product = it.current();
-        const std::shared_ptr<const SearchIndex> index = reader->getSearchIndex(product);
-        (index ? withIndex : without).push_back(product.getDisplayName());
-        if (!index)
+        const bool answers = indexed(*reader, product, "a", options.front()).has_value();
+        (answers ? withIndex : without).push_back(product.getDisplayName());
+        if (!answers)
             continue;
         for (const std::string& pattern : patterns)
             for (const Options& o : options) {
                 const Answer expected = walked(*reader, product, pattern, o);
-                EXPECT_EQ(indexed(*index, product, pattern, o), expected)
+                EXPECT_EQ(indexed(*reader, product, pattern, o), expected)
                     << product.getDisplayName() << " '" << pattern << "' regexp " << o.regExp << " word "
                     << o.wholeWord << " case " << o.matchCase << " descriptions " << o.descriptions;
                 hitsCompared += expected.blocks + expected.subsystems + expected.libraries;
             }
     }
-    // Products with a library reference, and palettes, are walked; the
-    // others have an index.
+    // Library references are followed into the libraries the products
+    // depend on; only the palette, whose members are computed, is walked.
     EXPECT_EQ(std::make_tuple(withIndex, without),
-              std::make_tuple(std::vector<std::string>{"Arithmetica", "Wavecraft Signals"},
-                              std::vector<std::string>{"Kinetics", "Switchyard", "Tandril", "Signal Workbench"}));
+              std::make_tuple(std::vector<std::string>{"Arithmetica", "Kinetics", "Switchyard", "Tandril",
+                                                       "Wavecraft Signals"},
+                              std::vector<std::string>{"Signal Workbench"}));
     EXPECT_GT(hitsCompared, 1000);
     EXPECT_FALSE(logHas("search index"));
 }
@@ -118,14 +123,13 @@ TEST_F(SearchIndexTest, FollowsTheProductAcrossAGeneration)
     generate();
     const std::unique_ptr<XMLRepositoryReader> reader = makeReader();
     const TandrilObject product = reader->getTandrilObject("wavecraft");
-    const std::shared_ptr<const SearchIndex> index = reader->getSearchIndex(product);
-    ASSERT_TRUE(index);
     for (const std::string& pattern : {"Square", "Wave", "Sources"}) {
         const Options o{SearchOptions::RegExpOff, SearchOptions::WholeWordOff, SearchOptions::MatchCaseOff, true};
-        EXPECT_EQ(indexed(*index, product, pattern, o), walked(*reader, product, pattern, o)) << pattern;
+        EXPECT_EQ(indexed(*reader, product, pattern, o), walked(*reader, product, pattern, o)) << pattern;
     }
     const Options plain{SearchOptions::RegExpOff, SearchOptions::WholeWordOff, SearchOptions::MatchCaseOff, false};
-    EXPECT_EQ(indexed(*index, product, "Square", plain).listed,
+    ASSERT_TRUE(indexed(*reader, product, "Square", plain));
+    EXPECT_EQ(indexed(*reader, product, "Square", plain)->listed,
               std::vector<std::string>{"Wavecraft Signals/Sources/Square Pulse"});
 }
 

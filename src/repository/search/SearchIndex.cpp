@@ -1,7 +1,5 @@
 #include "repository/search/SearchIndex.h"
 
-#include "repository/search/SearchPattern.h"
-
 #include <cstring>
 
 namespace LibraryBrowser {
@@ -9,7 +7,7 @@ namespace LibraryBrowser {
 namespace {
 
 constexpr char Magic[4] = {'T', 'D', 'S', 'I'};
-constexpr std::uint8_t Version = 1;
+constexpr std::uint8_t Version = 2;
 
 void putNumber(QByteArray& bytes, std::uint32_t value, int size)
 {
@@ -73,7 +71,17 @@ bool SearchIndex::add(Object object)
     const int deepest = m_objects.empty() ? 0 : m_objects.back().depth + 1;
     if (object.depth > deepest)
         return false;
+    // The objects open at this depth or below end their subtrees here.
+    const auto here = std::uint32_t(m_objects.size());
+    while (!m_open.empty() && m_objects[m_open.back()].depth >= object.depth) {
+        m_subtreeEnds[m_open.back()] = here;
+        m_open.pop_back();
+    }
+    m_open.push_back(here);
+    if (m_productEnd == m_objects.size() && !(object.depth == 0 && (object.kind & Dependency)))
+        ++m_productEnd;
     m_objects.push_back(std::move(object));
+    m_subtreeEnds.push_back(0);
     return true;
 }
 
@@ -86,8 +94,8 @@ QByteArray SearchIndex::toBytes() const
     for (const Object& object : m_objects) {
         putNumber(bytes, object.kind, 1);
         putNumber(bytes, object.depth, 2);
-        putText(bytes, object.name);
-        putText(bytes, object.description);
+        for (const std::string* text : {&object.name, &object.description, &object.key, &object.path, &object.target})
+            putText(bytes, *text);
     }
     return bytes;
 }
@@ -102,15 +110,16 @@ std::optional<SearchIndex> SearchIndex::fromBytes(const QByteArray& bytes, std::
         return std::nullopt;
     }
     SearchIndex index;
-    // Each object takes at least 11 bytes: no count can reserve more than the
+    // Each object takes at least 23 bytes: no count can reserve more than the
     // bytes could hold.
-    index.m_objects.reserve(std::min<std::size_t>(count, std::size_t(bytes.size()) / 11));
+    index.m_objects.reserve(std::min<std::size_t>(count, std::size_t(bytes.size()) / 23));
     for (std::uint32_t i = 0; i < count; ++i) {
         Object object;
         std::uint32_t kind = 0;
         std::uint32_t depth = 0;
         if (!cursor.number(kind, 1) || !cursor.number(depth, 2) || !cursor.text(object.name)
-            || !cursor.text(object.description)) {
+            || !cursor.text(object.description) || !cursor.text(object.key) || !cursor.text(object.path)
+            || !cursor.text(object.target)) {
             problem = "it ends inside object " + std::to_string(i + 1) + " of " + std::to_string(count);
             return std::nullopt;
         }
@@ -128,43 +137,11 @@ std::optional<SearchIndex> SearchIndex::fromBytes(const QByteArray& bytes, std::
     return index;
 }
 
-SearchIndex::Hits SearchIndex::search(const std::string& pattern, SearchOptions::RegExp regExp,
-                                      SearchOptions::WholeWord wholeWord, SearchOptions::MatchCase matchCase,
-                                      bool descriptions, const std::string& productPath) const
+std::size_t SearchIndex::subtreeEnd(std::size_t position) const
 {
-    const SearchPattern compiled(pattern, regExp, wholeWord, matchCase);
-    Hits hits;
-    // The object at each depth above the current one: a hit's path is joined
-    // from their names only when it is listed.
-    std::vector<const Object*> above;
-    std::string path;
-    for (const Object& object : m_objects) {
-        above.resize(object.depth);
-        above.push_back(&object);
-        const bool matched = ((object.kind & Block) && compiled.matches(object.name))
-                             || (descriptions && (object.kind & HasDescription)
-                                 && compiled.matches(object.description));
-        if (!matched)
-            continue;
-        ++hits.matched;
-        if (object.kind & Library) {
-            ++hits.libraries;
-            continue;
-        }
-        if (object.kind & SubSystem)
-            ++hits.subsystems;
-        else if (object.kind & Block)
-            ++hits.blocks;
-        else
-            continue;
-        path = productPath;
-        for (const Object* step : above)
-            path.append(1, '/').append(step->name);
-        hits.paths.push_back(path);
-        if (object.name.size() > hits.longestName.size())
-            hits.longestName = object.name;
-    }
-    return hits;
+    // Zero while the object is still open: its subtree runs to the end.
+    const std::uint32_t end = m_subtreeEnds[position];
+    return end != 0 ? end : m_objects.size();
 }
 
 } // namespace LibraryBrowser

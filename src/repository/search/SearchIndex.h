@@ -1,7 +1,5 @@
 #pragma once
 
-#include "repository/search/SearchOptions.h"
-
 #include <QByteArray>
 
 #include <cstdint>
@@ -12,7 +10,9 @@
 namespace LibraryBrowser {
 
 // What a name search meets below one product, in the order of the
-// depth-first walk: each object's kind, depth, shown name and description.
+// depth-first walk through its own manifests: each object's kind, depth,
+// shown name and description, and what the walk needs to follow a library
+// reference (the subsystems' names and text paths, the references' targets).
 // The store's writer keeps one in the product's manifests archive, so that a
 // search of a thousand products reads one small entry each instead of every
 // manifest. Display paths are rebuilt from the names, as loading does.
@@ -21,25 +21,21 @@ public:
     // The entry of the manifests archive that holds it.
     static constexpr const char* EntryName = "lb_search_index.bin";
 
-    enum Kind : std::uint8_t { Block = 1, SubSystem = 2, Library = 4, HasDescription = 8 };
+    enum Kind : std::uint8_t { Block = 1, SubSystem = 2, Library = 4, HasDescription = 8, Reference = 16,
+                         // A library the product depends on, after the product's own objects.
+                         Dependency = 32 };
 
     struct Object {
+        // The shown name.
         std::string name;
         std::string description;
+        // Of subsystems: the name in unique paths, and the text path.
+        std::string key;
+        std::string path;
+        // Of references: the unique path of the target.
+        std::string target;
         std::uint16_t depth = 0;
         std::uint8_t kind = 0;
-    };
-
-    // What a search found: all objects matched, and of those the libraries
-    // (only counted), subsystems and blocks, the longest name among the last
-    // two and their display paths in walk order.
-    struct Hits {
-        int matched = 0;
-        int libraries = 0;
-        int subsystems = 0;
-        int blocks = 0;
-        std::string longestName;
-        std::vector<std::string> paths;
     };
 
     // Objects are added in walk order; a depth more than one below the last
@@ -52,13 +48,18 @@ public:
     // this version.
     static std::optional<SearchIndex> fromBytes(const QByteArray& bytes, std::string& problem);
 
-    // The objects whose shown name, or description where `descriptions` is
-    // set, has a match of the pattern; paths start at `productPath`.
-    Hits search(const std::string& pattern, SearchOptions::RegExp regExp, SearchOptions::WholeWord wholeWord,
-                SearchOptions::MatchCase matchCase, bool descriptions, const std::string& productPath) const;
+    // The end of the product's own objects, where its dependencies begin.
+    std::size_t productEnd() const { return m_productEnd; }
+    // The end of the object's subtree: the position of the next object not
+    // below it.
+    std::size_t subtreeEnd(std::size_t position) const;
 
 private:
     std::vector<Object> m_objects;
+    std::vector<std::uint32_t> m_subtreeEnds;
+    std::size_t m_productEnd = 0;
+    // The objects whose subtree may still grow, outermost first.
+    std::vector<std::uint32_t> m_open;
 };
 
 } // namespace LibraryBrowser

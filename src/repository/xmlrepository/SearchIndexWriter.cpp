@@ -42,9 +42,25 @@ std::optional<SearchIndex> SearchIndexWriter::make(const LibraryImpl& product)
     if (nodeCast<const PaletteImpl>(&product))
         return std::nullopt;
     SearchIndex index;
-    std::vector<std::string> entered;
-    if (!product.getManifestFileSpec().empty() && !addChildren(product.getManifestFileSpec(), product.getIsEmpty(), 0, entered, index))
+    std::vector<std::string> reading;
+    if (!product.getManifestFileSpec().empty()
+        && !addChildren(product.getManifestFileSpec(), product.getIsEmpty(), 0, reading, index))
         return std::nullopt;
+    // The libraries the product depends on, read from its archive under
+    // their own unique paths, for the references that lead into them.
+    for (const LibraryImpl* dependency : const_cast<LibraryImpl&>(product).getDependencies()) {
+        if (!dependency || nodeCast<const PaletteImpl>(dependency))
+            continue;
+        SearchIndex::Object root;
+        root.kind = SearchIndex::Block | SearchIndex::SubSystem | SearchIndex::Library | SearchIndex::Dependency;
+        root.name = dependency->getDisplayName();
+        root.key = dependency->getUniquePath().str();
+        root.path = dependency->getPath();
+        if (!index.add(std::move(root))
+            || (!dependency->getManifestFileSpec().empty()
+                && !addChildren(dependency->getManifestFileSpec(), dependency->getIsEmpty(), 1, reading, index)))
+            return std::nullopt;
+    }
     return index;
 }
 
@@ -64,7 +80,22 @@ std::optional<QByteArray> SearchIndexWriter::readManifest(const std::string& ent
 }
 
 bool SearchIndexWriter::addChildren(const std::string& entry, bool empty, int depth,
-                                    std::vector<std::string>& entered, SearchIndex& index)
+                                    std::vector<std::string>& reading, SearchIndex& index)
+{
+    static const StringId description("description");
+    // Subsystems are kept as the manifests hold them: which of them a walk
+    // steps over depends on where it came from, so the search decides. A
+    // manifest that leads back to itself is no store this writer made.
+    if (depth > 0xfffe || std::find(reading.begin(), reading.end(), entry) != reading.end())
+        return false;
+    reading.push_back(entry);
+    const bool added = addManifest(entry, empty, depth, reading, index);
+    reading.pop_back();
+    return added;
+}
+
+bool SearchIndexWriter::addManifest(const std::string& entry, bool empty, int depth,
+                                    std::vector<std::string>& reading, SearchIndex& index)
 {
     static const StringId description("description");
     const std::optional<QByteArray> bytes = readManifest(entry);
@@ -76,22 +107,26 @@ bool SearchIndexWriter::addChildren(const std::string& entry, bool empty, int de
     if (!loadManifestFromBytes(m_report, *model, *bytes))
         return false;
     for (const TandrilObjectImpl* node : model->getNodes()) {
-        // A reference leads into another product's manifests.
-        if (nodeCast<const LibraryRefImpl>(node) || nodeCast<const PaletteImpl>(node))
+        // A palette's members are computed, not read.
+        if (nodeCast<const PaletteImpl>(node))
             return false;
         const auto* subsystem = nodeCast<const SubSystemImpl>(node);
-        // As the walk does: a subsystem of the same path as one it is inside
-        // of is neither returned nor entered.
-        if (subsystem && std::find(entered.begin(), entered.end(), subsystem->getPath()) != entered.end())
-            continue;
         SearchIndex::Object object;
         object.depth = std::uint16_t(depth);
         if (const auto* block = nodeCast<const BlockImpl>(node)) {
             object.kind |= SearchIndex::Block;
             object.name = block->getDisplayName();
+            object.key = block->getName();
         }
-        if (subsystem)
+        if (subsystem) {
             object.kind |= SearchIndex::SubSystem;
+            object.path = subsystem->getPath();
+        }
+        const auto* reference = nodeCast<const LibraryRefImpl>(node);
+        if (reference) {
+            object.kind |= SearchIndex::Reference;
+            object.target = reference->getLibraryRefUniquePath();
+        }
         if (nodeCast<const LibraryImpl>(node))
             object.kind |= SearchIndex::Library;
         if (const PropertyBase* property = node->metaNode().findProperty(description)) {
@@ -100,14 +135,10 @@ bool SearchIndexWriter::addChildren(const std::string& entry, bool empty, int de
         }
         if (!index.add(std::move(object)))
             return false;
-        if (subsystem && !subsystem->getManifestFileSpec().empty()) {
-            entered.push_back(subsystem->getPath());
-            const bool added = depth < 0xfffe && addChildren(subsystem->getManifestFileSpec(), subsystem->getIsEmpty(), depth + 1,
-                                                                    entered, index);
-            entered.pop_back();
-            if (!added)
-                return false;
-        }
+        // A reference shows its target's children, found when searched.
+        if (subsystem && !reference && !subsystem->getManifestFileSpec().empty()
+            && !addChildren(subsystem->getManifestFileSpec(), subsystem->getIsEmpty(), depth + 1, reading, index))
+            return false;
     }
     return true;
 }

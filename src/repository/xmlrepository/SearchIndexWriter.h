@@ -18,9 +18,10 @@ class SearchIndex;
 // Puts a product's search index into its manifests archive while the archive
 // is still the writer's private copy, so that the index is published with
 // the manifests it was made from and is never older than they are. The index
-// is made from the manifests as a reader would load them. A product that a
-// name search cannot walk by its own manifests alone (a palette, a library
-// reference to follow) gets none, and searches read its manifests.
+// is made from the manifests as a reader would load them; library references
+// are kept with their targets, which a search follows into the target
+// product's index. A palette, whose members are computed, gets none, and
+// searches read its manifests.
 class SearchIndexWriter {
 public:
     explicit SearchIndexWriter(RepositoryReport& report) : m_report(report) {}
@@ -37,7 +38,11 @@ public:
 
 private:
     std::optional<QByteArray> readManifest(const std::string& entry);
-    bool addChildren(const std::string& entry, bool empty, int depth, std::vector<std::string>& entered, SearchIndex& index);
+    // Adds the objects of the manifest and those below them, in walk order.
+    bool addChildren(const std::string& entry, bool empty, int depth, std::vector<std::string>& reading,
+                     SearchIndex& index);
+    bool addManifest(const std::string& entry, bool empty, int depth, std::vector<std::string>& reading,
+                     SearchIndex& index);
 
     RepositoryReport& m_report;
     ZipArchive* m_archive = nullptr;
