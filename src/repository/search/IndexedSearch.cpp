@@ -121,7 +121,10 @@ bool IndexedSearch::childrenOfObject(const Range& level, std::size_t position, c
         return true;
     }
     // A reference met again while its target is being found leads back to
-    // itself: it shows nothing.
+    // itself: it shows nothing. A longer chain than any walk enters is left
+    // to the walk.
+    if (m_resolving.size() >= std::size_t(TandrilObjectDepthFirstIterator::MaximumReferenceDepth))
+        return false;
     if (!m_resolving.insert(uniquePath).second)
         return true;
     const bool found = childrenOf(object.target, children);

@@ -69,7 +69,7 @@ private:
 bool SearchIndex::add(Object object)
 {
     const int deepest = m_objects.empty() ? 0 : m_objects.back().depth + 1;
-    if (object.depth > deepest)
+    if (object.depth > deepest || object.depth > MaximumDepth)
         return false;
     // The objects open at this depth or below end their subtrees here.
     const auto here = std::uint32_t(m_objects.size());

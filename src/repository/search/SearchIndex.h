@@ -38,8 +38,12 @@ public:
         std::uint8_t kind = 0;
     };
 
+    // How deep objects may lie: far below what library files nest, and a
+    // bound on what a search of a hostile index recurses into.
+    static constexpr int MaximumDepth = 256;
+
     // Objects are added in walk order; a depth more than one below the last
-    // object's is refused.
+    // object's, or past the maximum, is refused.
     bool add(Object object);
     const std::vector<Object>& objects() const { return m_objects; }
 

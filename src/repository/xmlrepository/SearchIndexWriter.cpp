@@ -48,7 +48,7 @@ std::optional<SearchIndex> SearchIndexWriter::make(const LibraryImpl& product)
         return std::nullopt;
     // The libraries the product depends on, read from its archive under
     // their own unique paths, for the references that lead into them.
-    for (const LibraryImpl* dependency : const_cast<LibraryImpl&>(product).getDependencies()) {
+    for (const LibraryImpl* dependency : product.getDependencies()) {
         if (!dependency || nodeCast<const PaletteImpl>(dependency))
             continue;
         SearchIndex::Object root;
@@ -86,7 +86,7 @@ bool SearchIndexWriter::addChildren(const std::string& entry, bool empty, int de
     // Subsystems are kept as the manifests hold them: which of them a walk
     // steps over depends on where it came from, so the search decides. A
     // manifest that leads back to itself is no store this writer made.
-    if (depth > 0xfffe || std::find(reading.begin(), reading.end(), entry) != reading.end())
+    if (depth > SearchIndex::MaximumDepth || std::find(reading.begin(), reading.end(), entry) != reading.end())
         return false;
     reading.push_back(entry);
     const bool added = addManifest(entry, empty, depth, reading, index);
