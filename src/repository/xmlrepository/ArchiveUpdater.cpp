@@ -203,7 +203,7 @@ bool ArchiveUpdater::publishArchives(LibraryImpl& product)
     // what was made.
     if (!state.manifestFiles.empty()
         && !SearchIndexWriter(*m_context.report)
-                .write(product, state.manifestsArchive, state.manifestFiles, m_context.tempDirectory()))
+                .write(product, state.manifestsArchive, state.subSystemModels()))
         return false;
     const bool iconsClosed = closeArchive(state.iconsArchive);
     if (!closeArchive(state.manifestsArchive) || !iconsClosed)

@@ -10,21 +10,17 @@
 #include "repository/search/SearchIndex.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 
-#include <QFile>
-
 #include <algorithm>
 
 namespace LibraryBrowser {
 
-bool SearchIndexWriter::write(const LibraryImpl& product, ZipArchive& manifests,
-                              const std::vector<std::string>& written, const std::string& temporary)
+bool SearchIndexWriter::write(const LibraryImpl& product, ZipArchive& manifests, const WrittenModels& written)
 {
     m_archive = &manifests;
-    m_writtenFiles.clear();
-    const std::string prefix = temporary + "/";
-    for (const std::string& file : written)
-        if (file.compare(0, prefix.size(), prefix) == 0)
-            m_writtenFiles.emplace(file.substr(prefix.size()), file);
+    m_written.clear();
+    for (const auto& [node, model] : written)
+        if (node && model)
+            m_written.emplace(node->getManifestFileSpec(), model.get());
     const std::optional<SearchIndex> index = make(product);
     m_archive = nullptr;
     if (index && manifests.add(SearchIndex::EntryName, index->toBytes()))
@@ -64,19 +60,16 @@ std::optional<SearchIndex> SearchIndexWriter::make(const LibraryImpl& product)
     return index;
 }
 
-std::optional<QByteArray> SearchIndexWriter::readManifest(const std::string& entry)
+ModelPtr SearchIndexWriter::readManifest(const std::string& entry, bool& missing)
 {
+    missing = false;
     QByteArray bytes;
-    const auto file = m_writtenFiles.find(entry);
-    if (file != m_writtenFiles.end()) {
-        QFile source(QString::fromStdString(file->second));
-        if (!source.open(QIODevice::ReadOnly))
-            return std::nullopt;
-        bytes = source.readAll();
-    } else if (!m_archive || !m_archive->read(m_archive->find(entry), bytes)) {
-        return std::nullopt;
+    if (!m_archive || !m_archive->read(m_archive->find(entry), bytes)) {
+        missing = true;
+        return nullptr;
     }
-    return bytes;
+    ModelPtr model = Model::createModel();
+    return loadManifestFromBytes(m_report, *model, bytes) ? model : nullptr;
 }
 
 bool SearchIndexWriter::addChildren(const std::string& entry, bool empty, int depth,
@@ -98,13 +91,16 @@ bool SearchIndexWriter::addManifest(const std::string& entry, bool empty, int de
                                     std::vector<std::string>& reading, SearchIndex& index)
 {
     static const StringId description("description");
-    const std::optional<QByteArray> bytes = readManifest(entry);
-    ModelPtr model = Model::createModel();
+    // What this run wrote is at hand; the rest is read from the archive.
+    const auto known = m_written.find(entry);
+    bool missing = false;
+    ModelPtr read = known == m_written.end() ? readManifest(entry, missing) : nullptr;
+    const Model* model = known != m_written.end() ? known->second : read.get();
     // A subsystem without children may have no manifest; one with children
     // must, or the reader finds the product damaged.
-    if (!bytes)
+    if (missing)
         return empty;
-    if (!loadManifestFromBytes(m_report, *model, *bytes))
+    if (!model)
         return false;
     for (const TandrilObjectImpl* node : model->getNodes()) {
         // A palette's members are computed, not read.

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "model/Model.h"
 #include "platform/ZipArchive.h"
-
-#include <QByteArray>
 
 #include <optional>
 #include <string>
@@ -12,6 +11,7 @@
 namespace LibraryBrowser {
 
 class LibraryImpl;
+class SubSystemImpl;
 class RepositoryReport;
 class SearchIndex;
 
@@ -26,18 +26,21 @@ class SearchIndexWriter {
 public:
     explicit SearchIndexWriter(RepositoryReport& report) : m_report(report) {}
 
-    // `written` are the manifest files made this run, in the writer's
-    // temporary directory `temporary`, which the open archive holds as
-    // entries named by their place below it. False, and an error, only if
-    // the archive would be left with an index that no longer fits it.
-    bool write(const LibraryImpl& product, ZipArchive& manifests, const std::vector<std::string>& written,
-               const std::string& temporary);
+    using WrittenModels = std::vector<std::pair<SubSystemImpl*, ModelPtr>>;
+
+    // `written` are the models of the manifests made this run, which the
+    // open archive holds already; the others are read from it. False, and an
+    // error, only if the archive would be left with an index that no longer
+    // fits it.
+    bool write(const LibraryImpl& product, ZipArchive& manifests, const WrittenModels& written);
 
     // The index of the product's manifests; nothing where it can have none.
     std::optional<SearchIndex> make(const LibraryImpl& product);
 
 private:
-    std::optional<QByteArray> readManifest(const std::string& entry);
+    // The manifest read from the archive; null, with `missing` set if the
+    // archive has no such entry.
+    ModelPtr readManifest(const std::string& entry, bool& missing);
     // Adds the objects of the manifest and those below them, in walk order.
     bool addChildren(const std::string& entry, bool empty, int depth, std::vector<std::string>& reading,
                      SearchIndex& index);
@@ -46,7 +49,7 @@ private:
 
     RepositoryReport& m_report;
     ZipArchive* m_archive = nullptr;
-    std::unordered_map<std::string, std::string> m_writtenFiles;
+    std::unordered_map<std::string, const Model*> m_written;
 };
 
 } // namespace LibraryBrowser
