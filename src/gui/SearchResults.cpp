@@ -29,4 +29,17 @@ SingleLibrarySearchResults_tag countSearchHits(const TandrilObjectIterator& hits
     return counted;
 }
 
+SingleLibrarySearchResults_tag indexedSearchHits(IndexedSearch::Hits& indexed, const TandrilObjectIterator& hits,
+                                                 int& libraries, std::vector<std::string>& listed)
+{
+    SingleLibrarySearchResults_tag counted;
+    counted.iterator = hits;
+    counted.numBlocks = indexed.blocks;
+    counted.numSubsystems = indexed.subsystems;
+    counted.longestName = std::move(indexed.longestName);
+    libraries += indexed.libraries;
+    listed = std::move(indexed.paths);
+    return counted;
+}
+
 } // namespace LibraryBrowser

@@ -2,6 +2,7 @@
 
 #include "repository/Library.h"
 #include "repository/TandrilObjectIterator.h"
+#include "repository/search/IndexedSearch.h"
 
 #include <string>
 #include <unordered_map>
@@ -51,5 +52,10 @@ struct SearchResults {
 // in the order of the walk. Libraries among the hits are only counted.
 SingleLibrarySearchResults_tag countSearchHits(const TandrilObjectIterator& hits, int& libraries,
                                                std::vector<std::string>* listed);
+
+// The same, from the hits of a search index, with `hits` as the iterator;
+// their display paths are moved to `listed`.
+SingleLibrarySearchResults_tag indexedSearchHits(IndexedSearch::Hits& indexed, const TandrilObjectIterator& hits,
+                                                 int& libraries, std::vector<std::string>& listed);
 
 } // namespace LibraryBrowser

@@ -8,6 +8,7 @@
 #include "gui/LibraryBlocksPage.h"
 #include "gui/ResultsBlocksPage.h"
 #include "gui/SearchHistory.h"
+#include "repository/TandrilObjectDeferredIterator.h"
 
 #include <QAction>
 #include <QApplication>
@@ -154,15 +155,28 @@ void StandaloneBrowser::internalSearchForString(std::string text)
             const auto regExpOption = regExp ? SearchOptions::RegExpOn : SearchOptions::RegExpOff;
             const auto wholeWordOption = wholeWord ? SearchOptions::WholeWordOn : SearchOptions::WholeWordOff;
             const auto matchCaseOption = matchCase ? SearchOptions::MatchCaseOn : SearchOptions::MatchCaseOff;
-            TandrilObjectIterator found =
-                descriptions ? m_repository->findBlocksByNameOrDescription(text, TandrilObject(library), regExpOption,
-                                                                          wholeWordOption, matchCaseOption)
-                             : m_repository->findBlocks(text, TandrilObject(library), regExpOption,
-                                                        wholeWordOption, matchCaseOption);
-            if (found.isEmpty())
-                continue;
+            const auto walk = [repository = m_repository, text, library, descriptions, regExpOption, wholeWordOption,
+                               matchCaseOption] {
+                return descriptions ? repository->findBlocksByNameOrDescription(
+                                          text, TandrilObject(library), regExpOption, wholeWordOption, matchCaseOption)
+                                    : repository->findBlocks(text, TandrilObject(library), regExpOption,
+                                                             wholeWordOption, matchCaseOption);
+            };
+            SingleLibrarySearchResults_tag hits;
             listed.clear();
-            SingleLibrarySearchResults_tag hits = countSearchHits(found, libraries, &listed);
+            // The store's index gives the counts and the list; the page walks
+            // the manifests only for the sections it opens.
+            if (std::optional<IndexedSearch::Hits> indexed = m_repository->searchIndexed(
+                    library, text, regExpOption, wholeWordOption, matchCaseOption, descriptions)) {
+                if (indexed->matched == 0)
+                    continue;
+                hits = indexedSearchHits(*indexed, TandrilObjectDeferredIterator::defer(walk), libraries, listed);
+            } else {
+                TandrilObjectIterator found = walk();
+                if (found.isEmpty())
+                    continue;
+                hits = countSearchHits(found, libraries, &listed);
+            }
             QStringList items;
             items.reserve(int(listed.size()));
             for (const std::string& item : listed)

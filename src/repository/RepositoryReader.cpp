@@ -47,6 +47,28 @@ Library RepositoryReader::getProduct(const std::string& name)
     return getCache()->getProduct(name);
 }
 
+std::shared_ptr<const SearchIndex> RepositoryReader::getSearchIndex(const TandrilObject&)
+{
+    return nullptr;
+}
+
+std::optional<IndexedSearch::Hits> RepositoryReader::searchIndexed(const TandrilObject& product,
+                                                                  const std::string& pattern,
+                                                                  SearchOptions::RegExp regExp,
+                                                                  SearchOptions::WholeWord wholeWord,
+                                                                  SearchOptions::MatchCase matchCase, bool descriptions)
+{
+    if (!product.isLibrary())
+        return std::nullopt;
+    const std::string id = product.id().str();
+    IndexedSearch search(pattern, regExp, wholeWord, matchCase, descriptions,
+                         [&](const std::string& productId) -> std::shared_ptr<const SearchIndex> {
+                             const Library other = productId == id ? product.toLibrary() : getProduct(productId);
+                             return other.isValid() ? getSearchIndex(other) : nullptr;
+                         });
+    return search.search(id, product.getDisplayPath());
+}
+
 TandrilObjectIterator RepositoryReader::getDepthFirstIterator()
 {
     return TandrilObjectIterator(std::make_unique<TandrilObjectDepthFirstIterator>(this, TandrilObject(), true));

@@ -4,15 +4,18 @@
 #include "repository/BlockIcon.h"
 #include "repository/RepositoryReport.h"
 #include "repository/TandrilObjectIterator.h"
+#include "repository/search/IndexedSearch.h"
 #include "repository/search/SearchOptions.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
 namespace LibraryBrowser {
 
 class ReaderCache;
+class SearchIndex;
 
 using IconTable = std::unordered_map<TandrilObject, BlockIconPtr>;
 
@@ -74,6 +77,19 @@ public:
                                                         SearchOptions::RegExp regExp,
                                                         SearchOptions::WholeWord wholeWord,
                                                         SearchOptions::MatchCase matchCase);
+
+    // The store's search index of a product, for name searches below it that
+    // need not walk its manifests; null where the store keeps none that can
+    // be used (the search then walks). Asked for, the product is made up to
+    // date as for a read of its manifests.
+    virtual std::shared_ptr<const SearchIndex> getSearchIndex(const TandrilObject& product);
+    // What findBlocks (or findBlocksByNameOrDescription, with `descriptions`)
+    // below a product finds, counted and listed from the search indexes of
+    // the product and of the products its library references lead into;
+    // nothing where one of them has none.
+    std::optional<IndexedSearch::Hits> searchIndexed(const TandrilObject& product, const std::string& pattern,
+                                                     SearchOptions::RegExp regExp, SearchOptions::WholeWord wholeWord,
+                                                     SearchOptions::MatchCase matchCase, bool descriptions);
 
     // A pre-order walk of everything below the products, or below one
     // object; the starting object itself is not returned. Library references

@@ -5,6 +5,7 @@
 #include "platform/FileFaults.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/SearchIndexWriter.h"
 #include "repository/xmlrepository/WriterContext.h"
 
 #include <QDir>
@@ -200,6 +201,10 @@ bool ArchiveUpdater::publishArchives(LibraryImpl& product)
     GenerationState& state = m_context.state;
     // Both closed before either is put in place: a store never gets half of
     // what was made.
+    if (!state.manifestFiles.empty()
+        && !SearchIndexWriter(*m_context.report)
+                .write(product, state.manifestsArchive, state.subSystemModels()))
+        return false;
     const bool iconsClosed = closeArchive(state.iconsArchive);
     if (!closeArchive(state.manifestsArchive) || !iconsClosed)
         return false;

@@ -160,6 +160,15 @@ BlockIconPtr XMLRepository::getIcon(const TandrilObject& object)
     return m_cache->getIcon(object);
 }
 
+std::shared_ptr<const SearchIndex> XMLRepository::getSearchIndex(const TandrilObject& product)
+{
+    const Library library = product.toLibrary();
+    // The store that serves the product is chosen, and the product made up
+    // to date, as for a read of its manifests.
+    const auto reader = library.isValid() ? m_cache->getReader(library) : nullptr;
+    return reader ? reader->getSearchIndex(product) : nullptr;
+}
+
 bool XMLRepository::refuseWriting()
 {
     if (m_readOnly)

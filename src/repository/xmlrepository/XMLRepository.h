@@ -47,6 +47,7 @@ public:
     using RepositoryReader::getChildrenIterator;
     TandrilObjectIterator getChildrenIterator(const TandrilObject& object) override;
     BlockIconPtr getIcon(const TandrilObject& object) override;
+    std::shared_ptr<const SearchIndex> getSearchIndex(const TandrilObject& product) override;
     RepositoryReportPtr getRepositoryReport() const override { return m_report; }
     ReaderCache* getCache() override { return m_cache.get(); }
 

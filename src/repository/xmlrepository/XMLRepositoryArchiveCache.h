@@ -50,6 +50,9 @@ public:
     // Whether the archive, as the last read found it, is readable but has no
     // such entry.
     bool lacks(const std::string& entryName);
+    // Whether the archive has the entry; the private copy is made if need be,
+    // but a missing entry is no warning.
+    bool holds(const std::string& entryName) { return !indexedLocalCopy().empty() && m_index.contains(entryName); }
     // The first damage a read met since the copy was made: an archive that
     // can't be opened, or an entry failing its checksum; or empty.
     const std::string& damage() const { return m_damage; }

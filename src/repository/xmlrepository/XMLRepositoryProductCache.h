@@ -54,6 +54,12 @@ public:
     // none or it can't be read. A missing or unreadable icon is reported
     // once: the empty answer is kept for as long as the cache.
     BlockIconPtr getIcon(const Block& block);
+    // The entry of the manifests archive, or empty bytes without a word
+    // where the archive has none.
+    QByteArray readOptionalManifestsEntry(const std::string& entry)
+    {
+        return m_manifestsArchive->holds(entry) ? m_manifestsArchive->readEntry(entry) : QByteArray();
+    }
     // Another process changed the product's archives after its record was
     // read: what this cache gave may be short, and it must be read anew.
     bool changedUnderIt() const { return m_iconsArchive->changedUnderIt() || m_manifestsArchive->changedUnderIt(); }

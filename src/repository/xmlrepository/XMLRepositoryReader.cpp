@@ -4,6 +4,7 @@
 #include "frame/Messages.h"
 #include "model/Model.h"
 #include "repository/Library.h"
+#include "repository/search/SearchIndex.h"
 #include "repository/xmlrepository/HostOperations.h"
 #include "repository/xmlrepository/LibraryComparison.h"
 #include "repository/xmlrepository/PaletteChildren.h"
@@ -51,6 +52,24 @@ LibraryImpl* XMLRepositoryReader::storedProduct(const TandrilObject& product)
             if (auto* stored = dynamic_cast<LibraryImpl*>(node); stored && !stored->getIsInvalid())
                 return stored;
     return nullptr;
+}
+
+std::shared_ptr<const SearchIndex> XMLRepositoryReader::getSearchIndex(const TandrilObject& product)
+{
+    const Library library = product.toLibrary();
+    if (!library.isValid())
+        return nullptr;
+    const QByteArray bytes = m_cache->readOptionalManifestsEntry(library, SearchIndex::EntryName);
+    if (bytes.isEmpty())
+        return nullptr;
+    std::string problem;
+    std::optional<SearchIndex> index = SearchIndex::fromBytes(bytes, problem);
+    if (!index) {
+        m_report->logWarning("The search index of product " + library.getDisplayName() + " in the repository store "
+                             + m_directory + " can't be used (" + problem + "). Its manifests are searched instead.");
+        return nullptr;
+    }
+    return std::make_shared<const SearchIndex>(std::move(*index));
 }
 
 bool XMLRepositoryReader::compareLibrary(const LibraryImpl& library, bool ignoreTimestamp)

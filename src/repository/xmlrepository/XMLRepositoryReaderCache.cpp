@@ -263,6 +263,13 @@ auto XMLRepositoryReaderCache::readProduct(const TandrilObject& object, Read rea
     }
 }
 
+QByteArray XMLRepositoryReaderCache::readOptionalManifestsEntry(const Library& product, const std::string& entry)
+{
+    return readProduct(product, [&](const XMLRepositoryProductCachePtr& productCache) {
+        return productCache ? productCache->readOptionalManifestsEntry(entry) : QByteArray();
+    });
+}
+
 TandrilObjectIterator XMLRepositoryReaderCache::getChildrenIterator(const TandrilObject& object)
 {
     const SubSystem subsystem = object.toSubSystem();

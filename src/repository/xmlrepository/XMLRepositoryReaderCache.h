@@ -42,6 +42,11 @@ public:
 
     std::size_t productCacheCount() const { return m_productCaches.size(); }
 
+    // An entry of the product's manifests archive that the store may lack,
+    // read from the same private copy as its manifests; empty bytes if there
+    // is none.
+    QByteArray readOptionalManifestsEntry(const Library& product, const std::string& entry);
+
     // How many manifest nodes the products' models may hold in all before
     // products are released (read again when asked again): a walk over a
     // store of a million blocks then holds a part of it, while a store of a
