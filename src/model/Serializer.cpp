@@ -162,6 +162,11 @@ bool Serializer::load(Model& model, QIODevice& device, const std::string& origin
 
 bool Serializer::saveToFile(const Model& model, const std::string& path, ErrorHolder& errors, int options)
 {
+    return saveBytesToFile(saveToByteArray(model, options), path, errors);
+}
+
+bool Serializer::saveBytesToFile(const QByteArray& bytes, const std::string& path, ErrorHolder& errors)
+{
     // Written aside and renamed into place, so a reader never sees half a file.
     QSaveFile file(QString::fromStdString(path));
     bool refused = FileFaults::failNow(FileFaults::Create, path);
@@ -170,7 +175,7 @@ bool Serializer::saveToFile(const Model& model, const std::string& path, ErrorHo
                         + (refused ? FileFaults::message() : file.errorString().toStdString()));
         return false;
     }
-    write(model, file, options);
+    file.write(bytes);
     refused = FileFaults::failNow(FileFaults::Write, path) || FileFaults::failNow(FileFaults::Rename, path);
     if (refused)
         file.cancelWriting();

@@ -30,6 +30,8 @@ public:
     static bool loadFromByteArray(Model& model, const QByteArray& bytes, ErrorHolder& errors);
     static bool saveToFile(const Model& model, const std::string& path, ErrorHolder& errors, int options);
     static QByteArray saveToByteArray(const Model& model, int options);
+    // A document already serialized, written as saveToFile writes one.
+    static bool saveBytesToFile(const QByteArray& bytes, const std::string& path, ErrorHolder& errors);
 
     // The signature a document carries, read from its root element without
     // building a model; works for documents of any schema. Null on failure.

@@ -79,10 +79,12 @@ void ReaderCacheRegistry::unloadProductCaches(const std::string& directory, cons
     });
 }
 
-void ReaderCacheRegistry::unloadTopLevelCaches(const std::string& directory)
+void ReaderCacheRegistry::unloadTopLevelCaches(const std::string& directory, const ReaderCache* kept)
 {
-    forEachCache(directory, [](ReaderCache& cache) {
+    forEachCache(directory, [kept](ReaderCache& cache) {
         cache.clearTopLevelHandles();
+        if (&cache == kept)
+            return;
         cache.unloadTopLevel();
     });
 }

@@ -27,8 +27,8 @@ public:
     // cache drops what it loaded for the product.
     static void unloadProductCaches(const std::string& directory, const Library& product);
     // The library-level handles and the placeholders lose their nodes, then
-    // the cache drops its top level.
-    static void unloadTopLevelCaches(const std::string& directory);
+    // the cache drops its top level; `kept`, if given, keeps its model.
+    static void unloadTopLevelCaches(const std::string& directory, const ReaderCache* kept = nullptr);
     // Models read from the directory's store are about to go: handles on
     // their nodes, in any cache of the directory, lose them first.
     static void forgetModels(const std::string& directory, const std::unordered_set<const Model*>& models);

@@ -1,6 +1,7 @@
 #include "repository/xmlrepository/ArchiveUpdater.h"
 
 #include "model/Model.h"
+#include "model/Serializer.h"
 #include "platform/ErrorHolder.h"
 #include "platform/FileFaults.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
@@ -67,13 +68,13 @@ bool ArchiveUpdater::saveManifests()
     bool saved = true;
     for (const auto& [node, model] : m_context.state.subSystemModels()) {
         const std::string path = temp + "/" + node->getManifestFileSpec();
-        saved = saveManifest(*m_context.report, *model, path) && saved;
+        saved = saveManifest(*m_context.report, model->saveToBytes(Model::Compact), path) && saved;
         m_context.state.manifestFiles.push_back(path);
     }
     return saved;
 }
 
-bool ArchiveUpdater::saveManifest(RepositoryReport& report, const Model& model, const std::string& path)
+bool ArchiveUpdater::saveManifest(RepositoryReport& report, const QByteArray& bytes, const std::string& path)
 {
     const QString directory = QFileInfo(qs(path)).absolutePath();
     if (!QFileInfo::exists(directory)
@@ -82,7 +83,7 @@ bool ArchiveUpdater::saveManifest(RepositoryReport& report, const Model& model, 
         return false;
     }
     ErrorHolder errors;
-    model.save(path, errors, Model::Compact);
+    Serializer::saveBytesToFile(bytes, path, errors);
     if (errors.hasError())
         report.logError("Unable to save manifest file " + path + ": " + errors.message());
     return !errors.hasError();

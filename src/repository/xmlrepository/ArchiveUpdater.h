@@ -2,6 +2,7 @@
 
 #include "platform/ZipArchive.h"
 
+#include <QByteArray>
 #include <string>
 #include <vector>
 
@@ -51,8 +52,9 @@ public:
     // False, and an error, if the file is there and can't be removed.
     bool removeArchive(const std::string& path);
 
-    // Saves a manifest, making its directory first. False, and an error, on failure.
-    static bool saveManifest(RepositoryReport& report, const Model& model, const std::string& path);
+    // Saves a manifest serialized in the compact form, making its directory
+    // first. False, and an error, on failure.
+    static bool saveManifest(RepositoryReport& report, const QByteArray& bytes, const std::string& path);
 
 private:
     // Whether the product's repository directory stays inside the store;

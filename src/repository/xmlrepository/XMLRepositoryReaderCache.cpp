@@ -100,6 +100,20 @@ void XMLRepositoryReaderCache::forgetReplacedTopLevels(const std::string& direct
         ReaderCacheRegistry::unloadTopLevelCaches(directory);
 }
 
+bool XMLRepositoryReaderCache::keepsWrittenTopLevel(const Model& model)
+{
+    if (m_topLevelModel.get() != &model)
+        return false;
+    const FileStamp stamp = fileStamp(XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false));
+    if (!stamp.exists)
+        return false;
+    m_topLevelStamp = stamp;
+    // Products may have come or gone: the list is made again, after the
+    // registry has cleared the old handles' nodes.
+    m_topLevelHandles.reset();
+    return true;
+}
+
 ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
 {
     if (m_topLevelModel)
@@ -121,16 +135,20 @@ ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
     }
     m_topLevelModel = model;
     m_topLevelStamp = stamp;
-    auto handles = std::make_shared<TandrilObjectList>();
-    for (TandrilObjectImpl* node : model->getNodes())
-        handles->emplace_back(node, m_reader->getCache());
-    m_topLevelHandles = std::move(handles);
+    m_topLevelHandles.reset();
     return m_topLevelModel;
 }
 
 const TandrilObjectListPtr& XMLRepositoryReaderCache::topLevelHandles()
 {
     const TandrilObjectImplList& nodes = m_topLevelModel->getNodes();
+    if (!m_topLevelHandles) {
+        auto handles = std::make_shared<TandrilObjectList>();
+        for (TandrilObjectImpl* node : nodes)
+            handles->emplace_back(node, m_reader->getCache());
+        m_topLevelHandles = std::move(handles);
+        return m_topLevelHandles;
+    }
     for (std::size_t i = 0; i < m_topLevelHandles->size(); ++i) {
         const TandrilObject& handle = (*m_topLevelHandles)[i];
         if (handle.getData() && !handle.getData()->node())

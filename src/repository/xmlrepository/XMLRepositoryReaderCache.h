@@ -60,6 +60,10 @@ public:
     // manifest that another process has since replaced. Called by a writer
     // once it holds the store's lock, before it reads the store.
     static void forgetReplacedTopLevels(const std::string& directory);
+    // The store's top-level manifest was just written from `model`: if that
+    // is the one this cache holds, the cache keeps it, stamped with the new
+    // file, instead of reading back what it already has.
+    bool keepsWrittenTopLevel(const Model& model);
 
 private:
     // The bytes of the top-level manifest and the stamp of the file they

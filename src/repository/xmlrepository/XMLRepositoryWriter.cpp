@@ -463,13 +463,18 @@ void XMLRepositoryWriter::updateTopLevelManifest(const Model& model, bool unchan
     // The read caches then hold what the file holds, and need not read it
     // again: at a thousand products that read costs more than the rest of
     // a generation of one.
-    if (holdsBytes(path, model.saveToBytes(Model::Compact)))
+    // Serialized once: at a thousand products each writing costs more than
+    // the product it follows.
+    const QByteArray bytes = model.saveToBytes(Model::Compact);
+    if (holdsBytes(path, bytes))
         return;
     const std::string copy = XMLRepository::getTopLevelManifestFile(*m_report, m_context.tempDirectory(), false);
     // An older copy left in the temporary directory must not take its place.
-    if (ArchiveUpdater::saveManifest(*m_report, model, copy))
-        copyFile(*m_report, copy, path);
-    ReaderCacheRegistry::unloadTopLevelCaches(m_directory);
+    const bool written = ArchiveUpdater::saveManifest(*m_report, bytes, copy) && copyFile(*m_report, copy, path);
+    // The writer's own reader holds the model just written; reading it back
+    // after each product of a thousand cost more than the product.
+    XMLRepositoryReaderCache& own = m_reader->readerCache();
+    ReaderCacheRegistry::unloadTopLevelCaches(m_directory, written && own.keepsWrittenTopLevel(model) ? &own : nullptr);
 }
 
 void XMLRepositoryWriter::clearGenerationState()
