@@ -216,7 +216,11 @@ class ScaleRun:
     def edit_one_library(self, run):
         library = self.root / "toolbox/synthetic/synth_0000/synth_0000.tdlib.json"
         text = library.read_text()
-        text = re.sub(r'"description": "[^"]*"', f'"description": "Edited in run {run}."', text, count=1)
+        # The text differs from every earlier run's too: a root kept by
+        # --reuse-roots already holds "Edited in run 0.", and a library whose
+        # checksum is unchanged is rightly not generated again.
+        text = re.sub(r'"description": "[^"]*"', f'"description": "Edited in run {run} at {time.time_ns()}."', text,
+                      count=1)
         library.write_text(text)
         # Dated ahead, so that a minimal generation cannot take it for unchanged.
         stamp = time.time() + 60 * (run + 1)
