@@ -4,7 +4,9 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <limits>
+#include <vector>
 
 namespace LibraryBrowser {
 
@@ -24,6 +26,8 @@ constexpr std::uint16_t zip64ExtraId = 0x0001;
 constexpr std::uint16_t methodStored = 0;
 constexpr std::uint16_t methodDeflated = 8;
 constexpr std::uint16_t flagEncrypted = 0x0001;
+// Larger archives are checked entry by entry from the open file.
+constexpr qint64 wholeReadLimit = qint64(64) << 20;
 
 // Little-endian fields at an offset the caller has checked to be inside.
 std::uint64_t field(const QByteArray& bytes, qsizetype at, int width)
@@ -214,7 +218,59 @@ bool ZipEntryIndex::read(const std::string& path, const std::string& name, QByte
         error = "No such file";
         return false;
     }
-    const Entry& entry = found->second;
+    if (!readable(found->second, error))
+        return false;
+    QFile file(QString::fromStdString(path));
+    if (!openUnbuffered(file, error))
+        return false;
+    return decode(found->second,
+                  [&](std::uint64_t offset, qint64 length, QByteArray& part) {
+                      return readAt(file, offset, length, part);
+                  },
+                  bytes, error);
+}
+
+bool ZipEntryIndex::readsWhole(const std::string& path, std::string& error) const
+{
+    QFile file(QString::fromStdString(path));
+    if (!openUnbuffered(file, error))
+        return false;
+    // One open and, for an archive of a usual size, one read: opening the
+    // file again for each of a thousand icons costs ten times the checks.
+    const qint64 size = file.size();
+    QByteArray whole;
+    const bool inMemory = size <= wholeReadLimit;
+    if (inMemory && !readAt(file, 0, size, whole)) {
+        error = "Can't read file: " + file.errorString().toStdString();
+        return false;
+    }
+    const auto fetch = [&](std::uint64_t offset, qint64 length, QByteArray& part) {
+        if (!inMemory)
+            return readAt(file, offset, length, part);
+        if (offset > std::uint64_t(whole.size()) || std::uint64_t(length) > std::uint64_t(whole.size()) - offset)
+            return false;
+        part = whole.mid(qsizetype(offset), qsizetype(length));
+        return true;
+    };
+    // In the order of the file, so that the first damaged entry is named.
+    std::vector<const std::pair<const std::string, Entry>*> entries;
+    entries.reserve(m_entries.size());
+    for (const auto& entry : m_entries)
+        entries.push_back(&entry);
+    std::sort(entries.begin(), entries.end(),
+              [](const auto* a, const auto* b) { return a->second.headerOffset < b->second.headerOffset; });
+    QByteArray bytes;
+    for (const auto* entry : entries) {
+        if (!readable(entry->second, error) || !decode(entry->second, fetch, bytes, error)) {
+            error = "the entry " + entry->first + ": " + error;
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ZipEntryIndex::readable(const Entry& entry, std::string& error)
+{
     if (entry.flags & flagEncrypted) {
         error = "Encrypted entries are not read";
         return false;
@@ -228,20 +284,23 @@ bool ZipEntryIndex::read(const std::string& path, const std::string& name, QByte
         error = "Entry too large";
         return false;
     }
-    QFile file(QString::fromStdString(path));
-    if (!openUnbuffered(file, error))
-        return false;
+    return true;
+}
+
+template<typename Fetch>
+bool ZipEntryIndex::decode(const Entry& entry, const Fetch& fetch, QByteArray& bytes, std::string& error)
+{
+    bytes.clear();
     QByteArray header, data;
-    if (!readAt(file, entry.headerOffset, localHeaderSize, header) || field(header, 0, 4) != localHeaderSignature) {
+    if (!fetch(entry.headerOffset, localHeaderSize, header) || field(header, 0, 4) != localHeaderSignature) {
         error = "Damaged local header";
         return false;
     }
     const std::uint64_t dataOffset = entry.headerOffset + localHeaderSize + field(header, 26, 2) + field(header, 28, 2);
-    if (!readAt(file, dataOffset, qint64(entry.compressedSize), data)) {
+    if (!fetch(dataOffset, qint64(entry.compressedSize), data)) {
         error = "Entry data is cut short";
         return false;
     }
-    file.close();
     QByteArray result;
     if (entry.method == methodStored) {
         if (entry.compressedSize != entry.size) {
@@ -260,18 +319,6 @@ bool ZipEntryIndex::read(const std::string& path, const std::string& name, QByte
         return false;
     }
     bytes = result;
-    return true;
-}
-
-bool ZipEntryIndex::readsWhole(const std::string& path, std::string& error) const
-{
-    QByteArray bytes;
-    for (const auto& entry : m_entries) {
-        if (!read(path, entry.first, bytes, error)) {
-            error = "the entry " + entry.first + ": " + error;
-            return false;
-        }
-    }
     return true;
 }
 

@@ -44,6 +44,10 @@ private:
         std::uint16_t flags = 0;
     };
 
+    static bool readable(const Entry& entry, std::string& error);
+    // The entry's bytes, checked, from `fetch(offset, length, part)`.
+    template<typename Fetch>
+    static bool decode(const Entry& entry, const Fetch& fetch, QByteArray& bytes, std::string& error);
     bool parseDirectory(const QByteArray& directory, std::uint64_t count, std::string& error);
 
     std::unordered_map<std::string, Entry> m_entries;
