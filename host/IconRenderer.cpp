@@ -16,12 +16,23 @@ constexpr int longestLabel = 14;
 // Coordinates with at most one decimal, so that output is short and stable.
 std::string num(double value)
 {
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.1f", std::round(value * 10) / 10);
-    std::string text = buffer;
-    if (text.size() > 2 && text.compare(text.size() - 2, 2, ".0") == 0)
-        text.resize(text.size() - 2);
-    return text == "-0" ? "0" : text;
+    const double tenths = std::round(value * 10);
+    if (!(std::abs(tenths) < 1e15)) {
+        char buffer[32];
+        std::snprintf(buffer, sizeof buffer, "%.1f", tenths / 10);
+        std::string text = buffer;
+        if (text.size() > 2 && text.compare(text.size() - 2, 2, ".0") == 0)
+            text.resize(text.size() - 2);
+        return text;
+    }
+    // In whole tenths, as "%.1f" would print them: formatting a double costs
+    // more than the rest of an icon, and a generation draws a thousand.
+    const long long whole = static_cast<long long>(std::abs(tenths));
+    std::string text = whole == 0 ? std::string() : tenths < 0 ? "-" : "";
+    text += std::to_string(whole / 10);
+    if (whole % 10 != 0)
+        text += '.' + std::to_string(whole % 10);
+    return text;
 }
 
 std::string escapeXml(const std::string& text)

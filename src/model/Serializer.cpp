@@ -14,6 +14,8 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
+#include <algorithm>
+
 namespace LibraryBrowser {
 
 namespace {
@@ -223,8 +225,22 @@ void Serializer::write(const Model& model, QIODevice& device, int options)
 
 Signature Serializer::getModelSignatureFromByteArray(const QByteArray& bytes, ErrorHolder& errors)
 {
-    QXmlStreamReader reader(bytes);
-    if (!reader.readNextStartElement()) {
+    // The signature is on the first element: the reader is given the bytes
+    // a piece at a time, so that a large document is not decoded whole.
+    QXmlStreamReader reader;
+    qsizetype given = 0;
+    const auto giveMore = [&] {
+        const qsizetype piece = std::max<qsizetype>(4096, given);
+        reader.addData(bytes.mid(given, piece));
+        given = std::min(bytes.size(), given + piece);
+    };
+    giveMore();
+    bool found = reader.readNextStartElement();
+    while (!found && reader.error() == QXmlStreamReader::PrematureEndOfDocumentError && given < bytes.size()) {
+        giveMore();
+        found = reader.readNextStartElement();
+    }
+    if (!found) {
         errors.addError(reader.hasError() ? "Unable to read the signature: " + reader.errorString().toStdString()
                                           : std::string("Unable to read the signature: empty document"));
         return Signature();

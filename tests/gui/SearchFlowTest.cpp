@@ -246,8 +246,9 @@ TEST_F(ResultsPageTest, SectionsFollowTheLibrariesAndAHiddenOneIsRememberedOrFor
     clickToggle(page, "Switchyard");
     EXPECT_EQ(sections(page), "Tandril 4, Kinetics 3, Signal Workbench 4, -Switchyard 3") << "the tiles outlive the hide";
     // The picture for the docs, where TDLB_SCREENSHOT_DIR names a directory.
-    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR"))
+    if (const char* directory = std::getenv("TDLB_SCREENSHOT_DIR")) {
         EXPECT_TRUE(page.getScrollView()->grab().save(QString::fromLocal8Bit(directory) + "/results-page.png", "PNG"));
+    }
     EXPECT_TRUE(page.getSectionByName("Switchyard")->header->imageLink()->expandsOnClick());
 
     window.searchForBlock("gate");

@@ -77,6 +77,16 @@ TEST_F(ProductListChangesTest, OneWriterSeesEveryChangeOfTheProductList)
     writer->updateProducts();
     EXPECT_EQ(dependencySpecs(*makeReader(), "kinetics"),
               (std::vector<std::string>{"toolbox/kinetics/kinetics.tdlib.json", "toolbox/kinetics/tree.svg"}));
+    // The model file's checksum is computed once for both of its records;
+    // every other file still gets its own.
+    writer->generateProduct(makeReader()->getProduct("kinetics"), GenerationMode::Regenerate);
+    const auto generated = makeReader();
+    const auto* kinetics = dynamic_cast<const LibraryImpl*>(generated->getProduct("kinetics").getImpl());
+    ASSERT_TRUE(kinetics);
+    ASSERT_EQ(kinetics->getFileDependencies().size(), 2u);
+    for (const FileInfo& info : kinetics->getFileDependencies())
+        EXPECT_EQ(info.checkSum, computeCheckSum(*report, root() + "/" + info.fileSpec)) << info.fileSpec;
+    EXPECT_EQ(kinetics->getModelFileCheckSum(), kinetics->getFileDependencies().front().checkSum);
 
     SCOPED_TRACE("a product removed, and back");
     const QByteArray wavecraft = readFile(root() + "/toolbox/wavecraft/tdblocks.json");

@@ -129,7 +129,7 @@ TEST_F(SearchIndexTest, FollowsTheProductAcrossAGeneration)
         const TandrilObject product = it.current();
         if (product.isPalette())
             continue;
-        for (const std::string& pattern : {"Square", "Wave", "Sources", "a"}) {
+        for (const char* pattern : {"Square", "Wave", "Sources", "a"}) {
             const std::optional<Answer> answer = indexed(*reader, product, pattern, o);
             answered += answer.has_value();
             EXPECT_EQ(answer, walked(*reader, product, pattern, o)) << product.getDisplayName() << " " << pattern;

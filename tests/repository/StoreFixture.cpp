@@ -26,7 +26,7 @@ void StoreFixture::SetUp()
     interpreter.on("tdprivate:rmdir", [](int, const std::vector<HostValue>& inputs) {
         const bool removed = QDir(QString::fromStdString(inputs.at(1).toString())).removeRecursively();
         return HostInterpreter::CallResult{true, {HostValue::logicalScalar(removed),
-                                                  HostValue::string(removed ? "" : "rmdir failed"), HostValue::string("")}};
+                                                  HostValue::string(removed ? "" : "rmdir failed"), HostValue::string("")}, {}, {}};
     });
     Platform::setInterpreter(&interpreter);
 }
@@ -104,7 +104,7 @@ void StoreFixture::recordModelFile(LibraryImpl& library, const std::string& spec
         if (it == m_modelFiles.end())
             return HostInterpreter::CallResult{};
         return HostInterpreter::CallResult{true, {HostValue::cellOfStrings({it->second}),
-            HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())), HostValue()}};
+            HostValue::doubleScalar(double(readFile(hostRoot() + "/" + it->second).size())), HostValue()}, {}, {}};
     });
 }
 

@@ -177,14 +177,14 @@ bool ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::s
         const std::string name = file.compare(0, prefix.size(), prefix) == 0 ? file.substr(prefix.size()) : file;
         // A file the host did not write is passed over: the reader then
         // finds no icon rather than an empty one.
-        QFile source(qs(file));
-        if (!source.open(QIODevice::ReadOnly))
+        QByteArray bytes;
+        if (!readFileBytes(file, bytes))
             continue;
-        if (!archive.add(name, source.readAll())) {
+        if (!archive.add(name, bytes)) {
             m_context.report->logError("Unable to add " + name + " to archive " + path);
             return false;
         }
-        if ((pending += source.size()) >= BytesPerReopen) {
+        if ((pending += bytes.size()) >= BytesPerReopen) {
             if (!closeArchive(archive))
                 return false;
             if (!archive.open(path, ZipArchive::OpenExisting)) {

@@ -22,15 +22,17 @@ void LibraryRecords::updateLibraryData(LibraryImpl& library)
     model->commitChangeSet();
 }
 
-void LibraryRecords::updateLibraryCheckSum(LibraryImpl& library)
+void LibraryRecords::updateCheckSums(LibraryImpl& library)
 {
     const LibraryData data = m_context.host.getLibraryData(library.getPath());
-    const std::string file = absolutePath(Platform::environment().root(), forwardSlashes(data.fileSpec));
-    const std::string checkSum = computeCheckSum(*m_context.report, file);
+    KnownCheckSum modelFile;
+    modelFile.path = absolutePath(Platform::environment().root(), forwardSlashes(data.fileSpec));
+    modelFile.checkSum = computeCheckSum(*m_context.report, modelFile.path);
     Model* model = library.getModel();
     model->beginChangeSet();
-    library.setModelFileCheckSum(checkSum);
+    library.setModelFileCheckSum(modelFile.checkSum);
     model->commitChangeSet();
+    updateFileDependencies(library, true, &modelFile);
 }
 
 void LibraryRecords::updateFileDependencyDates(LibraryImpl& library)
@@ -43,7 +45,7 @@ void LibraryRecords::updateFileDependencyCheckSums(LibraryImpl& library)
     updateFileDependencies(library, true);
 }
 
-void LibraryRecords::updateFileDependencies(LibraryImpl& library, bool withCheckSums)
+void LibraryRecords::updateFileDependencies(LibraryImpl& library, bool withCheckSums, const KnownCheckSum* known)
 {
     const std::string root = Platform::environment().root();
     FileInfoVector updated;
@@ -54,7 +56,12 @@ void LibraryRecords::updateFileDependencies(LibraryImpl& library, bool withCheck
             continue;
         FileInfo info;
         info.fileSpec = old.fileSpec;
-        info.checkSum = withCheckSums ? computeCheckSum(*m_context.report, path) : old.checkSum;
+        if (!withCheckSums)
+            info.checkSum = old.checkSum;
+        else if (known && known->path == path)
+            info.checkSum = known->checkSum;
+        else
+            info.checkSum = computeCheckSum(*m_context.report, path);
         info.date = std::uint64_t(file.lastModified().toSecsSinceEpoch());
         info.size = std::uint64_t(file.size());
         updated.push_back(info);

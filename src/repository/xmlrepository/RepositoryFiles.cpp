@@ -17,9 +17,12 @@
 #include <QThread>
 
 #include <algorithm>
+#include <cerrno>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace LibraryBrowser {
 
@@ -260,6 +263,36 @@ bool holdsBytes(const std::string& path, const QByteArray& bytes)
     if (file.size() != bytes.size() || !file.open(QIODevice::ReadOnly))
         return false;
     return file.readAll() == bytes;
+}
+
+bool readFileBytes(const std::string& path, QByteArray& bytes)
+{
+    bytes.clear();
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    struct stat status;
+    bool ok = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    if (ok) {
+        // One more byte than the size: a file that grew meanwhile is read to its end.
+        bytes.resize(qsizetype(status.st_size) + 1);
+        qsizetype filled = 0;
+        for (;;) {
+            if (filled == bytes.size())
+                bytes.resize(bytes.size() * 2);
+            const ssize_t count = ::read(descriptor, bytes.data() + filled, std::size_t(bytes.size() - filled));
+            if (count < 0 && errno == EINTR)
+                continue;
+            if (count <= 0) {
+                ok = count == 0;
+                break;
+            }
+            filled += count;
+        }
+        bytes.resize(ok ? filled : 0);
+    }
+    ::close(descriptor);
+    return ok;
 }
 
 void reportLoadWarnings(RepositoryReport& report, const ErrorHolder& errors)

@@ -60,6 +60,10 @@ FileStamp fileStamp(const QFile& file);
 // Whether the file exists and holds exactly these bytes; false when it can't
 // be read.
 bool holdsBytes(const std::string& path, const QByteArray& bytes);
+// The whole of a regular file, false if it can't be opened or read. By the
+// system's calls: QFile's open alone adds three, and a generation reads back
+// a file for each of thousands of icons.
+bool readFileBytes(const std::string& path, QByteArray& bytes);
 // Whether the process runs as the automated build account; decided once.
 bool isAutomatedBuildUser();
 // Waits for about count milliseconds.

@@ -135,6 +135,7 @@ ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
     }
     m_topLevelModel = model;
     m_topLevelStamp = stamp;
+    noteVersion(bytes, stamp);
     m_topLevelHandles.reset();
     return m_topLevelModel;
 }
@@ -159,16 +160,28 @@ const TandrilObjectListPtr& XMLRepositoryReaderCache::topLevelHandles()
 
 std::string XMLRepositoryReaderCache::getVersion()
 {
+    // A generation asks several times; the file it read last is not read
+    // again while its stamp holds (writers replace it by a rename).
+    if (m_versionStamp.exists
+        && fileStamp(XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false)) == m_versionStamp)
+        return m_version;
     FileStamp stamp;
     const QByteArray bytes = readTopLevelBytes(stamp);
     if (bytes.isEmpty()) {
         m_report->log("Loaded an empty manifest while trying to read its version");
         return std::string();
     }
+    noteVersion(bytes, stamp);
+    return m_version;
+}
+
+void XMLRepositoryReaderCache::noteVersion(const QByteArray& bytes, const FileStamp& stamp)
+{
     // A document without a readable signature gives the null signature's
     // text, which matches no schema: the callers treat the store as stale.
     ErrorHolder errors;
-    return Serializer::getModelSignatureFromByteArray(bytes, errors).toString();
+    m_version = Serializer::getModelSignatureFromByteArray(bytes, errors).toString();
+    m_versionStamp = stamp;
 }
 
 TandrilObjectIterator XMLRepositoryReaderCache::getAllProductsIterator()

@@ -69,6 +69,8 @@ private:
     // The bytes of the top-level manifest and the stamp of the file they
     // were read from.
     QByteArray readTopLevelBytes(FileStamp& stamp);
+    // Keeps the signature text of the top-level manifest read with `stamp`.
+    void noteVersion(const QByteArray& bytes, const FileStamp& stamp);
     // Whether the loaded top-level manifest is no longer the one on disk.
     bool topLevelReplaced() const;
     // Reads the product's part of the store through `read`; if another
@@ -91,6 +93,9 @@ private:
     RepositoryReader* m_reader;
     ModelPtr m_topLevelModel;
     FileStamp m_topLevelStamp;
+    // The signature text of the top-level manifest last read, and its stamp.
+    std::string m_version;
+    FileStamp m_versionStamp;
     TandrilObjectListPtr m_topLevelHandles;
     std::unordered_map<Library, XMLRepositoryProductCachePtr> m_productCaches;
     const RecentIconsPtr m_recentIcons = std::make_shared<RecentIcons>();

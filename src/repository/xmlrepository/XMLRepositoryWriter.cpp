@@ -339,9 +339,7 @@ std::string XMLRepositoryWriter::generateLibraries(LibraryImpl& product, const T
             continue;
         }
         m_records.updateLibraryData(*library);
-        m_records.updateLibraryCheckSum(*library);
-        m_records.updateFileDependencyDates(*library);
-        m_records.updateFileDependencyCheckSums(*library);
+        m_records.updateCheckSums(*library);
     }
     return failure;
 }
@@ -384,7 +382,6 @@ void XMLRepositoryWriter::generatePalette(const ModelPtr& topLevel, PaletteImpl&
         if (m_activeReader->getChildrenIterator(child).isValidIterator())
             node->setIsFlat(false);
     updateLastModified(*node);
-    m_records.updateFileDependencyDates(*node);
     m_records.updateFileDependencyCheckSums(*node);
     current->commitChangeSet();
     updateTopLevelManifest(*current);
