@@ -1,6 +1,7 @@
 #include "repository/xmlrepository/StoreDamage.h"
 
 #include "platform/ZipEntryIndex.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 
 #include <QDir>
@@ -8,9 +9,11 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-#include <sys/stat.h>
-
+#include <charconv>
+#include <cstring>
 #include <unordered_map>
+
+#include <sys/stat.h>
 
 namespace LibraryBrowser {
 
@@ -23,21 +26,21 @@ struct NotePlace {
 };
 
 // Size and date of a file as the verified record keeps them.
-struct FileStamp {
+struct VerifiedStamp {
     qint64 size = -1;
     qint64 modified = 0;
-    bool operator==(const FileStamp& o) const { return size == o.size && modified == o.modified; }
+    bool operator==(const VerifiedStamp& o) const { return size == o.size && modified == o.modified; }
 };
 
 // The date as QFileInfo gives it, in milliseconds, but from stat itself:
 // QFileInfo's date passes through the local time zone, which cost more than
 // the rest of an unchanged product's up-to-date test.
-FileStamp stampOf(const QString& path)
+VerifiedStamp stampOf(const QString& path)
 {
     struct stat status {};
     if (::stat(QFile::encodeName(path).constData(), &status) != 0 || !S_ISREG(status.st_mode))
-        return FileStamp{};
-    return FileStamp{qint64(status.st_size),
+        return VerifiedStamp{};
+    return VerifiedStamp{qint64(status.st_size),
                      qint64(status.st_mtim.tv_sec) * 1000 + qint64(status.st_mtim.tv_nsec) / 1000000};
 }
 
@@ -47,7 +50,7 @@ FileStamp stampOf(const QString& path)
 struct VerifiedRecords {
     bool loaded = false;
     bool changed = false;
-    std::unordered_map<std::string, FileStamp> stamps;
+    std::unordered_map<std::string, VerifiedStamp> stamps;
 };
 
 std::unordered_map<std::string, VerifiedRecords>& verifiedRecords()
@@ -62,13 +65,31 @@ VerifiedRecords& recordsOf(const std::string& file)
     if (records.loaded)
         return records;
     records.loaded = true;
-    QFile in(QString::fromStdString(file));
-    if (!in.open(QIODevice::ReadOnly | QIODevice::Text))
+    // Read whole and scanned in place: a store that has met a thousand
+    // products holds thousands of lines, and every generation reads them.
+    QByteArray text;
+    if (!readFileBytes(file, text))
         return records;
-    while (!in.atEnd()) {
-        const QList<QByteArray> fields = in.readLine().trimmed().split('\t');
-        if (fields.size() == 3)
-            records.stamps[fields[2].toStdString()] = FileStamp{fields[0].toLongLong(), fields[1].toLongLong()};
+    const char* at = text.constData();
+    const char* const end = at + text.size();
+    while (at < end) {
+        const char* lineEnd = static_cast<const char*>(std::memchr(at, '\n', std::size_t(end - at)));
+        if (!lineEnd)
+            lineEnd = end;
+        VerifiedStamp stamp;
+        const auto size = std::from_chars(at, lineEnd, stamp.size);
+        const auto modified = size.ec == std::errc() && size.ptr < lineEnd && *size.ptr == '\t'
+                                  ? std::from_chars(size.ptr + 1, lineEnd, stamp.modified)
+                                  : std::from_chars_result{lineEnd, std::errc::invalid_argument};
+        if (modified.ec == std::errc() && modified.ptr < lineEnd && *modified.ptr == '\t') {
+            const char* path = modified.ptr + 1;
+            const char* pathEnd = lineEnd;
+            if (pathEnd > path && pathEnd[-1] == '\r')
+                --pathEnd;
+            if (pathEnd > path && !std::memchr(path, '\t', std::size_t(pathEnd - path)))
+                records.stamps[std::string(path, pathEnd)] = stamp;
+        }
+        at = lineEnd + 1;
     }
     return records;
 }
@@ -77,11 +98,20 @@ void writeRecords(const std::string& file, const VerifiedRecords& records)
 {
     QDir().mkpath(QFileInfo(QString::fromStdString(file)).absolutePath());
     QSaveFile out(QString::fromStdString(file));
-    if (!out.open(QIODevice::WriteOnly | QIODevice::Text))
+    if (!out.open(QIODevice::WriteOnly))
         return;
-    for (const auto& [path, stamp] : records.stamps)
-        out.write(QByteArray::number(stamp.size) + '\t' + QByteArray::number(stamp.modified) + '\t'
-                  + QByteArray::fromStdString(path) + '\n');
+    std::string text;
+    text.reserve(records.stamps.size() * 160);
+    char number[24];
+    for (const auto& [path, stamp] : records.stamps) {
+        text.append(number, std::to_chars(number, number + sizeof number, stamp.size).ptr);
+        text += '\t';
+        text.append(number, std::to_chars(number, number + sizeof number, stamp.modified).ptr);
+        text += '\t';
+        text += path;
+        text += '\n';
+    }
+    out.write(text.data(), qint64(text.size()));
     out.commit();
 }
 
@@ -172,7 +202,7 @@ bool StoreDamage::archiveVerified(const std::string& storeDirectory, const std::
     const auto found = places().find(forwardSlashes(storeDirectory));
     if (found == places().end())
         return false;
-    const FileStamp stamp = stampOf(qs(archivePath));
+    const VerifiedStamp stamp = stampOf(qs(archivePath));
     const VerifiedRecords& records = recordsOf(found->second.verifiedFile);
     const auto known = records.stamps.find(recordKey(archivePath));
     return stamp.size >= 0 && known != records.stamps.end() && known->second == stamp;
@@ -183,7 +213,7 @@ std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const 
     const auto found = places().find(forwardSlashes(storeDirectory));
     if (found == places().end())
         return std::string();
-    const FileStamp stamp = stampOf(qs(archivePath));
+    const VerifiedStamp stamp = stampOf(qs(archivePath));
     if (stamp.size < 0)
         return std::string();
     VerifiedRecords& records = recordsOf(found->second.verifiedFile);
@@ -206,7 +236,7 @@ void StoreDamage::archiveWritten(const std::string& storeDirectory, const std::s
     if (found == places().end())
         return;
     VerifiedRecords& records = recordsOf(found->second.verifiedFile);
-    const FileStamp stamp = stampOf(qs(archivePath));
+    const VerifiedStamp stamp = stampOf(qs(archivePath));
     if (stamp.size < 0)
         records.stamps.erase(recordKey(archivePath));
     else
