@@ -7,7 +7,7 @@ namespace LibraryBrowser {
 std::shared_ptr<Repository> Repository::open()
 {
     auto repository = std::make_shared<XMLRepository>();
-    repository->updateProducts();
+    repository->updateProductsOnOpen();
     return repository;
 }
 
@@ -16,7 +16,7 @@ std::shared_ptr<Repository> Repository::open(const std::string& writableDirector
                                              const std::vector<std::string>& hostPathList)
 {
     auto repository = std::make_shared<XMLRepository>(writableDirectory, shippedDirectory, hostPathList);
-    repository->updateProducts();
+    repository->updateProductsOnOpen();
     return repository;
 }
 

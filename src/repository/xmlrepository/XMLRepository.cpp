@@ -203,6 +203,22 @@ void XMLRepository::generateProduct(const Library& product, GenerationMode mode)
 
 void XMLRepository::updateProducts()
 {
+    bringProductsInStep();
+    // Also where nothing changed: a refresh must read every product again.
+    if (!m_readOnly)
+        forgetTopLevelManifests();
+}
+
+void XMLRepository::updateProductsOnOpen()
+{
+    // Nothing was read before that the update could leave behind, and what
+    // it read itself is what the store holds; a manifest another process
+    // replaced is dropped, as by every update.
+    bringProductsInStep();
+}
+
+void XMLRepository::bringProductsInStep()
+{
     // Nothing to bring in step where nothing can be written: the stores are
     // read as they are.
     if (m_readOnly)
@@ -211,8 +227,6 @@ void XMLRepository::updateProducts()
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_writableDirectory);
     syncTopLevelManifest();
     m_writer->updateProducts();
-    // Also where nothing changed: a refresh must read every product again.
-    forgetTopLevelManifests();
 }
 
 void XMLRepository::destroyRepository()

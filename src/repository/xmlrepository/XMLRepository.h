@@ -57,6 +57,9 @@ public:
     void generateRepository(GenerationMode mode) override;
     void generateProduct(const Library& product, GenerationMode mode) override;
     void updateProducts() override;
+    // updateProducts for a repository just made, which has read nothing yet:
+    // what the update loaded is kept for the reads that follow.
+    void updateProductsOnOpen();
     void destroyRepository() override;
     void destroyProduct(const Library& product) override;
 
@@ -100,6 +103,7 @@ public:
                                     XMLRepositoryReader& shippedReader, const Library& product);
 
 private:
+    void bringProductsInStep();
     // Notes as damage an archive missing from the writable store where its
     // own record of the product says it made one.
     void noteMissingArchives(const Library& product);
