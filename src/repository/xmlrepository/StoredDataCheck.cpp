@@ -12,7 +12,7 @@
 
 namespace LibraryBrowser {
 
-std::string StoredDataCheck::manifestProblem(const std::string& name, const QByteArray& bytes)
+std::string StoredDataCheck::manifestProblem(const std::string& name, const QByteArray& bytes, ReadManifest* read)
 {
     ErrorHolder errors;
     if (Serializer::getModelSignatureFromByteArray(bytes, errors) != Signature::manifestSchema())
@@ -20,15 +20,17 @@ std::string StoredDataCheck::manifestProblem(const std::string& name, const QByt
     const ModelPtr model = Model::createModel();
     if (!model->loadFromBytes(bytes, errors) || errors.hasError())
         return name + " can't be read: " + errors.message();
+    if (read)
+        *read = ReadManifest{model, bytes, errors};
     return std::string();
 }
 
-std::string StoredDataCheck::manifestFileProblem(const std::string& path)
+std::string StoredDataCheck::manifestFileProblem(const std::string& path, ReadManifest* read)
 {
     QFile file(QString::fromStdString(path));
     if (!file.open(QIODevice::ReadOnly))
         return "it can't be opened: " + file.errorString().toStdString();
-    return manifestProblem("it", file.readAll());
+    return manifestProblem("it", file.readAll(), read);
 }
 
 std::string StoredDataCheck::productProblem(const std::string& storeDirectory, const LibraryImpl& product)

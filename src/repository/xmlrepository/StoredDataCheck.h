@@ -1,5 +1,8 @@
 #pragma once
 
+#include "model/Model.h"
+#include "platform/ErrorHolder.h"
+
 #include <QByteArray>
 
 #include <string>
@@ -21,12 +24,20 @@ public:
     // Whether the store holds the product's manifests archive and all it
     // holds for the product can be read: what a failed generation keeps.
     static bool holdsReadableArchives(const std::string& storeDirectory, const LibraryImpl& product);
-    // Why a manifest file can't be read, or the empty string.
-    static std::string manifestFileProblem(const std::string& path);
+    // Why a manifest file can't be read, or the empty string. With `read`,
+    // a readable file's model, the bytes it was read from and the warnings
+    // of its load are given there.
+    struct ReadManifest {
+        ModelPtr model;
+        QByteArray bytes;
+        ErrorHolder errors;
+    };
+    static std::string manifestFileProblem(const std::string& path, ReadManifest* read = nullptr);
 
 private:
     // Why manifest bytes can't serve, or the empty string.
-    static std::string manifestProblem(const std::string& name, const QByteArray& bytes);
+    static std::string manifestProblem(const std::string& name, const QByteArray& bytes,
+                                       ReadManifest* read = nullptr);
 };
 
 } // namespace LibraryBrowser

@@ -314,7 +314,7 @@ void XMLRepository::syncTopLevelManifest()
     // no product on every run after. The manifest goes, since nothing can be
     // read from it, and the store is seeded anew from the shipped one.
     if (tokenFile.exists()) {
-        const std::string problem = StoredDataCheck::manifestFileProblem(writableTop);
+        const std::string problem = m_writer->reader().readerCache().topLevelFileProblem();
         if (!problem.empty()) {
             m_report->logWarning("The top level manifest " + writableTop
                                  + " is damaged and will be made anew: " + problem);

@@ -9,6 +9,7 @@
 #include "repository/search/TandrilObjectSearchIterator.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/StoreLock.h"
+#include "repository/xmlrepository/StoredDataCheck.h"
 #include "repository/xmlrepository/TempDirectories.h"
 #include "repository/xmlrepository/XMLRepository.h"
 
@@ -173,6 +174,23 @@ std::string XMLRepositoryReaderCache::getVersion()
     }
     noteVersion(bytes, stamp);
     return m_version;
+}
+
+std::string XMLRepositoryReaderCache::topLevelFileProblem()
+{
+    const std::string path = XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false);
+    const FileStamp before = fileStamp(path);
+    StoredDataCheck::ReadManifest read;
+    const std::string problem = StoredDataCheck::manifestFileProblem(path, &read);
+    // Kept only if no writer replaced the file while it was read.
+    if (problem.empty() && !m_topLevelModel && before.exists && fileStamp(path) == before) {
+        reportLoadWarnings(*m_report, read.errors);
+        m_topLevelModel = read.model;
+        m_topLevelStamp = before;
+        m_topLevelHandles.reset();
+        noteVersion(read.bytes, before);
+    }
+    return problem;
 }
 
 void XMLRepositoryReaderCache::noteVersion(const QByteArray& bytes, const FileStamp& stamp)

@@ -30,6 +30,11 @@ public:
     // The signature text of the top-level manifest as it is on disk now, or
     // the empty string. Doesn't touch the loaded model.
     std::string getVersion();
+    // Why the top-level manifest file can't be read, as
+    // StoredDataCheck::manifestFileProblem tells it, or the empty string.
+    // Where none is loaded yet, a readable one is kept as the loaded model:
+    // a check before a generation then costs no second read.
+    std::string topLevelFileProblem();
 
     TandrilObjectIterator getAllProductsIterator() override;
     TandrilObjectIterator getProductsIterator() override;
