@@ -259,6 +259,30 @@ TEST_F(RepositoryFilesTest, CheckSumIsTheDecimalMd5OfTheWholeFile)
 }
 
 
+// Inside a scope a file found once keeps the state it was found in; a file
+// missing is looked for again, a scope inside it changes nothing, and
+// nothing outlives the outer scope.
+TEST_F(RepositoryFilesTest, AScopeKeepsTheFilesItFoundAndNothingElse)
+{
+    const std::string file = path("scoped.json");
+    const std::string later = path("later.json");
+    writeFile(file, "12345");
+    struct stat status;
+    {
+        const FileStateScope scope;
+        ASSERT_TRUE(FileStateScope::stat(file, status));
+        writeFile(file, "123456789");
+        { const FileStateScope inner; }
+        ASSERT_TRUE(FileStateScope::stat(file, status));
+        EXPECT_EQ(status.st_size, 5);
+        EXPECT_FALSE(fileExists(later));
+        writeFile(later, "x");
+        EXPECT_TRUE(fileExists(later));
+    }
+    ASSERT_TRUE(FileStateScope::stat(file, status));
+    EXPECT_EQ(status.st_size, 9);
+}
+
 using Segments = std::vector<std::string>;
 
 TEST(RepositoryPathsTest, SanitizeNameEscapesAllButLettersDigitsAndUnderscore)

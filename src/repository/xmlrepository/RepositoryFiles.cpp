@@ -45,10 +45,43 @@ namespace {
 // file each time, and a store of a thousand products asks for thousands.
 bool statFile(const std::string& path, struct stat& status)
 {
-    return ::stat(path.c_str(), &status) == 0;
+    return FileStateScope::stat(path, status);
 }
 
+thread_local FileStateScope* activeScope = nullptr;
+
 } // namespace
+
+FileStateScope::FileStateScope()
+{
+    if (!activeScope) {
+        activeScope = this;
+        m_active = true;
+    }
+}
+
+FileStateScope::~FileStateScope()
+{
+    if (m_active)
+        activeScope = nullptr;
+}
+
+bool FileStateScope::stat(const std::string& path, struct stat& status)
+{
+    FileStateScope* scope = activeScope;
+    if (scope) {
+        for (const auto& [known, state] : scope->m_found)
+            if (known == path) {
+                status = state;
+                return true;
+            }
+    }
+    if (::stat(path.c_str(), &status) != 0)
+        return false;
+    if (scope)
+        scope->m_found.emplace_back(path, status);
+    return true;
+}
 
 std::uint64_t fileDate(const std::string& path)
 {
@@ -74,6 +107,9 @@ void pause(int count)
 
 bool fileExists(const std::string& path)
 {
+    struct stat status;
+    if (statFile(path, status))
+        return true;
     const QString file = qs(path);
     if (!isAutomatedBuildUser())
         return QFile::exists(file);

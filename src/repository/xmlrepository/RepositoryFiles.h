@@ -8,6 +8,10 @@ class QFile;
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
+
+#include <sys/stat.h>
 
 namespace LibraryBrowser {
 
@@ -54,6 +58,25 @@ struct FileStamp {
     }
     bool operator!=(const FileStamp& other) const { return !(*this == other); }
 };
+// Within its life on this thread, a file once found by stat is not looked up
+// again: a product's up-to-date test asks about the same few files several
+// times, and at a thousand products the calls add up. A file not found is
+// asked about again each time. A scope made inside another one adds nothing.
+class FileStateScope {
+public:
+    FileStateScope();
+    ~FileStateScope();
+    FileStateScope(const FileStateScope&) = delete;
+    FileStateScope& operator=(const FileStateScope&) = delete;
+
+    // stat of the path, through the active scope if there is one.
+    static bool stat(const std::string& path, struct stat& status);
+
+private:
+    std::vector<std::pair<std::string, struct stat>> m_found;
+    bool m_active = false;
+};
+
 // The stamp of the file at the path now, or of an open file.
 FileStamp fileStamp(const std::string& path);
 FileStamp fileStamp(const QFile& file);

@@ -38,7 +38,7 @@ struct VerifiedStamp {
 VerifiedStamp stampOf(const QString& path)
 {
     struct stat status {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!FileStateScope::stat(QFile::encodeName(path).toStdString(), status) || !S_ISREG(status.st_mode))
         return VerifiedStamp{};
     return VerifiedStamp{qint64(status.st_size),
                      qint64(status.st_mtim.tv_sec) * 1000 + qint64(status.st_mtim.tv_nsec) / 1000000};

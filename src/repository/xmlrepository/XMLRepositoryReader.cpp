@@ -8,6 +8,7 @@
 #include "repository/xmlrepository/HostOperations.h"
 #include "repository/xmlrepository/LibraryComparison.h"
 #include "repository/xmlrepository/PaletteChildren.h"
+#include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/StoreDamage.h"
 #include "repository/xmlrepository/StoredDataCheck.h"
 
@@ -80,6 +81,7 @@ bool XMLRepositoryReader::compareLibrary(const LibraryImpl& library, bool ignore
 
 bool XMLRepositoryReader::isProductUpToDate(const TandrilObject& product, bool ignoreTimestamp)
 {
+    const FileStateScope files;
     LibraryImpl* node = storedProduct(product);
     if (!node)
         return false;
