@@ -275,9 +275,9 @@ TEST_F(RepositoryFilesTest, AScopeKeepsTheFilesItFoundAndNothingElse)
         { const FileStateScope inner; }
         ASSERT_TRUE(FileStateScope::stat(file, status));
         EXPECT_EQ(status.st_size, 5);
-        EXPECT_FALSE(fileExists(later));
+        EXPECT_FALSE(FileStateScope::stat(later, status));
         writeFile(later, "x");
-        EXPECT_TRUE(fileExists(later));
+        EXPECT_TRUE(FileStateScope::stat(later, status));
     }
     ASSERT_TRUE(FileStateScope::stat(file, status));
     EXPECT_EQ(status.st_size, 9);
