@@ -75,6 +75,12 @@ int main(int argc, char* argv[])
             qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     ensureRuntimeDirectory();
+    // Without TZ the C library reads the zone file again at each local time
+    // it works out, and the archives' entry dates are worked out one by one:
+    // a generation of a thousand products stats it millions of times. The
+    // same zone, named once.
+    if (!qEnvironmentVariableIsSet("TZ"))
+        qputenv("TZ", ":/etc/localtime");
     previousHandler = qInstallMessageHandler(quietOffscreenNotices);
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName("tdlb");
