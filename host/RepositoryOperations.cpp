@@ -213,7 +213,10 @@ RepositoryOperations::CallResult RepositoryOperations::getLibraryData(int output
         return reportFailure(report, invalidFile,
                              "lb_getLibraryData: no library \"" + library + "\" on the path");
     HostValue fileSpec = HostValue::cellArray(1, 1);
-    fileSpec.setCell(0, HostValue::string(SearchPath::fileSpec(m_path.root(), file)));
+    auto spec = m_fileSpecs.find(file.toStdString());
+    if (spec == m_fileSpecs.end())
+        spec = m_fileSpecs.emplace(file.toStdString(), SearchPath::fileSpec(m_path.root(), file)).first;
+    fileSpec.setCell(0, HostValue::string(spec->second));
     return CallArguments::success("tdprivate lb_getLibraryData", outputCount,
                                   {fileSpec, HostValue::doubleScalar(static_cast<double>(status.st_size)),
                                    HostValue::doubleScalar(static_cast<double>(status.st_mtim.tv_sec))});

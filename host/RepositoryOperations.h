@@ -6,6 +6,7 @@
 #include "TdBlocksCache.h"
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace LibraryBrowser::Host {
@@ -43,6 +44,9 @@ private:
     LibraryCatalog& m_catalog;
     BlockTree& m_tree;
     TdBlocksCache m_tdBlocks;
+    // How each library file found is named to the module: a generation asks
+    // for every product's, and the root does not change while the host runs.
+    std::unordered_map<std::string, std::string> m_fileSpecs;
 };
 
 } // namespace LibraryBrowser::Host
