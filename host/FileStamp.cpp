@@ -3,14 +3,15 @@
 #include "ByteReader.h"
 #include "ByteWriter.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace LibraryBrowser::Host {
 
-bool FileStamp::read(const QByteArray& path, bool followLinks)
+bool FileStamp::read(const QByteArray& path, bool followLinks, int from)
 {
     struct stat status;
-    if ((followLinks ? ::stat(path.constData(), &status) : ::lstat(path.constData(), &status)) != 0)
+    if (::fstatat(from < 0 ? AT_FDCWD : from, path.constData(), &status, followLinks ? 0 : AT_SYMLINK_NOFOLLOW) != 0)
         return false;
     device = std::uint64_t(status.st_dev);
     inode = std::uint64_t(status.st_ino);

@@ -21,8 +21,9 @@ struct FileStamp {
     bool directory = false;
 
     // False when there is nothing at the path. A symbolic link is followed
-    // unless `followLinks` is false.
-    bool read(const QByteArray& path, bool followLinks);
+    // unless `followLinks` is false. A relative path is taken from the open
+    // directory `from`, if one is given.
+    bool read(const QByteArray& path, bool followLinks, int from = -1);
     // The later of the two times: what a state is not older than.
     std::int64_t latest() const { return modified > changed ? modified : changed; }
     bool operator==(const FileStamp& other) const;
