@@ -44,71 +44,70 @@ bool ByteReader::count(std::size_t& value)
     return true;
 }
 
-bool ByteReader::span(const char*& start, std::size_t& size)
+namespace {
+void assign(std::string& value, const char* data, std::size_t size)
 {
+    value.assign(data, size);
+}
+void assign(QString& value, const char* data, std::size_t size)
+{
+    value = QString::fromUtf8(data, qsizetype(size));
+}
+void assign(QByteArray& value, const char* data, std::size_t size)
+{
+    value = QByteArray(data, qsizetype(size));
+}
+} // namespace
+
+template <typename Text>
+bool ByteReader::anyText(Text& value)
+{
+    std::size_t size = 0;
     if (!count(size))
         return false;
-    start = m_data;
+    assign(value, m_data, size);
     m_data += size;
     m_left -= size;
     return true;
 }
 
-bool ByteReader::text(std::string& value)
-{
-    const char* start = nullptr;
-    std::size_t size = 0;
-    if (!span(start, size))
-        return false;
-    value.assign(start, size);
-    return true;
-}
-
-bool ByteReader::text(QString& value)
-{
-    const char* start = nullptr;
-    std::size_t size = 0;
-    if (!span(start, size))
-        return false;
-    value = QString::fromUtf8(start, qsizetype(size));
-    return true;
-}
-
-bool ByteReader::text(QByteArray& value)
-{
-    const char* start = nullptr;
-    std::size_t size = 0;
-    if (!span(start, size))
-        return false;
-    value = QByteArray(start, qsizetype(size));
-    return true;
-}
-
-bool ByteReader::texts(QStringList& values)
+template <typename List>
+bool ByteReader::anyTexts(List& values)
 {
     std::size_t size = 0;
     if (!count(size))
         return false;
     values.clear();
-    values.reserve(qsizetype(size));
-    for (std::size_t i = 0; i < size; ++i) {
-        values.append(QString());
-        if (!text(values.back()))
+    values.resize(decltype(values.size())(size));
+    for (auto& value : values)
+        if (!anyText(value))
             return false;
-    }
     return true;
+}
+
+bool ByteReader::text(std::string& value)
+{
+    return anyText(value);
+}
+
+bool ByteReader::text(QString& value)
+{
+    return anyText(value);
+}
+
+bool ByteReader::text(QByteArray& value)
+{
+    return anyText(value);
+}
+
+bool ByteReader::texts(QStringList& values)
+{
+    return anyTexts(values);
 }
 
 bool ByteReader::texts(std::vector<std::string>& values)
 {
-    std::size_t size = 0;
-    if (!count(size))
-        return false;
-    values.assign(size, std::string());
-    for (std::string& value : values)
-        if (!text(value))
-            return false;
-    return true;
+    return anyTexts(values);
 }
 
 } // namespace LibraryBrowser::Host

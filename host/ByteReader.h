@@ -33,8 +33,10 @@ public:
 
 private:
     bool fail() { return m_ok = false; }
-    // The next text's bytes, stepped over.
-    bool span(const char*& start, std::size_t& size);
+    template <typename Text>
+    bool anyText(Text& value);
+    template <typename List>
+    bool anyTexts(List& values);
 
     const char* m_data;
     std::size_t m_left;
