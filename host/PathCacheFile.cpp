@@ -22,14 +22,21 @@ constexpr std::size_t headerSize = sizeof magic + 1 + 8;
 // file of ours.
 constexpr std::int64_t largest = std::int64_t(1) << 30;
 
-// Sixty-four bit FNV-1a, a byte at a time: enough to tell a damaged file.
+// FNV-1a over eight bytes at a time, then the rest: enough to tell a
+// damaged file, at a fraction of the cost of reading it.
 std::uint64_t checksum(const char* data, std::size_t size)
 {
-    std::uint64_t hash = 0xcbf29ce484222325ull;
-    for (std::size_t i = 0; i < size; ++i) {
-        hash ^= std::uint8_t(data[i]);
-        hash *= 0x100000001b3ull;
+    constexpr std::uint64_t prime = 0x100000001b3ull;
+    std::uint64_t hash = 0xcbf29ce484222325ull ^ size;
+    std::size_t i = 0;
+    for (; i + 8 <= size; i += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, data + i, 8);
+        hash = (hash ^ word) * prime;
+        hash ^= hash >> 29;
     }
+    for (; i < size; ++i)
+        hash = (hash ^ std::uint8_t(data[i])) * prime;
     return hash;
 }
 
