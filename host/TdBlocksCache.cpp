@@ -53,9 +53,9 @@ void TdBlocksCache::keep()
     m_learnt = false;
     // What this process did not look at is kept while its file is as it was.
     const auto keeps = [this](const std::string& name, const Parsed& known) {
-        FileStamp now;
+        FileStamp current;
         return known.trusted && known.root == m_cache.root()
-            && (known.seen || (now.read(QByteArray::fromStdString(name), true) && now == known.stamp));
+            && (known.seen || (current.read(QByteArray::fromStdString(name), true) && current == known.stamp));
     };
     std::vector<const decltype(m_files)::value_type*> kept;
     for (const auto& file : m_files)
