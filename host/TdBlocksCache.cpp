@@ -63,16 +63,17 @@ void TdBlocksCache::keep()
             kept.push_back(&file);
     ByteWriter out;
     out.number(kept.size());
-    for (const auto* file : kept) {
-        const std::string& name = file->first;
-        const Parsed& known = file->second;
+    for (const auto* entry : kept) {
+        const std::string& name = entry->first;
+        const Parsed& known = entry->second;
+        const QString file = QFile::decodeName(QByteArray::fromStdString(name));
         out.text(name);
         known.stamp.write(out);
         out.number(known.ok ? 1 : 0);
-        writeIssue(out, known.issue);
+        writeIssue(out, known.issue, file);
         out.number(known.refused.size());
         for (const FileIssue& refused : known.refused)
-            writeIssue(out, refused);
+            writeIssue(out, refused, file);
         out.number(known.entries.size());
         for (const TdBlocksEntry& entry : known.entries) {
             for (const std::string* text : {&entry.productName, &entry.library, &entry.repositoryDirectory,
@@ -104,13 +105,16 @@ void TdBlocksCache::load()
         std::uint64_t ok = 0;
         std::size_t refused = 0;
         std::size_t entries = 0;
-        if (!in.text(name) || !known.stamp.read(in) || !in.number(ok) || ok > 1 || !readIssue(in, known.issue)
+        if (!in.text(name))
+            return;
+        const QString file = QFile::decodeName(QByteArray::fromStdString(name));
+        if (!known.stamp.read(in) || !in.number(ok) || ok > 1 || !readIssue(in, known.issue, file)
             || !in.count(refused))
             return;
         known.ok = ok == 1;
         known.refused.resize(refused);
         for (FileIssue& issue : known.refused)
-            if (!readIssue(in, issue))
+            if (!readIssue(in, issue, file))
                 return;
         if (!in.count(entries))
             return;
@@ -132,19 +136,27 @@ void TdBlocksCache::load()
         m_files = std::move(files);
 }
 
-void TdBlocksCache::writeIssue(ByteWriter& out, const FileIssue& issue)
+// An issue names the file it is about, which is nearly always the file read:
+// then the name is left out.
+void TdBlocksCache::writeIssue(ByteWriter& out, const FileIssue& issue, const QString& file)
 {
-    out.text(issue.file);
+    out.number(issue.file == file ? 0 : 1);
+    if (issue.file != file)
+        out.text(issue.file);
     out.signedNumber(issue.line);
     out.signedNumber(issue.column);
     out.text(issue.field);
     out.text(issue.message);
 }
 
-bool TdBlocksCache::readIssue(ByteReader& in, FileIssue& issue)
+bool TdBlocksCache::readIssue(ByteReader& in, FileIssue& issue, const QString& file)
 {
-    return in.text(issue.file) && in.number(issue.line) && in.number(issue.column) && in.text(issue.field)
-        && in.text(issue.message);
+    std::uint64_t named = 0;
+    if (!in.number(named) || named > 1)
+        return false;
+    issue.file = file;
+    return (named == 0 || in.text(issue.file)) && in.number(issue.line) && in.number(issue.column)
+        && in.text(issue.field) && in.text(issue.message);
 }
 
 } // namespace LibraryBrowser::Host

@@ -52,8 +52,8 @@ private:
     };
 
     void load();
-    static void writeIssue(ByteWriter& out, const FileIssue& issue);
-    static bool readIssue(ByteReader& in, FileIssue& issue);
+    static void writeIssue(ByteWriter& out, const FileIssue& issue, const QString& file);
+    static bool readIssue(ByteReader& in, FileIssue& issue, const QString& file);
 
     PathCacheFile& m_cache;
     bool m_loaded = false;
