@@ -11,10 +11,11 @@ namespace LibraryBrowser::Host {
 EmbeddedHost::EmbeddedHost(const HostOptions& options)
     : m_options(options),
       m_environment(options.root.toStdString(), options.preferencesDirectory.toStdString()),
-      m_path(options.root, options.path),
+      m_pathCache(options.preferencesDirectory, options.root),
+      m_path(options.root, options.path, m_pathCache),
       m_catalog(m_path),
       m_tree(m_catalog),
-      m_repository(m_path, m_catalog, m_tree),
+      m_repository(m_path, m_catalog, m_tree, m_pathCache),
       m_systems(m_tree),
       m_windows(m_systems, m_log, options.root.toStdString())
 {

@@ -6,6 +6,7 @@
 #include "HostOptions.h"
 #include "LibraryCatalog.h"
 #include "ModelWindows.h"
+#include "PathCacheFile.h"
 #include "RepositoryOperations.h"
 #include "SearchPath.h"
 #include "SystemRegistry.h"
@@ -60,6 +61,7 @@ private:
 
     HostOptions m_options;
     EmbeddedEnvironment m_environment;
+    PathCacheFile m_pathCache;
     SearchPath m_path;
     LibraryCatalog m_catalog;
     BlockTree m_tree;

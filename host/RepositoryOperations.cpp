@@ -101,6 +101,7 @@ RepositoryOperations::CallResult RepositoryOperations::getTdBlocksData(int outpu
             if (report)
                 report->logWarning(invalidFile, name.toString());
     }
+    m_tdBlocks.keep();
 
     std::vector<std::string> names, libraries, repositories, treeIcons, panelIcons, types;
     std::vector<double> flags;

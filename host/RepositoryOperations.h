@@ -19,8 +19,8 @@ class RepositoryOperations {
 public:
     using CallResult = HostInterpreter::CallResult;
 
-    RepositoryOperations(const SearchPath& path, LibraryCatalog& catalog, BlockTree& tree)
-        : m_path(path), m_catalog(catalog), m_tree(tree) {}
+    RepositoryOperations(const SearchPath& path, LibraryCatalog& catalog, BlockTree& tree, PathCacheFile& cache)
+        : m_path(path), m_catalog(catalog), m_tree(tree), m_tdBlocks(cache) {}
 
     static bool isOperation(const std::string& name);
     // Inputs as the call got them, the operation name first.

@@ -1,35 +1,28 @@
 #include "SearchPath.h"
 
-#include "TdBlocksParser.h"
+#include "PathCacheFile.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QSet>
 
 namespace LibraryBrowser::Host {
 
-SearchPath::SearchPath(QString root, QStringList given) : m_root(std::move(root)), m_given(std::move(given))
+SearchPath::SearchPath(QString root, QStringList given, PathCacheFile& cache)
+    : m_root(std::move(root)), m_given(std::move(given)), m_cache(cache), m_walk(cache)
 {
+    m_walk.fromBytes(cache.section(PathCacheFile::Walk));
     refresh();
 }
 
 void SearchPath::refresh()
 {
     // One walk finds the path's directories and the library files in them.
-    const QString tdblocks = QLatin1String(TdBlocksParser::fileName);
-    QStringList below;
-    QHash<QString, QSet<QString>> libraries;
-    QDirIterator it(m_root, {tdblocks, QLatin1Char('*') + QLatin1String(librarySuffix)}, QDir::Files,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QFileInfo file(it.next());
-        if (file.fileName() == tdblocks)
-            below << file.absolutePath();
-        else
-            libraries[file.absolutePath()].insert(file.fileName());
-    }
-    below.sort();
+    const RootWalk::Found found = m_walk.walk(m_root);
+    if (m_walk.changed())
+        m_cache.store(PathCacheFile::Walk, m_walk.toBytes());
+    const QStringList& below = found.below;
+    const QHash<QString, QSet<QString>>& libraries = found.libraries;
     m_found.clear();
     m_listedIn.clear();
     m_unlisted.clear();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "RootWalk.h"
+
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -10,19 +12,24 @@
 
 namespace LibraryBrowser::Host {
 
+class PathCacheFile;
+
 // The directories the host searches for tdblocks.json and library files:
 // the given ones in their order, then every directory below the root that
-// holds a tdblocks.json, sorted. The first one on the path wins.
+// holds a tdblocks.json, sorted. The first one on the path wins. What the
+// walk below the root learns is kept in the cache file for the next process.
 class SearchPath {
 public:
     static constexpr const char* librarySuffix = ".tdlib.json";
 
-    SearchPath(QString root, QStringList given);
+    SearchPath(QString root, QStringList given, PathCacheFile& cache);
 
     const QString& root() const { return m_root; }
     const QStringList& directories() const { return m_directories; }
     // Scans the root again, for directories added since.
     void refresh();
+    // How many directories the last scan listed rather than took as known.
+    int listedDirectories() const { return m_walk.listed(); }
     // The first file for the library on the path, or empty. A file once
     // found is given again while it exists: a generation asks for each
     // library thousands of times, and walking the path each time costs a
@@ -41,6 +48,8 @@ public:
 private:
     QString m_root;
     QStringList m_given;
+    PathCacheFile& m_cache;
+    RootWalk m_walk;
     QStringList m_directories;
     mutable std::unordered_map<std::string, QString> m_found;
     // For each library file name the walk below the root listed, the
