@@ -120,8 +120,9 @@ TEST_F(ModelWindowsTest, AModelSavedFromItsWindowOpensAgainWithItsBlocksWhereThe
         EXPECT_EQ(window(changed)->close(), closes) << file.toStdString();
         QApplication::processEvents();
         EXPECT_EQ(session.host().systems().isLoaded(changed), !closes);
-        if (!closes)
+        if (!closes) {
             EXPECT_TRUE(window(changed) && window(changed)->isVisible() && window(changed)->windowTitle().toStdString() == changed + " *");
+        }
     }
     EXPECT_EQ(askedAboutUnsaved.front().toStdString(), changed);
     ASSERT_EQ(failures.size(), 3);
