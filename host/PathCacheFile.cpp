@@ -137,7 +137,8 @@ void PathCacheFile::store(Section which, const QByteArray& bytes)
     m_sections[which] = bytes;
     if (m_path.isEmpty())
         return;
-    QByteArray temporary = QFile::encodeName(m_path) + ".XXXXXX";
+    // The six letters mkostemp replaces by a name of its own.
+    QByteArray temporary = QFile::encodeName(m_path) + '.' + QByteArray(6, 'X');
     const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (descriptor < 0)
         return;
