@@ -384,6 +384,9 @@ TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
     StoreDamage::registerStores(path("shipped"), store());
     StoreDamage::archiveWritten(store(), icons);
     StoreDamage::saveRecords();
+    const bool spelledAnew = StoreDamage::archiveVerified(store(), store() + "/./signals/icons.rps")
+                             && StoreDamage::archiveVerified(store(), store() + "/signals//icons.rps")
+                             && StoreDamage::archiveVerified(store(), store() + "/signals/../signals/icons.rps");
     const QString working = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(scratch.path()));
     RecordingEnvironment relative("root", "prefs");
@@ -396,6 +399,7 @@ TEST_F(LibraryComparisonTest, ATouchedFileWithTheSameContentStaysUpToDate)
     EXPECT_TRUE(upToDate);
     EXPECT_TRUE(logged(*report, "Action: The timestamps matched! (toolbox/signals/tdblocks.json)"));
     EXPECT_TRUE(archiveKnown);
+    EXPECT_TRUE(spelledAnew) << "an archive named with redundant parts is the one recorded";
 
     EXPECT_TRUE(compare(*product, true));
     EXPECT_TRUE(logged(*report, "The timestamp of toolbox/signals/tdblocks.json has been ignored"));

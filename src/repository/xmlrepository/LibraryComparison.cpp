@@ -133,6 +133,17 @@ bool LibraryComparison::recordedSinceGenerationStart(std::int64_t recordedDate, 
 std::int64_t LibraryComparison::generationStart(const LibraryImpl& owner)
 {
     const std::string& text = owner.getLastModified();
+    // Each text is read once: a check of a store reads every product's, and
+    // products generated within one second share it.
+    static std::unordered_map<std::string, std::int64_t> starts;
+    auto found = starts.find(text);
+    if (found == starts.end())
+        found = starts.emplace(text, startOf(text)).first;
+    return found->second;
+}
+
+std::int64_t LibraryComparison::startOf(const std::string& text)
+{
     // The local time's offset from UTC is looked up once per hour of the
     // text, since each look-up reads the zone's file and a store of a
     // thousand products asks for every product; the rest is arithmetic. An

@@ -38,6 +38,8 @@ private:
     // The start of the generation that made the product's records, from its
     // lastModified; 0 when there is none to read.
     static std::int64_t generationStart(const LibraryImpl& owner);
+    // The same read from the text itself.
+    static std::int64_t startOf(const std::string& text);
 
     RepositoryReport& m_report;
     std::string m_storeDirectory;

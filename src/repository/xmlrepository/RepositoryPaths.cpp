@@ -147,7 +147,11 @@ std::string sanitizePath(const std::string& path)
 
 std::string absolutePath(const std::string& root, const std::string& path)
 {
-    if (QFileInfo(QString::fromStdString(path)).isRelative())
+    // Decided by the first character where it can be: a check of a store
+    // asks for every file of every product, and a QFileInfo per question
+    // cost more than the rest of the check. A resource path is QFileInfo's.
+    const bool relative = path.empty() || path.front() != '/';
+    if (relative && (path.empty() || path.front() != ':' || QFileInfo(QString::fromStdString(path)).isRelative()))
         return root + "/" + path;
     return path;
 }

@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <unordered_map>
@@ -120,6 +121,27 @@ void writeRecords(const std::string& file, const VerifiedRecords& records)
 // process finds the records of the others.
 std::string recordKey(const std::string& archivePath)
 {
+    // An absolute ASCII path without empty, "." or ".." parts is its own
+    // key: a check asks for each archive of each product, and cleaning the
+    // path cost as much as the stat. Other bytes go through the conversion.
+    const auto clean = [&archivePath] {
+        if (archivePath.size() < 2 || archivePath.front() != '/' || archivePath.back() == '/')
+            return false;
+        for (const char c : archivePath)
+            if (static_cast<unsigned char>(c) >= 0x80 || c == '\0')
+                return false;
+        for (std::size_t part = 1; part < archivePath.size();) {
+            const std::size_t end = std::min(archivePath.find('/', part), archivePath.size());
+            const std::size_t length = end - part;
+            if (length == 0 || (length == 1 && archivePath[part] == '.')
+                || (length == 2 && archivePath[part] == '.' && archivePath[part + 1] == '.'))
+                return false;
+            part = end + 1;
+        }
+        return true;
+    };
+    if (clean())
+        return archivePath;
     return QDir::cleanPath(QFileInfo(QString::fromStdString(archivePath)).absoluteFilePath()).toStdString();
 }
 
