@@ -36,10 +36,10 @@ struct VerifiedStamp {
 // The date as QFileInfo gives it, in milliseconds, but from stat itself:
 // QFileInfo's date passes through the local time zone, which cost more than
 // the rest of an unchanged product's up-to-date test.
-VerifiedStamp stampOf(const QString& path)
+VerifiedStamp stampOf(const std::string& path)
 {
     struct stat status {};
-    if (!FileStateScope::stat(QFile::encodeName(path).toStdString(), status) || !S_ISREG(status.st_mode))
+    if (!FileStateScope::stat(path, status) || !S_ISREG(status.st_mode))
         return VerifiedStamp{};
     return VerifiedStamp{qint64(status.st_size),
                      qint64(status.st_mtim.tv_sec) * 1000 + qint64(status.st_mtim.tv_nsec) / 1000000};
@@ -157,6 +157,15 @@ QString qs(const std::string& text)
     return QString::fromStdString(text);
 }
 
+// The place registered for a store, or null. Asked for each product's
+// archives: a spelling without backslashes is looked up as it is.
+const NotePlace* placeOf(const std::string& storeDirectory)
+{
+    const auto found = storeDirectory.find('\\') == std::string::npos ? places().find(storeDirectory)
+                                                                       : places().find(forwardSlashes(storeDirectory));
+    return found == places().end() ? nullptr : &found->second;
+}
+
 } // namespace
 
 std::string StoreDamage::notesDirectory(const std::string& writableDirectory)
@@ -175,10 +184,10 @@ void StoreDamage::registerStores(const std::string& shippedDirectory, const std:
 
 std::string StoreDamage::noteFile(const std::string& storeDirectory, const std::string& productUniquePath)
 {
-    const auto found = places().find(forwardSlashes(storeDirectory));
-    if (found == places().end() || productUniquePath.empty())
+    const NotePlace* place = placeOf(storeDirectory);
+    if (!place || productUniquePath.empty())
         return std::string();
-    return found->second.directory + "/" + found->second.prefix + sanitizeName(productUniquePath);
+    return place->directory + "/" + place->prefix + sanitizeName(productUniquePath);
 }
 
 void StoreDamage::note(const std::string& storeDirectory, const std::string& productUniquePath,
@@ -200,9 +209,11 @@ std::string StoreDamage::noted(const std::string& storeDirectory, const std::str
     const std::string file = noteFile(storeDirectory, productUniquePath);
     if (file.empty())
         return std::string();
-    QFile in(qs(file));
-    if (!in.exists())
+    // Mostly there is none: one stat says so, without a QFile.
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0)
         return std::string();
+    QFile in(qs(file));
     const QByteArray text = in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
     return text.isEmpty() ? std::string("damage was found by an earlier read") : text.toStdString();
 }
@@ -221,24 +232,24 @@ void StoreDamage::forgetAll(const std::string& writableDirectory)
 
 bool StoreDamage::archiveVerified(const std::string& storeDirectory, const std::string& archivePath)
 {
-    const auto found = places().find(forwardSlashes(storeDirectory));
-    if (found == places().end())
+    const NotePlace* place = placeOf(storeDirectory);
+    if (!place)
         return false;
-    const VerifiedStamp stamp = stampOf(qs(archivePath));
-    const VerifiedRecords& records = recordsOf(found->second.verifiedFile);
+    const VerifiedStamp stamp = stampOf(archivePath);
+    const VerifiedRecords& records = recordsOf(place->verifiedFile);
     const auto known = records.stamps.find(recordKey(archivePath));
     return stamp.size >= 0 && known != records.stamps.end() && known->second == stamp;
 }
 
 std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const std::string& archivePath)
 {
-    const auto found = places().find(forwardSlashes(storeDirectory));
-    if (found == places().end())
+    const NotePlace* place = placeOf(storeDirectory);
+    if (!place)
         return std::string();
-    const VerifiedStamp stamp = stampOf(qs(archivePath));
+    const VerifiedStamp stamp = stampOf(archivePath);
     if (stamp.size < 0)
         return std::string();
-    VerifiedRecords& records = recordsOf(found->second.verifiedFile);
+    VerifiedRecords& records = recordsOf(place->verifiedFile);
     const std::string key = recordKey(archivePath);
     const auto known = records.stamps.find(key);
     if (known != records.stamps.end() && known->second == stamp)
@@ -254,11 +265,11 @@ std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const 
 
 void StoreDamage::archiveWritten(const std::string& storeDirectory, const std::string& archivePath)
 {
-    const auto found = places().find(forwardSlashes(storeDirectory));
-    if (found == places().end())
+    const NotePlace* place = placeOf(storeDirectory);
+    if (!place)
         return;
-    VerifiedRecords& records = recordsOf(found->second.verifiedFile);
-    const VerifiedStamp stamp = stampOf(qs(archivePath));
+    VerifiedRecords& records = recordsOf(place->verifiedFile);
+    const VerifiedStamp stamp = stampOf(archivePath);
     if (stamp.size < 0)
         records.stamps.erase(recordKey(archivePath));
     else

@@ -102,6 +102,9 @@ void XMLRepository::buildParts()
     m_cache = std::make_shared<XMLRepositoryCache>(m_shippedDirectory, m_writableDirectory, m_report, this);
     m_writer = std::make_shared<XMLRepositoryWriter>(m_writableDirectory, m_report, m_shippedDirectory, this,
                                                      m_hostPathList);
+    // The shipped store is read once per process, not once more by the
+    // writer for the dates its copies shadow.
+    m_writer->readShippedTopLevelFrom(*m_shippedReader);
 }
 
 XMLRepository::~XMLRepository()

@@ -119,6 +119,19 @@ ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
 {
     if (m_topLevelModel)
         return m_topLevelModel;
+    if (m_topLevelSource) {
+        // A source that can't load it has just tried, and said why.
+        const ModelPtr shared = m_topLevelSource->getTopLevelModel();
+        if (!shared)
+            return nullptr;
+        const FileStamp& stamp = m_topLevelSource->m_topLevelStamp;
+        if (fileStamp(XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false)) == stamp) {
+            m_topLevelModel = shared;
+            m_topLevelStamp = stamp;
+            m_topLevelHandles.reset();
+            return m_topLevelModel;
+        }
+    }
     FileStamp stamp;
     const QByteArray bytes = readTopLevelBytes(stamp);
     if (bytes.isEmpty())

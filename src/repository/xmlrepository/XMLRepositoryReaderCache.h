@@ -69,6 +69,11 @@ public:
     // is the one this cache holds, the cache keeps it, stamped with the new
     // file, instead of reading back what it already has.
     bool keepsWrittenTopLevel(const Model& model);
+    // Takes the top-level model from `source`, a cache of the same store
+    // that only reads it, while that holds the file as it is on disk: a
+    // writer's look into the shipped store then costs no read of its own.
+    // The source must outlive this cache.
+    void shareTopLevelOf(XMLRepositoryReaderCache* source) { m_topLevelSource = source; }
 
 private:
     // The bytes of the top-level manifest and the stamp of the file they
@@ -97,6 +102,7 @@ private:
     RepositoryReportPtr m_report;
     RepositoryReader* m_reader;
     ModelPtr m_topLevelModel;
+    XMLRepositoryReaderCache* m_topLevelSource = nullptr;
     FileStamp m_topLevelStamp;
     // The signature text of the top-level manifest last read, and its stamp.
     std::string m_version;

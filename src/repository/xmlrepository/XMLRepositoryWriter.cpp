@@ -66,6 +66,12 @@ XMLRepositoryWriter::XMLRepositoryWriter(std::string directory, RepositoryReport
 
 XMLRepositoryWriter::~XMLRepositoryWriter() = default;
 
+void XMLRepositoryWriter::readShippedTopLevelFrom(XMLRepositoryReader& shipped)
+{
+    if (m_shippedReader)
+        m_shippedReader->readerCache().shareTopLevelOf(&shipped.readerCache());
+}
+
 void XMLRepositoryWriter::generateRepository(GenerationMode mode)
 {
     const StoreLock lock(*m_report, m_directory);

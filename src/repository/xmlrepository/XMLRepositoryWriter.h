@@ -48,6 +48,10 @@ public:
     const std::string& directory() const { return m_directory; }
     const std::vector<std::string>& hostPathList() const { return m_hostPathList; }
     XMLRepositoryReader& reader() { return *m_reader; }
+    // The repository's reader of the shipped store, which the writer's own
+    // reader of it takes the top-level manifest from; it must outlive the
+    // writer.
+    void readShippedTopLevelFrom(XMLRepositoryReader& shipped);
 
     // Saves the model as the store's top-level manifest, by way of a private
     // copy, and tells the read caches. `unchanged` promises that the model
