@@ -10,6 +10,7 @@
 #include "repository/xmlrepository/XMLRepository.h"
 #include "repository/xmlrepository/XMLRepositoryArchiveCache.h"
 #include "repository/xmlrepository/XMLRepositoryReaderCache.h"
+#include "support/ReportLines.h"
 
 #include <QDir>
 #include <QFile>
@@ -240,6 +241,41 @@ TEST_F(ReadCacheTest, EverySpellingOfTheStoreHearsOfChanges)
     QFile::remove(QString::fromStdString(archive("Alpha", "manifests")));
     EXPECT_TRUE(reader->getChildrenIterator(sub).isEmpty());
     EXPECT_FALSE(report->hasError() || report->hasWarning());
+}
+
+// A reader that takes the top level of another reader of its store holds
+// the very model that one read while the file is as it was read; once
+// another process has replaced the file, it reads the new one itself; where
+// the other reader finds none, it has none either.
+TEST_F(ReadCacheTest, ASharedTopLevelIsTakenOnlyWhileTheFileIsAsItWasRead)
+{
+    const auto sharing = [this] {
+        auto taker = openReader();
+        taker->readerCache().shareTopLevelOf(&reader->readerCache());
+        return taker;
+    };
+    const ModelPtr source = reader->topLevelManifest();
+    ASSERT_NE(source, nullptr);
+    EXPECT_EQ(sharing()->topLevelManifest(), source);
+
+    ModelPtr replaced = Model::createModel();
+    ErrorHolder errors;
+    ASSERT_TRUE(replaced->load(topLevelFile(store()), errors));
+    replaced->beginChangeSet();
+    static_cast<LibraryImpl*>(replaced->getNodes().get(0))->setDisplayName("Alpha Renamed");
+    replaced->commitChangeSet();
+    saveManifest(*replaced, topLevelFile(store()));
+    const auto late = sharing();
+    const ModelPtr own = late->topLevelManifest();
+    ASSERT_NE(own, nullptr);
+    EXPECT_NE(own, source) << "read anew: the source holds the file as it was";
+    EXPECT_EQ(static_cast<const LibraryImpl*>(own->getNodes().get(0))->getDisplayName(), "Alpha Renamed");
+
+    writeFile(topLevelFile(store()), "<not a manifest");
+    reader = openReader();
+    const int before = loggedCount(*report, "looks corrupted");
+    EXPECT_EQ(sharing()->topLevelManifest(), nullptr);
+    EXPECT_EQ(loggedCount(*report, "looks corrupted"), before + 1) << "said once, by the reader that read it";
 }
 
 using IteratorTest = HandMadeStore;
