@@ -150,10 +150,10 @@ std::string absolutePath(const std::string& root, const std::string& path)
     // Decided by the first character where it can be: a check of a store
     // asks for every file of every product, and a QFileInfo per question
     // cost more than the rest of the check. A resource path is QFileInfo's.
-    const bool relative = path.empty() || path.front() != '/';
-    if (relative && (path.empty() || path.front() != ':' || QFileInfo(QString::fromStdString(path)).isRelative()))
-        return root + "/" + path;
-    return path;
+    const bool absolute = !path.empty()
+                          && (path.front() == '/'
+                              || (path.front() == ':' && !QFileInfo(QString::fromStdString(path)).isRelative()));
+    return absolute ? path : root + "/" + path;
 }
 
 std::string relativePath(const std::string& root, const std::string& path)
