@@ -45,6 +45,7 @@ TandrilObjectImpl* Model::createNodeIntoModel(const StringId& typeName, Model* m
 void Model::adopt(std::unique_ptr<TandrilObjectImpl> node)
 {
     node->m_id = unsigned(m_owned.size() + 1);
+    ++m_revision;
     m_nodes.append(node.get());
     m_owned.push_back(std::move(node));
 }
@@ -60,6 +61,7 @@ void Model::removeNode(TandrilObjectImpl* node)
         return;
     m_nodes.removeOnce(node);
     m_removed.push_back(std::move(m_owned[node->id() - 1]));
+    ++m_revision;
 }
 
 void Model::removeAllNodes()
@@ -68,6 +70,7 @@ void Model::removeAllNodes()
     // nodes from 1 again, as the document did.
     m_nodes.clear();
     m_owned.clear();
+    ++m_revision;
 }
 
 void Model::removeNodesCreatedAfter(std::size_t count)
@@ -79,6 +82,7 @@ void Model::removeNodesCreatedAfter(std::size_t count)
         else if (node)
             m_nodes.removeOnce(node);
         m_owned.pop_back();
+        ++m_revision;
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -78,6 +79,9 @@ public:
     void beginChangeSet();
     bool commitChangeSet();
     bool isChangeSetOpen() const { return m_changeSetDepth > 0; }
+    // Goes up with every change of a node and every node made or taken out:
+    // equal at two moments, nothing in the model changed between them.
+    std::uint64_t revision() const { return m_revision; }
 
 private:
     friend class Node;
@@ -91,7 +95,11 @@ private:
         return raw;
     }
     void adopt(std::unique_ptr<TandrilObjectImpl> node);
-    void noteChange() { ++m_changes; }
+    void noteChange()
+    {
+        ++m_changes;
+        ++m_revision;
+    }
 
     Signature m_signature;
     TandrilObjectImplList m_nodes;
@@ -103,6 +111,7 @@ private:
     std::vector<std::unique_ptr<TandrilObjectImpl>> m_removed;
     int m_changeSetDepth = 0;
     int m_changes = 0;
+    std::uint64_t m_revision = 0;
 };
 
 using ModelPtr = std::shared_ptr<Model>;

@@ -21,9 +21,11 @@ TEST(LoadContextTest, EachIdNamesTheNodeItWasGivenFirstHoweverSpread)
     }
     // Far ids first, then enough nodes that the near ones after them count
     // as dense: a repeat of either kind is refused and changes nothing.
-    for (unsigned id = 4; id < 2000; ++id)
-        if (id != 1500 && id != 700)
+    for (unsigned id = 4; id < 2000; ++id) {
+        if (id != 1500 && id != 700) {
             ASSERT_TRUE(context.addNode(id, model.createBlockImpl())) << "id " << id;
+        }
+    }
     for (unsigned id : ids)
         EXPECT_FALSE(context.addNode(id, model.createBlockImpl())) << "id " << id;
     for (std::size_t i = 0; i < ids.size(); ++i)

@@ -244,14 +244,14 @@ TEST_F(ReadCacheTest, EverySpellingOfTheStoreHearsOfChanges)
 }
 
 // A reader that takes the top level of another reader of its store holds
-// the very model that one read while the file is as it was read; once
-// another process has replaced the file, it reads the new one itself; where
-// the other reader finds none, it has none either.
+// the very model that one read while the file is as it was read and the
+// model as the file has it; otherwise it reads its own. Where the other
+// reader finds none, it has none either.
 TEST_F(ReadCacheTest, ASharedTopLevelIsTakenOnlyWhileTheFileIsAsItWasRead)
 {
-    const auto sharing = [this] {
+    const auto sharing = [this](const std::shared_ptr<XMLRepositoryReader>& source = nullptr) {
         auto taker = openReader();
-        taker->readerCache().shareTopLevelOf(&reader->readerCache());
+        taker->readerCache().shareTopLevelOf(&(source ? source : reader)->readerCache());
         return taker;
     };
     const ModelPtr source = reader->topLevelManifest();
@@ -270,6 +270,29 @@ TEST_F(ReadCacheTest, ASharedTopLevelIsTakenOnlyWhileTheFileIsAsItWasRead)
     ASSERT_NE(own, nullptr);
     EXPECT_NE(own, source) << "read anew: the source holds the file as it was";
     EXPECT_EQ(static_cast<const LibraryImpl*>(own->getNodes().get(0))->getDisplayName(), "Alpha Renamed");
+
+    // While the source's model is being changed, a cache that shares it
+    // lets it go and reads its own; a change the source has not written
+    // is never shared.
+    const auto taker = sharing(late);
+    ASSERT_EQ(taker->topLevelManifest(), own);
+    const TandrilObject alpha = taker->getTandrilObject("Alpha");
+    ASSERT_NE(alpha.getData()->node(), nullptr);
+    late->readerCache().beginTopLevelChange();
+    EXPECT_EQ(alpha.getData()->node(), nullptr) << "its handles let go of the nodes being changed";
+    const ModelPtr duringChange = taker->topLevelManifest();
+    EXPECT_TRUE(duringChange && duringChange != own);
+    late->readerCache().endTopLevelChange();
+    own->beginChangeSet();
+    static_cast<LibraryImpl*>(own->getNodes().get(0))->setDisplayName("Not Written");
+    own->commitChangeSet();
+    const ModelPtr unwritten = sharing(late)->topLevelManifest();
+    ASSERT_NE(unwritten, nullptr);
+    EXPECT_NE(unwritten, own);
+    EXPECT_EQ(static_cast<const LibraryImpl*>(unwritten->getNodes().get(0))->getDisplayName(), "Alpha Renamed");
+    saveManifest(*own, topLevelFile(store()));
+    ASSERT_TRUE(late->readerCache().keepsWrittenTopLevel(*own));
+    EXPECT_EQ(sharing(late)->topLevelManifest(), own) << "written, it is shared again";
 
     writeFile(topLevelFile(store()), "<not a manifest");
     reader = openReader();

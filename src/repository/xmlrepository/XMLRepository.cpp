@@ -105,6 +105,9 @@ void XMLRepository::buildParts()
     // The shipped store is read once per process, not once more by the
     // writer for the dates its copies shadow.
     m_writer->readShippedTopLevelFrom(*m_shippedReader);
+    // Nor the writable one again by the repository, which the writer has
+    // read or just written.
+    m_writableReader->readerCache().shareTopLevelOf(&m_writer->reader().readerCache());
 }
 
 XMLRepository::~XMLRepository()
@@ -254,7 +257,13 @@ void XMLRepository::destroyProduct(const Library& product)
 
 void XMLRepository::forgetTopLevelManifests()
 {
-    ReaderCacheRegistry::unloadTopLevelCaches(m_writableDirectory);
+    // The writer's reader keeps a model that is, unchanged, what the file
+    // holds: the repository's reader takes it from there, where reading
+    // the file again after each product of a thousand cost more than the
+    // product.
+    XMLRepositoryReaderCache& written = m_writer->reader().readerCache();
+    ReaderCacheRegistry::unloadTopLevelCaches(m_writableDirectory,
+                                              written.holdsTopLevelAsOnDisk() ? &written : nullptr);
 }
 
 bool XMLRepository::regenerateShippedStore()

@@ -30,6 +30,10 @@ XMLRepositoryReaderCache::XMLRepositoryReaderCache(std::string directory, Reposi
 
 XMLRepositoryReaderCache::~XMLRepositoryReaderCache()
 {
+    // Caches that take their top level from this one read their own now.
+    for (ReaderCache* cache : ReaderCacheRegistry::cachesFor(m_directory))
+        if (auto* sharing = dynamic_cast<XMLRepositoryReaderCache*>(cache); sharing && sharing->m_topLevelSource == this)
+            sharing->m_topLevelSource = nullptr;
     ReaderCacheRegistry::remove(m_directory, this);
     m_productCaches.clear();
     unloadTopLevel();
@@ -109,29 +113,72 @@ bool XMLRepositoryReaderCache::keepsWrittenTopLevel(const Model& model)
     if (!stamp.exists)
         return false;
     m_topLevelStamp = stamp;
+    m_topLevelRevision = model.revision();
     // Products may have come or gone: the list is made again, after the
     // registry has cleared the old handles' nodes.
     m_topLevelHandles.reset();
     return true;
 }
 
+bool XMLRepositoryReaderCache::holdsTopLevelAsOnDisk() const
+{
+    return m_topLevelModel && m_topLevelChanges == 0 && m_topLevelModel->revision() == m_topLevelRevision
+           && fileStamp(XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false)) == m_topLevelStamp;
+}
+
+ModelPtr XMLRepositoryReaderCache::sharedTopLevel(bool& unreadable)
+{
+    XMLRepositoryReaderCache* source = m_topLevelSource;
+    if (!source)
+        return nullptr;
+    // A source that can't load it has just tried, and said why.
+    const ModelPtr shared = source->getTopLevelModel();
+    unreadable = !shared;
+    return shared && source->holdsTopLevelAsOnDisk() ? shared : nullptr;
+}
+
+void XMLRepositoryReaderCache::dropSharedTopLevel()
+{
+    // The handles of this cache's reader let go of the nodes; those of the
+    // source keep them.
+    if (m_topLevelModel)
+        m_reader->getCache()->forgetModels({m_topLevelModel.get()});
+    m_topLevelHandles.reset();
+    m_topLevelModel.reset();
+}
+
+void XMLRepositoryReaderCache::beginTopLevelChange()
+{
+    if (m_topLevelChanges++ > 0 || !m_topLevelModel)
+        return;
+    for (ReaderCache* cache : ReaderCacheRegistry::cachesFor(m_directory)) {
+        auto* sharing = dynamic_cast<XMLRepositoryReaderCache*>(cache);
+        if (sharing && sharing != this && sharing->m_topLevelSource == this
+            && sharing->m_topLevelModel == m_topLevelModel)
+            sharing->dropSharedTopLevel();
+    }
+}
+
+void XMLRepositoryReaderCache::topLevelMatchesFile(const Model& model)
+{
+    if (m_topLevelModel.get() == &model)
+        m_topLevelRevision = model.revision();
+}
+
 ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
 {
     if (m_topLevelModel)
         return m_topLevelModel;
-    if (m_topLevelSource) {
-        // A source that can't load it has just tried, and said why.
-        const ModelPtr shared = m_topLevelSource->getTopLevelModel();
-        if (!shared)
-            return nullptr;
-        const FileStamp& stamp = m_topLevelSource->m_topLevelStamp;
-        if (fileStamp(XMLRepository::getTopLevelManifestFile(*m_report, m_directory, false)) == stamp) {
-            m_topLevelModel = shared;
-            m_topLevelStamp = stamp;
-            m_topLevelHandles.reset();
-            return m_topLevelModel;
-        }
+    bool unreadable = false;
+    if (const ModelPtr shared = sharedTopLevel(unreadable)) {
+        m_topLevelModel = shared;
+        m_topLevelStamp = m_topLevelSource->m_topLevelStamp;
+        m_topLevelRevision = shared->revision();
+        m_topLevelHandles.reset();
+        return m_topLevelModel;
     }
+    if (unreadable)
+        return nullptr;
     FileStamp stamp;
     const QByteArray bytes = readTopLevelBytes(stamp);
     if (bytes.isEmpty())
@@ -149,6 +196,7 @@ ModelPtr XMLRepositoryReaderCache::getTopLevelModel()
     }
     m_topLevelModel = model;
     m_topLevelStamp = stamp;
+    m_topLevelRevision = model->revision();
     noteVersion(bytes, stamp);
     m_topLevelHandles.reset();
     return m_topLevelModel;
@@ -200,6 +248,7 @@ std::string XMLRepositoryReaderCache::topLevelFileProblem()
         reportLoadWarnings(*m_report, read.errors);
         m_topLevelModel = read.model;
         m_topLevelStamp = before;
+        m_topLevelRevision = read.model->revision();
         m_topLevelHandles.reset();
         noteVersion(read.bytes, before);
     }

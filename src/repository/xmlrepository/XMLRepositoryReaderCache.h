@@ -69,11 +69,22 @@ public:
     // is the one this cache holds, the cache keeps it, stamped with the new
     // file, instead of reading back what it already has.
     bool keepsWrittenTopLevel(const Model& model);
-    // Takes the top-level model from `source`, a cache of the same store
-    // that only reads it, while that holds the file as it is on disk: a
-    // writer's look into the shipped store then costs no read of its own.
-    // The source must outlive this cache.
+    // Takes the top-level model from `source`, another cache of the same
+    // store, while that holds it as the file on disk has it and nothing is
+    // changing it: a writer's look into the shipped store, or a
+    // repository's read of the store its writer has just read or written,
+    // then costs no read of its own. The source must outlive this cache.
     void shareTopLevelOf(XMLRepositoryReaderCache* source) { m_topLevelSource = source; }
+    // A writer's work on the model this cache holds, between which the
+    // model is not shared; caches that share it let it go when it starts,
+    // so that nothing reads a model half changed.
+    void beginTopLevelChange();
+    void endTopLevelChange() { --m_topLevelChanges; }
+    // The model serialized is what the file holds, though it was changed
+    // since it was read.
+    void topLevelMatchesFile(const Model& model);
+    // Whether the model held is, unchanged, the one the file on disk holds.
+    bool holdsTopLevelAsOnDisk() const;
 
 private:
     // The bytes of the top-level manifest and the stamp of the file they
@@ -83,6 +94,11 @@ private:
     void noteVersion(const QByteArray& bytes, const FileStamp& stamp);
     // Whether the loaded top-level manifest is no longer the one on disk.
     bool topLevelReplaced() const;
+    // The source's model, if it may be shared now; null if it is missing or
+    // corrupt (`unreadable` then says so), or held otherwise.
+    ModelPtr sharedTopLevel(bool& unreadable);
+    // Lets go of a model shared with the source.
+    void dropSharedTopLevel();
     // Reads the product's part of the store through `read`; if another
     // process changed the product meanwhile, drops what was loaded and reads
     // again, a few times, and then says so in the report.
@@ -103,6 +119,9 @@ private:
     RepositoryReader* m_reader;
     ModelPtr m_topLevelModel;
     XMLRepositoryReaderCache* m_topLevelSource = nullptr;
+    // The model's revision when it last was as the file has it.
+    std::uint64_t m_topLevelRevision = 0;
+    int m_topLevelChanges = 0;
     FileStamp m_topLevelStamp;
     // The signature text of the top-level manifest last read, and its stamp.
     std::string m_version;

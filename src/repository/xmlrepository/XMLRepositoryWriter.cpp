@@ -24,6 +24,22 @@ namespace {
 // Names each writer's temporary directory; plain data, main thread only.
 int writerCount = 0;
 
+// A writer's work on its reader's top-level model, which no other cache
+// shares meanwhile.
+class TopLevelChange {
+public:
+    explicit TopLevelChange(XMLRepositoryReader& reader) : m_cache(reader.readerCache())
+    {
+        m_cache.beginTopLevelChange();
+    }
+    ~TopLevelChange() { m_cache.endTopLevelChange(); }
+    TopLevelChange(const TopLevelChange&) = delete;
+    TopLevelChange& operator=(const TopLevelChange&) = delete;
+
+private:
+    XMLRepositoryReaderCache& m_cache;
+};
+
 bool isUsable(const Library& product)
 {
     const TandrilObjectImpl* node = product.getImpl();
@@ -75,6 +91,7 @@ void XMLRepositoryWriter::readShippedTopLevelFrom(XMLRepositoryReader& shipped)
 void XMLRepositoryWriter::generateRepository(GenerationMode mode)
 {
     const StoreLock lock(*m_report, m_directory);
+    const TopLevelChange change(*m_reader);
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(int(mode), std::string());
     if (!m_reader->topLevelManifest()) {
@@ -102,6 +119,7 @@ void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode
     const auto* block = dynamic_cast<const BlockImpl*>(product.getImpl());
     const std::string path = block ? block->getPath() : std::string();
     const StoreLock lock(*m_report, m_directory);
+    const TopLevelChange change(*m_reader);
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(int(mode), path);
     ModelPtr topLevel;
@@ -117,6 +135,7 @@ void XMLRepositoryWriter::generateProduct(const Library& product, GenerationMode
 void XMLRepositoryWriter::updateProducts()
 {
     const StoreLock lock(*m_report, m_directory);
+    const TopLevelChange change(*m_reader);
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(0, std::string());
     m_context.removeTempDirectory();
@@ -125,6 +144,7 @@ void XMLRepositoryWriter::updateProducts()
 void XMLRepositoryWriter::destroyRepository()
 {
     const StoreLock lock(*m_report, m_directory);
+    const TopLevelChange change(*m_reader);
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     m_discovery.syncTopLevelManifest(0, std::string());
     if (const ModelPtr topLevel = m_reader->topLevelManifest()) {
@@ -150,6 +170,7 @@ void XMLRepositoryWriter::destroyProduct(const Library& product)
 void XMLRepositoryWriter::destroyProduct(const std::string& name)
 {
     const StoreLock lock(*m_report, m_directory);
+    const TopLevelChange change(*m_reader);
     XMLRepositoryReaderCache::forgetReplacedTopLevels(m_directory);
     const ModelPtr topLevel = m_reader->topLevelManifest();
     const TandrilObject object = m_reader->getTandrilObject(name);
@@ -469,8 +490,10 @@ void XMLRepositoryWriter::updateTopLevelManifest(const Model& model, bool unchan
     // Serialized once: at a thousand products each writing costs more than
     // the product it follows.
     const QByteArray bytes = model.saveToBytes(Model::Compact);
-    if (holdsBytes(path, bytes))
+    if (holdsBytes(path, bytes)) {
+        m_reader->readerCache().topLevelMatchesFile(model);
         return;
+    }
     const std::string copy = XMLRepository::getTopLevelManifestFile(*m_report, m_context.tempDirectory(), false);
     // An older copy left in the temporary directory must not take its place.
     const bool written = ArchiveUpdater::saveManifest(*m_report, bytes, copy) && copyFile(*m_report, copy, path);
