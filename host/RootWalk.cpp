@@ -2,6 +2,7 @@
 
 #include "ByteReader.h"
 #include "ByteWriter.h"
+#include "OpenDirectory.h"
 #include "PathCacheFile.h"
 #include "SearchPath.h"
 #include "TdBlocksParser.h"
@@ -11,8 +12,6 @@
 #include <QFileInfo>
 
 #include <dirent.h>
-#include <fcntl.h>
-#include <unistd.h>
 #include <sys/stat.h>
 
 namespace LibraryBrowser::Host {
@@ -53,10 +52,15 @@ void RootWalk::list(const QByteArray& path, Directory& directory)
     ::closedir(stream);
 }
 
+QString RootWalk::absoluteRoot(const QString& root)
+{
+    return QDir::cleanPath(QFileInfo(root).absoluteFilePath());
+}
+
 RootWalk::Found RootWalk::walk(const QString& root)
 {
     const std::int64_t startedAt = PathCacheFile::now();
-    const QString top = QDir::cleanPath(QFileInfo(root).absoluteFilePath());
+    const QString top = absoluteRoot(root);
     const QString prefix = top.endsWith(QLatin1Char('/')) ? top : top + QLatin1Char('/');
     const QString tdblocks = QLatin1String(TdBlocksParser::fileName);
 
@@ -68,56 +72,62 @@ RootWalk::Found RootWalk::walk(const QString& root)
     m_listed = 0;
 
     Found found;
-    QHash<QString, Directory> walked;
+    ++m_walks;
     // Directories below the root are looked at from it: a shorter way for
     // the system to go than from "/" each time.
     const QByteArray encodedTop = QFile::encodeName(top);
-    const int rootDirectory = ::open(encodedTop.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    const OpenDirectory rootDirectory(top);
     QStringList pending;
-    if (rootDirectory >= 0)
+    if (rootDirectory.descriptor() >= 0)
         pending << QString();
     while (!pending.isEmpty()) {
         const QString relative = pending.takeLast();
         const bool isRoot = relative.isEmpty();
-        const QString path = isRoot ? top : prefix + relative;
         const QByteArray encodedRelative = QFile::encodeName(relative);
-        Directory directory;
+        FileStamp stamp;
         // The root may be a link; a directory below it is only reached as
         // what its parent listed.
-        if (!(isRoot ? directory.stamp.read(encodedTop, true)
-                     : directory.stamp.read(encodedRelative, false, rootDirectory) && directory.stamp.directory))
+        if (!(isRoot ? stamp.read(encodedTop, true)
+                     : stamp.read(encodedRelative, false, rootDirectory.descriptor()) && stamp.directory))
             continue;
-        const auto known = m_directories.constFind(relative);
-        if (known != m_directories.cend() && known->trusted && known->stamp == directory.stamp) {
-            directory = *known;
+        const QString path = isRoot ? top : prefix + relative;
+        // Known directories are taken where they are kept, not copied.
+        auto known = m_directories.find(relative);
+        if (known != m_directories.end() && known->trusted && known->stamp == stamp) {
             ++kept;
         } else {
             ++m_listed;
-            list(QFile::encodeName(path), directory);
-            directory.trusted = m_trust.trusted(directory.stamp.latest(), startedAt);
-            learnt = learnt || directory.trusted;
+            Directory listed;
+            listed.stamp = stamp;
+            list(QFile::encodeName(path), listed);
+            listed.trusted = m_trust.trusted(stamp.latest(), startedAt);
+            learnt = learnt || listed.trusted;
+            known = m_directories.insert(relative, std::move(listed));
         }
+        const Directory& directory = *known;
+        known->walk = m_walks;
+        QStringList libraries;
         const auto take = [&](const QString& name) {
             if (name == tdblocks)
                 found.below << path;
             else
-                found.libraries[path].insert(name);
+                libraries << name;
         };
-        for (const QString& name : std::as_const(directory.files))
+        for (const QString& name : directory.files)
             take(name);
-        for (const QString& name : std::as_const(directory.links)) {
+        for (const QString& name : directory.links) {
             FileStamp target;
             const QByteArray link = isRoot ? QFile::encodeName(name) : encodedRelative + '/' + QFile::encodeName(name);
-            if (target.read(link, true, rootDirectory) && !target.directory)
+            if (target.read(link, true, rootDirectory.descriptor()) && !target.directory)
                 take(name);
         }
-        for (const QString& name : std::as_const(directory.subdirectories))
+        if (!libraries.isEmpty())
+            found.libraries.insert(path, std::move(libraries));
+        for (const QString& name : directory.subdirectories)
             pending << (isRoot ? name : relative + QLatin1Char('/') + name);
-        walked.insert(relative, std::move(directory));
     }
-    if (rootDirectory >= 0)
-        ::close(rootDirectory);
-    m_directories = std::move(walked);
+    // What this walk did not reach is gone.
+    m_directories.removeIf([this](const auto& known) { return known.value().walk != m_walks; });
     m_changed = learnt || kept != trustedBefore;
     found.below.sort();
     return found;

@@ -1,3 +1,4 @@
+#include "OpenDirectory.h"
 #include "PathCacheFile.h"
 #include "RootWalk.h"
 #include "SearchPath.h"
@@ -321,12 +322,12 @@ std::string parsedFresh(const QString& file, const QString& root)
 
 std::string readThrough(TdBlocksCache& cache, const QString& file, const QString& root)
 {
-    std::vector<TdBlocksEntry> entries;
     FileIssue issue;
     std::vector<FileIssue> refused;
     bool ok = false;
-    const bool exists = cache.read(file, root, entries, ok, issue, refused);
-    return described(exists, ok, entries, issue, refused);
+    const OpenDirectory from(RootWalk::absoluteRoot(root));
+    const TdBlocksCache::Entries entries = cache.read(file, root, from, ok, issue, refused);
+    return described(entries != nullptr, ok, entries ? *entries : std::vector<TdBlocksEntry>(), issue, refused);
 }
 
 QByteArray tdblocks(const std::string& entries)
