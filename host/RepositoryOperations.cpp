@@ -227,9 +227,12 @@ RepositoryOperations::CallResult RepositoryOperations::getLibraryData(int output
     if (spec == m_fileSpecs.cend())
         spec = m_fileSpecs.insert(file, m_path.fileSpec(file));
     fileSpec.setCell(0, HostValue::string(*spec));
-    return CallArguments::success("tdprivate lb_getLibraryData", outputCount,
-                                  {fileSpec, HostValue::doubleScalar(static_cast<double>(status.st_size)),
-                                   HostValue::doubleScalar(static_cast<double>(status.st_mtim.tv_sec))});
+    std::vector<HostValue> outputs;
+    outputs.reserve(3);
+    outputs.push_back(std::move(fileSpec));
+    outputs.push_back(HostValue::doubleScalar(static_cast<double>(status.st_size)));
+    outputs.push_back(HostValue::doubleScalar(static_cast<double>(status.st_mtim.tv_sec)));
+    return CallArguments::success("tdprivate lb_getLibraryData", outputCount, std::move(outputs));
 }
 
 BlockTree::NodeId RepositoryOperations::childAtPath(BlockTree::NodeId container, const std::string& containerPath,
