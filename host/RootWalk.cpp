@@ -102,7 +102,7 @@ RootWalk::Found RootWalk::walk(const QString& root)
             list(QFile::encodeName(path), listed);
             listed.trusted = m_trust.trusted(stamp.latest(), startedAt);
             learnt = learnt || listed.trusted;
-            known = m_directories.insert(relative, std::move(listed));
+            known = m_directories.emplace(relative, std::move(listed));
         }
         const Directory& directory = *known;
         known->walk = m_walks;
@@ -122,7 +122,7 @@ RootWalk::Found RootWalk::walk(const QString& root)
                 take(name);
         }
         if (!libraries.isEmpty())
-            found.libraries.insert(path, std::move(libraries));
+            found.libraries.emplace(path, std::move(libraries));
         for (const QString& name : directory.subdirectories)
             pending << (isRoot ? name : relative + QLatin1Char('/') + name);
     }
@@ -168,7 +168,7 @@ void RootWalk::fromBytes(const QByteArray& bytes)
         if (!in.text(relative) || !directory.stamp.read(in) || !in.texts(directory.subdirectories)
             || !in.texts(directory.files) || !in.texts(directory.links))
             return;
-        read.insert(relative, std::move(directory));
+        read.emplace(relative, std::move(directory));
     }
     if (in.atEnd())
         m_directories = std::move(read);
