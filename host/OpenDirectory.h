@@ -9,9 +9,10 @@ struct FileStamp;
 
 // A directory held open so that files below it are looked up from it: the
 // system then walks only the part of each path below it, which for a deep
-// root is most of the cost of a stat. It is opened for one call and closed
-// after, so a directory renamed away or replaced since an earlier call is
-// never looked into; files outside it are looked up by their own path.
+// root is most of the cost of a stat. It is opened for one call (or one
+// walk) and closed after, so a directory renamed away or replaced since an
+// earlier call is never looked into; files outside it are looked up by
+// their own path.
 class OpenDirectory {
 public:
     // An absolute, clean path. One that can't be opened leaves every look-up
