@@ -112,6 +112,10 @@ void buildTree(const Tree& tree)
     tree.write(".hidden/tdblocks.json");
     tree.write("lib.tdlib.json/tdblocks.json");
     tree.write("unread/tdblocks.json");
+    // Enough subdirectories for the walk to look them up from their parent.
+    for (int i = 0; i < 9; ++i)
+        tree.write(QStringLiteral("many/d%1/tdblocks.json").arg(i));
+    tree.write("many/d3/e/three.tdlib.json");
     tree.link("b/two.tdlib.json", "a/link.tdlib.json");
     tree.link("b", "a/dir.tdlib.json");
     tree.link("missing.tdlib.json", "a/broken.tdlib.json");
