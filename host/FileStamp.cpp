@@ -8,10 +8,10 @@
 
 namespace LibraryBrowser::Host {
 
-bool FileStamp::read(const QByteArray& path, bool followLinks, int from)
+bool FileStamp::read(const char* path, bool followLinks, int from)
 {
     struct stat status;
-    if (::fstatat(from < 0 ? AT_FDCWD : from, path.constData(), &status, followLinks ? 0 : AT_SYMLINK_NOFOLLOW) != 0)
+    if (::fstatat(from < 0 ? AT_FDCWD : from, path, &status, followLinks ? 0 : AT_SYMLINK_NOFOLLOW) != 0)
         return false;
     device = std::uint64_t(status.st_dev);
     inode = std::uint64_t(status.st_ino);

@@ -23,7 +23,11 @@ struct FileStamp {
     // False when there is nothing at the path. A symbolic link is followed
     // unless `followLinks` is false. A relative path is taken from the open
     // directory `from`, if one is given.
-    bool read(const QByteArray& path, bool followLinks, int from = -1);
+    bool read(const char* path, bool followLinks, int from = -1);
+    bool read(const QByteArray& path, bool followLinks, int from = -1)
+    {
+        return read(path.constData(), followLinks, from);
+    }
     // The later of the two times: what a state is not older than.
     std::int64_t latest() const { return modified > changed ? modified : changed; }
     bool operator==(const FileStamp& other) const;

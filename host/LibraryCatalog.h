@@ -43,8 +43,6 @@ public:
     // issue: no file on the path, an unreadable file, or one that fails the
     // schema check.
     Loaded load(const std::string& library, FileIssue& issue);
-    // The library's file on the path, or empty.
-    QString fileOf(const std::string& library) const { return m_path.findLibraryFile(library); }
 
 private:
     struct Entry {

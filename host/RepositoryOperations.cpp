@@ -2,6 +2,8 @@
 
 #include "BlockPath.h"
 #include "IconRenderer.h"
+#include "OpenDirectory.h"
+#include "RootWalk.h"
 #include "TdBlocksParser.h"
 
 #include <QDir>
@@ -18,17 +20,10 @@ namespace {
 constexpr const char* invalidFile = "Tandril:Host:InvalidFile";
 constexpr const char* badArguments = "Tandril:Host:BadArguments";
 
-HostValue cellOfCells(const std::vector<std::vector<std::string>>& lists)
+HostValue row(std::vector<double> values)
 {
-    HostValue cell = HostValue::cellArray(lists.empty() ? 0 : 1, lists.size());
-    for (std::size_t i = 0; i < lists.size(); ++i)
-        cell.setCell(i, HostValue::cellOfStrings(lists[i]));
-    return cell;
-}
-
-HostValue row(const std::vector<double>& values)
-{
-    return HostValue::doubleMatrix(1, values.size(), values);
+    const std::size_t columns = values.size();
+    return HostValue::doubleMatrix(1, columns, std::move(values));
 }
 
 bool writeFile(const QString& path, const QByteArray& bytes)
@@ -85,13 +80,17 @@ RepositoryOperations::CallResult RepositoryOperations::getTdBlocksData(int outpu
     if (directories.isEmpty())
         directories = m_path.directories();
 
-    std::vector<TdBlocksEntry> entries;
+    // Files below the root are looked up from it, opened once for the call.
+    const OpenDirectory root(RootWalk::absoluteRoot(m_path.root()));
+    std::vector<TdBlocksCache::Entries> read;
+    std::size_t count = 0;
     for (const QString& directory : directories) {
         const QString file = directory + QLatin1Char('/') + QLatin1String(TdBlocksParser::fileName);
         FileIssue issue;
         std::vector<FileIssue> refused;
         bool parsed = false;
-        if (!m_tdBlocks.read(file, m_path.root(), entries, parsed, issue, refused))
+        TdBlocksCache::Entries entries = m_tdBlocks.read(file, m_path.root(), root, parsed, issue, refused);
+        if (!entries)
             continue;
         // A bad file leaves out its own entries only: failing the whole call
         // would make every product look uninstalled.
@@ -100,28 +99,37 @@ RepositoryOperations::CallResult RepositoryOperations::getTdBlocksData(int outpu
         for (const FileIssue& name : refused)
             if (report)
                 report->logWarning(invalidFile, name.toString());
+        count += entries->size();
+        read.push_back(std::move(entries));
     }
     m_tdBlocks.keep();
 
-    std::vector<std::string> names, libraries, repositories, treeIcons, panelIcons, types;
+    // The answer is built in place: a generation asks for it twice, and at a
+    // thousand products copies of it cost as much as the look-ups.
+    enum Column { Name, Library, Repository, Flag, TreeIcon, PanelIcon, Type, Children, Dependencies, Columns };
+    std::vector<HostValue> outputs;
+    outputs.reserve(Columns);
+    for (int column = 0; column < Columns; ++column)
+        outputs.push_back(HostValue::cellArray(count == 0 ? 0 : 1, count));
     std::vector<double> flags;
-    std::vector<std::vector<std::string>> children, dependencies;
-    for (const TdBlocksEntry& entry : entries) {
-        names.push_back(entry.productName);
-        libraries.push_back(entry.library);
-        repositories.push_back(entry.repositoryDirectory);
-        flags.push_back(entry.flag ? 1.0 : 0.0);
-        treeIcons.push_back(entry.treeIcon);
-        panelIcons.push_back(entry.panelIcon);
-        types.push_back(entry.type == EntryType::Palette ? "Palette" : "Product");
-        children.push_back(entry.children);
-        dependencies.push_back(entry.dependencies);
+    flags.reserve(count);
+    std::size_t i = 0;
+    for (const TdBlocksCache::Entries& entries : read) {
+        for (const TdBlocksEntry& entry : *entries) {
+            outputs[Name].setCell(i, HostValue::string(entry.productName));
+            outputs[Library].setCell(i, HostValue::string(entry.library));
+            outputs[Repository].setCell(i, HostValue::string(entry.repositoryDirectory));
+            flags.push_back(entry.flag ? 1.0 : 0.0);
+            outputs[TreeIcon].setCell(i, HostValue::string(entry.treeIcon));
+            outputs[PanelIcon].setCell(i, HostValue::string(entry.panelIcon));
+            outputs[Type].setCell(i, HostValue::string(entry.type == EntryType::Palette ? "Palette" : "Product"));
+            outputs[Children].setCell(i, HostValue::cellOfStrings(entry.children));
+            outputs[Dependencies].setCell(i, HostValue::cellOfStrings(entry.dependencies));
+            ++i;
+        }
     }
-    return CallArguments::success("tdprivate lb_getTdBlocksData", outputCount,
-                                  {HostValue::cellOfStrings(names), HostValue::cellOfStrings(libraries),
-                                   HostValue::cellOfStrings(repositories), row(flags),
-                                   HostValue::cellOfStrings(treeIcons), HostValue::cellOfStrings(panelIcons),
-                                   HostValue::cellOfStrings(types), cellOfCells(children), cellOfCells(dependencies)});
+    outputs[Flag] = row(std::move(flags));
+    return CallArguments::success("tdprivate lb_getTdBlocksData", outputCount, std::move(outputs));
 }
 
 BlockTree::NodeId RepositoryOperations::nodeOfInput(CallArguments& args, std::size_t index, FileIssue& issue)
@@ -206,21 +214,25 @@ RepositoryOperations::CallResult RepositoryOperations::getLibraryData(int output
     if (!args.string(1, path))
         return reportFailure(report, badArguments, args.error());
     const std::string library = BlockPath::split(path).front();
-    const QString file = m_catalog.fileOf(library);
-    // By stat: a date from QFileInfo goes through the time zone, and the
-    // store asks for every library of every product it checks.
+    // By stat, in the look-up of the file: a date from QFileInfo goes
+    // through the time zone, and the store asks for every library of every
+    // product it checks.
     struct stat status;
-    if (file.isEmpty() || ::stat(QFile::encodeName(file).constData(), &status) != 0 || !S_ISREG(status.st_mode))
+    const QString file = m_path.findLibraryFile(library, status);
+    if (file.isEmpty() || !S_ISREG(status.st_mode))
         return reportFailure(report, invalidFile,
                              "lb_getLibraryData: no library \"" + library + "\" on the path");
     HostValue fileSpec = HostValue::cellArray(1, 1);
-    auto spec = m_fileSpecs.find(file.toStdString());
-    if (spec == m_fileSpecs.end())
-        spec = m_fileSpecs.emplace(file.toStdString(), SearchPath::fileSpec(m_path.root(), file)).first;
-    fileSpec.setCell(0, HostValue::string(spec->second));
-    return CallArguments::success("tdprivate lb_getLibraryData", outputCount,
-                                  {fileSpec, HostValue::doubleScalar(static_cast<double>(status.st_size)),
-                                   HostValue::doubleScalar(static_cast<double>(status.st_mtim.tv_sec))});
+    auto spec = m_fileSpecs.constFind(file);
+    if (spec == m_fileSpecs.cend())
+        spec = m_fileSpecs.insert(file, m_path.fileSpec(file));
+    fileSpec.setCell(0, HostValue::string(*spec));
+    std::vector<HostValue> outputs;
+    outputs.reserve(3);
+    outputs.push_back(std::move(fileSpec));
+    outputs.push_back(HostValue::doubleScalar(static_cast<double>(status.st_size)));
+    outputs.push_back(HostValue::doubleScalar(static_cast<double>(status.st_mtim.tv_sec)));
+    return CallArguments::success("tdprivate lb_getLibraryData", outputCount, std::move(outputs));
 }
 
 BlockTree::NodeId RepositoryOperations::childAtPath(BlockTree::NodeId container, const std::string& containerPath,

@@ -5,6 +5,8 @@
 #include "SearchPath.h"
 #include "TdBlocksCache.h"
 
+#include <QHash>
+
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -46,7 +48,7 @@ private:
     TdBlocksCache m_tdBlocks;
     // How each library file found is named to the module: a generation asks
     // for every product's, and the root does not change while the host runs.
-    std::unordered_map<std::string, std::string> m_fileSpecs;
+    QHash<QString, std::string> m_fileSpecs;
 };
 
 } // namespace LibraryBrowser::Host

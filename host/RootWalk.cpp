@@ -2,6 +2,7 @@
 
 #include "ByteReader.h"
 #include "ByteWriter.h"
+#include "OpenDirectory.h"
 #include "PathCacheFile.h"
 #include "SearchPath.h"
 #include "TdBlocksParser.h"
@@ -10,14 +11,37 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <memory>
+
 #include <dirent.h>
 #include <fcntl.h>
-#include <unistd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace LibraryBrowser::Host {
 
 namespace {
+// A directory of this many subdirectories or more is opened, so that each
+// is looked up by its name from it rather than from the root: the open
+// costs about what four look-ups a few levels deep save.
+constexpr qsizetype openedFrom = 8;
+
+// An open directory, shared by the look-ups of its subdirectories.
+struct Held {
+    explicit Held(int descriptor) : descriptor(descriptor) {}
+    ~Held() { ::close(descriptor); }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+    const int descriptor;
+};
+
+struct Pending {
+    QString relative;
+    QString name;
+    // The parent when it was opened; else names are looked up from the root.
+    std::shared_ptr<const Held> parent;
+};
+
 bool matches(const QString& name)
 {
     return name.compare(QLatin1String(TdBlocksParser::fileName), Qt::CaseInsensitive) == 0
@@ -53,10 +77,15 @@ void RootWalk::list(const QByteArray& path, Directory& directory)
     ::closedir(stream);
 }
 
+QString RootWalk::absoluteRoot(const QString& root)
+{
+    return QDir::cleanPath(QFileInfo(root).absoluteFilePath());
+}
+
 RootWalk::Found RootWalk::walk(const QString& root)
 {
     const std::int64_t startedAt = PathCacheFile::now();
-    const QString top = QDir::cleanPath(QFileInfo(root).absoluteFilePath());
+    const QString top = absoluteRoot(root);
     const QString prefix = top.endsWith(QLatin1Char('/')) ? top : top + QLatin1Char('/');
     const QString tdblocks = QLatin1String(TdBlocksParser::fileName);
 
@@ -68,56 +97,70 @@ RootWalk::Found RootWalk::walk(const QString& root)
     m_listed = 0;
 
     Found found;
-    QHash<QString, Directory> walked;
+    ++m_walks;
     // Directories below the root are looked at from it: a shorter way for
     // the system to go than from "/" each time.
     const QByteArray encodedTop = QFile::encodeName(top);
-    const int rootDirectory = ::open(encodedTop.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    QStringList pending;
-    if (rootDirectory >= 0)
-        pending << QString();
+    const OpenDirectory rootDirectory(top);
+    QList<Pending> pending;
+    if (rootDirectory.descriptor() >= 0)
+        pending.push_back({});
     while (!pending.isEmpty()) {
-        const QString relative = pending.takeLast();
+        const Pending next = pending.takeLast();
+        const QString& relative = next.relative;
         const bool isRoot = relative.isEmpty();
-        const QString path = isRoot ? top : prefix + relative;
         const QByteArray encodedRelative = QFile::encodeName(relative);
-        Directory directory;
+        const int from = next.parent ? next.parent->descriptor : rootDirectory.descriptor();
+        const QByteArray lookup = next.parent ? QFile::encodeName(next.name) : encodedRelative;
+        FileStamp stamp;
         // The root may be a link; a directory below it is only reached as
         // what its parent listed.
-        if (!(isRoot ? directory.stamp.read(encodedTop, true)
-                     : directory.stamp.read(encodedRelative, false, rootDirectory) && directory.stamp.directory))
+        if (!(isRoot ? stamp.read(encodedTop, true) : stamp.read(lookup, false, from) && stamp.directory))
             continue;
-        const auto known = m_directories.constFind(relative);
-        if (known != m_directories.cend() && known->trusted && known->stamp == directory.stamp) {
-            directory = *known;
+        const QString path = isRoot ? top : prefix + relative;
+        // Known directories are taken where they are kept, not copied.
+        auto known = m_directories.find(relative);
+        if (known != m_directories.end() && known->trusted && known->stamp == stamp) {
             ++kept;
         } else {
             ++m_listed;
-            list(QFile::encodeName(path), directory);
-            directory.trusted = m_trust.trusted(directory.stamp.latest(), startedAt);
-            learnt = learnt || directory.trusted;
+            Directory listed;
+            listed.stamp = stamp;
+            list(QFile::encodeName(path), listed);
+            listed.trusted = m_trust.trusted(stamp.latest(), startedAt);
+            learnt = learnt || listed.trusted;
+            known = m_directories.emplace(relative, std::move(listed));
         }
+        const Directory& directory = *known;
+        known->walk = m_walks;
+        QStringList libraries;
         const auto take = [&](const QString& name) {
             if (name == tdblocks)
                 found.below << path;
             else
-                found.libraries[path].insert(name);
+                libraries << name;
         };
-        for (const QString& name : std::as_const(directory.files))
+        for (const QString& name : directory.files)
             take(name);
-        for (const QString& name : std::as_const(directory.links)) {
+        for (const QString& name : directory.links) {
             FileStamp target;
             const QByteArray link = isRoot ? QFile::encodeName(name) : encodedRelative + '/' + QFile::encodeName(name);
-            if (target.read(link, true, rootDirectory) && !target.directory)
+            if (target.read(link, true, rootDirectory.descriptor()) && !target.directory)
                 take(name);
         }
-        for (const QString& name : std::as_const(directory.subdirectories))
-            pending << (isRoot ? name : relative + QLatin1Char('/') + name);
-        walked.insert(relative, std::move(directory));
+        if (!libraries.isEmpty())
+            found.libraries.emplace(path, std::move(libraries));
+        std::shared_ptr<const Held> opened;
+        if (!isRoot && directory.subdirectories.size() >= openedFrom) {
+            const int descriptor = ::openat(from, lookup.constData(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+            if (descriptor >= 0)
+                opened = std::make_shared<const Held>(descriptor);
+        }
+        for (const QString& name : directory.subdirectories)
+            pending.push_back({isRoot ? name : relative + QLatin1Char('/') + name, name, opened});
     }
-    if (rootDirectory >= 0)
-        ::close(rootDirectory);
-    m_directories = std::move(walked);
+    // What this walk did not reach is gone.
+    m_directories.removeIf([this](const auto& known) { return known.value().walk != m_walks; });
     m_changed = learnt || kept != trustedBefore;
     found.below.sort();
     return found;
@@ -158,7 +201,7 @@ void RootWalk::fromBytes(const QByteArray& bytes)
         if (!in.text(relative) || !directory.stamp.read(in) || !in.texts(directory.subdirectories)
             || !in.texts(directory.files) || !in.texts(directory.links))
             return;
-        read.insert(relative, std::move(directory));
+        read.emplace(relative, std::move(directory));
     }
     if (in.atEnd())
         m_directories = std::move(read);

@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QHash>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -30,13 +29,15 @@ public:
     struct Found {
         // The directories that hold a tdblocks.json, sorted.
         QStringList below;
-        // Per directory, the names of the library files in it.
-        QHash<QString, QSet<QString>> libraries;
+        // Per directory, the names of the library files in it, if any.
+        QHash<QString, QStringList> libraries;
     };
 
     explicit RootWalk(const PathCacheFile& trust) : m_trust(trust) {}
 
     Found walk(const QString& root);
+    // The root as the walk names the directories below it: absolute, clean.
+    static QString absoluteRoot(const QString& root);
     // How many directories the last walk listed rather than took as known.
     int listed() const { return m_listed; }
     // Whether the last walk learnt something that toBytes() keeps, or found
@@ -58,6 +59,8 @@ private:
         // file depends on where it leads, which the directory's state does
         // not show.
         QStringList links;
+        // The last walk that reached it.
+        int walk = 0;
     };
 
     static void list(const QByteArray& path, Directory& directory);
@@ -66,6 +69,7 @@ private:
     // By path relative to the root, the root itself "".
     QHash<QString, Directory> m_directories;
     int m_listed = 0;
+    int m_walks = 0;
     bool m_changed = false;
 };
 

@@ -3,8 +3,11 @@
 #include "PathCacheFile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSet>
+
+#include <algorithm>
 
 namespace LibraryBrowser::Host {
 
@@ -19,34 +22,57 @@ void SearchPath::refresh()
 {
     // One walk finds the path's directories and the library files in them.
     const RootWalk::Found found = m_walk.walk(m_root);
+    m_top = RootWalk::absoluteRoot(m_root);
+    if (!m_top.endsWith(QLatin1Char('/')))
+        m_top += QLatin1Char('/');
     if (m_walk.changed())
         m_cache.store(PathCacheFile::Walk, m_walk.toBytes());
     const QStringList& below = found.below;
-    const QHash<QString, QSet<QString>>& libraries = found.libraries;
     m_found.clear();
     m_listedIn.clear();
     m_unlisted.clear();
     m_directories.clear();
-    const QSet<QString> listed(below.cbegin(), below.cend());
-    QSet<QString> seen;
-    for (const QString& directory : m_given + below) {
-        if (seen.contains(directory))
-            continue;
-        seen.insert(directory);
+    m_directories.reserve(m_given.size() + below.size());
+    m_listedIn.reserve(found.libraries.size());
+    const auto add = [&](const QString& directory) {
         const int index = int(m_directories.size());
         m_directories << directory;
-        if (!listed.contains(directory))
-            m_unlisted << index;
-        for (const QString& name : libraries.value(directory))
+        for (const QString& name : found.libraries.value(directory))
             m_listedIn[name] << index;
+        return index;
+    };
+    // The walk gives each directory once, sorted: only the given ones can
+    // come twice.
+    QSet<QString> given;
+    for (const QString& directory : m_given) {
+        if (given.contains(directory))
+            continue;
+        given.insert(directory);
+        const int index = add(directory);
+        if (!std::binary_search(below.cbegin(), below.cend(), directory))
+            m_unlisted << index;
     }
+    for (const QString& directory : below)
+        if (!given.contains(directory))
+            add(directory);
 }
 
 QString SearchPath::findLibraryFile(const std::string& library) const
 {
+    struct stat status;
+    return findLibraryFile(library, status);
+}
+
+QString SearchPath::findLibraryFile(const std::string& library, struct stat& status) const
+{
+    // Nothing is there for a name the system would cut short.
+    const auto exists = [&status](const QString& file) {
+        const QByteArray encoded = QFile::encodeName(file);
+        return !encoded.isEmpty() && !encoded.contains('\0') && ::stat(encoded.constData(), &status) == 0;
+    };
     const auto found = m_found.find(library);
     if (found != m_found.end()) {
-        if (QFileInfo::exists(found->second))
+        if (exists(found->second))
             return found->second;
         m_found.erase(found);
     }
@@ -56,7 +82,7 @@ QString SearchPath::findLibraryFile(const std::string& library) const
     const bool listable = !name.contains(QLatin1Char('/')) && !name.startsWith(QLatin1Char('.'));
     const auto existing = [&](int index) {
         const QString candidate = m_directories[index] + QLatin1Char('/') + name;
-        return QFileInfo::exists(candidate) ? candidate : QString();
+        return exists(candidate) ? candidate : QString();
     };
     QString file;
     if (listable) {
@@ -82,6 +108,15 @@ QString SearchPath::findLibraryFile(const std::string& library) const
 QString SearchPath::libraryFileName(const std::string& library)
 {
     return QString::fromStdString(library) + QLatin1String(librarySuffix);
+}
+
+std::string SearchPath::fileSpec(const QString& file) const
+{
+    // What the walk found below the root is named by what follows the root
+    // in its path, without working that out segment by segment.
+    if (file.size() > m_top.size() && file.startsWith(m_top) && QDir::cleanPath(file) == file)
+        return QStringView(file).mid(m_top.size()).toUtf8().toStdString();
+    return fileSpec(m_root, file);
 }
 
 std::string SearchPath::fileSpec(const QString& root, const QString& file)

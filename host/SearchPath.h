@@ -10,6 +10,8 @@
 #include <string>
 #include <unordered_map>
 
+#include <sys/stat.h>
+
 namespace LibraryBrowser::Host {
 
 class PathCacheFile;
@@ -39,14 +41,21 @@ public:
     // added later to a directory earlier on the path is only seen after the
     // one found is gone or refresh() has run.
     QString findLibraryFile(const std::string& library) const;
+    // The same, with the state of the file the look-up found (by stat,
+    // links followed) in `status`: one look-up of the file, not two.
+    QString findLibraryFile(const std::string& library, struct stat& status) const;
 
     static QString libraryFileName(const std::string& library);
     // How the host names a file to the module: relative to the root when it
     // lies below it, else absolute.
     static std::string fileSpec(const QString& root, const QString& file);
+    // The same for a file of this path.
+    std::string fileSpec(const QString& file) const;
 
 private:
     QString m_root;
+    // The root, absolute and clean, with a slash after it.
+    QString m_top;
     QStringList m_given;
     PathCacheFile& m_cache;
     RootWalk m_walk;

@@ -2,6 +2,7 @@
 
 #include "ByteReader.h"
 #include "ByteWriter.h"
+#include "OpenDirectory.h"
 #include "PathCacheFile.h"
 #include "TdBlocksParser.h"
 
@@ -11,25 +12,28 @@ namespace LibraryBrowser::Host {
 
 TdBlocksCache::TdBlocksCache(PathCacheFile& cache) : m_cache(cache) {}
 
-bool TdBlocksCache::read(const QString& file, const QString& root, std::vector<TdBlocksEntry>& entries,
-                         bool& parsed, FileIssue& issue, std::vector<FileIssue>& refused)
+TdBlocksCache::Entries TdBlocksCache::read(const QString& file, const QString& root, const OpenDirectory& from,
+                                           bool& parsed, FileIssue& issue, std::vector<FileIssue>& refused)
 {
     load();
     const std::int64_t readAt = PathCacheFile::now();
     const QByteArray name = QFile::encodeName(file);
+    std::string key = name.toStdString();
     FileStamp stamp;
-    if (!stamp.read(name, true)) {
-        m_files.erase(name.toStdString());
-        return false;
+    if (!from.stamp(name, stamp)) {
+        m_files.erase(key);
+        return nullptr;
     }
-    Parsed& known = m_files[name.toStdString()];
+    Parsed& known = m_files[std::move(key)];
     if (!(known.stamp == stamp) || known.root != root) {
         known = Parsed();
         ++m_parsedFiles;
-        known.ok = TdBlocksParser::parse(file, root, known.entries, known.issue, known.refused);
+        auto entries = std::make_shared<std::vector<TdBlocksEntry>>();
+        known.ok = TdBlocksParser::parse(file, root, *entries, known.issue, known.refused);
+        known.entries = std::move(entries);
         // A file changed while it was read is read again next time.
         FileStamp after;
-        if (after.read(name, true) && after.modified == stamp.modified && after.size == stamp.size
+        if (from.stamp(name, after) && after.modified == stamp.modified && after.size == stamp.size
             && after.inode == stamp.inode) {
             known.stamp = stamp;
             // A file that could not be read at all may be readable next time.
@@ -39,11 +43,10 @@ bool TdBlocksCache::read(const QString& file, const QString& root, std::vector<T
         known.root = root;
     }
     known.seen = true;
-    entries.insert(entries.end(), known.entries.begin(), known.entries.end());
     parsed = known.ok;
     issue = known.issue;
     refused = known.refused;
-    return true;
+    return known.entries;
 }
 
 void TdBlocksCache::keep()
@@ -74,8 +77,8 @@ void TdBlocksCache::keep()
         out.number(known.refused.size());
         for (const FileIssue& refused : known.refused)
             writeIssue(out, refused, file);
-        out.number(known.entries.size());
-        for (const TdBlocksEntry& entry : known.entries) {
+        out.number(known.entries->size());
+        for (const TdBlocksEntry& entry : *known.entries) {
             for (const std::string* text : {&entry.productName, &entry.library, &entry.repositoryDirectory,
                                             &entry.treeIcon, &entry.panelIcon})
                 out.text(*text);
@@ -118,8 +121,9 @@ void TdBlocksCache::load()
                 return;
         if (!in.count(entries))
             return;
-        known.entries.resize(entries);
-        for (TdBlocksEntry& entry : known.entries) {
+        auto loaded = std::make_shared<std::vector<TdBlocksEntry>>(entries);
+        known.entries = loaded;
+        for (TdBlocksEntry& entry : *loaded) {
             std::uint64_t bits = 0;
             for (std::string* text : {&entry.productName, &entry.library, &entry.repositoryDirectory,
                                       &entry.treeIcon, &entry.panelIcon})

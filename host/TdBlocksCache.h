@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -13,6 +14,7 @@ namespace LibraryBrowser::Host {
 
 class ByteReader;
 class ByteWriter;
+class OpenDirectory;
 class PathCacheFile;
 
 // The tdblocks.json files read so far, each with the state of the file it
@@ -27,11 +29,14 @@ class TdBlocksCache {
 public:
     explicit TdBlocksCache(PathCacheFile& cache);
 
-    // Whether the file exists. If so, its entries are appended and the
-    // result of TdBlocksParser::parse given, with `issue` and `refused` as
-    // that parse filled them.
-    bool read(const QString& file, const QString& root, std::vector<TdBlocksEntry>& entries, bool& parsed,
-              FileIssue& issue, std::vector<FileIssue>& refused);
+    using Entries = std::shared_ptr<const std::vector<TdBlocksEntry>>;
+
+    // The file's entries, or null when it does not exist; then `parsed` is
+    // the result of TdBlocksParser::parse, with `issue` and `refused` as
+    // that parse filled them. The file is looked up from `from` when it lies
+    // below it. The entries stay as they are whatever is read later.
+    Entries read(const QString& file, const QString& root, const OpenDirectory& from, bool& parsed,
+                 FileIssue& issue, std::vector<FileIssue>& refused);
     // Writes the cache file when this process parsed a file worth keeping.
     void keep();
     // How many files were parsed, rather than taken as known, so far.
@@ -42,7 +47,7 @@ private:
         FileStamp stamp;
         QString root;
         bool ok = false;
-        std::vector<TdBlocksEntry> entries;
+        Entries entries;
         FileIssue issue;
         std::vector<FileIssue> refused;
         // Whether it may be kept for a later process.

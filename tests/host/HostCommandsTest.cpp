@@ -126,10 +126,12 @@ TEST_F(ExampleRoot, TdBlocksChildrenBlockAndLibraryDataAndPathsWithDoubledSlashe
 
     EXPECT_FALSE(childrenOk("wavecraft/Signal Conversion/A/D Converter")) << "a single slash separates";
     EXPECT_FALSE(childrenOk("") || fixture.tdprivate("lb_getLibraryData", 3, {str("nowhere")}).ok);
+    EXPECT_FALSE(fixture.tdprivate("lb_getLibraryData", 3, {str(std::string("kinetics.tdlib.json\0", 20))}).ok)
+        << "a name is not cut short at a nul";
     for (const HostValue& bad : {HostValue::doubleScalar(1e9), HostValue::doubleScalar(0.5), str("tandril")})
         EXPECT_FALSE(fixture.tdprivate("lb_getBlockData", 6, {bad}).ok);
     EXPECT_FALSE(fixture.tdprivate("lb_getChildrenHandles", 1, {HostValue::logicalScalar(true)}).ok);
-    EXPECT_EQ(fixture.errors().size(), 7u);
+    EXPECT_EQ(fixture.errors().size(), 8u);
     EXPECT_EQ(fixture.tdprivate("lb_getChildrenHandles", 2, {str("tandril")}).errorId, "Tandril:Host:TooManyOutputs");
     EXPECT_EQ(fixture.run("tdprivate", {str("lb_frobnicate")}).errorId, "Tandril:Host:UnknownOperation");
     EXPECT_FALSE(fixture.run("no_such_function", {}).ok);
@@ -264,6 +266,28 @@ TEST(SearchPathOrder, GivenDirectoriesComeFirstAndLibraryFilesAreFoundWhereTheyA
     ASSERT_TRUE(QFile::remove(root.file("toolbox/switchyard/late.tdlib.json")));
     EXPECT_EQ(fileOf("late"), "failed: lb_getLibraryData: no library \"late\" on the path");
     EXPECT_EQ(fixture.errors().size(), 1u);
+
+    // The root moved aside and another put in its place between two calls:
+    // the second reads what is there now.
+    ASSERT_TRUE(QDir().rename(root.path(), root.path() + "-before"));
+    root.write("toolbox/kinetics/tdblocks.json", R"({"format": "tandril-tdblocks", "version": 1, "entries": [
+        {"name": "Kinetics Replaced", "library": "kinetics", "type": "Product"}]})");
+    EXPECT_EQ(fixture.tdprivate("lb_getTdBlocksData", 9, {}).outputs.at(0).toStringList(),
+              (Strings{"Kinetics Preview", "Tandril", "Kinetics Replaced"}));
+}
+
+// A directory given in a roundabout way still names its files from the root.
+TEST(SearchPathOrder, FilesBelowTheRootAreNamedFromItHoweverThePathReachesThem)
+{
+    RootCopy root;
+    root.write("toolbox/kinetics/sub/deep.tdlib.json", libraryJson("deep", "[]"));
+    HostFixture fixture(root.path(), {root.file("toolbox/wavecraft/../kinetics/sub/"), root.file("toolbox//kinetics/")});
+    const auto fileOf = [&](const std::string& library) {
+        const auto data = fixture.tdprivate("lb_getLibraryData", 3, {str(library)});
+        return data.ok ? data.outputs.at(0).cell(0).toString() : "failed: " + data.errorMessage;
+    };
+    EXPECT_EQ((Strings{fileOf("deep"), fileOf("kinetics")}),
+              (Strings{"toolbox/kinetics/sub/deep.tdlib.json", "toolbox/kinetics/kinetics.tdlib.json"}));
 }
 
 // Handles stay valid when their library's document is let go (libraries of

@@ -1,3 +1,4 @@
+#include "OpenDirectory.h"
 #include "PathCacheFile.h"
 #include "RootWalk.h"
 #include "SearchPath.h"
@@ -111,6 +112,10 @@ void buildTree(const Tree& tree)
     tree.write(".hidden/tdblocks.json");
     tree.write("lib.tdlib.json/tdblocks.json");
     tree.write("unread/tdblocks.json");
+    // Enough subdirectories for the walk to look them up from their parent.
+    for (int i = 0; i < 9; ++i)
+        tree.write(QStringLiteral("many/d%1/tdblocks.json").arg(i));
+    tree.write("many/d3/e/three.tdlib.json");
     tree.link("b/two.tdlib.json", "a/link.tdlib.json");
     tree.link("b", "a/dir.tdlib.json");
     tree.link("missing.tdlib.json", "a/broken.tdlib.json");
@@ -321,12 +326,12 @@ std::string parsedFresh(const QString& file, const QString& root)
 
 std::string readThrough(TdBlocksCache& cache, const QString& file, const QString& root)
 {
-    std::vector<TdBlocksEntry> entries;
     FileIssue issue;
     std::vector<FileIssue> refused;
     bool ok = false;
-    const bool exists = cache.read(file, root, entries, ok, issue, refused);
-    return described(exists, ok, entries, issue, refused);
+    const OpenDirectory from(RootWalk::absoluteRoot(root));
+    const TdBlocksCache::Entries entries = cache.read(file, root, from, ok, issue, refused);
+    return described(entries != nullptr, ok, entries ? *entries : std::vector<TdBlocksEntry>(), issue, refused);
 }
 
 QByteArray tdblocks(const std::string& entries)
