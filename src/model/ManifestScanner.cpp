@@ -138,33 +138,9 @@ bool isXmlChar(std::uint32_t c)
 // what is accepted reads the same through the full reader's decoder.
 std::size_t utf8SequenceLength(const char* p, const char* end)
 {
-    const auto b0 = static_cast<unsigned char>(p[0]);
-    std::size_t length;
-    std::uint32_t c;
-    if (b0 >= 0xC2 && b0 <= 0xDF) {
-        length = 2;
-        c = b0 & 0x1F;
-    } else if (b0 >= 0xE0 && b0 <= 0xEF) {
-        length = 3;
-        c = b0 & 0x0F;
-    } else if (b0 >= 0xF0 && b0 <= 0xF4) {
-        length = 4;
-        c = b0 & 0x07;
-    } else {
-        return 0;
-    }
-    if (std::size_t(end - p) < length)
-        return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        const auto b = static_cast<unsigned char>(p[i]);
-        if ((b & 0xC0) != 0x80)
-            return 0;
-        c = (c << 6) | (b & 0x3F);
-    }
-    static const std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (c < smallest[length] || !isXmlChar(c))
-        return 0;
-    return length;
+    std::uint32_t c = 0;
+    const std::size_t length = decodeUtf8(p, end, c);
+    return length && isXmlChar(c) ? length : 0;
 }
 
 class Scan {

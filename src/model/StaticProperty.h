@@ -31,6 +31,16 @@ public:
 
     std::string getPropAsString(const Node& node) const override { return text(value(node)); }
 
+    const std::string* textIfStored(const Node& node) const override
+    {
+        if constexpr (std::is_same_v<Type, std::string>)
+            return &value(node);
+        else if constexpr (std::is_same_v<Type, StringId> || std::is_same_v<Type, SharedText>)
+            return &value(node).str();
+        else
+            return nullptr;
+    }
+
     std::string defaultValueAsString() const override { return text(m_default); }
 
     bool hasDefaultValue(const Node& node) const override { return value(node) == m_default; }
