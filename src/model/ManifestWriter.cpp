@@ -6,7 +6,9 @@
 
 #include <QString>
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -41,9 +43,43 @@ std::string_view reference(char c)
     }
 }
 
+// The document's bytes, grown in place: the buffer is reallocated, which
+// for a large document extends its mapping instead of copying it.
+class Output {
+public:
+    void append(const char* text, std::size_t length)
+    {
+        if (m_size + qsizetype(length) > m_bytes.size()) {
+            m_bytes.resize(std::max(2 * m_bytes.size(), m_size + qsizetype(length) + 4096));
+            m_data = m_bytes.data();
+        }
+        std::memcpy(m_data + m_size, text, length);
+        m_size += qsizetype(length);
+    }
+    void append(std::string_view text) { append(text.data(), text.size()); }
+    void append(char c) { append(&c, 1); }
+
+    qsizetype size() const { return m_size; }
+    void truncate(qsizetype size) { m_size = size; }
+
+    QByteArray take()
+    {
+        m_bytes.resize(m_size);
+        m_bytes.squeeze();
+        m_data = nullptr;
+        m_size = 0;
+        return std::move(m_bytes);
+    }
+
+private:
+    QByteArray m_bytes;
+    char* m_data = nullptr;
+    qsizetype m_size = 0;
+};
+
 // Appends `text` escaped for an attribute value. False, with `out` partly
 // written, at the first sequence that is not well-formed UTF-8.
-bool appendEscapedUtf8(std::string& out, std::string_view text)
+bool appendEscapedUtf8(Output& out, std::string_view text)
 {
     const char* p = text.data();
     const char* end = p + text.size();
@@ -56,7 +92,7 @@ bool appendEscapedUtf8(std::string& out, std::string_view text)
             break;
         switch (kinds[static_cast<unsigned char>(*p)]) {
         case ByteKind::Reference:
-            out += reference(*p++);
+            out.append(reference(*p++));
             break;
         case ByteKind::Dropped:
             ++p;
@@ -76,15 +112,19 @@ bool appendEscapedUtf8(std::string& out, std::string_view text)
     return true;
 }
 
-void appendEscaped(std::string& out, const std::string& text)
+bool startsWithByteOrderMark(const std::string& text)
 {
-    const std::size_t start = out.size();
-    const bool bom = text.size() >= 3 && text.compare(0, 3, "\xEF\xBB\xBF") == 0;
-    if (!bom && appendEscapedUtf8(out, text))
+    return text.size() >= 3 && text[0] == '\xEF' && text[1] == '\xBB' && text[2] == '\xBF';
+}
+
+void appendEscaped(Output& out, const std::string& text)
+{
+    const qsizetype start = out.size();
+    if (!startsWithByteOrderMark(text) && appendEscapedUtf8(out, text))
         return;
     // Rare: decoded as the conversion to QString decodes it, which is
     // well-formed UTF-8 once encoded again.
-    out.resize(start);
+    out.truncate(start);
     appendEscapedUtf8(out, QString::fromStdString(text).toStdString());
 }
 
@@ -96,30 +136,31 @@ public:
 
     void newLine(std::size_t level)
     {
-        m_out += '\n';
-        m_out.append(level * m_indent, ' ');
+        m_out.append('\n');
+        for (std::size_t i = 0; i < level * m_indent; ++i)
+            m_out.append(' ');
     }
 
     void attribute(std::string_view name, const std::string& value)
     {
-        m_out += ' ';
-        m_out += name;
-        m_out += "=\"";
+        m_out.append(' ');
+        m_out.append(name);
+        m_out.append("=\"");
         appendEscaped(m_out, value);
-        m_out += '"';
+        m_out.append('"');
     }
 
     Document& operator<<(std::string_view text)
     {
-        m_out += text;
+        m_out.append(text);
         return *this;
     }
 
-    QByteArray bytes() const { return QByteArray(m_out.data(), qsizetype(m_out.size())); }
+    QByteArray bytes() { return m_out.take(); }
 
 private:
     std::size_t m_indent;
-    std::string m_out;
+    Output m_out;
 };
 
 } // namespace
