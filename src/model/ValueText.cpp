@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 #include <limits>
+#include <string_view>
 #include <type_traits>
 
 namespace LibraryBrowser::ValueText {
@@ -35,7 +36,7 @@ const char* parseNumber(const char* first, const char* last, T& value)
 // whatever follows it is not looked at. False if there is no number there or
 // it does not fit the type.
 template <class T>
-bool streamIn(const std::string& text, T& value)
+bool streamIn(std::string_view text, T& value)
 {
     T parsed{};
     if (!parseNumber(text.data(), text.data() + text.size(), parsed))
@@ -52,10 +53,36 @@ void appendReal(std::string& out, double value)
     out.append(buffer, result.ptr);
 }
 
-std::string firstLine(const std::string& text)
+// The elements at the top nesting level of the first line of a list's text
+// form, as views into it, handed to `take` until it returns false. False
+// if it was stopped.
+template <class Fn>
+bool forEachFirstLevelString(std::string_view text, Fn&& take)
 {
-    const auto end = text.find_first_of("\r\n");
-    return end == std::string::npos ? text : text.substr(0, end);
+    std::size_t lineEnd = 0;
+    while (lineEnd < text.size() && text[lineEnd] != '\n' && text[lineEnd] != '\r')
+        ++lineEnd;
+    std::string_view line = text.substr(0, lineEnd);
+    if (line.empty())
+        return true;
+    if (line.size() >= 2 && line.front() == '[' && line.back() == ']')
+        line = line.substr(1, line.size() - 2);
+    int depth = 0;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const char c = line[i];
+        if (c == '[') {
+            ++depth;
+        } else if (c == ']') {
+            if (depth > 0)
+                --depth;
+        } else if (c == ',' && depth == 0) {
+            if (!take(line.substr(start, i - start)))
+                return false;
+            start = i + 1;
+        }
+    }
+    return take(line.substr(start));
 }
 
 template <class T, class Fn>
@@ -173,9 +200,27 @@ bool fromText(const std::string& text, StringVector& value)
 
 namespace {
 
-std::size_t countBars(const std::string& text)
+// One record "fileSpec|checkSum|date|size", read field by field as far as
+// it goes: missing fields are empty, fields past the fourth are ignored, a
+// number that does not read is zero.
+FileInfo fileInfoOf(std::string_view record)
 {
-    return std::size_t(std::count(text.begin(), text.end(), '|'));
+    std::string_view fields[4];
+    for (std::size_t i = 0; i < 4; ++i) {
+        const std::size_t bar = record.find('|');
+        fields[i] = record.substr(0, bar);
+        if (bar == std::string_view::npos)
+            break;
+        record.remove_prefix(bar + 1);
+    }
+    FileInfo info;
+    info.fileSpec = fields[0];
+    info.checkSum = fields[1];
+    if (!streamIn(fields[2], info.date))
+        info.date = 0;
+    if (!streamIn(fields[3], info.size))
+        info.size = 0;
+    return info;
 }
 
 } // namespace
@@ -185,34 +230,27 @@ bool fromText(const std::string& text, FileInfoVector& value)
     // A record has three bars. A comma in a file name has cut its record in
     // two at the top level; the pieces are joined again until the record is
     // whole, so such a name survives. A record that stays short or holds
-    // more bars is read field by field as far as it goes.
-    std::vector<std::string> records;
-    bool open = false;
-    for (std::string& piece : firstLevelStrings(text)) {
-        if (open)
-            records.back() += ',' + piece;
-        else
-            records.push_back(std::move(piece));
-        open = countBars(records.back()) < 3;
-    }
+    // more bars is read field by field as far as it goes. The pieces of one
+    // record stand side by side in the text, one comma apart.
     FileInfoVector parsed;
-    for (const std::string& record : records) {
-        std::vector<std::string> fields;
-        std::size_t start = 0;
-        for (std::size_t bar; (bar = record.find('|', start)) != std::string::npos; start = bar + 1)
-            fields.push_back(record.substr(start, bar - start));
-        fields.push_back(record.substr(start));
-        fields.resize(std::max<std::size_t>(fields.size(), 4));
-        FileInfo info;
-        info.fileSpec = fields[0];
-        info.checkSum = fields[1];
-        // As stream input into a number that fails: zero.
-        if (!streamIn(fields[2], info.date))
-            info.date = 0;
-        if (!streamIn(fields[3], info.size))
-            info.size = 0;
-        parsed.push_back(std::move(info));
-    }
+    const char* recordBegin = nullptr;
+    const char* recordEnd = nullptr;
+    std::size_t bars = 0;
+    forEachFirstLevelString(text, [&](std::string_view piece) {
+        const std::size_t pieceBars = std::size_t(std::count(piece.begin(), piece.end(), '|'));
+        if (recordBegin && bars < 3) {
+            bars += pieceBars;
+        } else {
+            if (recordBegin)
+                parsed.push_back(fileInfoOf(std::string_view(recordBegin, std::size_t(recordEnd - recordBegin))));
+            recordBegin = piece.data();
+            bars = pieceBars;
+        }
+        recordEnd = piece.data() + piece.size();
+        return true;
+    });
+    if (recordBegin)
+        parsed.push_back(fileInfoOf(std::string_view(recordBegin, std::size_t(recordEnd - recordBegin))));
     value = std::move(parsed);
     return true;
 }
@@ -220,39 +258,26 @@ bool fromText(const std::string& text, FileInfoVector& value)
 bool idsFromText(const std::string& text, std::vector<unsigned>& ids)
 {
     std::vector<unsigned> parsed;
-    for (const std::string& element : firstLevelStrings(text)) {
+    const bool read = forEachFirstLevelString(text, [&](std::string_view element) {
         unsigned id = 0;
         if (!streamIn(element, id))
             return false;
         parsed.push_back(id);
-    }
+        return true;
+    });
+    if (!read)
+        return false;
     ids = std::move(parsed);
     return true;
 }
 
 std::vector<std::string> firstLevelStrings(const std::string& text)
 {
-    std::string line = firstLine(text);
     std::vector<std::string> elements;
-    if (line.empty())
-        return elements;
-    if (line.size() >= 2 && line.front() == '[' && line.back() == ']')
-        line = line.substr(1, line.size() - 2);
-    int depth = 0;
-    std::string current;
-    for (char c : line) {
-        if (c == '[')
-            ++depth;
-        else if (c == ']' && depth > 0)
-            --depth;
-        if (c == ',' && depth == 0) {
-            elements.push_back(std::move(current));
-            current.clear();
-        } else {
-            current += c;
-        }
-    }
-    elements.push_back(std::move(current));
+    forEachFirstLevelString(text, [&](std::string_view element) {
+        elements.emplace_back(element);
+        return true;
+    });
     return elements;
 }
 
