@@ -6,6 +6,7 @@
 #include "model/Serializer.h"
 #include "platform/Utf8.h"
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -105,15 +106,49 @@ private:
     std::vector<Class> m_classes;
 };
 
-bool isSpace(char c)
+// What each byte may be, looked up once per byte of a document.
+enum ByteClass : unsigned char {
+    Space = 1,
+    NameByte = 2,
+    // Ends a run of a value's bytes that are taken as they are: either quote,
+    // a reference, a character of more than one byte, a control character.
+    EndsPlainRun = 4,
+};
+
+constexpr std::array<unsigned char, 256> byteClasses()
 {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+    std::array<unsigned char, 256> classes{};
+    for (int b = 0; b < 256; ++b) {
+        if (b == ' ' || b == '\t' || b == '\n' || b == '\r')
+            classes[b] |= Space;
+        if ((b >= 'a' && b <= 'z') || (b >= 'A' && b <= 'Z') || (b >= '0' && b <= '9') || b == '-' || b == '_'
+            || b == '.' || b == ':')
+            classes[b] |= NameByte;
+        if (b < 0x20 || b >= 0x80 || b == '"' || b == '\'' || b == '&' || b == '<')
+            classes[b] |= EndsPlainRun;
+    }
+    return classes;
 }
 
-bool isNameByte(char c)
+constexpr std::array<unsigned char, 256> classes = byteClasses();
+
+bool is(char c, ByteClass byteClass)
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_'
-        || c == '.' || c == ':';
+    return classes[static_cast<unsigned char>(c)] & byteClass;
+}
+
+// Whether any of eight bytes ends a plain run for this quote (or is the
+// other quote, or a byte that merely looks like it ends one): a value's
+// bytes are taken eight at a time until one of them might.
+bool mayEndPlainRun(std::uint64_t bytes, std::uint64_t quotes)
+{
+    constexpr std::uint64_t ones = 0x0101010101010101u;
+    constexpr std::uint64_t highs = 0x8080808080808080u;
+    const auto hasZeroByte = [](std::uint64_t v) { return (v - ones) & ~v & highs; };
+    const std::uint64_t below20 = (bytes - ones * 0x20) & ~bytes & highs;
+    return (below20 | (bytes & highs) | hasZeroByte(bytes ^ quotes) | hasZeroByte(bytes ^ (ones * '&'))
+            | hasZeroByte(bytes ^ (ones * '<')))
+        != 0;
 }
 
 // Names begin with a letter or an underscore; a colon is left to the full
@@ -209,11 +244,21 @@ private:
         return true;
     }
 
+    // Takes the name if it stands here whole, not as the start of a longer one.
+    bool takeName(std::string_view name)
+    {
+        if (std::size_t(m_end - m_p) <= name.size() || std::memcmp(m_p, name.data(), name.size()) != 0
+            || is(m_p[name.size()], NameByte))
+            return false;
+        m_p += name.size();
+        return true;
+    }
+
     // Whether any blank was skipped.
     bool skipSpace()
     {
         const char* start = m_p;
-        while (m_p != m_end && isSpace(*m_p))
+        while (m_p != m_end && is(*m_p, Space))
             ++m_p;
         return m_p != start;
     }
@@ -228,7 +273,7 @@ private:
     std::string_view name()
     {
         const char* start = m_p;
-        while (m_p != m_end && isNameByte(*m_p))
+        while (m_p != m_end && is(*m_p, NameByte))
             ++m_p;
         return std::string_view(start, std::size_t(m_p - start));
     }
@@ -249,14 +294,16 @@ private:
         if (atEnd() || (*m_p != '"' && *m_p != '\''))
             return false;
         const char quote = *m_p++;
+        const std::uint64_t quotes = 0x0101010101010101u * static_cast<unsigned char>(quote);
         for (;;) {
             const char* run = m_p;
-            while (m_p != m_end) {
-                const auto b = static_cast<unsigned char>(*m_p);
-                if (b == static_cast<unsigned char>(quote) || b == '&' || b == '<' || b < 0x20 || b >= 0x80)
+            for (std::uint64_t bytes; m_end - m_p >= 8; m_p += 8) {
+                std::memcpy(&bytes, m_p, 8);
+                if (mayEndPlainRun(bytes, quotes))
                     break;
-                ++m_p;
             }
+            while (m_p != m_end && !is(*m_p, EndsPlainRun))
+                ++m_p;
             out.append(run, std::size_t(m_p - run));
             if (atEnd())
                 return false;
@@ -265,7 +312,10 @@ private:
                 ++m_p;
                 return true;
             }
-            if (b >= 0x80) {
+            if (b == '"' || b == '\'') {
+                out += char(b);
+                ++m_p;
+            } else if (b >= 0x80) {
                 const std::size_t length = utf8SequenceLength(m_p, m_end);
                 if (!length)
                     return false;
@@ -384,17 +434,20 @@ private:
                 return take('>') && hasId;
             if (!spaced)
                 return false;
-            const std::string_view key = name();
-            if (key == "id") {
+            if (takeName("id")) {
                 if (hasId || !equalsAndValue(m_value) || !nodeId(m_value, node, context))
                     return false;
                 hasId = true;
                 continue;
             }
+            // Attributes come in the property table's order, those left at
+            // their defaults left out: the name is looked for from the one
+            // after the last, and compared where it stands.
             std::size_t index = count;
-            for (std::size_t k = 0; k < count; ++k) {
-                const std::size_t i = (hint + k) % count;
-                if (names[i] == key) {
+            if (hint == count)
+                hint = 0;
+            for (std::size_t k = 0, i = hint; k < count; ++k, i = i + 1 == count ? 0 : i + 1) {
+                if (takeName(names[i])) {
                     index = i;
                     break;
                 }
