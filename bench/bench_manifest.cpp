@@ -49,7 +49,7 @@ ModelPtr topLevelManifestOf(int products)
 {
     ModelPtr model = Model::createModel();
     for (int i = 0; i < products; ++i) {
-        char digits[8];
+        char digits[12];
         std::snprintf(digits, sizeof digits, "%04d", i);
         const std::string name = std::string("synth_") + digits;
         const std::string dir = std::string("synth__") + digits;

@@ -11,53 +11,12 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace LibraryBrowser {
 
 namespace {
-
-// Text properties are set straight through their generated setter: the
-// property table's way reads the text into a value first, which for text is
-// one more copy of every string of every node.
-using TextSetter = void (*)(Node&, const std::string&);
-
-template <class Setter>
-struct SetterOf;
-template <class Owner, class Type>
-struct SetterOf<void (Owner::*)(const Type&)> {
-    using Class = Owner;
-    using Value = Type;
-};
-
-template <auto Set>
-TextSetter textSetter()
-{
-    using Traits = SetterOf<decltype(Set)>;
-    if constexpr (std::is_same_v<typename Traits::Value, std::string>)
-        return [](Node& node, const std::string& text) { (static_cast<typename Traits::Class&>(node).*Set)(text); };
-    else
-        return nullptr;
-}
-
-// Per node class, in the property table's order: the name and the direct
-// setter (null where the value is not text).
-std::vector<std::pair<std::string, TextSetter>> textSetters(const StringId& typeName)
-{
-    std::vector<std::pair<std::string, TextSetter>> setters;
-#define TDLB_SCANNER_SETTER(name, Name, Type, def, structural) setters.emplace_back(#name, textSetter<&Self::set##Name>());
-#define TDLB_SCANNER_CLASS(Class, Parent)                                                              \
-    if (typeName == Class::staticGetTypeName()) {                                                    \
-        using Self = Class;                                                                            \
-        TDLB_##Class##_ALL(TDLB_SCANNER_SETTER)                                                        \
-    }
-    TDLB_NODE_CLASSES(TDLB_SCANNER_CLASS)
-#undef TDLB_SCANNER_CLASS
-#undef TDLB_SCANNER_SETTER
-    return setters;
-}
 
 // Node classes and their property names as bytes, built once.
 class ByteTables {
@@ -67,7 +26,6 @@ public:
         StringId typeName;
         const MetaNode* meta = nullptr;
         std::vector<std::string> propertyNames;
-        std::vector<TextSetter> textSetters;
     };
 
     static const ByteTables& instance()
@@ -94,12 +52,6 @@ private:
             c.meta = meta.get();
             for (const auto& property : meta->properties())
                 c.propertyNames.push_back(property->name().str());
-            // Used only where the schema's list and the property table agree.
-            const auto setters = textSetters(c.typeName);
-            c.textSetters.assign(c.propertyNames.size(), nullptr);
-            for (std::size_t i = 0; i < setters.size() && i < c.propertyNames.size(); ++i)
-                if (setters.size() == c.propertyNames.size() && setters[i].first == c.propertyNames[i])
-                    c.textSetters[i] = setters[i].second;
             m_classes.push_back(std::move(c));
         }
     }
@@ -458,9 +410,7 @@ private:
             hint = index + 1;
             if (!equalsAndValue(m_value))
                 return false;
-            if (const TextSetter set = nodeClass.textSetters[index])
-                set(node, m_value);
-            else if (!properties[index]->setPropFromString(node, m_value, context, reason))
+            if (!properties[index]->setPropFromString(node, m_value, context, reason))
                 return false;
         }
     }
