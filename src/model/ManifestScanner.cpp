@@ -4,6 +4,7 @@
 #include "model/MetaModel.h"
 #include "model/Model.h"
 #include "model/Serializer.h"
+#include "platform/ByteScan.h"
 #include "platform/Utf8.h"
 
 #include <array>
@@ -90,17 +91,12 @@ bool is(char c, ByteClass byteClass)
 }
 
 // Whether any of eight bytes ends a plain run for this quote (or is the
-// other quote, or a byte that merely looks like it ends one): a value's
-// bytes are taken eight at a time until one of them might.
-bool mayEndPlainRun(std::uint64_t bytes, std::uint64_t quotes)
+// other quote): a value's bytes are taken eight at a time until one might.
+bool mayEndPlainRun(std::uint64_t bytes, unsigned char quote)
 {
-    constexpr std::uint64_t ones = 0x0101010101010101u;
-    constexpr std::uint64_t highs = 0x8080808080808080u;
-    const auto hasZeroByte = [](std::uint64_t v) { return (v - ones) & ~v & highs; };
-    const std::uint64_t below20 = (bytes - ones * 0x20) & ~bytes & highs;
-    return (below20 | (bytes & highs) | hasZeroByte(bytes ^ quotes) | hasZeroByte(bytes ^ (ones * '&'))
-            | hasZeroByte(bytes ^ (ones * '<')))
-        != 0;
+    using namespace ByteScan;
+    return hasByteBelow(bytes, 0x20) || hasHighByte(bytes) || hasByte(bytes, quote) || hasByte(bytes, '&')
+        || hasByte(bytes, '<');
 }
 
 // Names begin with a letter or an underscore; a colon is left to the full
@@ -246,14 +242,10 @@ private:
         if (atEnd() || (*m_p != '"' && *m_p != '\''))
             return false;
         const char quote = *m_p++;
-        const std::uint64_t quotes = 0x0101010101010101u * static_cast<unsigned char>(quote);
         for (;;) {
             const char* run = m_p;
-            for (std::uint64_t bytes; m_end - m_p >= 8; m_p += 8) {
-                std::memcpy(&bytes, m_p, 8);
-                if (mayEndPlainRun(bytes, quotes))
-                    break;
-            }
+            while (m_end - m_p >= 8 && !mayEndPlainRun(ByteScan::eightBytesAt(m_p), static_cast<unsigned char>(quote)))
+                m_p += 8;
             while (m_p != m_end && !is(*m_p, EndsPlainRun))
                 ++m_p;
             out.append(run, std::size_t(m_p - run));

@@ -1,5 +1,7 @@
 #include "model/ValueText.h"
 
+#include "platform/ByteScan.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -53,16 +55,21 @@ void appendReal(std::string& out, double value)
     out.append(buffer, result.ptr);
 }
 
+bool holdsListSyntax(std::uint64_t bytes)
+{
+    return ByteScan::hasByte(bytes, '[') || ByteScan::hasByte(bytes, ']') || ByteScan::hasByte(bytes, ',');
+}
+
 // The elements at the top nesting level of the first line of a list's text
 // form, as views into it, handed to `take` until it returns false. False
 // if it was stopped.
 template <class Fn>
 bool forEachFirstLevelString(std::string_view text, Fn&& take)
 {
-    std::size_t lineEnd = 0;
-    while (lineEnd < text.size() && text[lineEnd] != '\n' && text[lineEnd] != '\r')
-        ++lineEnd;
-    std::string_view line = text.substr(0, lineEnd);
+    std::string_view line = text;
+    for (char lineBreak : {'\n', '\r'})
+        if (const void* at = std::memchr(line.data(), lineBreak, line.size()))
+            line = line.substr(0, std::size_t(static_cast<const char*>(at) - line.data()));
     if (line.empty())
         return true;
     if (line.size() >= 2 && line.front() == '[' && line.back() == ']')
@@ -70,6 +77,11 @@ bool forEachFirstLevelString(std::string_view text, Fn&& take)
     int depth = 0;
     std::size_t start = 0;
     for (std::size_t i = 0; i < line.size(); ++i) {
+        // Elements are mostly long runs without brackets or commas.
+        while (line.size() - i >= 8 && !holdsListSyntax(ByteScan::eightBytesAt(line.data() + i)))
+            i += 8;
+        if (i == line.size())
+            break;
         const char c = line[i];
         if (c == '[') {
             ++depth;
