@@ -195,8 +195,9 @@ private:
     // Takes the name if it stands here whole, not as the start of a longer one.
     bool takeName(std::string_view name)
     {
-        if (std::size_t(m_end - m_p) <= name.size() || std::memcmp(m_p, name.data(), name.size()) != 0
-            || is(m_p[name.size()], NameByte))
+        // Most names that are not there differ in their first letter.
+        if (std::size_t(m_end - m_p) <= name.size() || name.empty() || *m_p != name.front()
+            || std::memcmp(m_p, name.data(), name.size()) != 0 || is(m_p[name.size()], NameByte))
             return false;
         m_p += name.size();
         return true;
