@@ -2,6 +2,7 @@
 
 #include "model/Model.h"
 #include "model/Serializer.h"
+#include "platform/ByteScan.h"
 #include "platform/Utf8.h"
 
 #include <QString>
@@ -30,6 +31,15 @@ constexpr std::array<ByteKind, 256> byteKinds()
 
 constexpr std::array<ByteKind, 256> kinds = byteKinds();
 
+// Whether any of eight bytes is other than plain: values are mostly long
+// runs that are copied as they stand.
+bool mayNeedEscape(std::uint64_t bytes)
+{
+    using namespace ByteScan;
+    return hasByteBelow(bytes, 0x20) || hasHighByte(bytes) || hasByte(bytes, '<') || hasByte(bytes, '>')
+        || hasByte(bytes, '&') || hasByte(bytes, '"');
+}
+
 std::string_view reference(char c)
 {
     switch (c) {
@@ -49,15 +59,16 @@ class Output {
 public:
     void append(const char* text, std::size_t length)
     {
-        if (m_size + qsizetype(length) > m_bytes.size()) {
-            m_bytes.resize(std::max(2 * m_bytes.size(), m_size + qsizetype(length) + 4096));
-            m_data = m_bytes.data();
-        }
+        makeRoom(length);
         std::memcpy(m_data + m_size, text, length);
         m_size += qsizetype(length);
     }
     void append(std::string_view text) { append(text.data(), text.size()); }
-    void append(char c) { append(&c, 1); }
+    void append(char c)
+    {
+        makeRoom(1);
+        m_data[m_size++] = c;
+    }
 
     qsizetype size() const { return m_size; }
     void truncate(qsizetype size) { m_size = size; }
@@ -72,6 +83,14 @@ public:
     }
 
 private:
+    void makeRoom(std::size_t length)
+    {
+        if (m_size + qsizetype(length) > m_bytes.size()) {
+            m_bytes.resize(std::max(2 * m_bytes.size(), m_size + qsizetype(length) + 4096));
+            m_data = m_bytes.data();
+        }
+    }
+
     QByteArray m_bytes;
     char* m_data = nullptr;
     qsizetype m_size = 0;
@@ -85,6 +104,8 @@ bool appendEscapedUtf8(Output& out, std::string_view text)
     const char* end = p + text.size();
     while (p != end) {
         const char* run = p;
+        while (end - p >= 8 && !mayNeedEscape(ByteScan::eightBytesAt(p)))
+            p += 8;
         while (p != end && kinds[static_cast<unsigned char>(*p)] == ByteKind::Plain)
             ++p;
         out.append(run, std::size_t(p - run));
