@@ -95,25 +95,32 @@ void BM_SaveManifest(benchmark::State& state)
     state.SetBytesProcessed(bytes);
 }
 
+// One load per iteration; tearing the model down is not part of loading it.
+template <class Load>
+void timeLoads(benchmark::State& state, std::int64_t bytesPerLoad, Load&& load)
+{
+    ErrorHolder errors;
+    for (auto _ : state) {
+        ModelPtr model = Model::createModel();
+        if (!load(*model, errors))
+            state.SkipWithError(errors.message().c_str());
+        benchmark::DoNotOptimize(model->nodeCount());
+        state.PauseTiming();
+        model.reset();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetBytesProcessed(state.iterations() * bytesPerLoad);
+}
+
 void BM_LoadManifest(benchmark::State& state)
 {
     QTemporaryDir dir;
     const std::string path = dir.filePath(QStringLiteral("manifest.xml")).toStdString();
     ErrorHolder errors;
     manifestOf(int(state.range(0)))->save(path, errors);
-    const std::int64_t size = QFileInfo(QString::fromStdString(path)).size();
-    for (auto _ : state) {
-        ModelPtr model = Model::createModel();
-        if (!model->load(path, errors))
-            state.SkipWithError(errors.message().c_str());
-        benchmark::DoNotOptimize(model->nodeCount());
-        // Tearing the model down is not part of loading it.
-        state.PauseTiming();
-        model.reset();
-        state.ResumeTiming();
-    }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
-    state.SetBytesProcessed(state.iterations() * size);
+    timeLoads(state, QFileInfo(QString::fromStdString(path)).size(),
+              [&](Model& model, ErrorHolder& loadErrors) { return model.load(path, loadErrors); });
 }
 
 // As a generation reads and writes a store's top-level manifest: from and to
@@ -134,18 +141,8 @@ void BM_SaveTopLevelManifest(benchmark::State& state)
 void BM_LoadTopLevelManifest(benchmark::State& state)
 {
     const QByteArray bytes = topLevelManifestOf(int(state.range(0)))->saveToBytes();
-    ErrorHolder errors;
-    for (auto _ : state) {
-        ModelPtr model = Model::createModel();
-        if (!model->loadFromBytes(bytes, errors))
-            state.SkipWithError(errors.message().c_str());
-        benchmark::DoNotOptimize(model->nodeCount());
-        state.PauseTiming();
-        model.reset();
-        state.ResumeTiming();
-    }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
-    state.SetBytesProcessed(state.iterations() * bytes.size());
+    timeLoads(state, bytes.size(),
+              [&](Model& model, ErrorHolder& errors) { return model.loadFromBytes(bytes, errors); });
 }
 
 } // namespace
