@@ -97,8 +97,20 @@ bool forEachFirstLevelString(std::string_view text, Fn&& take)
     return take(line.substr(start));
 }
 
+// Decimal, as stream output writes an integer.
+template <class T>
+void appendInteger(std::string& out, T value)
+{
+    char buffer[24];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    out.append(buffer, result.ptr);
+}
+
+// "[" + each element appended by `append` + "]", commas between; the empty
+// vector gives the empty text. Built in place: a manifest writes one per
+// library.
 template <class T, class Fn>
-std::string joined(const std::vector<T>& values, Fn&& form)
+std::string joined(const std::vector<T>& values, Fn&& append)
 {
     if (values.empty())
         return std::string();
@@ -106,7 +118,7 @@ std::string joined(const std::vector<T>& values, Fn&& form)
     for (std::size_t i = 0; i < values.size(); ++i) {
         if (i)
             text += ',';
-        text += form(values[i]);
+        append(text, values[i]);
     }
     text += ']';
     return text;
@@ -136,19 +148,25 @@ std::string toText(const QRectF& value)
 
 std::string toText(const StringVector& value)
 {
-    return joined(value, [](const std::string& s) { return s; });
+    return joined(value, [](std::string& text, const std::string& s) { text += s; });
 }
 
 std::string toText(const FileInfoVector& value)
 {
-    return joined(value, [](const FileInfo& f) {
-        return f.fileSpec + '|' + f.checkSum + '|' + std::to_string(f.date) + '|' + std::to_string(f.size);
+    return joined(value, [](std::string& text, const FileInfo& f) {
+        text += f.fileSpec;
+        text += '|';
+        text += f.checkSum;
+        text += '|';
+        appendInteger(text, f.date);
+        text += '|';
+        appendInteger(text, f.size);
     });
 }
 
 std::string idsToText(const std::vector<unsigned>& ids)
 {
-    return joined(ids, [](unsigned id) { return std::to_string(id); });
+    return joined(ids, [](std::string& text, unsigned id) { appendInteger(text, id); });
 }
 
 bool fromText(const std::string& text, bool& value)

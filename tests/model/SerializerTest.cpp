@@ -137,8 +137,13 @@ TEST(Serializer, RoundTripKeepsEveryNodeAndPropertyOnBothReaders)
         ErrorHolder errors;
         ASSERT_FALSE(ManifestScanner::scan(*parsed, commented));
         ASSERT_TRUE(parsed->loadFromBytes(commented, errors)) << errors.message();
+        const auto* product = static_cast<const LibraryImpl*>(original->getNodes().get(0));
         for (const ModelPtr& loaded : {scanned, parsed}) {
             expectSameNodes(*original, *loaded);
+            // Text forms that lose a part alike on both sides still compare equal; the values don't.
+            const auto* read = static_cast<const LibraryImpl*>(loaded->getNodes().get(0));
+            EXPECT_EQ(std::make_pair(read->getFileDependencies(), read->getChildren()),
+                      std::make_pair(product->getFileDependencies(), product->getChildren()));
             auto* palette = dynamic_cast<PaletteImpl*>(loaded->getNodes().get(1));
             ASSERT_NE(palette, nullptr);
             EXPECT_EQ(palette->getProduct(), loaded->getNodes().get(0));
