@@ -4,59 +4,20 @@
 #include "model/MetaModel.h"
 #include "model/Model.h"
 #include "model/Serializer.h"
+#include "platform/ByteScan.h"
 #include "platform/Utf8.h"
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace LibraryBrowser {
 
 namespace {
-
-// Text properties are set straight through their generated setter: the
-// property table's way reads the text into a value first, which for text is
-// one more copy of every string of every node.
-using TextSetter = void (*)(Node&, const std::string&);
-
-template <class Setter>
-struct SetterOf;
-template <class Owner, class Type>
-struct SetterOf<void (Owner::*)(const Type&)> {
-    using Class = Owner;
-    using Value = Type;
-};
-
-template <auto Set>
-TextSetter textSetter()
-{
-    using Traits = SetterOf<decltype(Set)>;
-    if constexpr (std::is_same_v<typename Traits::Value, std::string>)
-        return [](Node& node, const std::string& text) { (static_cast<typename Traits::Class&>(node).*Set)(text); };
-    else
-        return nullptr;
-}
-
-// Per node class, in the property table's order: the name and the direct
-// setter (null where the value is not text).
-std::vector<std::pair<std::string, TextSetter>> textSetters(const StringId& typeName)
-{
-    std::vector<std::pair<std::string, TextSetter>> setters;
-#define TDLB_SCANNER_SETTER(name, Name, Type, def, structural) setters.emplace_back(#name, textSetter<&Self::set##Name>());
-#define TDLB_SCANNER_CLASS(Class, Parent)                                                              \
-    if (typeName == Class::staticGetTypeName()) {                                                    \
-        using Self = Class;                                                                            \
-        TDLB_##Class##_ALL(TDLB_SCANNER_SETTER)                                                        \
-    }
-    TDLB_NODE_CLASSES(TDLB_SCANNER_CLASS)
-#undef TDLB_SCANNER_CLASS
-#undef TDLB_SCANNER_SETTER
-    return setters;
-}
 
 // Node classes and their property names as bytes, built once.
 class ByteTables {
@@ -66,7 +27,6 @@ public:
         StringId typeName;
         const MetaNode* meta = nullptr;
         std::vector<std::string> propertyNames;
-        std::vector<TextSetter> textSetters;
     };
 
     static const ByteTables& instance()
@@ -93,27 +53,50 @@ private:
             c.meta = meta.get();
             for (const auto& property : meta->properties())
                 c.propertyNames.push_back(property->name().str());
-            // Used only where the schema's list and the property table agree.
-            const auto setters = textSetters(c.typeName);
-            c.textSetters.assign(c.propertyNames.size(), nullptr);
-            for (std::size_t i = 0; i < setters.size() && i < c.propertyNames.size(); ++i)
-                if (setters.size() == c.propertyNames.size() && setters[i].first == c.propertyNames[i])
-                    c.textSetters[i] = setters[i].second;
             m_classes.push_back(std::move(c));
         }
     }
     std::vector<Class> m_classes;
 };
 
-bool isSpace(char c)
+// What each byte may be, looked up once per byte of a document.
+enum ByteClass : unsigned char {
+    Space = 1,
+    NameByte = 2,
+    // Ends a run of a value's bytes that are taken as they are: either quote,
+    // a reference, a character of more than one byte, a control character.
+    EndsPlainRun = 4,
+};
+
+constexpr std::array<unsigned char, 256> byteClasses()
 {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+    std::array<unsigned char, 256> classes{};
+    for (int b = 0; b < 256; ++b) {
+        if (b == ' ' || b == '\t' || b == '\n' || b == '\r')
+            classes[b] |= Space;
+        if ((b >= 'a' && b <= 'z') || (b >= 'A' && b <= 'Z') || (b >= '0' && b <= '9') || b == '-' || b == '_'
+            || b == '.' || b == ':')
+            classes[b] |= NameByte;
+        if (b < 0x20 || b >= 0x80 || b == '"' || b == '\'' || b == '&' || b == '<')
+            classes[b] |= EndsPlainRun;
+    }
+    return classes;
 }
 
-bool isNameByte(char c)
+constexpr std::array<unsigned char, 256> classes = byteClasses();
+
+bool is(char c, ByteClass byteClass)
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_'
-        || c == '.' || c == ':';
+    return classes[static_cast<unsigned char>(c)] & byteClass;
+}
+
+// Whether any of eight bytes ends a plain run for this quote (or is the
+// other quote): a value's bytes are taken eight at a time until one might.
+bool mayEndPlainRun(std::uint64_t bytes, unsigned char quote)
+{
+    using namespace ByteScan;
+    return hasByteBelow(bytes, 0x20) || hasHighByte(bytes) || hasByte(bytes, quote) || hasByte(bytes, '&')
+        || hasByte(bytes, '<');
 }
 
 // Names begin with a letter or an underscore; a colon is left to the full
@@ -138,33 +121,9 @@ bool isXmlChar(std::uint32_t c)
 // what is accepted reads the same through the full reader's decoder.
 std::size_t utf8SequenceLength(const char* p, const char* end)
 {
-    const auto b0 = static_cast<unsigned char>(p[0]);
-    std::size_t length;
-    std::uint32_t c;
-    if (b0 >= 0xC2 && b0 <= 0xDF) {
-        length = 2;
-        c = b0 & 0x1F;
-    } else if (b0 >= 0xE0 && b0 <= 0xEF) {
-        length = 3;
-        c = b0 & 0x0F;
-    } else if (b0 >= 0xF0 && b0 <= 0xF4) {
-        length = 4;
-        c = b0 & 0x07;
-    } else {
-        return 0;
-    }
-    if (std::size_t(end - p) < length)
-        return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        const auto b = static_cast<unsigned char>(p[i]);
-        if ((b & 0xC0) != 0x80)
-            return 0;
-        c = (c << 6) | (b & 0x3F);
-    }
-    static const std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (c < smallest[length] || !isXmlChar(c))
-        return 0;
-    return length;
+    std::uint32_t c = 0;
+    const std::size_t length = decodeUtf8(p, end, c);
+    return length && isXmlChar(c) ? length : 0;
 }
 
 class Scan {
@@ -233,11 +192,22 @@ private:
         return true;
     }
 
+    // Takes the name if it stands here whole, not as the start of a longer one.
+    bool takeName(std::string_view name)
+    {
+        // Most names that are not there differ in their first letter.
+        if (std::size_t(m_end - m_p) <= name.size() || name.empty() || *m_p != name.front()
+            || std::memcmp(m_p, name.data(), name.size()) != 0 || is(m_p[name.size()], NameByte))
+            return false;
+        m_p += name.size();
+        return true;
+    }
+
     // Whether any blank was skipped.
     bool skipSpace()
     {
         const char* start = m_p;
-        while (m_p != m_end && isSpace(*m_p))
+        while (m_p != m_end && is(*m_p, Space))
             ++m_p;
         return m_p != start;
     }
@@ -252,7 +222,7 @@ private:
     std::string_view name()
     {
         const char* start = m_p;
-        while (m_p != m_end && isNameByte(*m_p))
+        while (m_p != m_end && is(*m_p, NameByte))
             ++m_p;
         return std::string_view(start, std::size_t(m_p - start));
     }
@@ -275,12 +245,10 @@ private:
         const char quote = *m_p++;
         for (;;) {
             const char* run = m_p;
-            while (m_p != m_end) {
-                const auto b = static_cast<unsigned char>(*m_p);
-                if (b == static_cast<unsigned char>(quote) || b == '&' || b == '<' || b < 0x20 || b >= 0x80)
-                    break;
+            while (m_end - m_p >= 8 && !mayEndPlainRun(ByteScan::eightBytesAt(m_p), static_cast<unsigned char>(quote)))
+                m_p += 8;
+            while (m_p != m_end && !is(*m_p, EndsPlainRun))
                 ++m_p;
-            }
             out.append(run, std::size_t(m_p - run));
             if (atEnd())
                 return false;
@@ -289,7 +257,10 @@ private:
                 ++m_p;
                 return true;
             }
-            if (b >= 0x80) {
+            if (b == '"' || b == '\'') {
+                out += char(b);
+                ++m_p;
+            } else if (b >= 0x80) {
                 const std::size_t length = utf8SequenceLength(m_p, m_end);
                 if (!length)
                     return false;
@@ -408,17 +379,20 @@ private:
                 return take('>') && hasId;
             if (!spaced)
                 return false;
-            const std::string_view key = name();
-            if (key == "id") {
+            if (takeName("id")) {
                 if (hasId || !equalsAndValue(m_value) || !nodeId(m_value, node, context))
                     return false;
                 hasId = true;
                 continue;
             }
+            // Attributes come in the property table's order, those left at
+            // their defaults left out: the name is looked for from the one
+            // after the last, and compared where it stands.
             std::size_t index = count;
-            for (std::size_t k = 0; k < count; ++k) {
-                const std::size_t i = (hint + k) % count;
-                if (names[i] == key) {
+            if (hint == count)
+                hint = 0;
+            for (std::size_t k = 0, i = hint; k < count; ++k, i = i + 1 == count ? 0 : i + 1) {
+                if (takeName(names[i])) {
                     index = i;
                     break;
                 }
@@ -429,9 +403,7 @@ private:
             hint = index + 1;
             if (!equalsAndValue(m_value))
                 return false;
-            if (const TextSetter set = nodeClass.textSetters[index])
-                set(node, m_value);
-            else if (!properties[index]->setPropFromString(node, m_value, context, reason))
+            if (!properties[index]->setPropFromString(node, m_value, context, reason))
                 return false;
         }
     }

@@ -75,12 +75,14 @@
     X(LibraryRefImpl, SubSystemImpl)            \
     X(PaletteImpl, LibraryImpl)
 
-// Inside a class body: field, getter and setter of one property. Setters
-// mark the node dirty only when the value changes (containers always do).
+// Inside a class body: field, getter and setters of one property. Setters
+// mark the node dirty only when the value changes (containers always do);
+// the second takes over a value that its caller no longer needs.
 #define TDLB_DECLARE_PROPERTY(name, Name, Type, def, structural)        \
 public:                                                                 \
     const Type& get##Name() const { return m_##name; }                  \
     void set##Name(const Type& value) { assignProperty(m_##name, value); } \
+    void set##Name(Type&& value) { assignProperty(m_##name, std::move(value)); } \
 protected:                                                              \
     Type m_##name = def;
 

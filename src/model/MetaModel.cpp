@@ -11,10 +11,11 @@ namespace {
 template <class Class, class Type>
 std::unique_ptr<PropertyBase> makeProperty(const char* name, const char* valueType, bool structural,
                                            const Type& (Class::*getter)() const,
-                                           void (Class::*setter)(const Type&), Type defaultValue)
+                                           void (Class::*setter)(const Type&),
+                                           void (Class::*moveSetter)(Type&&), Type defaultValue)
 {
     return std::make_unique<StaticProperty<Class, Type>>(name, valueType, structural, getter, setter,
-                                                         defaultValue);
+                                                         moveSetter, defaultValue);
 }
 
 } // namespace
@@ -29,7 +30,7 @@ MetaModel::MetaModel() : m_name("Model")
 {
 #define TDLB_REGISTER_PROPERTY(name, Name, Type, def, structural)                                     \
     meta.appendProperty(makeProperty<Self, Type>(#name, #Type, structural, &Self::get##Name,          \
-                                                 &Self::set##Name, def));
+                                                 &Self::set##Name, &Self::set##Name, def));
 #define TDLB_REGISTER_CLASS(Class, Parent)                                                             \
     {                                                                                                  \
         using Self = Class;                                                                            \

@@ -4,6 +4,7 @@
 #include "platform/StringId.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -53,8 +54,8 @@ public:
     void clearDirty() { m_dirty = false; }
 
 protected:
-    template <class T>
-    void assignProperty(T& field, const T& value);
+    template <class T, class Value>
+    void assignProperty(T& field, Value&& value);
 
 private:
     friend class Model;
@@ -79,12 +80,12 @@ struct AlwaysMarksDirty<NodeList<T>> {
     static constexpr bool value = true;
 };
 
-template <class T>
-void Node::assignProperty(T& field, const T& value)
+template <class T, class Value>
+void Node::assignProperty(T& field, Value&& value)
 {
     if (AlwaysMarksDirty<T>::value || !(field == value)) {
         markDirty();
-        field = value;
+        field = std::forward<Value>(value);
     }
 }
 

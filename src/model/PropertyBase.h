@@ -24,6 +24,9 @@ public:
     bool isNodeType() const { return m_structural; }
 
     virtual std::string getPropAsString(const Node& node) const = 0;
+    // The value itself where its text form is the text it holds (strings and
+    // interned strings), so that a writer need not copy it; null otherwise.
+    virtual const std::string* textIfStored(const Node& node) const = 0;
     // Reads the text form. Node references are handed to the context, which
     // binds them once every node of the document exists. False with a reason
     // in `error` for a text that is not a value of the property's type.

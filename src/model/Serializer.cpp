@@ -2,6 +2,7 @@
 
 #include "model/LoadContext.h"
 #include "model/ManifestScanner.h"
+#include "model/ManifestWriter.h"
 #include "model/MetaModel.h"
 #include "model/Model.h"
 #include "platform/ErrorHolder.h"
@@ -12,7 +13,6 @@
 #include <QSaveFile>
 #include <QStringEncoder>
 #include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 
 #include <algorithm>
 
@@ -191,36 +191,7 @@ bool Serializer::saveBytesToFile(const QByteArray& bytes, const std::string& pat
 
 QByteArray Serializer::saveToByteArray(const Model& model, int options)
 {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    write(model, buffer, options);
-    return bytes;
-}
-
-void Serializer::write(const Model& model, QIODevice& device, int options)
-{
-    QXmlStreamWriter writer(&device);
-    writer.setAutoFormatting(true);
-    writer.setAutoFormattingIndent(options == Model::Indented ? 2 : 0);
-    writer.writeStartDocument();
-    writer.writeStartElement(QLatin1String(rootElementName()));
-    writer.writeAttribute(QLatin1String("format"), QString::number(formatVersion()));
-    writer.writeAttribute(QLatin1String("signature"), QString::fromStdString(model.signature().toString()));
-    writer.writeAttribute(QLatin1String("domain"), QString::fromStdString(Node::getDomain().str()));
-    for (const TandrilObjectImpl* node : model.getNodes()) {
-        const MetaNode& meta = node->metaNode();
-        writer.writeEmptyElement(QString::fromStdString(meta.typeName().str()));
-        writer.writeAttribute(QLatin1String("id"), QString::number(node->id()));
-        for (const auto& property : meta.properties()) {
-            if (property->hasDefaultValue(*node))
-                continue;
-            writer.writeAttribute(QString::fromStdString(property->name().str()),
-                                  QString::fromStdString(property->getPropAsString(*node)));
-        }
-    }
-    writer.writeEndElement();
-    writer.writeEndDocument();
+    return ManifestWriter::write(model, options == Model::Indented ? 2 : 0);
 }
 
 Signature Serializer::getModelSignatureFromByteArray(const QByteArray& bytes, ErrorHolder& errors)

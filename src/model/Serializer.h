@@ -42,7 +42,6 @@ public:
 
 private:
     static bool load(Model& model, QIODevice& device, const std::string& origin, ErrorHolder& errors);
-    static void write(const Model& model, QIODevice& device, int options);
 };
 
 } // namespace LibraryBrowser

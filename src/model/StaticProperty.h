@@ -24,12 +24,25 @@ class StaticProperty : public PropertyBase {
 public:
     using Getter = const Type& (Class::*)() const;
     using Setter = void (Class::*)(const Type&);
+    // The setter that takes over a value read from text.
+    using MoveSetter = void (Class::*)(Type&&);
 
     StaticProperty(const char* name, const char* valueType, bool structural, Getter getter, Setter setter,
-                   Type defaultValue)
-        : PropertyBase(name, valueType, structural), m_get(getter), m_set(setter), m_default(defaultValue) {}
+                   MoveSetter moveSetter, Type defaultValue)
+        : PropertyBase(name, valueType, structural), m_get(getter), m_set(setter), m_move(moveSetter),
+          m_default(defaultValue) {}
 
     std::string getPropAsString(const Node& node) const override { return text(value(node)); }
+
+    const std::string* textIfStored(const Node& node) const override
+    {
+        if constexpr (std::is_same_v<Type, std::string>)
+            return &value(node);
+        else if constexpr (std::is_same_v<Type, StringId> || std::is_same_v<Type, SharedText>)
+            return &value(node).str();
+        else
+            return nullptr;
+    }
 
     std::string defaultValueAsString() const override { return text(m_default); }
 
@@ -63,11 +76,14 @@ public:
                         list.append(element);
                 (target.*set)(list);
             });
+        } else if constexpr (std::is_same_v<Type, std::string>) {
+            // Text is its own text form: set as it stands, without a copy to read it into.
+            (target.*m_set)(input);
         } else {
             Type parsed{};
             if (!ValueText::fromText(input, parsed))
                 return invalid(input, error);
-            (target.*m_set)(parsed);
+            (target.*m_move)(std::move(parsed));
         }
         return true;
     }
@@ -97,6 +113,7 @@ private:
 
     Getter m_get;
     Setter m_set;
+    MoveSetter m_move;
     Type m_default;
 };
 

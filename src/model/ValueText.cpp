@@ -1,9 +1,12 @@
 #include "model/ValueText.h"
 
+#include "platform/ByteScan.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <limits>
+#include <string_view>
 #include <type_traits>
 
 namespace LibraryBrowser::ValueText {
@@ -35,7 +38,7 @@ const char* parseNumber(const char* first, const char* last, T& value)
 // whatever follows it is not looked at. False if there is no number there or
 // it does not fit the type.
 template <class T>
-bool streamIn(const std::string& text, T& value)
+bool streamIn(std::string_view text, T& value)
 {
     T parsed{};
     if (!parseNumber(text.data(), text.data() + text.size(), parsed))
@@ -52,14 +55,62 @@ void appendReal(std::string& out, double value)
     out.append(buffer, result.ptr);
 }
 
-std::string firstLine(const std::string& text)
+bool holdsListSyntax(std::uint64_t bytes)
 {
-    const auto end = text.find_first_of("\r\n");
-    return end == std::string::npos ? text : text.substr(0, end);
+    return ByteScan::hasByte(bytes, '[') || ByteScan::hasByte(bytes, ']') || ByteScan::hasByte(bytes, ',');
 }
 
+// The elements at the top nesting level of the first line of a list's text
+// form, as views into it, handed to `take` until it returns false. False
+// if it was stopped.
+template <class Fn>
+bool forEachFirstLevelString(std::string_view text, Fn&& take)
+{
+    std::string_view line = text;
+    for (char lineBreak : {'\n', '\r'})
+        if (const void* at = std::memchr(line.data(), lineBreak, line.size()))
+            line = line.substr(0, std::size_t(static_cast<const char*>(at) - line.data()));
+    if (line.empty())
+        return true;
+    if (line.size() >= 2 && line.front() == '[' && line.back() == ']')
+        line = line.substr(1, line.size() - 2);
+    int depth = 0;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        // Elements are mostly long runs without brackets or commas.
+        while (line.size() - i >= 8 && !holdsListSyntax(ByteScan::eightBytesAt(line.data() + i)))
+            i += 8;
+        if (i == line.size())
+            break;
+        const char c = line[i];
+        if (c == '[') {
+            ++depth;
+        } else if (c == ']') {
+            if (depth > 0)
+                --depth;
+        } else if (c == ',' && depth == 0) {
+            if (!take(line.substr(start, i - start)))
+                return false;
+            start = i + 1;
+        }
+    }
+    return take(line.substr(start));
+}
+
+// Decimal, as stream output writes an integer.
+template <class T>
+void appendInteger(std::string& out, T value)
+{
+    char buffer[24];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    out.append(buffer, result.ptr);
+}
+
+// "[" + each element appended by `append` + "]", commas between; the empty
+// vector gives the empty text. Built in place: a manifest writes one per
+// library.
 template <class T, class Fn>
-std::string joined(const std::vector<T>& values, Fn&& form)
+std::string joined(const std::vector<T>& values, Fn&& append)
 {
     if (values.empty())
         return std::string();
@@ -67,7 +118,7 @@ std::string joined(const std::vector<T>& values, Fn&& form)
     for (std::size_t i = 0; i < values.size(); ++i) {
         if (i)
             text += ',';
-        text += form(values[i]);
+        append(text, values[i]);
     }
     text += ']';
     return text;
@@ -97,19 +148,25 @@ std::string toText(const QRectF& value)
 
 std::string toText(const StringVector& value)
 {
-    return joined(value, [](const std::string& s) { return s; });
+    return joined(value, [](std::string& text, const std::string& s) { text += s; });
 }
 
 std::string toText(const FileInfoVector& value)
 {
-    return joined(value, [](const FileInfo& f) {
-        return f.fileSpec + '|' + f.checkSum + '|' + std::to_string(f.date) + '|' + std::to_string(f.size);
+    return joined(value, [](std::string& text, const FileInfo& f) {
+        text += f.fileSpec;
+        text += '|';
+        text += f.checkSum;
+        text += '|';
+        appendInteger(text, f.date);
+        text += '|';
+        appendInteger(text, f.size);
     });
 }
 
 std::string idsToText(const std::vector<unsigned>& ids)
 {
-    return joined(ids, [](unsigned id) { return std::to_string(id); });
+    return joined(ids, [](std::string& text, unsigned id) { appendInteger(text, id); });
 }
 
 bool fromText(const std::string& text, bool& value)
@@ -173,9 +230,27 @@ bool fromText(const std::string& text, StringVector& value)
 
 namespace {
 
-std::size_t countBars(const std::string& text)
+// One record "fileSpec|checkSum|date|size", read field by field as far as
+// it goes: missing fields are empty, fields past the fourth are ignored, a
+// number that does not read is zero.
+FileInfo fileInfoOf(std::string_view record)
 {
-    return std::size_t(std::count(text.begin(), text.end(), '|'));
+    std::string_view fields[4];
+    for (std::size_t i = 0; i < 4; ++i) {
+        const std::size_t bar = record.find('|');
+        fields[i] = record.substr(0, bar);
+        if (bar == std::string_view::npos)
+            break;
+        record.remove_prefix(bar + 1);
+    }
+    FileInfo info;
+    info.fileSpec = fields[0];
+    info.checkSum = fields[1];
+    if (!streamIn(fields[2], info.date))
+        info.date = 0;
+    if (!streamIn(fields[3], info.size))
+        info.size = 0;
+    return info;
 }
 
 } // namespace
@@ -185,34 +260,27 @@ bool fromText(const std::string& text, FileInfoVector& value)
     // A record has three bars. A comma in a file name has cut its record in
     // two at the top level; the pieces are joined again until the record is
     // whole, so such a name survives. A record that stays short or holds
-    // more bars is read field by field as far as it goes.
-    std::vector<std::string> records;
-    bool open = false;
-    for (std::string& piece : firstLevelStrings(text)) {
-        if (open)
-            records.back() += ',' + piece;
-        else
-            records.push_back(std::move(piece));
-        open = countBars(records.back()) < 3;
-    }
+    // more bars is read field by field as far as it goes. The pieces of one
+    // record stand side by side in the text, one comma apart.
     FileInfoVector parsed;
-    for (const std::string& record : records) {
-        std::vector<std::string> fields;
-        std::size_t start = 0;
-        for (std::size_t bar; (bar = record.find('|', start)) != std::string::npos; start = bar + 1)
-            fields.push_back(record.substr(start, bar - start));
-        fields.push_back(record.substr(start));
-        fields.resize(std::max<std::size_t>(fields.size(), 4));
-        FileInfo info;
-        info.fileSpec = fields[0];
-        info.checkSum = fields[1];
-        // As stream input into a number that fails: zero.
-        if (!streamIn(fields[2], info.date))
-            info.date = 0;
-        if (!streamIn(fields[3], info.size))
-            info.size = 0;
-        parsed.push_back(std::move(info));
-    }
+    const char* recordBegin = nullptr;
+    const char* recordEnd = nullptr;
+    std::size_t bars = 0;
+    forEachFirstLevelString(text, [&](std::string_view piece) {
+        const std::size_t pieceBars = std::size_t(std::count(piece.begin(), piece.end(), '|'));
+        if (recordBegin && bars < 3) {
+            bars += pieceBars;
+        } else {
+            if (recordBegin)
+                parsed.push_back(fileInfoOf(std::string_view(recordBegin, std::size_t(recordEnd - recordBegin))));
+            recordBegin = piece.data();
+            bars = pieceBars;
+        }
+        recordEnd = piece.data() + piece.size();
+        return true;
+    });
+    if (recordBegin)
+        parsed.push_back(fileInfoOf(std::string_view(recordBegin, std::size_t(recordEnd - recordBegin))));
     value = std::move(parsed);
     return true;
 }
@@ -220,39 +288,26 @@ bool fromText(const std::string& text, FileInfoVector& value)
 bool idsFromText(const std::string& text, std::vector<unsigned>& ids)
 {
     std::vector<unsigned> parsed;
-    for (const std::string& element : firstLevelStrings(text)) {
+    const bool read = forEachFirstLevelString(text, [&](std::string_view element) {
         unsigned id = 0;
         if (!streamIn(element, id))
             return false;
         parsed.push_back(id);
-    }
+        return true;
+    });
+    if (!read)
+        return false;
     ids = std::move(parsed);
     return true;
 }
 
 std::vector<std::string> firstLevelStrings(const std::string& text)
 {
-    std::string line = firstLine(text);
     std::vector<std::string> elements;
-    if (line.empty())
-        return elements;
-    if (line.size() >= 2 && line.front() == '[' && line.back() == ']')
-        line = line.substr(1, line.size() - 2);
-    int depth = 0;
-    std::string current;
-    for (char c : line) {
-        if (c == '[')
-            ++depth;
-        else if (c == ']' && depth > 0)
-            --depth;
-        if (c == ',' && depth == 0) {
-            elements.push_back(std::move(current));
-            current.clear();
-        } else {
-            current += c;
-        }
-    }
-    elements.push_back(std::move(current));
+    forEachFirstLevelString(text, [&](std::string_view element) {
+        elements.emplace_back(element);
+        return true;
+    });
     return elements;
 }
 
