@@ -3,7 +3,9 @@
 #include "ByteReader.h"
 #include "ByteWriter.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstring>
@@ -24,6 +26,23 @@ constexpr std::int64_t largest = std::int64_t(1) << 30;
 
 // FNV-1a over eight bytes at a time, then the rest: enough to tell a
 // damaged file, at a fraction of the cost of reading it.
+// A copy older than this is no other process's write in progress, which
+// takes milliseconds, but what a process killed before its rename left.
+constexpr std::int64_t leftOverAge = 600;
+
+void removeLeftOverCopies(const QString& path)
+{
+    const QFileInfo file(path);
+    const std::int64_t before = std::int64_t(std::time(nullptr)) - leftOverAge;
+    const QString pattern = file.fileName() + QStringLiteral(".??????");
+    for (const QFileInfo& copy : file.dir().entryInfoList({pattern}, QDir::Files | QDir::Hidden | QDir::System)) {
+        struct stat status {};
+        if (::lstat(QFile::encodeName(copy.filePath()).constData(), &status) == 0 && S_ISREG(status.st_mode)
+            && std::int64_t(status.st_mtim.tv_sec) < before)
+            ::unlink(QFile::encodeName(copy.filePath()).constData());
+    }
+}
+
 std::uint64_t checksum(const char* data, std::size_t size)
 {
     constexpr std::uint64_t prime = 0x100000001b3ull;
@@ -143,8 +162,14 @@ void PathCacheFile::store(Section which, const QByteArray& bytes)
     if (descriptor < 0)
         return;
     const bool written = writeWhole(descriptor, serialize());
-    if (::close(descriptor) != 0 || !written || ::rename(temporary.constData(), QFile::encodeName(m_path).constData()) != 0)
+    if (::close(descriptor) != 0 || !written || ::rename(temporary.constData(), QFile::encodeName(m_path).constData()) != 0) {
         ::unlink(temporary.constData());
+        return;
+    }
+    if (!m_leftOversRemoved) {
+        m_leftOversRemoved = true;
+        removeLeftOverCopies(m_path);
+    }
 }
 
 } // namespace LibraryBrowser::Host

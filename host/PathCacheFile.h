@@ -55,6 +55,7 @@ private:
     QString m_path;
     std::array<QByteArray, SectionCount> m_sections;
     std::int64_t m_margin = 2'000'000'000;
+    bool m_leftOversRemoved = false;
 };
 
 } // namespace LibraryBrowser::Host

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <ctime>
 #include <functional>
 #include <map>
 #include <set>
@@ -284,6 +285,25 @@ TEST(PathCacheTest, ADamagedForeignOrUnwritableFileCostsOneWalk)
         EXPECT_EQ(walkWith(preferences.path()), all);
         EXPECT_EQ(walkWith(preferences.path()), 0);
     }
+
+    // Copies that killed processes left before their rename go once they
+    // are old; one just made may be another process's, and stays, as does
+    // what only looks like a copy.
+    const auto leftOver = [&](const char* suffix, std::int64_t age) {
+        const QString copy = file + suffix;
+        writeFile(copy, good);
+        const struct timespec dates[2] = {{std::time(nullptr) - age, 0}, {std::time(nullptr) - age, 0}};
+        ::utimensat(AT_FDCWD, QFile::encodeName(copy).constData(), dates, 0);
+        return copy;
+    };
+    const QString killed = leftOver(".Ab3xYz", 3600);
+    const QString writing = leftOver(".Qw9rTu", 5);
+    const QString lookalike = leftOver(".kept", 3600);
+    writeFile(file, QByteArray());
+    walkWith(preferences.path());
+    EXPECT_FALSE(QFileInfo::exists(killed));
+    EXPECT_TRUE(QFileInfo::exists(writing));
+    EXPECT_TRUE(QFileInfo::exists(lookalike));
 
     PathCacheFile otherRoot(preferences.path(), root + "/a");
     EXPECT_TRUE(otherRoot.section(PathCacheFile::Walk).isEmpty());
