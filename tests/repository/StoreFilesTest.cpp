@@ -138,9 +138,14 @@ TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystemAndLe
     const std::string unowned = makeDirectory("LBCache8", QString());
     // Unmarked for an hour: its process ended between making and marking it.
     const std::string unmarkedLong = makeDirectory("LBCache6", QString());
+    // Marked with nothing: its process ended between making the owner file
+    // and writing it. Kept while young, as an unmarked one.
+    const std::string emptyMarkLong = makeDirectory("LBTop5", QString(""));
+    const std::string emptyMarkNew = makeDirectory("LBTop4", QString(""));
     const time_t hourAgo = time(nullptr) - 3600;
     const utimbuf times{hourAgo, hourAgo};
     ASSERT_EQ(::utime(unmarkedLong.c_str(), &times), 0);
+    ASSERT_EQ(::utime(emptyMarkLong.c_str(), &times), 0);
     const std::string foreign = makeDirectory("LBother", endedPid);
     // Another user's, of an ended process: left to its owner, and no error.
     const std::string othersGone = makeDirectory("LBwriter4", endedPid + " 1234\n");
@@ -148,9 +153,9 @@ TEST_F(TempDirectoriesTest, TheBaseIsTheGivenDirectoryElseAMemoryFileSystemAndLe
 
     TempDirectoryOwners::removeLeftOvers(*report);
     // A running process of that id that started at another time is another process.
-    for (const std::string& removed : {gone, reused, unmarkedLong})
+    for (const std::string& removed : {gone, reused, unmarkedLong, emptyMarkLong})
         EXPECT_FALSE(exists(removed)) << removed;
-    for (const std::string& kept : {alive, unowned, foreign, mine})
+    for (const std::string& kept : {alive, unowned, emptyMarkNew, foreign, mine})
         EXPECT_TRUE(exists(kept)) << kept;
     EXPECT_TRUE(!othersMade || exists(othersGone));
     EXPECT_FALSE(report->hasError());

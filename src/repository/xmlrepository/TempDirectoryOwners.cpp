@@ -88,14 +88,17 @@ void TempDirectoryOwners::removeLeftOvers(RepositoryReport& report)
         const QString path = base.filePath(name);
         const QFileInfo info(path);
         QFile owner(path + QLatin1Char('/') + QLatin1String(OwnerFileName));
-        if (owner.open(QIODevice::ReadOnly)) {
-            const QString text = QString::fromLatin1(owner.readAll());
-            owner.close();
+        // An owner file that names no process is one whose process ended
+        // between making it and writing it: no better than none.
+        const QString text = owner.open(QIODevice::ReadOnly) ? QString::fromLatin1(owner.readAll()).trimmed()
+                                                            : QString();
+        owner.close();
+        if (!text.isEmpty()) {
             if (ownerIsRunning(text))
                 continue;
         } else if (info.lastModified().secsTo(QDateTime::currentDateTime()) < UnownedAge) {
-            // Without an owner file the directory may be one another process
-            // is making this moment; one that has stayed so for long lost its
+            // Without an owner the directory may be one another process is
+            // making this moment; one that has stayed so for long lost its
             // process between making it and marking it.
             continue;
         }
