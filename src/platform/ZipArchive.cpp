@@ -317,10 +317,16 @@ bool ZipArchive::add(const std::string& name, const QByteArray& bytes)
         std::free(copy);
         return false;
     }
-    if (zip_file_add(m_state->archive, name.c_str(), source, ZIP_FL_OVERWRITE | ZIP_FL_ENC_UTF_8) < 0) {
+    const zip_int64_t index = zip_file_add(m_state->archive, name.c_str(), source, ZIP_FL_OVERWRITE | ZIP_FL_ENC_UTF_8);
+    if (index < 0) {
         zip_source_free(source);
         return false;
     }
+    // A small entry is stored as it is. Deflating it would save a third of a
+    // few hundred bytes, and cost a compressor set up and its code tables
+    // built for each: for an icon, more than all the rest of writing it.
+    if (size < StoredBelow)
+        zip_set_file_compression(m_state->archive, zip_uint64_t(index), ZIP_CM_STORE, 0);
     return true;
 }
 

@@ -207,7 +207,8 @@ TEST_F(ZipArchiveTest, AnEntryIsReadOnlyAsFarAsItsBytesReallyGo)
     EXPECT_TRUE(anyReadSucceeds(file));
 }
 
-// The index of an archive's entries, as libzip wrote it and with a comment
+// The index of an archive's entries (the small ones stored, the others
+// deflated), as libzip wrote it and with a comment
 // behind the directory's end, as a hand-made archive may have; files that are
 // no archive fail to load with a reason; and each byte of the archive damaged
 // in turn: the index either refuses the file, or every read gives the entry's
