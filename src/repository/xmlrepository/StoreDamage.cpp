@@ -3,15 +3,13 @@
 #include "platform/ZipEntryIndex.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
+#include "repository/xmlrepository/VerifiedRecord.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
-#include <charconv>
-#include <cstring>
 #include <unordered_map>
 
 #include <sys/stat.h>
@@ -26,13 +24,6 @@ struct NotePlace {
     std::string verifiedFile;
 };
 
-// Size and date of a file as the verified record keeps them.
-struct VerifiedStamp {
-    qint64 size = -1;
-    qint64 modified = 0;
-    bool operator==(const VerifiedStamp& o) const { return size == o.size && modified == o.modified; }
-};
-
 // The date as QFileInfo gives it, in milliseconds, but from stat itself:
 // QFileInfo's date passes through the local time zone, which cost more than
 // the rest of an unchanged product's up-to-date test.
@@ -45,75 +36,14 @@ VerifiedStamp stampOf(const std::string& path)
                      qint64(status.st_mtim.tv_sec) * 1000 + qint64(status.st_mtim.tv_nsec) / 1000000};
 }
 
-// The verified records of one writable store, read once per process and
-// written back whole at each change; another process's records written in
-// between are lost, which costs only a read of those archives again.
-struct VerifiedRecords {
-    bool loaded = false;
-    bool changed = false;
-    std::unordered_map<std::string, VerifiedStamp> stamps;
-};
-
-std::unordered_map<std::string, VerifiedRecords>& verifiedRecords()
+// The verified record of each writable store, read once per process.
+VerifiedRecord& recordOf(const std::string& file)
 {
-    static std::unordered_map<std::string, VerifiedRecords> records;
-    return records;
-}
-
-VerifiedRecords& recordsOf(const std::string& file)
-{
-    VerifiedRecords& records = verifiedRecords()[file];
-    if (records.loaded)
-        return records;
-    records.loaded = true;
-    // Read whole and scanned in place: a store that has met a thousand
-    // products holds thousands of lines, and every generation reads them.
-    QByteArray text;
-    if (!readFileBytes(file, text))
-        return records;
-    const char* at = text.constData();
-    const char* const end = at + text.size();
-    while (at < end) {
-        const char* lineEnd = static_cast<const char*>(std::memchr(at, '\n', std::size_t(end - at)));
-        if (!lineEnd)
-            lineEnd = end;
-        VerifiedStamp stamp;
-        const auto size = std::from_chars(at, lineEnd, stamp.size);
-        const auto modified = size.ec == std::errc() && size.ptr < lineEnd && *size.ptr == '\t'
-                                  ? std::from_chars(size.ptr + 1, lineEnd, stamp.modified)
-                                  : std::from_chars_result{lineEnd, std::errc::invalid_argument};
-        if (modified.ec == std::errc() && modified.ptr < lineEnd && *modified.ptr == '\t') {
-            const char* path = modified.ptr + 1;
-            const char* pathEnd = lineEnd;
-            if (pathEnd > path && pathEnd[-1] == '\r')
-                --pathEnd;
-            if (pathEnd > path && !std::memchr(path, '\t', std::size_t(pathEnd - path)))
-                records.stamps[std::string(path, pathEnd)] = stamp;
-        }
-        at = lineEnd + 1;
-    }
-    return records;
-}
-
-void writeRecords(const std::string& file, const VerifiedRecords& records)
-{
-    QDir().mkpath(QFileInfo(QString::fromStdString(file)).absolutePath());
-    QSaveFile out(QString::fromStdString(file));
-    if (!out.open(QIODevice::WriteOnly))
-        return;
-    std::string text;
-    text.reserve(records.stamps.size() * 160);
-    char number[24];
-    for (const auto& [path, stamp] : records.stamps) {
-        text.append(number, std::to_chars(number, number + sizeof number, stamp.size).ptr);
-        text += '\t';
-        text.append(number, std::to_chars(number, number + sizeof number, stamp.modified).ptr);
-        text += '\t';
-        text += path;
-        text += '\n';
-    }
-    out.write(text.data(), qint64(text.size()));
-    out.commit();
+    static std::unordered_map<std::string, VerifiedRecord> records;
+    auto found = records.find(file);
+    if (found == records.end())
+        found = records.emplace(file, VerifiedRecord(file)).first;
+    return found->second;
 }
 
 // The record's key for an archive: one spelling of the file, whether the
@@ -236,9 +166,7 @@ bool StoreDamage::archiveVerified(const std::string& storeDirectory, const std::
     if (!place)
         return false;
     const VerifiedStamp stamp = stampOf(archivePath);
-    const VerifiedRecords& records = recordsOf(place->verifiedFile);
-    const auto known = records.stamps.find(recordKey(archivePath));
-    return stamp.size >= 0 && known != records.stamps.end() && known->second == stamp;
+    return stamp.size >= 0 && recordOf(place->verifiedFile).find(recordKey(archivePath)) == stamp;
 }
 
 std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const std::string& archivePath)
@@ -249,17 +177,15 @@ std::string StoreDamage::archiveDamage(const std::string& storeDirectory, const 
     const VerifiedStamp stamp = stampOf(archivePath);
     if (stamp.size < 0)
         return std::string();
-    VerifiedRecords& records = recordsOf(place->verifiedFile);
+    VerifiedRecord& record = recordOf(place->verifiedFile);
     const std::string key = recordKey(archivePath);
-    const auto known = records.stamps.find(key);
-    if (known != records.stamps.end() && known->second == stamp)
+    if (record.find(key) == stamp)
         return std::string();
     ZipEntryIndex index;
     std::string error;
     if (!index.load(archivePath, error) || !index.readsWhole(archivePath, error))
         return "the archive " + archivePath + " can't be read whole: " + error;
-    records.stamps[key] = stamp;
-    records.changed = true;
+    record.set(key, stamp);
     return std::string();
 }
 
@@ -268,23 +194,18 @@ void StoreDamage::archiveWritten(const std::string& storeDirectory, const std::s
     const NotePlace* place = placeOf(storeDirectory);
     if (!place)
         return;
-    VerifiedRecords& records = recordsOf(place->verifiedFile);
+    VerifiedRecord& record = recordOf(place->verifiedFile);
     const VerifiedStamp stamp = stampOf(archivePath);
     if (stamp.size < 0)
-        records.stamps.erase(recordKey(archivePath));
+        record.erase(recordKey(archivePath));
     else
-        records.stamps[recordKey(archivePath)] = stamp;
-    records.changed = true;
+        record.set(recordKey(archivePath), stamp);
 }
 
 void StoreDamage::saveRecords()
 {
-    for (auto& [file, records] : verifiedRecords()) {
-        if (!records.changed)
-            continue;
-        writeRecords(file, records);
-        records.changed = false;
-    }
+    for (const auto& [file, place] : places())
+        recordOf(place.verifiedFile).save();
 }
 
 } // namespace LibraryBrowser
