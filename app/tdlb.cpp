@@ -82,7 +82,17 @@ int main(int argc, char* argv[])
     if (!qEnvironmentVariableIsSet("TZ"))
         qputenv("TZ", ":/etc/localtime");
     previousHandler = qInstallMessageHandler(quietOffscreenNotices);
+    LibraryBrowser::Tdlb::CommandLine commandLine;
+    // As the application would give them.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    if (!commandLine.usesWindowSystem(arguments)) {
+        QCoreApplication application(argc, argv);
+        QCoreApplication::setApplicationName("tdlb");
+        return commandLine.run(application.arguments());
+    }
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName("tdlb");
-    return LibraryBrowser::Tdlb::CommandLine().run(application.arguments());
+    return commandLine.run(application.arguments());
 }

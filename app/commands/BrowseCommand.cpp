@@ -136,7 +136,7 @@ Command browseCommand()
 {
     return {"browse",
             "Open the library browser on the root's libraries; --screenshot renders it to a PNG without a display.",
-            configure, run, false};
+            configure, run, false, false, true};
 }
 
 } // namespace LibraryBrowser::Tdlb

@@ -29,6 +29,10 @@ struct Command {
     // and the exit code stays 0, unless another process changed the store
     // under the read: then the answer may be short, and the run fails.
     bool readOnly = false;
+    // Shows a window or paints an image, and so needs the window system's
+    // toolkit; the others run without it, whose start (a platform, its
+    // fonts) takes longer than the whole work of a small command.
+    bool usesWindowSystem = false;
 };
 
 } // namespace LibraryBrowser::Tdlb

@@ -67,6 +67,31 @@ QString CommandLine::overview() const
     return text;
 }
 
+void CommandLine::configure(QCommandLineParser& parser) const
+{
+    parser.setApplicationDescription(overview());
+    parser.addHelpOption();
+    parser.addVersionOption();
+    addHostOptions(parser);
+    parser.addOption({"verbose", "Echo the repository's report as it is written."});
+    parser.addPositionalArgument("command", "The command to run.", "command [options] [arguments]");
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+}
+
+bool CommandLine::usesWindowSystem(const QStringList& arguments) const
+{
+    Host::HostOptions options;
+    QStringList rest;
+    QString error;
+    QCommandLineParser parser;
+    configure(parser);
+    if (!Host::HostOptions::resolve(arguments, QProcessEnvironment::systemEnvironment(), options, rest, error)
+        || !parser.parse(rest) || parser.positionalArguments().isEmpty())
+        return false;
+    const Command* command = find(parser.positionalArguments().first());
+    return command && command->usesWindowSystem;
+}
+
 int CommandLine::run(const QStringList& arguments)
 {
     Host::HostOptions options;
@@ -76,13 +101,7 @@ int CommandLine::run(const QStringList& arguments)
         return usageError(error);
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(overview());
-    parser.addHelpOption();
-    parser.addVersionOption();
-    addHostOptions(parser);
-    parser.addOption({"verbose", "Echo the repository's report as it is written."});
-    parser.addPositionalArgument("command", "The command to run.", "command [options] [arguments]");
-    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    configure(parser);
     if (!parser.parse(rest))
         return usageError(parser.errorText());
     if (parser.isSet("help") || parser.isSet("help-all")) {

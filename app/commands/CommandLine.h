@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+class QCommandLineParser;
+
 #include <vector>
 
 namespace LibraryBrowser::Tdlb {
@@ -16,8 +18,13 @@ public:
 
     // The arguments start with the program's name.
     int run(const QStringList& arguments);
+    // Whether the command the arguments name shows a window or paints; false
+    // for arguments that name none.
+    bool usesWindowSystem(const QStringList& arguments) const;
 
 private:
+    // The options before the command's name, and the name.
+    void configure(QCommandLineParser& parser) const;
     const Command* find(const QString& name) const;
     QString overview() const;
 

@@ -97,7 +97,7 @@ int run(const QCommandLineParser& parser, const QStringList& arguments, CommandC
 Command pageCommand()
 {
     return {"page", "Show the blocks page of a library or subsystem; --screenshot renders it to a PNG.", configure,
-            run};
+            run, true, false, true};
 }
 
 } // namespace LibraryBrowser::Tdlb

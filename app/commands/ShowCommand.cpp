@@ -116,7 +116,7 @@ int run(const QCommandLineParser& parser, const QStringList& arguments, CommandC
 
 Command showCommand()
 {
-    return {"show", "Show every attribute of an object; write its icon.", configure, run, true, true};
+    return {"show", "Show every attribute of an object; write its icon.", configure, run, true, true, true};
 }
 
 } // namespace LibraryBrowser::Tdlb
