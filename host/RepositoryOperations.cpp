@@ -1,6 +1,7 @@
 #include "RepositoryOperations.h"
 
 #include "BlockPath.h"
+#include "DirectoryTree.h"
 #include "IconRenderer.h"
 #include "OpenDirectory.h"
 #include "RootWalk.h"
@@ -344,8 +345,7 @@ RepositoryOperations::CallResult RepositoryOperations::removeDirectory(int outpu
     if (target == QDir::rootPath() || root == target || root.startsWith(target + QLatin1Char('/')))
         return answer(false, "Refusing to remove " + path + ", which holds the host root.",
                       "Tandril:Host:rmdir:Refused");
-    QDir directory(target);
-    const bool removed = mode == "s" ? directory.removeRecursively() : directory.rmdir(target);
+    const bool removed = mode == "s" ? DirectoryTree::remove(target) : QDir(target).rmdir(target);
     if (!removed)
         return answer(false, "Could not remove " + path + (mode == "s" ? "." : ": it is not empty."),
                       "Tandril:Host:rmdir:Failed");

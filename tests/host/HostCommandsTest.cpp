@@ -197,13 +197,20 @@ TEST(IconRendererTest, IconsAreSmallValidAndTheSameEachTime)
 }
 
 // rmdir without "s" removes only an empty directory; with it, a whole tree,
-// but never one that holds the root.
+// hidden files and links included, but never what a link leads to, nor a
+// tree that holds the root.
 TEST(RemoveDirectory, RemovesATreeAndAnswersStatusMessageAndId)
 {
     HostFixture fixture(HostOptions::bundledRoot());
     QTemporaryDir temp;
     const QString doomed = temp.path() + "/LBwriter1";
     QDir().mkpath(doomed + "/inner");
+    const QString kept = temp.path() + "/kept";
+    LibraryBrowser::Testing::writeFile((doomed + "/inner/deeper/f1icon.xml").toStdString(), "<svg/>");
+    LibraryBrowser::Testing::writeFile((doomed + "/.hidden").toStdString(), "x");
+    LibraryBrowser::Testing::writeFile((kept + "/outside.xml").toStdString(), "<svg/>");
+    ASSERT_TRUE(QFile::link(kept, doomed + "/inner/link"));
+    ASSERT_TRUE(QFile::link(kept + "/outside.xml", doomed + "/fileLink"));
     // Removed (as a logical), message, id.
     const auto rmdir = [&](const QString& path, std::vector<HostValue> flag = {str("s")}) {
         flag.insert(flag.begin(), {str("rmdir"), str(path.toStdString())});
@@ -218,6 +225,7 @@ TEST(RemoveDirectory, RemovesATreeAndAnswersStatusMessageAndId)
     EXPECT_TRUE(QFileInfo::exists(doomed + "/inner"));
     EXPECT_EQ(rmdir(doomed), (Strings{"1", "", ""}));
     EXPECT_FALSE(QFileInfo::exists(doomed));
+    EXPECT_TRUE(QFileInfo::exists(kept + "/outside.xml")) << "a link's target stays";
     EXPECT_EQ(rmdir(doomed), (Strings{"0", "No directory " + path + " to remove.", "Tandril:Host:rmdir:NotFound"}));
     EXPECT_EQ(rmdir(QDir(HostOptions::bundledRoot()).absoluteFilePath("..")).at(2), "Tandril:Host:rmdir:Refused");
     EXPECT_TRUE(QFileInfo::exists(HostOptions::bundledRoot()));
