@@ -11,9 +11,11 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <cstdio>
+#include <cerrno>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace LibraryBrowser::Host {
 
@@ -27,14 +29,26 @@ HostValue row(std::vector<double> values)
     return HostValue::doubleMatrix(1, columns, std::move(values));
 }
 
-bool writeFile(const QString& path, const QByteArray& bytes)
+// Writes the file named `name` in the directory open as `directory` (or
+// named from the working directory where that is -1).
+bool writeFile(int directory, const QByteArray& name, const QByteArray& bytes)
 {
-    std::FILE* file = std::fopen(QFile::encodeName(path).constData(), "wb");
-    if (!file)
+    const int file = ::openat(directory < 0 ? AT_FDCWD : directory, name.constData(),
+                              O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (file < 0)
         return false;
-    const bool written = std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file)
-                         == static_cast<std::size_t>(bytes.size());
-    return std::fclose(file) == 0 && written;
+    const char* at = bytes.constData();
+    std::size_t left = std::size_t(bytes.size());
+    while (left > 0) {
+        const ssize_t count = ::write(file, at, left);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            break;
+        at += count;
+        left -= std::size_t(count);
+    }
+    return ::close(file) == 0 && left == 0;
 }
 } // namespace
 
@@ -305,21 +319,31 @@ RepositoryOperations::CallResult RepositoryOperations::createSubSystemIcons(int 
         if (child == BlockTree::none || !iconOf(child, icons[i], issue))
             return reportFailure(report, invalidFile, "lb_createSubSystemIcons: " + issue.toString());
     }
-    QString madeDirectory;
+    // Each file is made from its directory, held open while files of the
+    // same directory follow: a library's icons go to a few directories, and
+    // a path walked again for each one cost more than its writing.
+    QByteArray madeDirectory;
+    int directory = -1;
     std::string failed;
     for (std::size_t i = 0; i < files.size(); ++i) {
-        const QString file = QString::fromStdString(files[i]);
-        const QString directory = QFileInfo(file).absolutePath();
-        if (directory != madeDirectory) {
-            QDir().mkpath(directory);
-            madeDirectory = directory;
+        const QByteArray file = QFile::encodeName(QString::fromStdString(files[i]));
+        const qsizetype slash = file.lastIndexOf('/');
+        const QByteArray parent = slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : file.left(slash);
+        if (parent != madeDirectory || directory < 0) {
+            if (directory >= 0)
+                ::close(directory);
+            QDir().mkpath(QFile::decodeName(parent));
+            directory = file.contains('\0') ? -1 : ::open(parent.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+            madeDirectory = parent;
         }
-        if (!writeFile(file, icons[i])) {
+        if (directory < 0 || !writeFile(directory, file.mid(slash + 1), icons[i])) {
             failed = "lb_createSubSystemIcons: cannot write the icon file " + files[i];
             if (report)
                 report->logError("Tandril:Host:WriteFailed", failed);
         }
     }
+    if (directory >= 0)
+        ::close(directory);
     if (!failed.empty())
         return CallArguments::failure("Tandril:Host:WriteFailed", failed);
     return CallArguments::success("tdprivate lb_createSubSystemIcons", outputCount, {});

@@ -151,18 +151,29 @@ TEST_F(ExampleRoot, TdBlocksChildrenBlockAndLibraryDataAndPathsWithDoubledSlashe
     EXPECT_TRUE(contains(fixture.errors()[0], "Nothing Here"));
     EXPECT_FALSE(icons(wrong, {a}).ok);
     EXPECT_TRUE(QDir(drawings.path()).isEmpty());
-    // Otherwise one valid drawing per child.
+    // Otherwise one valid drawing per child, in directories made as needed
+    // and met again.
     const auto handles = fixture.children(parent);
     Strings paths, files;
     for (std::size_t i = 0; i < handles.size(); ++i) {
         paths.push_back(parent + "/" + fixture.blockData(handles[i]).at(0).toString());
-        files.push_back((drawings.path() + QStringLiteral("/d1/f%1icon.xml").arg(i)).toStdString());
+        files.push_back((drawings.path() + (i % 3 ? QStringLiteral("/d1/f%1icon.xml") : QStringLiteral("/d2/d3/f%1icon.xml")).arg(i))
+                            .toStdString());
     }
     const auto drawn = icons(paths, files);
     ASSERT_TRUE(drawn.ok) << drawn.errorMessage;
     for (const std::string& file : files)
         EXPECT_TRUE(QSvgRenderer(QString::fromStdString(file)).isValid()) << file;
     EXPECT_TRUE(LibraryBrowser::Testing::readFile(files.at(10)).contains("n++"));
+    // A file that can't be made fails the call; the others are written.
+    const std::string blocked = (drawings.path() + "/plain").toStdString();
+    LibraryBrowser::Testing::writeFile(blocked, "a file, not a directory");
+    files[1] = blocked + "/f1icon.xml";
+    QFile::remove(QString::fromStdString(files[2]));
+    const auto refused = icons(paths, files);
+    EXPECT_EQ(refused.errorId, "Tandril:Host:WriteFailed");
+    EXPECT_TRUE(contains(refused.errorMessage, blocked + "/f1icon.xml"));
+    EXPECT_TRUE(QSvgRenderer(QString::fromStdString(files[2])).isValid()) << "written after the one that failed";
 }
 
 // Only a subsystem carries the filled corner mark and only a reference the
