@@ -4,6 +4,7 @@
 #include "model/Serializer.h"
 #include "platform/ErrorHolder.h"
 #include "platform/FileFaults.h"
+#include "repository/xmlrepository/DirectoryReader.h"
 #include "repository/xmlrepository/RepositoryFiles.h"
 #include "repository/xmlrepository/RepositoryPaths.h"
 #include "repository/xmlrepository/SearchIndexWriter.h"
@@ -173,12 +174,16 @@ bool ArchiveUpdater::updateArchive(ZipArchive& archive, const std::vector<std::s
     m_context.report->log("Updating archive " + path);
     const std::string prefix = m_context.tempDirectory() + "/";
     qint64 pending = 0;
+    // Each file is read from its directory, held open while files of the
+    // same directory follow: a library's icons lie in a few directories, and
+    // a path walked again for each one cost more than its reading.
+    DirectoryReader directory;
     for (const std::string& file : files) {
         const std::string name = file.compare(0, prefix.size(), prefix) == 0 ? file.substr(prefix.size()) : file;
         // A file the host did not write is passed over: the reader then
         // finds no icon rather than an empty one.
         QByteArray bytes;
-        if (!readFileBytes(file, bytes))
+        if (!directory.read(file, bytes))
             continue;
         if (!archive.add(name, bytes)) {
             m_context.report->logError("Unable to add " + name + " to archive " + path);

@@ -303,8 +303,13 @@ bool holdsBytes(const std::string& path, const QByteArray& bytes)
 
 bool readFileBytes(const std::string& path, QByteArray& bytes)
 {
+    return readFileBytes(AT_FDCWD, path, bytes);
+}
+
+bool readFileBytes(int directory, const std::string& name, QByteArray& bytes)
+{
     bytes.clear();
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = ::openat(directory, name.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
     struct stat status;

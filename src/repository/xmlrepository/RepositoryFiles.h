@@ -87,6 +87,8 @@ bool holdsBytes(const std::string& path, const QByteArray& bytes);
 // system's calls: QFile's open alone adds three, and a generation reads back
 // a file for each of thousands of icons.
 bool readFileBytes(const std::string& path, QByteArray& bytes);
+// The same for a file named from a directory open as `directory`.
+bool readFileBytes(int directory, const std::string& name, QByteArray& bytes);
 // Whether the process runs as the automated build account; decided once.
 bool isAutomatedBuildUser();
 // Waits for about count milliseconds.
