@@ -300,6 +300,13 @@ TEST(RepositoryPathsTest, SanitizeNameEscapesAllButLettersDigitsAndUnderscore)
     };
     for (const auto& [name, sanitized] : cases)
         EXPECT_EQ(sanitizeName(name), sanitized) << name;
+    // Each character is escaped on its own, so a name of ASCII alone (read
+    // byte by byte) gives what it gives within a name that is not.
+    const std::string beyond = "\u00e9";
+    for (int code = 0; code < 0x80; ++code) {
+        const std::string ascii = "a" + std::string(1, char(code)) + "_Z9";
+        EXPECT_EQ(sanitizeName(ascii) + sanitizeName(beyond), sanitizeName(ascii + beyond)) << code;
+    }
     EXPECT_EQ(sanitizePath("my lib/a//b/c_d"), "my_20lib/a_2f_2fb/c__d");
 
     // Splitting keeps doubled slashes in names; absolute and relative forms.

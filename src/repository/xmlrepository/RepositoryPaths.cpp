@@ -83,6 +83,27 @@ std::string forwardSlashes(const std::string& path)
 
 std::string sanitizeName(const std::string& name)
 {
+    // An ASCII name, as names mostly are, byte by byte: a check of the store
+    // names the damage note of each of its products.
+    if (std::all_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+        static const char digits[] = "0123456789abcdef";
+        std::string result;
+        result.reserve(name.size() * 2);
+        for (char c : name) {
+            if (c == '\\')
+                c = '/';
+            if (c == '_') {
+                result += "__";
+            } else if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) {
+                result += c;
+            } else {
+                result += '_';
+                result += digits[c >> 4];
+                result += digits[c & 15];
+            }
+        }
+        return result;
+    }
     QString text = QString::fromStdString(name);
     text.replace(QLatin1String("_"), QLatin1String("__"));
     text.replace(QLatin1Char('\\'), QLatin1Char('/'));
