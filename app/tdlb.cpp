@@ -87,12 +87,15 @@ int main(int argc, char* argv[])
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
+    // Once the application is made.
+    const auto run = [&commandLine] {
+        QCoreApplication::setApplicationName("tdlb");
+        return commandLine.run(QCoreApplication::arguments());
+    };
     if (!commandLine.usesWindowSystem(arguments)) {
         QCoreApplication application(argc, argv);
-        QCoreApplication::setApplicationName("tdlb");
-        return commandLine.run(application.arguments());
+        return run();
     }
     QApplication application(argc, argv);
-    QCoreApplication::setApplicationName("tdlb");
-    return commandLine.run(application.arguments());
+    return run();
 }

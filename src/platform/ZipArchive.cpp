@@ -328,6 +328,8 @@ bool ZipArchive::add(const std::string& name, const QByteArray& bytes)
     // Larger ones are deflated at zlib's usual level rather than libzip's
     // highest, which takes more than twice as long on a product's manifests
     // to make them 2 % smaller. Where the level can't be set, libzip's stays.
+    constexpr std::size_t StoredBelow = 1024;
+    constexpr zip_uint32_t DeflateLevel = 6;
     if (size < StoredBelow)
         zip_set_file_compression(m_state->archive, zip_uint64_t(index), ZIP_CM_STORE, 0);
     else

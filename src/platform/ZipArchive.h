@@ -54,10 +54,6 @@ public:
     Entry find(const std::string& name) const;
     // The entry's bytes; false (and `bytes` empty) if it cannot be read.
     bool read(const Entry& entry, QByteArray& bytes) const;
-    // Entries of fewer bytes are stored, larger ones deflated at this level.
-    static constexpr int StoredBelow = 1024;
-    static constexpr int DeflateLevel = 6;
-
     // Adds or replaces the entry; the bytes are copied.
     bool add(const std::string& name, const QByteArray& bytes);
     bool remove(const Entry& entry);
