@@ -48,11 +48,17 @@ LibraryImpl* XMLRepositoryReader::storedProduct(const TandrilObject& product)
     const ModelPtr topLevel = topLevelManifest();
     if (!topLevel)
         return nullptr;
-    for (TandrilObjectImpl* node : topLevel->getNodes())
-        if (node->getUniquePath() == product.id())
+    if (m_indexedModel.lock() != topLevel || m_indexedRevision != topLevel->revision()) {
+        m_productIndex.clear();
+        // The first valid node of a path is the one that counts.
+        for (TandrilObjectImpl* node : topLevel->getNodes())
             if (auto* stored = dynamic_cast<LibraryImpl*>(node); stored && !stored->getIsInvalid())
-                return stored;
-    return nullptr;
+                m_productIndex.emplace(node->getUniquePath(), stored);
+        m_indexedModel = topLevel;
+        m_indexedRevision = topLevel->revision();
+    }
+    const auto found = m_productIndex.find(product.id());
+    return found == m_productIndex.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<const SearchIndex> XMLRepositoryReader::getSearchIndex(const TandrilObject& product)

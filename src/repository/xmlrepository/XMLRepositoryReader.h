@@ -3,8 +3,10 @@
 #include "repository/RepositoryReader.h"
 #include "repository/xmlrepository/XMLRepositoryReaderCache.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace LibraryBrowser {
@@ -53,9 +55,19 @@ private:
     bool isLibraryTreeUpToDate(const Library& library, LibraryImpl& node, bool ignoreTimestamp);
     bool compareLibrary(const LibraryImpl& library, bool ignoreTimestamp);
 
+    struct StringIdHash {
+        std::size_t operator()(const StringId& id) const { return id.hash(); }
+    };
+
     std::string m_directory;
     RepositoryReportPtr m_report;
     std::unique_ptr<XMLRepositoryReaderCache> m_cache;
+    // The top-level manifest's products by unique path, for the model and
+    // revision it was made from: a search of every node for each of a
+    // thousand products' up-to-date tests grew with the square of the store.
+    std::weak_ptr<const Model> m_indexedModel;
+    std::uint64_t m_indexedRevision = 0;
+    std::unordered_map<StringId, LibraryImpl*, StringIdHash> m_productIndex;
     // The palettes whose members are being judged now, by unique path: a
     // palette met again inside its own judgement closes a cycle.
     std::vector<std::string> m_palettesJudged;
