@@ -76,6 +76,7 @@ TEST(VerifiedRecordTest, ProcessesAddTheirChangesAndTheFileStaysBounded)
         EXPECT_LE(a.lineCount(), 2 * 4 + 64 + 1u) << i;
     }
     EXPECT_LT(lineCount(file), linesBefore + 200) << "written anew on the way";
+    EXPECT_EQ(a.find(icons), (VerifiedStamp{199, 9000})) << "a process sees its own changes";
     VerifiedRecord e(file);
     EXPECT_EQ(e.find(icons), (VerifiedStamp{199, 9000}));
     EXPECT_EQ(e.find(manifests), third);

@@ -22,7 +22,7 @@ namespace {
 // a small record.
 constexpr std::size_t SlackLines = 64;
 
-void appendLine(std::string& text, const std::string& key, const VerifiedStamp& stamp)
+void appendLine(std::string& text, std::string_view key, const VerifiedStamp& stamp)
 {
     char number[24];
     text.append(number, std::to_chars(number, number + sizeof number, stamp.size).ptr);
@@ -34,12 +34,12 @@ void appendLine(std::string& text, const std::string& key, const VerifiedStamp& 
 }
 
 // The directory that holds the archive's product directory: the store.
-std::string storeOf(const std::string& key)
+std::string storeOf(std::string_view key)
 {
     const std::size_t product = key.rfind('/');
-    const std::size_t store = product == std::string::npos || product == 0 ? std::string::npos
-                                                                             : key.rfind('/', product - 1);
-    return store == std::string::npos ? std::string() : key.substr(0, store);
+    const std::size_t store = product == std::string_view::npos || product == 0 ? std::string_view::npos
+                                                                                  : key.rfind('/', product - 1);
+    return store == std::string_view::npos ? std::string() : std::string(key.substr(0, store));
 }
 
 } // namespace
@@ -56,7 +56,10 @@ VerifiedStamp VerifiedRecord::find(const std::string& key)
 void VerifiedRecord::set(const std::string& key, const VerifiedStamp& stamp)
 {
     load();
-    m_stamps[key] = stamp;
+    if (const auto known = m_stamps.find(key); known != m_stamps.end())
+        known->second = stamp;
+    else
+        m_stamps.emplace(m_ownKeys.emplace_back(key), stamp);
     m_pending.emplace_back(key, stamp);
 }
 
@@ -77,8 +80,11 @@ void VerifiedRecord::load()
     QByteArray text;
     if (!readFileBytes(m_file, text))
         return;
-    const char* at = text.constData();
-    const char* const end = at + text.size();
+    m_text.assign(text.constData(), text.constData() + text.size());
+    // Lines are about 150 bytes: the table is made once at its size.
+    m_stamps.reserve(m_text.size() / 128);
+    const char* at = m_text.data();
+    const char* const end = at + m_text.size();
     while (at < end) {
         const char* lineEnd = static_cast<const char*>(std::memchr(at, '\n', std::size_t(end - at)));
         if (!lineEnd)
@@ -94,11 +100,11 @@ void VerifiedRecord::load()
             if (pathEnd > path && pathEnd[-1] == '\r')
                 --pathEnd;
             if (pathEnd > path && !std::memchr(path, '\t', std::size_t(pathEnd - path))) {
-                std::string key(path, pathEnd);
+                const std::string_view key(path, std::size_t(pathEnd - path));
                 if (stamp.size < 0)
                     m_stamps.erase(key);
                 else
-                    m_stamps[std::move(key)] = stamp;
+                    m_stamps.insert_or_assign(key, stamp);
                 ++m_lines;
             }
         }

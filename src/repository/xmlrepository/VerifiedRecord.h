@@ -3,7 +3,9 @@
 #include <QtGlobal>
 
 #include <cstddef>
+#include <deque>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -49,7 +51,13 @@ private:
     std::string m_file;
     bool m_loaded = false;
     std::size_t m_lines = 0;
-    std::unordered_map<std::string, VerifiedStamp> m_stamps;
+    // The file as read, which the keys of its lines point into: a store of
+    // a thousand products has thousands of lines, and each key made a
+    // string of its own cost a millisecond of every command.
+    std::vector<char> m_text;
+    // Keys this process added; a deque, so that they stay where they are.
+    std::deque<std::string> m_ownKeys;
+    std::unordered_map<std::string_view, VerifiedStamp> m_stamps;
     // Archives changed since the last save, in order; a size of -1 is one
     // taken out.
     std::vector<std::pair<std::string, VerifiedStamp>> m_pending;
