@@ -35,14 +35,22 @@ Library ReaderCache::getProduct(const std::string& id)
     const auto known = m_products.find(key);
     if (known != m_products.end() && isProductOfKey(known->second.getData()->node()))
         return known->second;
+    // One pass learns every product's keys, the first product of each key
+    // as a scan for it would find it: a scan per product asked for made a
+    // read of every product grow with the square of their number.
+    std::unordered_map<std::string, Library> first;
     for (TandrilObjectIterator it = getProductsIterator(); it.isValidIterator(); it.next()) {
         const Library library = it.current().toLibrary();
-        if (isProductOfKey(library.getImpl())) {
-            m_products[key] = library;
-            return library;
-        }
+        const auto* node = static_cast<const LibraryImpl*>(library.getImpl());
+        if (!node || !node->getIsProduct())
+            continue;
+        first.emplace(node->getUniquePath().str(), library);
+        first.emplace(node->getDisplayPath(), library);
     }
-    return Library();
+    for (auto& [name, library] : first)
+        m_products[name] = library;
+    const auto found = m_products.find(key);
+    return found != m_products.end() && isProductOfKey(found->second.getData()->node()) ? found->second : Library();
 }
 
 Library ReaderCache::getProductOf(const TandrilObject& object)

@@ -200,6 +200,28 @@ TEST_F(ReadCacheTest, ReferencesAndMissingIcons)
     EXPECT_FALSE(report->hasError());
 }
 
+// A product asked for by key is the first product, in the top level's
+// order, whose unique path or display path is the key, even where a later
+// product's unique path is the key too; a key that no product has is none.
+TEST_F(ReadCacheTest, AProductIsTheFirstWhosePathIsTheKey)
+{
+    const ModelPtr top = reader->topLevelManifest();
+    ASSERT_TRUE(top);
+    LibraryImpl* alpha = nullptr;
+    for (TandrilObjectImpl* node : top->getNodes())
+        if (node->getUniquePath().str() == "Alpha")
+            alpha = dynamic_cast<LibraryImpl*>(node);
+    ASSERT_NE(alpha, nullptr);
+    top->beginChangeSet();
+    alpha->setDisplayPath("Beta");
+    top->commitChangeSet();
+
+    EXPECT_EQ(reader->getProduct("Beta/B1").getName(), "Alpha") << "Alpha comes first";
+    EXPECT_EQ(reader->getProduct("Alpha-Shared/S1").getName(), "Alpha");
+    EXPECT_TRUE(reader->getProduct("AlphaPath").isNull()) << "no product is shown so any more";
+    EXPECT_TRUE(reader->getProduct("Nope").isNull());
+}
+
 // Two readers on one directory both hear of changes however it is spelled;
 // each read checks the store's archive.
 // (Copies per product cache and their going with an unload or the reader

@@ -77,13 +77,11 @@ void VerifiedRecord::load()
     m_loaded = true;
     // Read whole and scanned in place: a store that has met a thousand
     // products holds thousands of lines, and every generation reads them.
-    QByteArray text;
-    if (!readFileBytes(m_file, text))
+    if (!readFileBytes(m_file, m_text))
         return;
-    m_text.assign(text.constData(), text.constData() + text.size());
     // Lines are about 150 bytes: the table is made once at its size.
-    m_stamps.reserve(m_text.size() / 128);
-    const char* at = m_text.data();
+    m_stamps.reserve(std::size_t(m_text.size()) / 128);
+    const char* at = m_text.constData();
     const char* const end = at + m_text.size();
     while (at < end) {
         const char* lineEnd = static_cast<const char*>(std::memchr(at, '\n', std::size_t(end - at)));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QByteArray>
 
 #include <cstddef>
 #include <deque>
@@ -54,7 +54,7 @@ private:
     // The file as read, which the keys of its lines point into: a store of
     // a thousand products has thousands of lines, and each key made a
     // string of its own cost a millisecond of every command.
-    std::vector<char> m_text;
+    QByteArray m_text;
     // Keys this process added; a deque, so that they stay where they are.
     std::deque<std::string> m_ownKeys;
     std::unordered_map<std::string_view, VerifiedStamp> m_stamps;
